@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "tools/Api.h"
+#include "tools/String.h"
+
+/// Bytes that an archive reads or writes. The base class is a file on disk; CCustomMemFile keeps them in memory.
+///
+/// Writing goes to a file beside the target, which CloseFile(true) puts in its place after fsync: a crash or a full disk
+/// leaves the old file whole.
+class ZEL_API IoFile {
+public:
+    /// `silent`: no message on failure. `options` are kept and not looked at.
+    explicit IoFile(bool silent = true, unsigned int options = 0);
+    virtual ~IoFile();                                  // an open write is dropped
+    IoFile(const IoFile&) = delete;
+    IoFile& operator=(const IoFile&) = delete;
+
+    /// `mode` 1 reads, 0 writes. The last argument is unused.
+    virtual bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved);
+    /// Ends reading or writing; with `keep` false a written file is dropped. False when the bytes did not reach the disk.
+    virtual bool CloseFile(bool keep = true);
+    virtual bool IsOpen() const;
+
+    /// Number of bytes read, less than asked at the end or on an error.
+    virtual std::size_t ReadBytes(void* bytes, std::size_t size);
+    virtual bool WriteBytes(const void* bytes, std::size_t size);
+    virtual std::uint64_t GetPosition() const;
+    virtual bool SetPosition(std::uint64_t position);
+    /// Size of the file; ~0 when it cannot be told (a pipe).
+    virtual std::uint64_t GetLength() const;
+
+private:
+    int m_handle = -1;
+    bool m_silent;
+    bool m_writing = false;
+    unsigned int m_options;
+    CXTString<wchar_t> m_target;
+    CXTString<wchar_t> m_temporary;
+};
+
+/// File in memory: owned and growing, or over somebody else's bytes (reading only).
+class ZEL_API CCustomMemFile : public IoFile {
+public:
+    /// Empty, for writing. Grows by at least `growStep` bytes, and by half its size when that is more.
+    explicit CCustomMemFile(unsigned int growStep = 1024);
+    /// Reads `size` bytes at `bytes`, which stay the caller's.
+    CCustomMemFile(const void* bytes, std::size_t size);
+    ~CCustomMemFile() override;
+
+    bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved) override;   // rewinds
+    bool CloseFile(bool keep = true) override;
+    bool IsOpen() const override;
+    std::size_t ReadBytes(void* bytes, std::size_t size) override;
+    bool WriteBytes(const void* bytes, std::size_t size) override;
+    std::uint64_t GetPosition() const override;
+    bool SetPosition(std::uint64_t position) override;
+    std::uint64_t GetLength() const override;
+
+    const void* GetBytes() const;
+
+private:
+    unsigned int m_growStep;
+    unsigned char* m_bytes = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
+    std::size_t m_position = 0;
+    bool m_owned = true;
+};
