@@ -1,0 +1,21 @@
+#pragma once
+
+// What stands between a parser's scene and everybody else's: the import checkout after reading, the export preparation before
+// writing. C3DIo calls these and nothing else.
+
+#include "io/SceneOptions.h"
+
+class C3DParser;
+class C3DScene;
+
+/// Brings what a parser delivered into the state that the rest of the system counts on. With IMPORT_NO_CHECKOUT nothing happens.
+/// The scene's up axis becomes z.
+void CheckoutImport(C3DScene& scene, CSceneImportOptions& options);
+
+/// The scene to write: a copy prepared as the options tell, or the scene itself with EXPORT_IN_PLACE. Null when that fails.
+C3DScene* InitExport(C3DScene& scene, CSceneExportOptions& options);
+/// Releases the copy.
+void ReleaseExport(CSceneExportOptions& options);
+
+/// The sheet of export options; true on OK.
+bool ShowExportSheet(C3DParser& parser, CSceneExportOptions& options);

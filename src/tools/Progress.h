@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tools/Api.h"
+#include "tools/String.h"
+
+class CWnd;
+struct ProgressState;
+
+/// Shows how far an operation is. A host or tool installs one for its thread with CProgressScope.
+class ZEL_API IProgressSink {
+public:
+    virtual ~IProgressSink();
+    /// `fraction` is 0 to 1 over the whole operation. False asks the operation to stop.
+    virtual bool OnProgress(const CXTString<wchar_t>& text, double fraction) = 0;
+};
+
+/// Makes a sink the thread's current one as long as the scope lives; the former one comes back. Null: nothing is shown.
+class ZEL_API CProgressScope {
+public:
+    explicit CProgressScope(IProgressSink* sink);
+    ~CProgressScope();
+    CProgressScope(const CProgressScope&) = delete;
+    CProgressScope& operator=(const CProgressScope&) = delete;
+
+    static IProgressSink* GetCurrentSink();
+
+private:
+    ProgressState* m_former;
+    struct ProgressState* m_state;
+};
+
+/// Progress of one operation on this thread. Inside another one it covers the step that the outer one is at.
+///
+/// Without a sink a step costs a comparison. With one, the sink hears of about a thousandth of the range at a time.
+/// Once cancelled, everything below the same scope stays cancelled.
+class ZEL_API CProgress {
+public:
+    explicit CProgress(const CXTString<wchar_t>& text, std::uint64_t range = 1);
+    ~CProgress();
+    CProgress(const CProgress&) = delete;
+    CProgress& operator=(const CProgress&) = delete;
+
+    /// False when the user wants to stop.
+    bool SetPos(std::uint64_t position)
+    {
+        m_position = position;
+        return position < m_next ? !m_cancelled : Notify();
+    }
+    bool Step(std::uint64_t count = 1) { return SetPos(m_position + count); }
+    std::uint64_t GetPos() const { return m_position; }
+    void SetRange(std::uint64_t range);
+    /// Tells the sink at once.
+    bool SetText(const CXTString<wchar_t>& text);
+    bool IsCancelled() const;
+
+private:
+    bool Notify();
+    double GetFraction() const;
+
+    CXTString<wchar_t> m_text;
+    std::uint64_t m_range, m_position = 0, m_next = 0;
+    bool m_cancelled = false;
+    CProgress* m_outer = nullptr;
+    struct ProgressState* m_state = nullptr;
+};
+
+/// Progress window over a parent. It uses the thread's sink, or else one that the window system gives.
+class ZEL_API CProgressDlg {
+public:
+    CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent = nullptr);
+    ~CProgressDlg();
+    CProgressDlg(const CProgressDlg&) = delete;
+    CProgressDlg& operator=(const CProgressDlg&) = delete;
+
+    void SetRange(int lower, int upper);
+    void SetStep(int step) { m_step = step; }
+    void SetStatus(const CXTString<wchar_t>& text);
+    /// With `update` the window shows it at once.
+    void SetPos(int position, bool update = true);
+    void StepIt();
+    /// True when the user pressed cancel.
+    bool CheckCancelButton();
+
+private:
+    IProgressSink* m_ownSink;
+    CProgressScope* m_scope;
+    CProgress* m_progress;
+    int m_lower = 0, m_step = 1, m_position = 0;
+};
