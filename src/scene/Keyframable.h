@@ -1,0 +1,92 @@
+#pragma once
+
+#include "scene/Keyframe.h"
+#include "tools/Array.h"
+
+/// Bits of a key lookup. See C3DKeyframable::GetKey.
+enum _KEY_LOOKUP : unsigned int {
+    KEY_BEFORE = 1,
+    KEY_AFTER = 2,
+    KEY_EXACT = 4,
+};
+
+/// Bits of C3DKeyframable::CreateKey.
+enum _KEY_CREATION : unsigned int {
+    KEY_ALWAYS_NEW = 1,       ///< replaces a key of that time and class
+    KEY_KEEP_DEFAULT = 2,     ///< leaves the class's default value, instead of the animation's value at that time
+};
+
+/// Whatever can answer for keys.
+class ZEL_API C3DAnimatable {
+public:
+    virtual ~C3DAnimatable();
+    /// From the first key to the last; (0, 0) without keys.
+    virtual CTimeRange GetTimeRange(std::uint64_t classId) = 0;
+    /// The key that C3DKeyframable::GetKey describes. Its time, or -1 without a key, goes to `keyTime`, which may be null.
+    virtual const C3DKeyframe* GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const = 0;
+
+    /// Time of the key that GetConstKey finds; `time` itself when it finds none.
+    int GetKeyTime(int time, unsigned int mode, std::uint64_t classId) const;
+};
+
+/// One place of a key list.
+struct _KeyframeInfo {
+    int time;
+    C3DKeyframe* key;         ///< owned by the list
+};
+
+/// A list of keys, sorted by time. At one time there is at most one key of a class id; keys of different class ids at one
+/// time stay in the order in which they were added.
+///
+/// Times are frames. A class id of 0 stands for every key.
+class ZEL_API C3DKeyframable : public C3DAnimatable {
+public:
+    C3DKeyframable() = default;
+    C3DKeyframable(const C3DKeyframable& other);
+    ~C3DKeyframable() override;
+    CTimeRange GetTimeRange(std::uint64_t classId) override;
+    const C3DKeyframe* GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const override;
+    /// Number of keys, then time, class id and contents of each. Loading replaces all keys; a type id that is not known
+    /// throws ARCHIVE_UNKNOWN_TYPE.
+    virtual void Serialize(CXArchive& ar);
+
+    /// Takes ownership of the key and puts it in its place, where it replaces a key of the same time and class id.
+    /// Returns its index; -1 for null. Cost: a search, and a move of the places behind.
+    int AddKey(int time, C3DKeyframe* key);
+    /// Adds a copy.
+    int AddKey(int time, const C3DKeyframe& key);
+    /// The key at that time, made when there is none; the way in which all setters of animated values reach their key.
+    /// `flags`: _KEY_CREATION. A new key takes the value that the animation has there, so that nothing changes.
+    /// Null for an unknown type id.
+    C3DKeyframe* CreateKey(int time, std::uint64_t classId, unsigned int flags);
+
+    /// Finds a key. The list keeps it.
+    ///
+    /// @param mode     _KEY_LOOKUP bits: 1 the last key before `time`; 4 the one at `time` (the last of several classes);
+    ///                 5 the last at or before `time`; 2 or 3 the first after `time`; 6 or 7 that, else the one at `time`
+    /// @param keyTime  out: time of the key, -1 when there is none; may be null
+    C3DKeyframe* GetKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const;
+    /// The same for the class id of `out`, which is assigned the key's value; false when there is none.
+    bool GetKey(int time, unsigned int mode, C3DKeyframe& out, int* keyTime) const;
+    /// The key number `index` of that class, or null; its time goes to `time`, which may be null.
+    C3DKeyframe* GetKeyByIndex(unsigned int index, int* time, std::uint64_t classId) const;
+    int GetKeyNbr(std::uint64_t classId) const;
+    void DeleteAllKeys();
+    /// Removes nothing and returns 0.
+    int DeleteKey(int time);
+
+    /// Gives `key` the value of the keys of its class id at a time: interpolated between keys, held before the first and
+    /// after the last. False, with `key` unchanged, when there are none. No allocation for keys without a curve.
+    bool Evaluate(int time, C3DKeyframe& key) const;
+
+    bool operator=(const C3DKeyframable& other);
+    /// The same number of keys, each equal to the other list's key of its time and class.
+    bool operator==(const C3DKeyframable& other) const;
+    bool operator!=(const C3DKeyframable& other) const { return !(*this == other); }
+
+private:
+    int FindFirst(int time) const;
+    int FindBehind(int time) const;
+
+    CXArray<_KeyframeInfo> m_keys;
+};
