@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "tools/Api.h"
 #include "tools/String.h"
@@ -53,15 +54,20 @@ public:
     void SetRange(std::uint64_t range);
     /// Tells the sink at once.
     bool SetText(const CXTString<wchar_t>& text);
+    /// The same for what stands.
+    bool Update();
     bool IsCancelled() const;
 
 private:
     bool Notify();
+    bool Tell();
+    void PlanNext();
     double GetFraction() const;
 
     CXTString<wchar_t> m_text;
-    std::uint64_t m_range, m_position = 0, m_next = 0;
+    std::uint64_t m_range, m_position = 0, m_next;
     bool m_cancelled = false;
+    double m_base = 0, m_share = 1;          ///< its part of the whole operation
     CProgress* m_outer = nullptr;
     struct ProgressState* m_state = nullptr;
 };
@@ -69,7 +75,7 @@ private:
 /// Progress window over a parent. It uses the thread's sink, or else one that the window system gives.
 class ZEL_API CProgressDlg {
 public:
-    CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent = nullptr);
+    explicit CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent = nullptr);
     ~CProgressDlg();
     CProgressDlg(const CProgressDlg&) = delete;
     CProgressDlg& operator=(const CProgressDlg&) = delete;
@@ -84,8 +90,8 @@ public:
     bool CheckCancelButton();
 
 private:
-    IProgressSink* m_ownSink;
-    CProgressScope* m_scope;
-    CProgress* m_progress;
+    std::unique_ptr<IProgressSink> m_ownSink;
+    std::unique_ptr<CProgressScope> m_scope;
+    std::unique_ptr<CProgress> m_progress;
     int m_lower = 0, m_step = 1, m_position = 0;
 };

@@ -1,0 +1,183 @@
+#include "tools/FileIo.h"
+
+#include <mutex>
+
+#include "tools/CustomData.h"
+#include "tools/FileDialog.h"
+#include "tools/FileExt.h"
+#include "tools/FilePath.h"
+#include "tools/IOPlugin.h"
+#include "tools/Window.h"
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+
+constexpr unsigned int READ_SETTINGS = FourCC("READ");
+constexpr unsigned int SAVE_SETTINGS = FourCC("SAVE");
+constexpr unsigned int SETTINGS_FILE = FourCC("ZLIO");
+constexpr unsigned int SETTINGS_KIND = FourCC("PREF");
+
+unsigned int AbilityFor(unsigned int flags)
+{
+    return flags & FILEIO_READ ? FILE_KIND_READ : FILE_KIND_WRITE;
+}
+
+std::mutex& SettingsLock()
+{
+    static std::mutex& lock = *new std::mutex;
+    return lock;
+}
+
+bool GetSettingsFile(Text& path, bool create)
+{
+    if (!GetUserPreferencesPath(path, create))
+        return false;
+    path += Text(L"formats.prefs");
+    return true;
+}
+
+const wchar_t* MeaningOf(int result, bool reading)
+{
+    switch (result) {
+    case IORESULT_OK:
+    case IORESULT_CANCELLED:
+        return nullptr;
+    case IORESULT_NO_FILE:
+        return reading ? L"The file %s doesn't exist or can't be opened." : L"The file %s can't be written.";
+    case IORESULT_NO_PARSER:
+        return reading ? L"The format of %s can't be read." : L"The format of %s can't be written.";
+    case IORESULT_EXCEPTION:
+        return L"An error occurred when saving %s.";
+    case IORESULT_NOTHING_TO_SAVE:
+        return L"There is nothing to save in %s.";
+    case IORESULT_NO_BRIDGE:
+        return L"The program that saves %s isn't available.";
+    case IORESULT_EMPTY:
+        return L"The file %s holds no 3D object.";
+    default:
+        return reading ? L"An error occurred when reading %s." : L"An error occurred when saving %s.";
+    }
+}
+
+}
+
+CFileIo::CFileIo(const CFileNameSpec& name, unsigned int flags, CWnd* parent)
+    : CFileInfo(name, AbilityFor(flags)), m_parent(parent), m_flags(flags)
+{
+}
+
+CFileIo::CFileIo(unsigned int fileClass, unsigned int flags, CWnd* parent)
+    : CFileIo(CFileNameSpec(Text(), fileClass), flags, parent)
+{
+}
+
+CFileIo::CFileIo(const CFileIo& other) : CFileInfo(other), m_parent(other.m_parent), m_flags(other.m_flags)
+{
+}
+
+CFileIo::~CFileIo()
+{
+    CFileIo::CloseParser();
+}
+
+CFileParser* CFileIo::InitParser()
+{
+    while (!m_parser && GetPlugin() >= 0) {
+        m_parser = CreateIOParser(GetClass(), AbilityFor(m_flags), GetPlugin(), this, m_module);
+        if (!m_parser && !TryNextParser())
+            break;
+    }
+    return m_parser;
+}
+
+void CFileIo::CloseParser()
+{
+    delete m_parser;
+    m_parser = nullptr;
+    ReleaseIOModule(m_module);           // only now: the parser's code lies in it
+    m_module = nullptr;
+}
+
+void CFileIo::SetIoError(int result, CIoOptions* options, IoLogInfo::loglevel level)
+{
+    m_result = result;
+    m_level = level;
+    const Text text = GetResultText();
+    if (options && !text.IsEmpty())
+        options->AddLogInfo(level, text);
+}
+
+CXTString<wchar_t> CFileIo::GetResultText() const
+{
+    Text text;
+    if (const wchar_t* const meaning = MeaningOf(m_result, IsReading())) {
+        const Text name = IsEmpty() ? L"\"" + fileGetClassText(GetClass()) + L"\"" : GetFileName();
+        text = meaning;
+        text.Replace(L"%s", name);
+    }
+    return text;
+}
+
+void CFileIo::ReportIoError(CIoOptions* options, unsigned int mask)
+{
+    if (IsSilent())
+        return;
+    const bool wanted = options && options->IsOptionSet(IOOPT_SHOW_REPORT);
+    const Text log = options ? options->GetLogText(mask) : Text();
+    if (wanted && !log.IsEmpty())
+        GetWindowSystem().ShowReport(m_parent, GetFileName(), log);
+    else if (const Text text = GetResultText(); !text.IsEmpty())
+        GetWindowSystem().ShowMessage(m_parent, GetFileName(), text, MESSAGE_OK);
+}
+
+bool CFileIo::FileDialogBox(unsigned int kind, unsigned int filterClass)
+{
+    const unsigned int filter = filterClass ? filterClass : FILTER_ALL;
+    CFileNameSpec chosen(GetFullName(), GetGivenClass());
+    if (IsReading()) {
+        Text name = GetFullName();
+        if (!fileOpenFile(m_parent, name, kind, filter))
+            return false;
+        chosen = CFileNameSpec(name);
+    } else if (!fileSaveFile(m_parent, chosen, kind, filter))
+        return false;
+    CloseParser();
+    SetFullName(chosen.GetFullName());
+    SetClass(chosen.GetGivenClass());
+    ResetParsers();
+    return true;
+}
+
+bool CFileIo::LoadIoParameters(bool reading, CCustomData& out, unsigned int fileClass)
+{
+    const std::lock_guard guard(SettingsLock());
+    out.RemoveAll();
+    Text path;
+    CCustomData all;
+    if (!GetSettingsFile(path, false) || !all.LoadFromPrefs(path, SETTINGS_FILE, SETTINGS_KIND))
+        return false;
+    const CCustomData* const classes = all.GetCustomData(reading ? READ_SETTINGS : SAVE_SETTINGS);
+    const CCustomData* const saved = classes ? classes->GetCustomData(fileClass) : nullptr;
+    if (!saved)
+        return false;
+    out = *saved;
+    return true;
+}
+
+bool CFileIo::SaveIoParameters(bool reading, const CCustomData& data, unsigned int fileClass)
+{
+    // Read again and written as a whole: another process may have remembered something meanwhile.
+    const std::lock_guard guard(SettingsLock());
+    Text path;
+    if (!GetSettingsFile(path, true))
+        return false;
+    CCustomData all;
+    all.LoadFromPrefs(path, SETTINGS_FILE, SETTINGS_KIND);
+    CCustomData& classes = all.MakeCustomData(reading ? READ_SETTINGS : SAVE_SETTINGS);
+    if (data.IsEmpty())
+        classes.Remove(fileClass);
+    else
+        classes.SetCustomData(fileClass, data);
+    return all.SaveToPrefs(path, SETTINGS_FILE, SETTINGS_KIND);
+}

@@ -1,0 +1,158 @@
+#include "tools/Progress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "tools/Window.h"
+
+/// One scope on a thread.
+struct ProgressState {
+    IProgressSink* sink;
+    CProgress* innermost = nullptr;
+    bool cancelled = false;
+};
+
+namespace {
+
+constexpr double GRAIN = 0.001;          // of the whole operation: what a sink hears of
+constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
+
+thread_local ProgressState* t_state = nullptr;
+
+}
+
+IProgressSink::~IProgressSink() = default;
+
+CProgressScope::CProgressScope(IProgressSink* sink) : m_former(t_state), m_state(sink ? new ProgressState{sink} : nullptr)
+{
+    t_state = m_state;
+}
+
+CProgressScope::~CProgressScope()
+{
+    t_state = m_former;
+    delete m_state;
+}
+
+IProgressSink* CProgressScope::GetCurrentSink()
+{
+    return t_state ? t_state->sink : nullptr;
+}
+
+CProgress::CProgress(const CXTString<wchar_t>& text, std::uint64_t range)
+    : m_text(text), m_range(std::max<std::uint64_t>(range, 1)), m_next(NEVER), m_state(t_state)
+{
+    if (!m_state)
+        return;
+    m_outer = m_state->innermost;
+    m_state->innermost = this;
+    m_cancelled = m_state->cancelled;
+    if (m_outer) {
+        m_base = m_outer->GetFraction();
+        m_share = m_outer->m_share / static_cast<double>(m_outer->m_range);
+        PlanNext();
+    } else
+        Notify();
+}
+
+CProgress::~CProgress()
+{
+    if (m_state)
+        m_state->innermost = m_outer;
+}
+
+void CProgress::SetRange(std::uint64_t range)
+{
+    m_range = std::max<std::uint64_t>(range, 1);
+    if (m_state)
+        PlanNext();
+}
+
+bool CProgress::SetText(const CXTString<wchar_t>& text)
+{
+    m_text = text;
+    return Update();
+}
+
+bool CProgress::Update()
+{
+    return m_state ? Tell() : true;
+}
+
+bool CProgress::IsCancelled() const
+{
+    return m_cancelled || (m_state && m_state->cancelled);
+}
+
+bool CProgress::Notify()
+{
+    PlanNext();
+    return Tell();
+}
+
+bool CProgress::Tell()
+{
+    if (!m_state->cancelled && !m_state->sink->OnProgress(m_text, GetFraction())) {
+        m_state->cancelled = true;
+        for (CProgress* progress = m_state->innermost; progress; progress = progress->m_outer)
+            progress->m_cancelled = true;
+    }
+    return !m_state->cancelled;
+}
+
+// The next position that is worth telling: at least GRAIN of the whole further on.
+void CProgress::PlanNext()
+{
+    const double step = std::ceil(GRAIN / m_share * static_cast<double>(m_range));
+    m_next = step < 1e18 ? m_position + static_cast<std::uint64_t>(std::max(step, 1.0)) : NEVER;
+}
+
+double CProgress::GetFraction() const
+{
+    return m_base + m_share * static_cast<double>(std::min(m_position, m_range)) / static_cast<double>(m_range);
+}
+
+CProgressDlg::CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent)
+{
+    if (!CProgressScope::GetCurrentSink())
+        m_ownSink.reset(GetWindowSystem().CreateProgress(parent, title));
+    if (m_ownSink)
+        m_scope = std::make_unique<CProgressScope>(m_ownSink.get());
+    m_progress = std::make_unique<CProgress>(title);
+}
+
+CProgressDlg::~CProgressDlg()
+{
+    m_progress.reset();
+    m_scope.reset();
+}
+
+void CProgressDlg::SetRange(int lower, int upper)
+{
+    m_lower = lower;
+    m_progress->SetRange(static_cast<std::uint64_t>(std::max(static_cast<long long>(upper) - lower, 1LL)));
+}
+
+void CProgressDlg::SetStatus(const CXTString<wchar_t>& text)
+{
+    m_progress->SetText(text);
+}
+
+void CProgressDlg::SetPos(int position, bool update)
+{
+    m_position = position;
+    m_progress->SetPos(static_cast<std::uint64_t>(std::max(static_cast<long long>(position) - m_lower, 0LL)));
+    if (update)
+        m_progress->Update();
+}
+
+void CProgressDlg::StepIt()
+{
+    SetPos(m_position + m_step);
+}
+
+bool CProgressDlg::CheckCancelButton()
+{
+    return !m_progress->Update();
+}
