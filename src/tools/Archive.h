@@ -31,7 +31,9 @@ public:
 
     bool IsStoring() const { return m_mode == STORE; }
     bool IsLoading() const { return m_mode == LOAD; }
+    /// Throws ARCHIVE_WRITE when the file refuses the bytes.
     void Flush();
+    /// Flushes, or sets the file back to the first byte that was not taken, and lets go of it.
     void Close();
 
     /// Context of whoever streams: passed on, not looked at.
@@ -50,10 +52,11 @@ public:
     std::uint64_t ReadCount(std::size_t size = 1);
 
     void WriteClass(const CXRuntimeClass* type);
-    /// Throws for a class that is unknown or, with `base`, does not derive from it.
+    /// Null for no class. Throws for a class that is unknown or, with `base`, does not derive from it.
     const CXRuntimeClass* ReadClass(const CXRuntimeClass* base = nullptr);
     /// Class and contents; null is stored as no class.
     void WriteObject(const CXObject* object);
+    /// The caller owns the object. Throws for an abstract class, and for objects nested deeper than 256.
     CXObject* ReadObject(const CXRuntimeClass* base = nullptr);
 
     /// `count` numbers (1, 2, 4 or 8 bytes each) as one block, in the archive's direction.
@@ -87,7 +90,7 @@ public:
 
 private:
     void FlushBuffer();
-    void Fill(std::size_t size);
+    std::size_t ReadFile(void* bytes, std::size_t size);
 
     IoFile* m_file;
     Mode m_mode;
@@ -95,6 +98,8 @@ private:
     std::vector<std::byte> m_buffer;
     std::size_t m_position = 0;        ///< next byte of the buffer
     std::size_t m_filled = 0;          ///< bytes of the buffer that were read
+    std::uint64_t m_left = 0;          ///< bytes of the file behind the buffer
+    int m_depth = 0;                   ///< objects being read inside each other
     std::vector<const CXRuntimeClass*> m_classes;
 };
 

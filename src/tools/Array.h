@@ -88,8 +88,12 @@ public:
     {
         if (ar.IsStoring())
             ar.WriteCount(m_items.size());
-        else
-            m_items.resize(ar.ReadCount(std::is_arithmetic_v<T> ? sizeof(T) : 1));
+        else {
+            const std::uint64_t count = ar.ReadCount(std::is_arithmetic_v<T> ? sizeof(T) : 1);
+            if (count > 0x7FFFFFFF)
+                XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT);
+            m_items.resize(count);
+        }
         if constexpr (std::is_arithmetic_v<T>)
             ar.MoveNumbers(m_items.data(), m_items.size());
         else

@@ -8,7 +8,7 @@ class CXArchive;
 
 /// How the elements of a CElementArray are built, copied and stored. Shared by reference count.
 ///
-/// The base describes raw bytes: `CElementMethods(size, type, base type)` zeroes new elements, copies and stores bytes.
+/// The base copies and stores elements as raw bytes of GetSizeof.
 class ZEL_API CElementMethods : public CXObject, public CInstanciatedObject {
     ZEL_DECLARE_DYNAMIC(CElementMethods)
 public:
@@ -58,11 +58,13 @@ public:
     CElementArray& operator=(const CElementArray&) = delete;
     ~CElementArray() override;
 
-    /// Class of the methods, element count, stride of the stored form, elements. Loading replaces everything.
+    /// Class of the methods, element count, bytes of a stored element, elements. Loading replaces the elements. An array
+    /// with methods takes only elements of the same methods' class or of one that derives from it, of the same size; an
+    /// array without takes what comes, and its owner looks at GetMethods then.
     void Serialize(CXArchive& ar) override;
     /// Resizes. With `keep` the first elements stay; without it every element becomes a default one. `grow` is the number
-    /// of places to add when the block must grow: -1 a quarter of the size, 0 none, or the factor of SetGrowFactor when
-    /// that was set. False for a negative size or without methods.
+    /// of places to add when the block must grow: -1 the factor of SetGrowFactor when that was set, else a quarter of the
+    /// size; 0 none. A block is first made without any. False for a negative size or without methods.
     virtual bool SetSize(int size, bool keep = true, int grow = -1);
     /// No elements, no memory.
     virtual void RemoveAll();
@@ -92,6 +94,7 @@ public:
     int GetGrowFactor() const { return m_grow; }
 
     /// Becomes a copy of `source`'s elements. Of another kind they are converted by CopyElement. `append` adds them behind.
+    /// An array without methods takes those of `source`. False when there would be too many elements.
     bool Copy(const CElementArray& source, bool append);
     /// Copies one element; false when an index is out of range.
     bool CopyElement(int to, int from);
@@ -99,18 +102,27 @@ public:
     /// Moves the elements: `order[d] = s` puts the element of s at d; with `inverse` the element of d goes to order[d].
     /// False, with nothing changed, unless `n` is the size and `order` a permutation.
     bool Reorder(const unsigned int* order, unsigned int n, bool inverse);
-    /// h = h * 31 + element bytes summed as little-endian words; 0 for an empty array.
+    /// h = h * 31 + the bytes that an element stores, summed as little-endian words; 0 for an empty array.
     unsigned int GetChecksum() const;
 
 private:
-    bool Reallocate(int capacity);
-    void Construct(int from, int to);
-    void Destruct(int from, int to);
+    unsigned char* At(int index) const { return m_base + static_cast<std::size_t>(index) * m_stride; }
+    std::size_t Bytes(int count) const { return static_cast<std::size_t>(count) * m_stride; }
+    bool HasSameElements(const CElementArray& other) const;
+    void Free();
+    void Reallocate(int capacity);
+    void Build(int to);
+    void Unbuild(int to);
+    void CopyRange(int to, const CElementArray& source, int from, int count);
+    void StoreElements(CXArchive& ar);
+    void LoadElements(CXArchive& ar, int count);
+    CElementMethods* LoadMethods(CXArchive& ar) const;
 
     unsigned char* m_base = nullptr;
     unsigned int m_stride = 0;
     int m_size = 0;
     int m_capacity = 0;
+    int m_built = 0;               ///< elements that are constructed: at least the size, at most the capacity
     int m_grow = -1;
     bool m_construct = false;
     CElementMethods* m_methods = nullptr;

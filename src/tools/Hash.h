@@ -21,7 +21,7 @@
 
 #include "tools/Api.h"
 
-/// The smallest prime at or above `n` (2 for less).
+/// The smallest prime at or above `n` (2 for less); the largest prime of 32 bits when there is none.
 ZEL_API unsigned int NextPrime(unsigned int n);
 
 constexpr unsigned int HASH_END = 0xFFFFFFFF;      ///< position behind the last slot of a walk
@@ -53,7 +53,7 @@ public:
         Free();
         m_startSize = other.m_startSize;
         m_size = other.m_size;
-        if (other.m_count) {
+        if (other.m_count + other.m_deleted) {
             Allocate();
             for (unsigned int i = 0; i < m_size; i++) {
                 if ((m_states[i] = other.m_states[i]) == USED)
@@ -124,9 +124,8 @@ public:
         added = true;
         if (free == HASH_END)
             free = slot;
-        else
-            m_deleted--;
         new (m_entries + free) ENTRY(std::forward<ARGS>(arguments)...);
+        m_deleted -= m_states[free] == DELETED;
         m_states[free] = USED;
         m_count++;
         if ((static_cast<std::uint64_t>(m_count) + m_deleted) * 2 < m_size)
@@ -229,6 +228,8 @@ private:
         std::uint64_t wanted = six < two ? six : two;
         if (wanted < 101)
             wanted = 101;
+        if (wanted > 0xFFFFFFFF)
+            wanted = 0xFFFFFFFF;
         CHashSlots grown;
         grown.m_size = NextPrime(static_cast<unsigned int>(wanted));
         grown.Allocate();

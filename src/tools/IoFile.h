@@ -9,7 +9,8 @@
 /// Bytes that an archive reads or writes. The base class is a file on disk; CCustomMemFile keeps them in memory.
 ///
 /// Writing goes to a file beside the target, which CloseFile(true) puts in its place after fsync: a crash or a full disk
-/// leaves the old file whole.
+/// leaves the old file whole. A link stays a link, the file behind it is replaced; the new file has the permissions of the
+/// old one. A write-protected file is refused.
 class ZEL_API IoFile {
 public:
     /// `silent`: no message on failure. `options` are kept and not looked at.
@@ -18,7 +19,7 @@ public:
     IoFile(const IoFile&) = delete;
     IoFile& operator=(const IoFile&) = delete;
 
-    /// `mode` 1 reads, 0 writes. The last argument is unused.
+    /// `mode` 1 reads, 0 writes. The last argument is unused. False for a folder, or when the file cannot be opened.
     virtual bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved);
     /// Ends reading or writing; with `keep` false a written file is dropped. False when the bytes did not reach the disk.
     virtual bool CloseFile(bool keep = true);
@@ -32,13 +33,21 @@ public:
     /// Size of the file; ~0 when it cannot be told (a pipe).
     virtual std::uint64_t GetLength() const;
 
+    bool IsSilent() const { return m_silent; }
+    unsigned int GetOptions() const { return m_options; }
+
 private:
+    bool OpenForReading(const std::string& path);
+    bool OpenForWriting(const std::string& path);
+    void Release();
+
     int m_handle = -1;
     bool m_silent;
     bool m_writing = false;
+    bool m_failed = false;             ///< some bytes did not go in
     unsigned int m_options;
-    CXTString<wchar_t> m_target;
-    CXTString<wchar_t> m_temporary;
+    std::string m_target;
+    std::string m_temporary;           ///< empty where bytes go straight to the target: a device or pipe
 };
 
 /// File in memory: owned and growing, or over somebody else's bytes (reading only).
@@ -50,7 +59,8 @@ public:
     CCustomMemFile(const void* bytes, std::size_t size);
     ~CCustomMemFile() override;
 
-    bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved) override;   // rewinds
+    /// Rewinds; opened for writing, the file becomes empty.
+    bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved) override;
     bool CloseFile(bool keep = true) override;
     bool IsOpen() const override;
     std::size_t ReadBytes(void* bytes, std::size_t size) override;

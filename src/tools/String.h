@@ -29,7 +29,8 @@ public:
     T GetAt(int index) const { return index >= 0 && index < GetLength() ? m_text[index] : T(0); }
     T operator[](int index) const { return GetAt(index); }
 
-    /// Below, at or above 0, by code point; `ignoreCase` folds by the C locale's rules.
+    /// Below, at or above 0, by code point; `ignoreCase` folds letters first: wide ones by Unicode's simple rules whatever the
+    /// locale, bytes by ASCII. MakeLower and MakeUpper do the same.
     ZEL_API int Compare(const CXTString& other, bool ignoreCase = false) const;
     int CompareNoCase(const CXTString& other) const { return Compare(other, true); }
     ZEL_API int Find(const CXTString& part, int from = 0) const;
@@ -46,7 +47,8 @@ public:
     /// Replaces every occurrence; returns how many.
     ZEL_API int Replace(const CXTString& from, const CXTString& to);
 
-    /// Becomes the printf-formatted text. %s takes strings of the own character type.
+    /// Becomes the printf-formatted text; the old text may be among the arguments. %s takes strings of the own character
+    /// type, %S of the other, %ls wide ones, %hs UTF-8. Widths count characters; no %n, no numbered arguments.
     ZEL_API void FormatString(const T* format, ...);
     ZEL_API void FormatStringV(const T* format, va_list arguments);
     /// Becomes the string-table text of that id in the language in force (tools/StringTable.h). False and empty for an
