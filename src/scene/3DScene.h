@@ -1,0 +1,195 @@
+#pragma once
+
+#include "geometry/4x4Matrix.h"
+#include "scene/Forward.h"
+#include "scene/Materials.h"
+#include "scene/NodePos.h"
+#include "scene/SceneNode.h"
+#include "scene/Units.h"
+#include "tools/CustomData.h"
+#include "tools/Object.h"
+#include "tools/Tree.h"
+
+class CFileNameSpec;
+enum _NormalSmoothMode : unsigned int;
+
+/// Which axis points up in what OrientScene turns.
+enum _UP_AXIS_MODE : unsigned int {
+    UP_AXIS_KEEP = 0,
+    UP_AXIS_Y = 1,               ///< +y becomes +z
+    UP_AXIS_X = 2,               ///< +x becomes +z
+};
+
+/// A scene: the tree of nodes under a root, the materials, and the parameters in the custom data.
+///
+/// Reference counted, released with DeleteMe. Owns its nodes. The root holds a group, is nobody's child and is not visited by
+/// walks. Wherever a node argument may be null, null means the root unless told otherwise. No lock: one thread at a time.
+class ZEL_API C3DScene : public CTree, public C3DAnimatable, public CInstanciatedObject {
+    ZEL_DECLARE_CREATABLE(C3DScene)
+public:
+    C3DScene();
+    static C3DScene* Create();
+
+    // Virtual operations
+
+    /// Version, parser info, parameters, materials, tree (SceneStream.cpp).
+    void Serialize(CXArchive& ar) override;
+    /// Union of the ranges of all nodes and frame 0.
+    CTimeRange GetTimeRange(std::uint64_t classID) override;
+    /// Key before (mode 1), after (2) or at (4) a time among all nodes; its time, or -1, goes to `keyTime`.
+    const C3DKeyframe* GetConstKey(int time, unsigned int mode, std::uint64_t classID, int* keyTime) const override;
+
+    // Tree (3DScene.cpp)
+
+    /// Appends a detached node, with what is below it, under `parent`; the scene owns it from here on. False for null or a
+    /// node that is in a tree.
+    bool AddNode(C3DSceneNode* parent, C3DSceneNode* node);
+    C3DSceneNode* GetRoot() const { return static_cast<C3DSceneNode*>(CTree::GetRoot()); }
+    bool IsSceneRoot(const C3DSceneNode* node) const { return node && node == GetRoot(); }
+    C3DSceneNode* GetParent(const C3DSceneNode* node) const;         // null for null
+    C3DSceneNode* GetChildNode(const C3DSceneNode* node) const;      // first child
+    C3DSceneNode* GetRightNode(const C3DSceneNode* node) const;      // next sibling; null for null
+    /// 0 for a child of the root; 0xFFFFFFFF for the root and for null.
+    unsigned int GetChildDepth(const C3DSceneNode* node) const;
+    CTree* GetTree() { return this; }
+    /// Number of nodes below, at any depth, whose object's kind is in the mask. Linear.
+    int GetChildCount(const C3DSceneNode* node, unsigned int kindMask) const;
+    /// Number of direct children; the mask is not looked at. Linear.
+    int GetDirectChildCount(const C3DSceneNode* node, unsigned int kindMask) const;
+    bool IsNodeInScene(const C3DSceneNode* node) const;
+    /// True when `node` lies below `parent`.
+    bool IsChildNode(const C3DSceneNode* parent, const C3DSceneNode* node) const;
+    /// Of the nodes with an object; null for none and for 0xFFFFFFFF. Linear: whoever looks up much builds a map.
+    C3DSceneNode* GetNodeByID(unsigned int id) const;
+    C3DBaseObject* GetObjectByID(unsigned int id) const;
+    /// Sums over all nodes of what is drawn for them: a shared object counts for each of its nodes.
+    int GetPointNbr() const;
+    int GetFaceNbr() const;
+
+    // Walks (NodePos.cpp)
+
+    /// Position on the first node of a depth-first walk, parent first, over the nodes whose object kind is in the mask.
+    ///
+    /// @param start  the walk begins below it; a walk that is not held below it (ITER_SUBTREE) goes on through the rest of
+    ///               the tree, but one that begins below a leaf is empty
+    /// @param stop   without ITER_SUBTREE: bounds the walk to what lies below it
+    ///
+    /// No allocation unless ITER_UNIQUE_OBJECTS.
+    C3DNodePos GetFirstNode(unsigned int kindMask, unsigned int iterFlags = 0, const C3DSceneNode* start = nullptr,
+                            const C3DSceneNode* stop = nullptr) const;
+    /// The same over all kinds.
+    C3DNodePos GetFirstNode(const C3DSceneNode* start, unsigned int iterFlags, const C3DSceneNode* stop) const;
+    /// The node at the position, which moves on; its object, or null, goes to `object`. Null at the end.
+    C3DSceneNode* GetNextNode(C3DBaseObject*& object, C3DNodePos& pos) const;
+    /// The same for a walk over geometric kinds.
+    C3DSceneNode* GetNextNode(C3DGeomObject*& object, C3DNodePos& pos) const;
+    C3DSceneNode* GetNextNode(C3DNodePos& pos) const;
+
+    // Removal (SceneRemove.cpp)
+
+    /// Destroys the node with all below it (null or the root: everything below the root), or without `destroy` takes the
+    /// branch out, which then belongs to the caller. Returns the node from which a walk goes on, or null.
+    C3DSceneNode* RemoveNode(C3DSceneNode* node, bool destroy);
+    /// The same during a walk that stands on the node; whether the position still stands on one.
+    bool RemoveNode(C3DSceneNode* node, C3DNodePos& pos, bool destroy);
+    /// Destroys every node of the branch, `start` included, that passes the filter. Children of a node that goes move up to
+    /// its place and keep their place in space at all key times.
+    bool DeleteNodes(C3DSceneNode* start, const C3DFilter* filter);
+    /// False when either is null. `keepChildren`: those of the old node go to the new one.
+    bool ReplaceNode(C3DSceneNode* newNode, C3DSceneNode* oldNode, bool keepChildren);
+    /// Nodes, materials, parameters and parser info.
+    void RemoveAll();
+    void RemoveAllNodes();
+    /// Keeps `child` in place in space at all key times of both when it leaves `parent`. Both get matrix keys.
+    bool MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child);
+    /// Cleans the object of every geometric node.
+    void Clean();
+    /// Deletes groups without children (with their parents that become empty), or without `onlyEmpty` groups with at most one
+    /// child, which moves up.
+    void CleanGroups(bool onlyEmpty);
+
+    // Instances (SceneInstances.cpp)
+
+    /// The object with one more reference and one more user, for SetObject of another node.
+    C3DBaseObject* CreateObjectInstance(const C3DBaseObject* object) const;
+    /// A detached copy of the branch that shares its objects; its top has no keys. Null for null.
+    C3DSceneNode* CreateInstance(const C3DSceneNode* node);
+    /// Makes the objects of all nodes below unique; how many were not.
+    int DeleteInstanciation(C3DSceneNode* start);
+    /// Appends the nodes below `start` that hold the object; the size of the array. `reset` empties it first.
+    int GetInstancesByID(C3DSceneNode* start, unsigned int objectID, CXArray<C3DSceneNode*>& nodes, bool reset) const;
+    /// The same for the object of a node; a node whose object is not shared is appended alone.
+    int GetInstancesByID(C3DSceneNode* start, C3DSceneNode* reference, CXArray<C3DSceneNode*>& nodes, bool reset) const;
+
+    // Space and time (SceneTransforms.cpp)
+
+    int GetTickCount() const { return m_currentTime; }
+    /// Clamped to the time range; true when the time changed.
+    bool SetCurrentTime(int time);
+    /// Of the root and of all nodes with object.
+    void DeleteAllKeys();
+    /// Turns what lies directly under the root, by the matrix keys at time 0, so that a scene of another up axis stands in
+    /// the z-up world (`import`), or back. False for UP_AXIS_KEEP.
+    bool OrientScene(_UP_AXIS_MODE mode, bool import);
+    void Scale(const C3DTVector<float>& factors);
+    /// Bakes the transforms of all nodes below `start` into their objects, which are made unique, and deletes their keys
+    /// (below the root: all keys). Always 0.
+    int ConvertToGlobalCoordinates(C3DSceneNode* start);
+
+    // Parameters (SceneParameters.cpp)
+
+    CCustomData& GetCustomData() { return m_customData; }
+    const CCustomData& GetCustomData() const { return m_customData; }
+    CMaterials& GetMaterialList() { return m_materials; }
+    const CMaterials& GetMaterialList() const { return m_materials; }
+
+    _UNIT_MODE GetUnit() const;
+    void SetUnit(_UNIT_MODE unit);
+    /// A scale factor has been set.
+    bool IsUnitDefined() const;
+    /// Centimetres in a unit; 1 for every other value.
+    static double GetUnitFactor(_UNIT_MODE unit);
+    /// Centimetres in a scene length of 1; 1 unless set.
+    double GetScaleFactor() const;
+    void SetScaleFactor(double factor);                              // 0 is ignored
+    /// A scene length in the scene's unit.
+    double ConvertToUnit(double value) const;
+    CXTString<wchar_t> GetUnitText(bool abbreviated) const;
+
+    /// Effective angle in radians, the preferences' unless set; also for a null `this`.
+    float GetSmoothAngle() const;
+    /// Radians; -1 stands for the preferences' angle. Any other value below 0 or above 180.01 is ignored. A change makes the
+    /// normals of every object that inherits its angle stale.
+    void SetSmoothAngle(float angle, bool alsoPreferences);
+    _NormalSmoothMode GetSmoothMode() const;
+    /// 0 stands for the preferences' mode.
+    void SetSmoothMode(_NormalSmoothMode mode, bool alsoPreferences);
+
+    CFileNameSpec GetFilename() const;
+    /// Folder of the file, with its last separator.
+    CXTString<wchar_t> GetFilepath() const;
+    /// An empty name removes it.
+    void SetFilename(const CFileNameSpec& spec);
+
+    // What a parser keeps with the scene
+
+    /// Nothing for null data; releases what was there.
+    void SetParserData(bool owner, unsigned int size, void* data);
+    /// The data and its size, or null and 0. With `detach` the caller owns it and the scene forgets it.
+    void* GetParserData(unsigned int& size, bool detach);
+    void ReleaseParserInfo();
+
+protected:
+    ~C3DScene() override;
+
+private:
+    friend class C3DNodePos;
+    bool PassesWalk(const C3DSceneNode* node, C3DNodePos& pos) const;
+    void Advance(C3DNodePos& pos) const;
+    static void SetBranchScene(C3DSceneNode* node, C3DScene* scene);
+    
+    CParserSceneInfo* m_parserInfo = nullptr;
+    CCustomData m_customData;
+    CMaterials m_materials;
+    int m_currentTime = 0;
+};

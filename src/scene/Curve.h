@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scene/GeomObject.h"
+
+/// Curve: the points in list order make one open line. Geometric, without faces to speak of.
+class ZEL_API C3DCurve : public C3DGeomObject {
+    ZEL_DECLARE_CREATABLE(C3DCurve)
+public:
+    C3DCurve();
+    C3DCurve(C3DPointList* points, C3DFaceList* faces, CDependentChannels* channels);
+
+    /// The geometric record, then the material id.
+    void Serialize(CXArchive& ar) override;
+    bool InternalCopy(C3DBaseObject*& target, int copyFlags, C3DObjectCreator* creator) const override;
+
+    unsigned int GetMaterialID() const { return m_material; }
+    void SetMaterialID(unsigned int id) { m_material = id; }
+
+protected:
+    ~C3DCurve() override;
+
+private:
+    unsigned int m_material = 0;
+};
