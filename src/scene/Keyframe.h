@@ -147,6 +147,7 @@ public:
     void SwapCoordinates(unsigned int code, bool adjust);
 
 protected:
+    C4x4TMatrix<float> m_matrix;
 };
 
 /// A vector, which the matrix expresses as a translation.
