@@ -11,18 +11,18 @@ public:
 
     /// Dimension 0, all values 0.
     C4DPoint() : dimension(0), values{} {}
-    /// The first `n` values are zeroed when `clear` is not 0, and left unset otherwise.
+    /// The values are zeroed when `clear` is not 0, and left unset otherwise.
     C4DPoint(int n, int clear) : dimension(Clamp(n))
     {
         if (clear)
             Init(n);
     }
-    /// Sets the dimension and zeroes that many values.
+    /// Sets the dimension and zeroes the values: those beyond it too, so that a wider operand finds zeros there.
     void Init(int n)
     {
         dimension = Clamp(n);
-        for (int i = 0; i < dimension; i++)
-            values[i] = 0;
+        for (double& value : values)
+            value = 0;
     }
 
     double* ValPtr() { return values; }
