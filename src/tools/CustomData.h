@@ -26,10 +26,15 @@ enum _CUSTOM_DATA_TYPE {
     CUSTOM_POINTER = 12,       ///< never stored, not part of checksums
 };
 
+/// Levels of bags in bags, the outermost counted.
+constexpr unsigned int CUSTOM_MOST_DEPTH = 64;
+
 /// Bag of typed values under 32-bit ids. One id can hold one value of each type, side by side.
 ///
 /// A getter finds only a value of its own type; without one it gives the default and returns false. Null `this` reads as an
-/// empty bag. An empty bag costs one pointer.
+/// empty bag. An empty bag costs one pointer. Finding is a binary search; values entered in ascending order are appended.
+///
+/// Bags nest up to CUSTOM_MOST_DEPTH deep.
 class ZEL_API CCustomData : public CXObject {
     ZEL_DECLARE_CREATABLE(CCustomData)
 public:
@@ -40,7 +45,8 @@ public:
     CCustomData& operator=(const CCustomData& other);          // deep
     CCustomData& operator=(CCustomData&& other) noexcept;
     bool operator==(const CCustomData& other) const;           // pointers left out
-    /// Number of values, then id, type and value of each, by id and type. Pointer values are left out.
+    /// Number of values, then id, type and value of each, by id and type. Pointer values are left out. A damaged stream
+    /// leaves the bag as it was. Throws ARCHIVE_BAD_VALUE, either way, for bags nested too deep.
     void Serialize(CXArchive& ar) override;
 
     bool GetBool(unsigned int id, bool& out, bool def = false) const;
@@ -72,7 +78,8 @@ public:
     void SetString(unsigned int id, const CXTString<wchar_t>& value);
     void SetStringArray(unsigned int id, const CXArray<CXTString<wchar_t>>& value);
     void SetData(unsigned int id, const void* bytes, unsigned int size);
-    void SetCustomData(unsigned int id, const CCustomData& value);
+    /// Stores a copy, `this` included. False, with nothing changed, when that would nest too deep.
+    bool SetCustomData(unsigned int id, const CCustomData& value);
     /// The nested bag in place, made empty when absent.
     CCustomData& MakeCustomData(unsigned int id);
     void SetPointer(unsigned int id, void* value);
@@ -89,10 +96,11 @@ public:
     bool Remove(unsigned int id, _CUSTOM_DATA_TYPE type);
     void RemoveAll();
 
-    /// Checksum of the values of one id; 0xFFFFFFFF as id means all. Equal bags give equal sums in every run.
+    /// Checksum of the values of one id, without the id itself; 0xFFFFFFFF as id means all, ids included. 0 for nothing. Equal
+    /// bags give equal sums in every run.
     unsigned int GetChecksum(unsigned int id = 0xFFFFFFFF) const;
-    /// Appends a line for each value, "'ABCD' type value", bags indented by `indent` levels more each; with `html` the text is
-    /// escaped for the help mark-up.
+    /// Appends a line for each value, "'ABCD' type value"; the lines of a bag follow its own, indented by `indent` levels of four
+    /// blanks more. With `html` the text is escaped for the help mark-up, and lines end with <br>.
     void DumpCustomData(CXTString<wchar_t>& out, unsigned int indent, bool html) const;
 
     /// Reads a preferences file written under the same two identifiers. False, with the bag unchanged, when it is missing,
@@ -103,5 +111,14 @@ public:
 
 private:
     struct Values;
-    std::unique_ptr<Values> m_values;
+    struct Dump;
+
+    static const Values* ValuesOf(const CCustomData* bag);
+    template <class T> bool GetValue(unsigned int id, T& out, const T& def) const;
+    template <class T> T& Make(unsigned int id);
+    unsigned int GetNesting() const;
+    void Store(CXArchive& ar, unsigned int depth) const;
+    void Load(CXArchive& ar, unsigned int depth);
+
+    std::unique_ptr<Values> m_values;        ///< null when empty
 };

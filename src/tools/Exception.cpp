@@ -46,6 +46,11 @@ void XDeleteThreadException()
         GetThreadExceptions().clear();
 }
 
+void XDeleteThreadException(const CXException* exception)
+{
+    std::erase_if(GetThreadExceptions(), [=](const auto& e) { return e.get() == exception; });
+}
+
 void XThrowInvalidIndex() { throw XSetThreadException(new CXInvalidArgException); }
 
 void XThrowArchive(int type, const wchar_t* text) { throw XSetThreadException(new CXArchiveException(type, text)); }

@@ -58,6 +58,8 @@ ZEL_API CXException* XGetThreadException();
 
 /// Destroys what the thread has registered. Whoever catches for good calls it.
 ZEL_API void XDeleteThreadException();
+/// Destroys that one alone: for a function that catches inside itself and may be called while another one is handled.
+ZEL_API void XDeleteThreadException(const CXException* exception);
 
 /// Throws the CXInvalidArgException of an index outside its bounds. Out of line, to keep checks small.
 [[noreturn]] ZEL_API void XThrowInvalidIndex();
