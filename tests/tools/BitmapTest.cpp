@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "tools/Bitmap.h"
+
+namespace {
+
+std::unique_ptr<Bitmap> Rgba(int width, int height, const std::vector<unsigned char>& bytes)
+{
+    std::unique_ptr<Bitmap> bitmap(rgbaBitmap::Create(width, height));
+    for (int y = 0; y < height; y++)
+        std::memcpy(bitmap->GetLine(y), &bytes[static_cast<size_t>(y) * width * 4], static_cast<size_t>(width) * 4);
+    return bitmap;
+}
+
+std::vector<unsigned char> Bytes(const Bitmap& bitmap)
+{
+    std::vector<unsigned char> bytes;
+    for (int y = 0; y < bitmap.GetHeight(); y++)
+        bytes.insert(bytes.end(), bitmap.GetLine(y), bitmap.GetLine(y) + static_cast<ptrdiff_t>(bitmap.GetWidth()) * bitmap.GetBytesPerPixel());
+    return bytes;
+}
+
+}
+
+TEST(Bitmap, RefusesSizesThatCannotBe)
+{
+    EXPECT_EQ(rgbBitmap::Create(0, 5), nullptr);
+    EXPECT_EQ(rgbBitmap::Create(5, -1), nullptr);
+    EXPECT_EQ(rgbaBitmap::Create(65536, 65536), nullptr);
+    const auto bitmap = Rgba(1, 1, {1, 2, 3, 4});
+    EXPECT_FALSE(bitmap->Resize(0, 1, 0));
+    EXPECT_EQ(bitmap->GetLine(-1), nullptr);
+    EXPECT_EQ(bitmap->GetLine(1), nullptr);
+}
+
+TEST(Bitmap, AveragesWhatAShrunkPixelCovers)
+{
+    // The unseen pixel is pure green: its colour must not bleed into the visible one's.
+    const auto bitmap = Rgba(2, 2, {200, 0, 0, 255, 0, 255, 0, 0, 100, 0, 0, 255, 0, 255, 0, 0});
+    ASSERT_TRUE(bitmap->Resize(1, 1, 1));
+    EXPECT_EQ(Bytes(*bitmap), (std::vector<unsigned char>{150, 0, 0, 128}));
+
+    const auto row = Rgba(3, 1, {0, 0, 0, 255, 90, 0, 0, 255, 240, 0, 0, 255});
+    ASSERT_TRUE(row->Resize(2, 1, 1));                             // (0 + 90/2) / 1.5, (90/2 + 240) / 1.5
+    EXPECT_EQ(Bytes(*row), (std::vector<unsigned char>{30, 0, 0, 255, 190, 0, 0, 255}));
+}
+
+TEST(Bitmap, GrowsByNearestAndByMixing)
+{
+    const auto nearest = Rgba(2, 1, {0, 0, 0, 255, 80, 0, 0, 255});
+    ASSERT_TRUE(nearest->Resize(4, 2, 0));
+    EXPECT_EQ(nearest->GetLine(1)[4], 0);
+    EXPECT_EQ(nearest->GetLine(1)[8], 80);
+    const auto mixed = Rgba(2, 1, {0, 0, 0, 255, 80, 0, 0, 255});
+    ASSERT_TRUE(mixed->Resize(4, 1, 1));
+    EXPECT_EQ(Bytes(*mixed), (std::vector<unsigned char>{0, 0, 0, 255, 20, 0, 0, 255, 60, 0, 0, 255, 80, 0, 0, 255}));
+}
+
+TEST(Bitmap, ConvertsAndInvertsAlpha)
+{
+    const auto bitmap = Rgba(1, 1, {1, 2, 3, 255});
+    EXPECT_FALSE(bitmap->HasAlpha());
+    bitmap->InvertAlpha();
+    EXPECT_TRUE(bitmap->HasAlpha());
+    const std::unique_ptr<Bitmap> rgb(bitmap->ConvertToType(BITMAP_RGB));
+    EXPECT_EQ(Bytes(*rgb), (std::vector<unsigned char>{1, 2, 3}));
+    const std::unique_ptr<Bitmap> back(rgb->ConvertToType(BITMAP_RGBA));
+    EXPECT_EQ(Bytes(*back), (std::vector<unsigned char>{1, 2, 3, 255}));
+    EXPECT_EQ(bitmap->ConvertToType(static_cast<BitmapType>(7)), nullptr);
+}

@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include "support/TempFolder.h"
+#include "tools/FileExt.h"
+#include "tools/FileInfo.h"
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+
+constexpr unsigned int ONE = FourCC("ZT01"), TWO = FourCC("ZT02"), PICTURE = FourCC("ZT03");
+
+class FileExtTest : public testing::Test {
+protected:
+    ~FileExtTest() override
+    {
+        for (const unsigned int fileClass : {ONE, TWO, PICTURE})
+            fileUnregisterFile(fileClass);
+    }
+};
+
+}
+
+TEST_F(FileExtTest, FindsClassesByExtensionInAnyCase)
+{
+    ASSERT_TRUE(fileRegisterFile(CFileExt(L"One", L"zt1; .zt2 ;;.ZT1", ONE, 0x4013)));
+    CFileExt found;
+    ASSERT_TRUE(fileGetFileExt(L".ZT2", &found));
+    EXPECT_EQ(found.fileClass, ONE);
+    EXPECT_EQ(found.extensions.size(), 2u);
+    EXPECT_EQ(found.GetMainExtension(), Text(L".zt1"));
+    EXPECT_TRUE(fileGetFileExt(L"zt1"));
+    EXPECT_FALSE(fileGetFileExt(L".zt"));
+    EXPECT_FALSE(fileGetFileExt(L""));
+    EXPECT_EQ(fileGetKindOf(L"/x/a.Zt1"), 0x4000u);
+    EXPECT_EQ(fileGetKindOf(L"/x.zt1/a"), 0u);
+    EXPECT_EQ(CFileNameSpec(L"a.zt2").GetClass(), ONE);
+    EXPECT_EQ(CFileNameSpec(L"a.zt2", TWO).GetClass(), TWO);
+
+    EXPECT_FALSE(fileRegisterFile(CFileExt(L"no class", L".x", 0, 0x4013)));
+    EXPECT_FALSE(fileRegisterFile(CFileExt(L"no extension", L" ; ", TWO, 0x4013)));
+}
+
+TEST_F(FileExtTest, AddsUpWhatSeveralOwnersBring)
+{
+    // Faults in mind: taking one owner away takes the class away from the other.
+    int first = 0, second = 0;
+    fileRegisterFile(CFileExt(L"Reader", L".zt1", ONE, 0x4011), &first);
+    fileRegisterFile(CFileExt(L"Writer", L".zt1;.zt2", ONE, 0x4012), &second);
+    CFileExt info;
+    ASSERT_TRUE(fileGetExtensionInfo(ONE, &info));
+    EXPECT_EQ(info.kind, 0x4013u);
+    EXPECT_EQ(info.extensions.size(), 2u);
+    EXPECT_EQ(info.description, Text(L"Reader"));
+    EXPECT_EQ(fileGetClasses(L".zt1"), std::vector<unsigned int>{ONE});
+
+    fileUnregisterOwner(&first);
+    ASSERT_TRUE(fileGetExtensionInfo(ONE, &info));
+    EXPECT_EQ(info.kind, 0x4012u);
+    fileUnregisterOwner(&second);
+    EXPECT_FALSE(fileGetExtensionInfo(ONE));
+}
+
+TEST_F(FileExtTest, TellsFamiliesApart)
+{
+    fileRegisterFile(CFileExt(L"Picture", L".zt1", PICTURE, 0x10001));
+    fileRegisterFile(CFileExt(L"One", L".zt1", ONE, 0x4013));
+    fileRegisterFile(CFileExt(L"Two", L".zt2", TWO, 0x4001));
+    EXPECT_EQ(fileGetKindOf(L"a.zt1"), 0x14000u);
+    CFileExt found;
+    ASSERT_TRUE(fileGetFileExt(L".zt1", &found, FILE_FAMILY_3D));
+    EXPECT_EQ(found.fileClass, ONE);
+    EXPECT_EQ(fileGetClasses(L"zt1"), (std::vector<unsigned int>{PICTURE, ONE}));
+
+    const auto classes = [](unsigned int family, unsigned int abilities) {
+        std::vector<unsigned int> out;
+        for (const CFileExt& extension : fileGetExtensions(family, abilities))
+            out.push_back(extension.fileClass);
+        return out;
+    };
+    EXPECT_EQ(classes(FILE_FAMILY_3D, FILE_KIND_READ), (std::vector<unsigned int>{ONE, TWO}));
+    EXPECT_EQ(classes(FILE_FAMILY_3D, FILE_KIND_WRITE), std::vector<unsigned int>{ONE});
+    EXPECT_EQ(classes(FILE_FAMILY_BITMAP, 0), std::vector<unsigned int>{PICTURE});
+}
+
+TEST(FileInfo, TellsAddressesFromNames)
+{
+    const TempFolder folder;
+    folder.Write("a b.x", "");
+    const auto url = [](const Text& text, bool check) { return CFileInfo(text, 0).IsURL(check); };
+    EXPECT_TRUE(url(L"http://host/a.x", false));
+    EXPECT_FALSE(url(L"http://host/a.x", true));                   // nothing is fetched
+    EXPECT_FALSE(url(L"C://a.x", false));                          // a drive
+    EXPECT_FALSE(url(L"/x/a://b", false));
+    EXPECT_FALSE(url(L"://b", false));
+    const Text file = L"file://" + folder.Wide("a%20b.x");
+    EXPECT_TRUE(url(file, true));
+    EXPECT_EQ(CFileInfo(file, 0).GetDiskName(), folder.Wide("a b.x"));
+    EXPECT_FALSE(url(L"file:///none", true));
+    EXPECT_EQ(CFileInfo(Text(L"file:///a%zz%0"), 0).GetDiskName(), Text(L"/a%zz%0"));
+}

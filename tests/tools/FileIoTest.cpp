@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include "support/TempFolder.h"
+#include "tools/CustomData.h"
+#include "tools/FileExt.h"
+#include "tools/FileIo.h"
+#include "tools/ScriptWindowSystem.h"
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+
+class FileIoTest : public testing::Test {
+protected:
+    FileIoTest() { SetWindowSystem(&m_windows); }
+    ~FileIoTest() override { SetWindowSystem(nullptr); }
+
+    CScriptWindowSystem m_windows;
+};
+
+}
+
+TEST(IoOptions, KeepFailuresWhenTheLogIsFull)
+{
+    CIoOptions options(true);
+    for (int i = 0; i < 20000; i++)
+        options.AddLogInfo(IoLogInfo::WARNING, L"face");
+    options.AddLogInfo(IoLogInfo::FAILURE, L"failed");
+    EXPECT_EQ(options.GetLog().size(), 10001u);
+    EXPECT_EQ(options.GetDroppedLogCount(), 10000u);
+    EXPECT_TRUE(options.HasLog(4));
+    EXPECT_FALSE(options.HasLog(1));
+    EXPECT_EQ(options.GetLogText(IoLogInfo::FAILURE), Text(L"failed\n... and 10000 more\n"));
+    options.RemoveLog();
+    EXPECT_TRUE(options.GetLogText(255).IsEmpty());
+}
+
+TEST_F(FileIoTest, TellsTheUserWhatWentWrongOnce)
+{
+    struct { const char* name; unsigned int flags; int result; bool log, wantReport; unsigned int mask; const char* shown; } const rows[] = {
+        {"failure", FILEIO_READ, IORESULT_NO_FILE, true, false, 6, "message: The file a.x doesn't exist or can't be opened."},
+        {"failure when saving", 0, IORESULT_NO_FILE, true, false, 6, "message: The file a.x can't be written."},
+        {"silent", FILEIO_READ | FILEIO_SILENT, IORESULT_NO_FILE, true, false, 6, ""},
+        {"cancelled", FILEIO_READ, IORESULT_CANCELLED, true, false, 6, ""},
+        {"success", 0, IORESULT_OK, true, false, 255, ""},
+        {"success with report", 0, IORESULT_OK, true, true, 255, "report: changed\n"},
+        {"success with empty report", 0, IORESULT_OK, false, true, 255, ""},
+        {"failure with report", 0, IORESULT_NOTHING_TO_SAVE, true, true, 6, "report: There is nothing to save in a.x.\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        m_windows.shown.clear();
+        CFileIo io(L"/f/a.x", row.flags, nullptr);
+        EXPECT_EQ(io.GetLastResult(), IORESULT_OK);
+        CIoOptions options(io.IsReading());
+        options.SetOption(IOOPT_SHOW_REPORT, row.wantReport);
+        if (row.log)
+            options.AddLogInfo(IoLogInfo::INFORMATION, L"changed");
+        io.SetIoError(row.result, &options, row.result == IORESULT_OK ? IoLogInfo::INFORMATION : IoLogInfo::FAILURE);
+        io.ReportIoError(&options, row.mask);
+        EXPECT_EQ(io.GetLastResult(), row.result);
+        if (*row.shown)
+            EXPECT_EQ(m_windows.shown, std::vector<Text>{Utf8ToWide(row.shown)});
+        else
+            EXPECT_TRUE(m_windows.shown.empty());
+    }
+}
+
+TEST_F(FileIoTest, RemembersSettingsByClassAndDirection)
+{
+    const TempFolder folder;
+    const ScopedVariable config("XDG_CONFIG_HOME", folder.Name());
+    constexpr unsigned int A = FourCC("AAAA"), B = FourCC("BBBB");
+    CCustomData bag, other;
+    other.SetInt(1, 7);
+    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
+    EXPECT_TRUE(other.IsEmpty());                                  // no left-over of the caller's
+
+    bag.SetUnsigned(FourCC("FLAG"), 5);
+    ASSERT_TRUE(CFileIo::SaveIoParameters(true, bag, A));
+    bag.SetUnsigned(FourCC("FLAG"), 6);
+    ASSERT_TRUE(CFileIo::SaveIoParameters(false, bag, A));
+    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, B));
+    unsigned int flags = 0;
+    ASSERT_TRUE(CFileIo::LoadIoParameters(true, other, A));
+    other.GetUnsigned(FourCC("FLAG"), flags);
+    EXPECT_EQ(flags, 5u);
+
+    CFileIo::SaveIoParameters(true, CCustomData(), A);             // forgets
+    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
+    EXPECT_TRUE(CFileIo::LoadIoParameters(false, other, A));
+    folder.Write("3dzel/formats.prefs", "damaged");
+    EXPECT_FALSE(CFileIo::LoadIoParameters(false, other, A));
+    EXPECT_TRUE(CFileIo::SaveIoParameters(false, bag, A));
+    EXPECT_TRUE(CFileIo::LoadIoParameters(false, other, A));
+}
+
+TEST_F(FileIoTest, AsksForNames)
+{
+    constexpr unsigned int A = FourCC("ZT0A");
+    fileRegisterFile(CFileExt(L"A", L".zta", A, 0x4013));
+    CFileIo io(L"/f/old.zta", 0, nullptr);
+    EXPECT_FALSE(io.FileDialogBox(FILE_FAMILY_3D, 0));
+    EXPECT_EQ(io.GetFullName(), Text(L"/f/old.zta"));
+    m_windows.fileAnswers.push_back({CFileNameSpec(L"/f/new", A)});
+    ASSERT_TRUE(io.FileDialogBox(FILE_FAMILY_3D, 0));
+    EXPECT_EQ(io.GetFullName(), Text(L"/f/new.zta"));              // the format brings its extension
+    EXPECT_EQ(io.GetClass(), A);
+    EXPECT_EQ(m_windows.shown, (std::vector<Text>{Text(L"files: save 4000"), Text(L"files: save 4000")}));
+    fileUnregisterFile(A);
+}
