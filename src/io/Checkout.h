@@ -12,9 +12,10 @@ class C3DScene;
 /// The scene's up axis becomes z.
 void CheckoutImport(C3DScene& scene, CSceneImportOptions& options);
 
-/// The scene to write: a copy prepared as the options tell, or the scene itself with EXPORT_IN_PLACE. Null when that fails.
+/// The scene to write; null when there is none. A working copy stands in CSceneExportOptions::exportScene; today the scene itself is
+/// handed on unchanged.
 C3DScene* InitExport(C3DScene& scene, CSceneExportOptions& options);
-/// Releases the copy.
+/// Releases the working copy, if there is one.
 void ReleaseExport(CSceneExportOptions& options);
 
 /// The sheet of export options; true on OK.

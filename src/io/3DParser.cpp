@@ -1,0 +1,79 @@
+#include "io/3DParser.h"
+
+#include "io/Checkout.h"
+#include "tools/FileIo.h"
+
+namespace {
+
+constexpr unsigned int STRING_DEFAULT_PARAMETERS = 7368;
+constexpr const wchar_t* DEFAULT_PARAMETERS = L"using default parameters\n";
+constexpr const wchar_t* CUSTOM_PARAMETERS = L"using custom parameters\n";
+
+}
+
+C3DParser::C3DParser(CFileIo* fileIo) : CFileParser(fileIo)
+{
+}
+
+C3DParser::~C3DParser() = default;
+
+IoShowDialog C3DParser::MustShowDialog()
+{
+    return CFileParser::MustShowDialog();
+}
+
+void C3DParser::LoadDefaultOptions(CSceneImportOptions&)
+{
+}
+
+bool C3DParser::LoadOptionsDialog(CSceneImportOptions&)
+{
+    return true;
+}
+
+CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&)
+{
+    CXTString<wchar_t> text;
+    return text.LoadStringW(STRING_DEFAULT_PARAMETERS) ? text : CXTString<wchar_t>(DEFAULT_PARAMETERS);
+}
+
+C3DScene* C3DParser::Read(const CXTString<wchar_t>&, CSceneImportOptions&)
+{
+    return nullptr;
+}
+
+void C3DParser::SaveDefaultOptions(CSceneExportOptions&)
+{
+}
+
+bool C3DParser::SaveOptionsDialog(CSceneExportOptions& options)
+{
+    return ShowExportSheet(*this, options);
+}
+
+CXTString<wchar_t> C3DParser::GetSaveParametersInfo(CSceneExportOptions& options)
+{
+    return options.flags == (options.defaultFlags | options.forcedFlags) ? DEFAULT_PARAMETERS : CUSTOM_PARAMETERS;
+}
+
+bool C3DParser::Save(const CXTString<wchar_t>&, C3DScene*, CSceneExportOptions& options)
+{
+    SetIoError(IORESULT_NO_PARSER, &options, IoLogInfo::FAILURE);
+    return false;
+}
+
+bool C3DParser::CanUpdate(void*) const
+{
+    return false;
+}
+
+bool C3DParser::Update(const CXTString<wchar_t>&, C3DScene*, void*, CSceneExportOptions& options)
+{
+    SetIoError(IORESULT_NO_PARSER, &options, IoLogInfo::FAILURE);
+    return false;
+}
+
+bool C3DParser::ReleaseParser(bool, void*)
+{
+    return false;
+}
