@@ -1,0 +1,234 @@
+#include "scene/Keyframable.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "tools/Archive.h"
+
+namespace
+{
+bool Matches(const _KeyframeInfo& info, std::uint64_t classId)
+{
+    return classId == KEY_ANY || info.key->GetClassID() == classId;
+}
+}
+
+C3DAnimatable::~C3DAnimatable() = default;
+
+int C3DAnimatable::GetKeyTime(int time, unsigned int mode, std::uint64_t classId) const
+{
+    int keyTime;
+    return GetConstKey(time, mode, classId, &keyTime) ? keyTime : time;
+}
+
+C3DKeyframable::C3DKeyframable(const C3DKeyframable& other) : C3DAnimatable(other)
+{
+    *this = other;
+}
+
+C3DKeyframable::~C3DKeyframable()
+{
+    DeleteAllKeys();
+}
+
+CTimeRange C3DKeyframable::GetTimeRange(std::uint64_t classId)
+{
+    const auto matches = [=](const _KeyframeInfo& info) { return Matches(info, classId); };
+    const auto first = std::find_if(m_keys.begin(), m_keys.end(), matches);
+    if (first == m_keys.end())
+        return {};
+    auto last = m_keys.end() - 1;
+    while (!matches(*last))
+        --last;
+    return {first->time, last->time};
+}
+
+const C3DKeyframe* C3DKeyframable::GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
+{
+    return GetKey(time, mode, classId, keyTime);
+}
+
+void C3DKeyframable::Serialize(CXArchive& ar)
+{
+    if (ar.IsLoading())
+        DeleteAllKeys();
+    unsigned int count = m_keys.GetSize();
+    Move(ar, count);
+    if (ar.IsStoring()) {
+        for (const _KeyframeInfo& info : m_keys) {
+            ar << info.time << info.key->GetClassID();
+            info.key->Serialize(ar);
+        }
+        return;
+    }
+
+    ar.CheckCount(count, sizeof(int) + 2 * sizeof(std::uint64_t) + sizeof(unsigned int));
+    for (unsigned int i = 0; i < count; i++) {
+        int time;
+        std::uint64_t classId;
+        ar >> time >> classId;
+        std::unique_ptr<C3DKeyframe> key(C3DKeyframe::CreateKey(classId, 0));
+        if (!key)
+            XThrowArchive(CXArchiveException::ARCHIVE_UNKNOWN_TYPE);
+        key->Serialize(ar);
+        AddKey(time, key.release());
+    }
+}
+
+int C3DKeyframable::AddKey(int time, C3DKeyframe* key)
+{
+    if (!key)
+        return -1;
+    const int behind = FindBehind(time);
+    for (int i = behind; i-- > 0 && m_keys[i].time == time;) {
+        C3DKeyframe*& place = m_keys[i].key;
+        if (place->GetClassID() == key->GetClassID()) {
+            if (place != key)
+                delete place;
+            place = key;
+            return i;
+        }
+    }
+    m_keys.InsertAt(behind, {time, key});
+    return behind;
+}
+
+int C3DKeyframable::AddKey(int time, const C3DKeyframe& key)
+{
+    return AddKey(time, key.Copy());
+}
+
+C3DKeyframe* C3DKeyframable::CreateKey(int time, std::uint64_t classId, unsigned int flags)
+{
+    if (!(flags & KEY_ALWAYS_NEW))
+        if (C3DKeyframe* key = GetKey(time, KEY_EXACT, classId, nullptr))
+            return key;
+    C3DKeyframe* key = C3DKeyframe::CreateKey(classId, 0);
+    if (!key)
+        return nullptr;
+    if (!(flags & KEY_KEEP_DEFAULT))
+        Evaluate(time, *key);
+    AddKey(time, key);
+    return key;
+}
+
+C3DKeyframe* C3DKeyframable::GetKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
+{
+    // [first, behind) are the keys at `time`. Whatever lies after it wins where mode asks for it; then comes what lies at
+    // it, and then what lies before.
+    int found = -1;
+    if (!m_keys.IsEmpty()) {
+        const int count = m_keys.GetSize(), first = FindFirst(time), behind = FindBehind(time);
+        const auto findBackward = [&](int from, int to) {
+            while (--from >= to && !Matches(m_keys[from], classId)) {
+            }
+            return from >= to ? from : -1;
+        };
+        if (mode & KEY_AFTER) {
+            int i = behind;
+            while (i < count && !Matches(m_keys[i], classId))
+                i++;
+            if (i < count)
+                found = i;
+        }
+        if (found == -1 && (mode & KEY_EXACT))
+            found = findBackward(behind, first);
+        if (found == -1 && (mode & KEY_BEFORE) && !(mode & KEY_AFTER))
+            found = findBackward(first, 0);
+    }
+    if (keyTime)
+        *keyTime = found == -1 ? -1 : m_keys[found].time;
+    return found == -1 ? nullptr : m_keys[found].key;
+}
+
+bool C3DKeyframable::GetKey(int time, unsigned int mode, C3DKeyframe& out, int* keyTime) const
+{
+    const C3DKeyframe* key = GetConstKey(time, mode, out.GetClassID(), keyTime);
+    if (key)
+        out = *key;
+    return key != nullptr;
+}
+
+C3DKeyframe* C3DKeyframable::GetKeyByIndex(unsigned int index, int* time, std::uint64_t classId) const
+{
+    const auto isWanted = [&](const _KeyframeInfo& info) { return Matches(info, classId) && index-- == 0; };
+    const auto info = std::find_if(m_keys.begin(), m_keys.end(), isWanted);
+    if (info == m_keys.end())
+        return nullptr;
+    if (time)
+        *time = info->time;
+    return info->key;
+}
+
+int C3DKeyframable::GetKeyNbr(std::uint64_t classId) const
+{
+    const auto matches = [=](const _KeyframeInfo& info) { return Matches(info, classId); };
+    return static_cast<int>(std::count_if(m_keys.begin(), m_keys.end(), matches));
+}
+
+void C3DKeyframable::DeleteAllKeys()
+{
+    for (const _KeyframeInfo& info : m_keys)
+        delete info.key;
+    m_keys.RemoveAll();
+}
+
+int C3DKeyframable::DeleteKey(int)
+{
+    return 0;
+}
+
+bool C3DKeyframable::Evaluate(int time, C3DKeyframe& key) const
+{
+    if (m_keys.IsEmpty())
+        return false;
+    int timeBefore, timeAfter;
+    const C3DKeyframe* before = GetConstKey(time, KEY_EXACT | KEY_BEFORE, key.GetClassID(), &timeBefore);
+    const C3DKeyframe* after = GetConstKey(time, KEY_AFTER, key.GetClassID(), &timeAfter);
+    if (before && after)
+        return key.Evaluate(*before, *after, time, CTimeRange(timeBefore, timeAfter));
+    if (const C3DKeyframe* only = before ? before : after) {
+        key = *only;
+        return true;
+    }
+    return false;
+}
+
+bool C3DKeyframable::operator=(const C3DKeyframable& other)
+{
+    if (this == &other)
+        return true;
+    DeleteAllKeys();
+    bool complete = true;
+    for (const _KeyframeInfo& info : other.m_keys)
+        complete &= AddKey(info.time, *info.key) != -1;
+    return complete;
+}
+
+bool C3DKeyframable::operator==(const C3DKeyframable& other) const
+{
+    if (m_keys.GetSize() != other.m_keys.GetSize())
+        return false;
+    for (const _KeyframeInfo& info : m_keys) {
+        const C3DKeyframe* key = other.GetConstKey(info.time, KEY_EXACT, info.key->GetClassID(), nullptr);
+        if (!key || *info.key != *key)
+            return false;
+    }
+    return true;
+}
+
+/// Index of the first key at or after the time.
+int C3DKeyframable::FindFirst(int time) const
+{
+    const auto place = std::lower_bound(m_keys.begin(), m_keys.end(), time,
+                                        [](const _KeyframeInfo& info, int t) { return info.time < t; });
+    return static_cast<int>(place - m_keys.begin());
+}
+
+/// Index of the first key after the time.
+int C3DKeyframable::FindBehind(int time) const
+{
+    const auto place = std::upper_bound(m_keys.begin(), m_keys.end(), time,
+                                        [](int t, const _KeyframeInfo& info) { return t < info.time; });
+    return static_cast<int>(place - m_keys.begin());
+}
