@@ -34,7 +34,8 @@ bool C3DParser::LoadOptionsDialog(CSceneImportOptions&)
 CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&)
 {
     CXTString<wchar_t> text;
-    return text.LoadStringW(STRING_DEFAULT_PARAMETERS) ? text : CXTString<wchar_t>(DEFAULT_PARAMETERS);
+    text.LoadStringW(STRING_DEFAULT_PARAMETERS);
+    return text;
 }
 
 C3DScene* C3DParser::Read(const CXTString<wchar_t>&, CSceneImportOptions&)

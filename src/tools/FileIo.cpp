@@ -37,26 +37,38 @@ bool GetSettingsFile(Text& path, bool create)
     return true;
 }
 
-const wchar_t* MeaningOf(int result, bool reading)
+// Texts of the string table; %s is the file.
+enum : unsigned int {
+    STRING_NONE = 0,
+    STRING_CANNOT_OPEN = 7380,
+    STRING_CANNOT_CREATE = 7381,
+    STRING_CANNOT_READ_FORMAT = 7382,
+    STRING_CANNOT_WRITE_FORMAT = 7383,
+    STRING_READING_FAILED = 7384,
+    STRING_SAVING_FAILED = 7385,
+    STRING_NOTHING_TO_SAVE = 7386,
+    STRING_NO_BRIDGE = 7387,
+    STRING_NO_OBJECT = 7388,
+};
+
+unsigned int MeaningOf(int result, bool reading)
 {
     switch (result) {
     case IORESULT_OK:
     case IORESULT_CANCELLED:
-        return nullptr;
+        return STRING_NONE;
     case IORESULT_NO_FILE:
-        return reading ? L"The file %s doesn't exist or can't be opened." : L"The file %s can't be written.";
+        return reading ? STRING_CANNOT_OPEN : STRING_CANNOT_CREATE;
     case IORESULT_NO_PARSER:
-        return reading ? L"The format of %s can't be read." : L"The format of %s can't be written.";
-    case IORESULT_EXCEPTION:
-        return L"An error occurred when saving %s.";
+        return reading ? STRING_CANNOT_READ_FORMAT : STRING_CANNOT_WRITE_FORMAT;
     case IORESULT_NOTHING_TO_SAVE:
-        return L"There is nothing to save in %s.";
+        return STRING_NOTHING_TO_SAVE;
     case IORESULT_NO_BRIDGE:
-        return L"The program that saves %s isn't available.";
+        return STRING_NO_BRIDGE;
     case IORESULT_EMPTY:
-        return L"The file %s holds no 3D object.";
+        return STRING_NO_OBJECT;
     default:
-        return reading ? L"An error occurred when reading %s." : L"An error occurred when saving %s.";
+        return reading ? STRING_READING_FAILED : STRING_SAVING_FAILED;
     }
 }
 
@@ -111,10 +123,9 @@ void CFileIo::SetIoError(int result, CIoOptions* options, IoLogInfo::loglevel le
 CXTString<wchar_t> CFileIo::GetResultText() const
 {
     Text text;
-    if (const wchar_t* const meaning = MeaningOf(m_result, IsReading())) {
-        const Text name = IsEmpty() ? L"\"" + fileGetClassText(GetClass()) + L"\"" : GetFileName();
-        text = meaning;
-        text.Replace(L"%s", name);
+    if (const unsigned int meaning = MeaningOf(m_result, IsReading())) {
+        text.LoadStringW(meaning);
+        text.Replace(L"%s", IsEmpty() ? L"\"" + fileGetClassText(GetClass()) + L"\"" : GetFileName());
     }
     return text;
 }

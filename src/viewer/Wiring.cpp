@@ -22,10 +22,11 @@ constexpr CResourceModule RESOURCES = {L"3dzel"};
 
 int g_initCount = 0;
 
-Text NameOf(unsigned int id, const wchar_t* fallback)
+Text StringOf(unsigned int id)
 {
     Text text;
-    return text.LoadStringW(id) ? text : Text(fallback);
+    text.LoadStringW(id);
+    return text;
 }
 
 void GiveDataBack(bool reading, unsigned int fileClass, void* data)
@@ -44,20 +45,13 @@ void RegisterFormats()
 
 void RegisterCommandNames()
 {
-    constexpr struct { unsigned int id, text; const wchar_t* fallback; } categories[] = {
-        {FourCC("TOOL"), 9312, L"Tools"},
-        {FourCC("VIEW"), 9339, L"View"},
-        {FourCC("LIGH"), 9209, L"Lights"},
-        {FourCC("POVW"), 9239, L"Points of view"},
-        {FourCC("POV2"), 9238, L"Isometric points of view"},
-        {FourCC("VCAM"), 9326, L"Cameras"},
-        {FourCC("REND"), 9248, L"Rendering"},
-        {FourCC("FILE"), 9197, L"File"},
-        {FourCC("HELP"), 9205, L"Help"},
+    constexpr struct { unsigned int id, text; } categories[] = {
+        {FourCC("TOOL"), 9312}, {FourCC("VIEW"), 9339}, {FourCC("LIGH"), 9209}, {FourCC("POVW"), 9239}, {FourCC("POV2"), 9238},
+        {FourCC("VCAM"), 9326}, {FourCC("REND"), 9248}, {FourCC("FILE"), 9197}, {FourCC("HELP"), 9205},
     };
-    CCommandMgr::RegisterGroupName(FourCC("3DCO"), NameOf(9184, L"3D commands"));
+    CCommandMgr::RegisterGroupName(FourCC("3DCO"), StringOf(9184));
     for (const auto& category : categories)
-        CCommandMgr::RegisterCategoryName(category.id, NameOf(category.text, category.fallback));
+        CCommandMgr::RegisterCategoryName(category.id, StringOf(category.text));
 }
 
 }

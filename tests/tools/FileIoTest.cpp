@@ -5,6 +5,7 @@
 #include "tools/FileExt.h"
 #include "tools/FileIo.h"
 #include "tools/ScriptWindowSystem.h"
+#include "tools/StringTable.h"
 
 namespace {
 
@@ -12,7 +13,11 @@ using Text = CXTString<wchar_t>;
 
 class FileIoTest : public testing::Test {
 protected:
-    FileIoTest() { SetWindowSystem(&m_windows); }
+    FileIoTest()
+    {
+        SetLanguage(LANGUAGE_ENGLISH);
+        SetWindowSystem(&m_windows);
+    }
     ~FileIoTest() override { SetWindowSystem(nullptr); }
 
     CScriptWindowSystem m_windows;
