@@ -227,12 +227,20 @@ public:
         if (count > m_entryCount)
             AddEntries(count, flags, capacities);
         else if (count < m_entryCount && !(flags & KEEP_POOL)) {
-            m_offsets.SetSize(count);
-            m_entryCount = count;
+            DropEntries(count);
             const std::uint64_t live = GetLiveSize(), wanted = live + (flags & NO_MARGIN ? 0 : Margin(live));
             CompactPool(std::max<std::uint64_t>(std::min(wanted, m_poolCapacity), 1));
         }
         return true;
+    }
+
+    /// Entries from `count` on leave the collection; the pool stays as it is.
+    void DropEntries(unsigned int count)
+    {
+        if (count >= m_entryCount)
+            return;
+        m_offsets.SetSize(count);
+        m_entryCount = count;
     }
 
     /// Empties the collection and makes room for `entries` entries that hold `items` items together. No entry is made.

@@ -1,0 +1,349 @@
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "support/Streams.h"
+#include "tools/SimpleCollection.h"
+
+namespace {
+
+using Collection = CSimpleCollection<int, unsigned short>;
+using Lists = std::vector<std::vector<int>>;
+
+constexpr unsigned int GROW = Collection::ENTRIES_EMPTY | Collection::ESTIMATE_ADDED;
+constexpr unsigned int EXACT = GROW | Collection::NO_MARGIN;
+constexpr unsigned int KEEP = GROW | Collection::KEEP_POOL;
+
+Lists Contents(const Collection& collection)
+{
+    Lists lists;
+    for (unsigned int i = 0; i < collection.GetEntryCount(); i++) {
+        unsigned int count;
+        const int* items = collection.GetItems(i, count);
+        lists.emplace_back(items, items + count);
+    }
+    return lists;
+}
+
+void Fill(Collection& collection, const Lists& lists)
+{
+    for (const auto& list : lists)
+        collection.AppendEntries(1, static_cast<unsigned int>(list.size()),
+                                 [&](int* items, unsigned int) { std::copy(list.begin(), list.end(), items); });
+}
+
+// No two entries share a byte, and all lie in the used part of the pool.
+void CheckLayout(const Collection& collection)
+{
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> blocks;
+    for (unsigned int i = 0; i < collection.GetEntryCount(); i++) {
+        EXPECT_LE(collection.GetItemCount(i), collection.GetEntryCapacity(i));
+        const std::uint64_t offset = collection.GetOffsets().GetAt(i);
+        blocks.emplace_back(offset, offset + 4 + 4 * collection.GetEntryCapacity(i));
+    }
+    std::sort(blocks.begin(), blocks.end());
+    for (std::size_t i = 1; i < blocks.size(); i++)
+        EXPECT_LE(blocks[i - 1].second, blocks[i].first);
+    EXPECT_LE(blocks.empty() ? 0 : blocks.back().second, collection.GetPoolUsed());
+    EXPECT_LE(collection.GetPoolUsed(), collection.GetPoolCapacity());
+    EXPECT_EQ(collection.GetOffsets().GetSize(), collection.GetEntryCount());
+}
+
+}
+
+TEST(SimpleCollection, LaysEntriesOutAndMovesTheOnesThatGrow)
+{
+    Collection collection;
+    ASSERT_TRUE(collection.SetCollectionSize(2, 3, EXACT));
+    EXPECT_EQ(collection.GetPoolUsed(), 32u);
+    EXPECT_EQ(collection.GetPoolCapacity(), 32u);
+    const struct { const char* name; unsigned int entry, count; bool construct; unsigned int items; std::uint64_t used, capacity; } rows[] = {
+        {"within the capacity", 0, 3, true, 3, 32, 32},
+        {"room within the capacity", 1, 2, false, 0, 32, 32},
+        {"fewer", 0, 1, true, 1, 32, 32},
+        {"fewer, without construction", 0, 0, false, 0, 32, 32},
+        {"beyond the capacity", 0, 4, true, 4, 52, 68},      // 32 + 20, and max(52 / 4, 16)
+        {"room beyond the capacity", 1, 5, false, 0, 76, 95},// 52 + 24, and 76 / 4
+        {"in the room made", 1, 5, true, 5, 76, 95},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_NE(collection.SetEntrySize(row.entry, row.count, row.construct), nullptr);
+        EXPECT_EQ(collection.GetItemCount(row.entry), row.items);
+        EXPECT_EQ(collection.GetPoolUsed(), row.used);
+        EXPECT_EQ(collection.GetPoolCapacity(), row.capacity);
+        CheckLayout(collection);
+    }
+    EXPECT_EQ(collection.GetLiveSize(), 44u);                // 4 + 16 and 4 + 20
+    collection.CompactPool(60);
+    EXPECT_EQ(collection.GetPoolUsed(), 44u);
+    EXPECT_EQ(collection.GetPoolCapacity(), 60u);
+    EXPECT_EQ(collection.GetEntryCapacity(0), 4u);
+    CheckLayout(collection);
+}
+
+TEST(SimpleCollection, RefusesMoreItemsThanTheCountHolds)
+{
+    Collection collection;
+    collection.SetCollectionSize(1, 3, GROW);
+    const std::uint64_t used = collection.GetPoolUsed();
+    EXPECT_EQ(collection.SetEntrySize(0, 65536, true), nullptr);
+    EXPECT_EQ(collection.SetEntrySize(1, 1, true), nullptr);
+    EXPECT_FALSE(collection.SetCollectionSize(5, 65536, GROW));
+    EXPECT_FALSE(collection.AppendEntries(1, 65536, [](int*, unsigned int) {}));
+    const unsigned int tooLarge = 70000;
+    EXPECT_FALSE(collection.AppendEntries(1, &tooLarge, [](int*, unsigned int) {}));
+    EXPECT_FALSE(collection.InitExact(1, &tooLarge));
+    EXPECT_EQ(collection.AddEntry(70000), 0xFFFFFFFF);
+    EXPECT_EQ(collection.GetEntryCount(), 1u);
+    EXPECT_EQ(collection.GetPoolUsed(), used);
+
+    for (int i = 0; i < 65535; i++)
+        ASSERT_TRUE(collection.AddItem(0, i));
+    EXPECT_FALSE(collection.AddItem(0, 1));
+    EXPECT_EQ(collection.GetItemCount(0), 65535u);
+    EXPECT_LT(collection.GetPoolCapacity(), 10u << 20) << "items one by one must not cost the square of their number";
+}
+
+TEST(SimpleCollection, KeepsTheMarginsOfItsModes)
+{
+    const struct { const char* name; unsigned int from, to, flags; std::uint64_t used, capacity; unsigned int entries; } rows[] = {
+        {"grow from nothing", 0, 100, GROW, 1600, 2000, 100},
+        {"exact from nothing", 0, 100, EXACT, 1600, 1600, 100},
+        {"grow", 10, 100, GROW, 1600, 2000, 100},
+        {"exact", 10, 100, EXACT, 1600, 1600, 100},
+        {"shrink, growing", 100, 10, GROW, 160, 200, 10},    // items fill the capacity here
+        {"shrink, exact", 100, 10, EXACT, 160, 160, 10},
+        {"shrink, kept", 100, 10, KEEP, 1600, 1600, 100},
+        {"to nothing", 100, 0, GROW, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Collection collection;
+        collection.AppendEntries(row.from, 3, [](int* items, unsigned int k) { items[0] = items[1] = items[2] = static_cast<int>(k); });
+        Lists expected = Contents(collection);
+        ASSERT_TRUE(collection.SetCollectionSize(row.to, 3, row.flags));
+        expected.resize(row.entries);
+        EXPECT_EQ(Contents(collection), expected);
+        EXPECT_EQ(collection.GetPoolUsed(), row.used);
+        EXPECT_EQ(collection.GetPoolCapacity(), row.capacity);
+        CheckLayout(collection);
+    }
+    Collection reserved;
+    reserved.ReserveCollection(10, 35);                      // 3 + 1 items and a header each: 200 bytes and a quarter
+    EXPECT_EQ(reserved.GetPoolCapacity(), 250u);
+    EXPECT_EQ(reserved.GetEntryCount(), 0u);
+    const unsigned int capacities[] = {2, 0, 5};
+    reserved.InitExact(3, capacities);
+    EXPECT_EQ(reserved.GetPoolCapacity(), 40u);
+    EXPECT_EQ(reserved.GetEntryCapacity(2), 5u);
+    EXPECT_EQ(reserved.GetItemCount(2), 0u);
+}
+
+TEST(SimpleCollection, AppendsAnotherOrItself)
+{
+    Collection one, two;
+    Fill(one, {{1, 2, 3}, {}, {4}});
+    one.SetEntrySize(2, 6, false);
+    Fill(two, {{9}});
+    two.AppendCollection(one, false, false);
+    EXPECT_EQ(Contents(two), (Lists{{9}, {1, 2, 3}, {}, {4}}));
+    EXPECT_EQ(two.GetEntryCapacity(3), 6u);
+    EXPECT_EQ(two.GetPoolCapacity(), 8u + 16 + 4 + 28);
+    two.AppendCollection(two, true, false);
+    EXPECT_EQ(Contents(two), (Lists{{9}, {1, 2, 3}, {}, {4}, {}, {}, {}, {}}));
+    EXPECT_EQ(two.GetEntryCapacity(7), 6u);
+    CheckLayout(two);
+    one.SetDefaultCapacity(7);
+    two.AppendCollection(one, true, true);
+    EXPECT_EQ(Contents(two), (Lists{{}, {}, {}}));
+    EXPECT_EQ(two.GetDefaultCapacity(), 7u);
+}
+
+TEST(SimpleCollection, CompactsFirstWhenAskedTo)
+{
+    Collection collection;
+    Fill(collection, {{1, 2, 3}, {4, 5, 6}});
+    collection.SetEntrySize(0, 1, true);
+    collection.SetCompactOnGrow(true);
+    collection.SetEntrySize(1, 4, true);                     // 8 + 16 live, 20 more
+    EXPECT_EQ(collection.GetPoolUsed(), 44u);
+    EXPECT_EQ(Contents(collection), (Lists{{1}, {4, 5, 6, 0}}));
+}
+
+TEST(SimpleCollection, ReordersEveryLayout)
+{
+    // Faults in mind: an entry cut at the stride of the others, spare room read beyond the pool, holes.
+    const std::vector<unsigned int> source = {2, 0, 1, 3};
+    const struct { const char* name; Lists lists; unsigned int grown, grownTo; } rows[] = {
+        {"triangles", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, 0, 3},
+        {"quads", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 16}}, 0, 4},
+        {"pairs", {{1, 2}, {3, 4}, {5, 6}, {7, 8}}, 0, 2},
+        {"last is larger", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12, 13, 14}}, 3, 5},
+        {"last is smaller", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10}}, 3, 1},
+        {"mixed", {{1}, {}, {2, 3, 4, 5}, {6, 7}}, 0, 1},
+        {"moved", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, 1, 6},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Collection collection;
+        Fill(collection, row.lists);
+        collection.SetEntrySize(row.grown, row.grownTo, true);
+        const Lists before = Contents(collection);
+        collection.Reorder(source.data(), 4);
+        EXPECT_EQ(Contents(collection), (Lists{before[2], before[0], before[1], before[3]}));
+        CheckLayout(collection);
+    }
+}
+
+TEST(SimpleCollection, AgreesWithListsUnderRandomEdits)
+{
+    std::mt19937 random(7);
+    const auto below = [&](unsigned int n) { return static_cast<unsigned int>(random() % n); };
+    for (int round = 0; round < 40; round++) {
+        Collection collection;
+        Lists lists;
+        collection.SetCompactOnGrow(round % 2);
+        for (int step = 0; step < 300; step++) {
+            const unsigned int entries = collection.GetEntryCount(), entry = entries ? below(entries) : 0;
+            switch (below(9)) {
+            case 0: {
+                const unsigned int count = below(40);
+                collection.SetCollectionSize(count, below(6), below(2) ? GROW : EXACT);
+                lists.resize(count);
+                break;
+            }
+            case 1:
+            case 2: {
+                const unsigned int count = below(8);
+                if (collection.SetEntrySize(entry, count, true))
+                    lists[entry].resize(count);
+                break;
+            }
+            case 3:
+            case 4:
+                if (collection.AddItem(entry, step))
+                    lists[entry].push_back(step);
+                break;
+            case 5:
+                if (entries && collection.RemoveItem(entry, 0))
+                    lists[entry].erase(lists[entry].begin());
+                break;
+            case 6: {
+                const unsigned int size = below(5);
+                collection.AppendEntries(2, size, [&](int* items, unsigned int) { std::iota(items, items + size, step); });
+                std::vector<int> list(size);
+                std::iota(list.begin(), list.end(), step);
+                lists.insert(lists.end(), 2, list);
+                break;
+            }
+            case 7:
+                collection.FreeExtra();
+                break;
+            case 8: {
+                std::vector<unsigned int> source(entries);
+                std::iota(source.begin(), source.end(), 0u);
+                std::shuffle(source.begin(), source.end(), random);
+                if (entries)
+                    collection.Reorder(source.data(), entries);
+                Lists moved;
+                for (const unsigned int s : source)
+                    moved.push_back(lists[s]);
+                lists = moved;
+                break;
+            }
+            }
+            ASSERT_EQ(Contents(collection), lists) << "round " << round << " step " << step;
+        }
+        CheckLayout(collection);
+        Collection copied(collection), loaded;
+        ASSERT_EQ(Contents(copied), lists);
+        ASSERT_TRUE(Load(loaded, Stored(collection)));
+        ASSERT_EQ(Contents(loaded), lists);
+        EXPECT_EQ(collection.GetPoolCapacity(), collection.GetLiveSize()) << "storing compacts";
+    }
+}
+
+TEST(SimpleCollection, CompressesToTheEntriesKept)
+{
+    Collection collection;
+    Fill(collection, {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}});
+    const unsigned int target[] = {0xFFFFFFFF, 0, 0xFFFFFFFF, 1};
+    collection.Compress(target, 2);
+    EXPECT_EQ(Contents(collection), (Lists{{4, 5, 6}, {10, 11, 12}}));
+    EXPECT_EQ(collection.GetMemory(), 32u);
+}
+
+TEST(SimpleCollection, ViewsFollowTheirEntry)
+{
+    Collection collection;
+    Fill(collection, {{1, 2, 3}, {4, 5}});
+    CCollectionElement<int, unsigned short> first, second, none;
+    ASSERT_TRUE(collection.GetElement(0, first));
+    EXPECT_FALSE(collection.GetElement(2, none));
+    EXPECT_EQ(none.GetSize(), 0);
+    EXPECT_EQ(none[3], 0);
+    for (int i = 0; i < 20; i++)
+        EXPECT_TRUE(first.Add(first[1]));                    // the item lies in the pool that moves
+    EXPECT_EQ(first.GetSize(), 23);
+    EXPECT_EQ(first.GetAt(22), 2);
+    EXPECT_EQ(first.GetAt(23), 1) << "beyond the end: the first item";
+    EXPECT_EQ(first[-1], 1);
+    collection.GetElement(1, second);
+    second.SetAt(2, 77);                                     // beyond the size: ignored
+    EXPECT_TRUE(first.Copy(second));
+    EXPECT_EQ(first.GetSize(), 2);
+    EXPECT_TRUE(second.SetSize(0));
+    EXPECT_FALSE(second.Copy(5u));
+    EXPECT_TRUE(second.Copy(0u));
+    EXPECT_EQ(Contents(collection), (Lists{{4, 5}, {4, 5}}));
+    EXPECT_FALSE(second.SetSize(-1));
+    EXPECT_FALSE(second.SetSize(65536));
+    EXPECT_EQ(second.GetSize(), 2);
+}
+
+TEST(SimpleCollection, RefusesDamagedStreams)
+{
+    Collection source;
+    Fill(source, {{1, 2, 3}, {4, 5, 6}, {7}});
+    const std::vector<unsigned char> whole = Stored(source);
+    // entry count 4, used 8, capacity 8, then the pool: headers at 20, 36 and 52
+    ASSERT_EQ(whole[20], 3);
+    ASSERT_EQ(whole[52], 1);
+    const struct { const char* name; std::size_t at; unsigned char value; } rows[] = {
+        {"more entries than offsets", 0, 4},
+        {"fewer entries than offsets", 0, 2},
+        {"more entries than the pool holds", 1, 255},
+        {"less used than the entries take", 4, 20},
+        {"more used than there is", 4, 60},
+        {"capacity beyond the stream", 17, 255},
+        {"more items than capacity", 20, 4},
+        {"entry over its neighbour", 22, 4},
+        {"entry over the end", 54, 2},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<unsigned char> bytes = whole;
+        bytes[row.at] = row.value;
+        Collection loaded;
+        Fill(loaded, {{1}});
+        EXPECT_FALSE(Load(loaded, bytes));
+        EXPECT_EQ(loaded.GetEntryCount(), 0u);
+        EXPECT_EQ(loaded.GetMemory(), 0u);
+    }
+    for (std::size_t length = 0; length < whole.size(); length++) {
+        Collection loaded;
+        EXPECT_FALSE(Load(loaded, {whole.begin(), whole.begin() + length})) << length;
+    }
+    std::mt19937 random(3);
+    for (int i = 0; i < 3000; i++) {                         // whatever loads is sound
+        std::vector<unsigned char> bytes = whole;
+        bytes[random() % bytes.size()] = static_cast<unsigned char>(random());
+        bytes[random() % bytes.size()] ^= 1 << random() % 8;
+        Collection loaded;
+        if (Load(loaded, bytes))
+            CheckLayout(loaded);
+    }
+}
