@@ -1,0 +1,506 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include "scene/Keyframable.h"
+#include "tools/Exception.h"
+#include "tools/IoFile.h"
+
+namespace
+{
+constexpr double PI = std::numbers::pi;
+using FVector = C3DTVector<float>;
+using FMatrix = C4x4TMatrix<float>;
+constexpr std::uint64_t NUMBER = KeyClassID(KEY_TYPE_INT, FourCC("NUMB"));
+constexpr std::uint64_t OTHER = KeyClassID(KEY_TYPE_INT, FourCC("OTHR"));
+constexpr std::uint64_t REAL = KeyClassID(KEY_TYPE_FLOAT, 0);
+
+C3DTypeKey<int> Number(int value, std::uint64_t classId = NUMBER)
+{
+    return C3DTypeKey<int>(classId, value);
+}
+
+C3DTranslateKey Translation(float x, float y, float z)
+{
+    C3DTranslateKey key;
+    key.SetVector({x, y, z});
+    return key;
+}
+
+FMatrix RotationMatrix(const FVector& axis, double angle)
+{
+    FMatrix m;
+    m.FromQuaternion(CQuaternion(axis, angle));
+    return m;
+}
+
+void ExpectNear(const FMatrix& a, const FMatrix& b, double tolerance)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(a.ValPtr()[i], b.ValPtr()[i], tolerance) << "element " << i / 4 << ", " << i % 4;
+}
+
+struct Entry {
+    int time;
+    std::uint64_t classId;
+    int value;
+};
+
+/// The keys in order, all of them numbers.
+std::vector<Entry> Entries(const C3DKeyframable& list)
+{
+    std::vector<Entry> entries;
+    int time;
+    for (unsigned int i = 0; const C3DKeyframe* key = list.GetKeyByIndex(i, &time, KEY_ANY); i++)
+        entries.push_back({time, key->GetClassID(), static_cast<const C3DTypeKey<int>*>(key)->value});
+    return entries;
+}
+
+bool operator==(const Entry& a, const Entry& b)
+{
+    return a.time == b.time && a.classId == b.classId && a.value == b.value;
+}
+
+/// The lookup as one walk from the front; an index, or -1.
+int NaiveLookup(const std::vector<Entry>& entries, int time, unsigned int mode, std::uint64_t classId)
+{
+    int found = -1;
+    for (int i = 0; i < static_cast<int>(entries.size()); i++) {
+        const bool matches = classId == 0 || entries[i].classId == classId;
+        if (mode & 4) {
+            if (entries[i].time == time && matches)
+                found = i;
+            if (mode == 4 && entries[i].time > time)
+                break;
+        }
+        if (mode & 2) {
+            if (entries[i].time > time && matches) {
+                found = i;
+                break;
+            }
+        } else if (mode & 1) {
+            if (entries[i].time > time)
+                break;
+            if (entries[i].time != time && matches)
+                found = i;
+        }
+    }
+    return found;
+}
+
+std::vector<unsigned char> Store(C3DKeyframable& list)
+{
+    CCustomMemFile file;
+    file.OpenFile(L"", 0, nullptr);
+    CXArchive ar(&file, CXArchive::STORE);
+    list.Serialize(ar);
+    ar.Close();
+    const auto* bytes = static_cast<const unsigned char*>(file.GetBytes());
+    return {bytes, bytes + file.GetLength()};
+}
+
+/// Type of the archive exception, or -1 when all went well.
+int Load(C3DKeyframable& list, const std::vector<unsigned char>& bytes)
+{
+    CCustomMemFile file(bytes.data(), bytes.size());
+    file.OpenFile(L"", 1, nullptr);
+    CXArchive ar(&file, CXArchive::LOAD);
+    try {
+        list.Serialize(ar);
+    } catch (CXArchiveException* e) {
+        const int type = e->GetType();
+        XDeleteThreadException();
+        return type;
+    }
+    return -1;
+}
+}
+
+TEST(TimeRange, LengthsAndSets)
+{
+    EXPECT_EQ(CTimeRange(5, 5).GetLength(), 1u);
+    EXPECT_EQ(CTimeRange(-5, 5).GetLength(), 10u);
+    EXPECT_EQ(CTimeRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()).GetLength(), 0xFFFFFFFFu);
+    EXPECT_EQ(CTimeRange(2, 8).AdjustTime(1), 2);
+    EXPECT_EQ(CTimeRange(2, 8).AdjustTime(9), 8);
+    EXPECT_EQ(CTimeRange(2, 8) &= CTimeRange(5, 20), CTimeRange(5, 8));
+    EXPECT_EQ(CTimeRange(2, 8) |= CTimeRange(-1, 3), CTimeRange(-1, 8));
+    EXPECT_FALSE((CTimeRange(0, 1) &= CTimeRange(5, 6)).IsInInterval(3));
+}
+
+TEST(Keyframable, AddKeepsTimeOrderAndOneKeyOfAClassAtATime)
+{
+    C3DKeyframable list;
+    EXPECT_EQ(list.AddKey(3, static_cast<C3DKeyframe*>(nullptr)), -1);
+    EXPECT_EQ(list.AddKey(10, Number(1)), 0);
+    EXPECT_EQ(list.AddKey(10, Number(2, OTHER)), 1);
+    EXPECT_EQ(list.AddKey(-5, Number(3)), 0);
+    EXPECT_EQ(list.AddKey(20, Number(4)), 3);
+    EXPECT_EQ(list.AddKey(10, Number(5)), 1) << "replaced in its place, before the other class";
+    EXPECT_EQ(list.AddKey(15, Number(6, OTHER)), 3);
+    EXPECT_EQ(Entries(list), (std::vector<Entry>{{-5, NUMBER, 3}, {10, NUMBER, 5}, {10, OTHER, 2}, {15, OTHER, 6}, {20, NUMBER, 4}}));
+
+    C3DKeyframe* same = list.GetKey(10, KEY_EXACT, NUMBER, nullptr);
+    EXPECT_EQ(list.AddKey(10, same), 1) << "its own key again: nothing is lost";
+    EXPECT_EQ(list.GetKeyNbr(NUMBER), 3);
+    EXPECT_EQ(list.GetKeyNbr(KEY_ANY), 5);
+    EXPECT_EQ(list.GetKeyByIndex(2, nullptr, OTHER), nullptr);
+    EXPECT_EQ(list.GetTimeRange(KEY_ANY), CTimeRange(-5, 20));
+    EXPECT_EQ(list.GetTimeRange(OTHER), CTimeRange(10, 15));
+    EXPECT_EQ(list.GetTimeRange(KEY_MATRIX), CTimeRange(0, 0));
+    EXPECT_EQ(list.DeleteKey(10), 0);
+    EXPECT_EQ(list.GetKeyNbr(KEY_ANY), 5);
+}
+
+TEST(Keyframable, LookupAgreesWithAWalkFromTheFront)
+{
+    std::mt19937 random(7);
+    const std::uint64_t classes[] = {NUMBER, OTHER, REAL};
+    for (int round = 0; round < 200; round++) {
+        C3DKeyframable list;
+        const int count = static_cast<int>(random() % 14);
+        for (int i = 0; i < count; i++)
+            list.AddKey(static_cast<int>(random() % 9) - 3, Number(i, classes[random() % 2]));
+        const std::vector<Entry> entries = Entries(list);
+        for (int time = -5; time < 9; time++)
+            for (unsigned int mode = 0; mode < 8; mode++)
+                for (const std::uint64_t classId : {KEY_ANY, NUMBER, OTHER, REAL}) {
+                    const int expected = NaiveLookup(entries, time, mode, classId);
+                    int keyTime = 77;
+                    const C3DKeyframe* key = list.GetKey(time, mode, classId, &keyTime);
+                    EXPECT_EQ(key, expected == -1 ? nullptr : list.GetKeyByIndex(expected, nullptr, KEY_ANY));
+                    EXPECT_EQ(keyTime, expected == -1 ? -1 : entries[expected].time);
+                    EXPECT_EQ(list.GetKeyTime(time, mode, classId), expected == -1 ? time : entries[expected].time);
+                }
+    }
+}
+
+TEST(Keyframable, LookupByHand)
+{
+    C3DKeyframable list;
+    for (const int time : {10, 20, 30})
+        list.AddKey(time, Number(time));
+    list.AddKey(20, Number(99, OTHER));
+    struct { unsigned int mode; int time, keyTime; } const rows[] = {
+        {1, 10, -1}, {1, 20, 10}, {1, 25, 20}, {1, 99, 30}, {2, 5, 10},  {2, 10, 20}, {2, 30, -1}, {3, 30, -1},
+        {4, 20, 20}, {4, 21, -1}, {5, 20, 20}, {5, 21, 20}, {5, 9, -1},  {6, 20, 30}, {6, 30, 30}, {7, 30, 30},
+        {6, 31, -1}, {0, 20, -1},
+    };
+    for (const auto& row : rows) {
+        int keyTime;
+        list.GetKey(row.time, row.mode, NUMBER, &keyTime);
+        EXPECT_EQ(keyTime, row.keyTime) << "mode " << row.mode << " at " << row.time;
+    }
+    EXPECT_EQ(list.GetKey(20, 4, KEY_ANY, nullptr)->GetClassID(), OTHER) << "the last one at that time";
+    C3DTypeKey<int> out(NUMBER, 5);
+    EXPECT_FALSE(list.GetKey(21, 4, out, nullptr));
+    EXPECT_EQ(out.value, 5);
+    EXPECT_TRUE(list.GetKey(20, 4, out, nullptr));
+    EXPECT_EQ(out.value, 20);
+}
+
+TEST(Keyframable, CreateKeyFlags)
+{
+    C3DKeyframable list;
+    list.AddKey(0, C3DTypeKey<float>(REAL, 1));
+    list.AddKey(10, C3DTypeKey<float>(REAL, 2));
+    const auto create = [&](int time, unsigned int flags) {
+        return static_cast<C3DTypeKey<float>*>(list.CreateKey(time, REAL, flags));
+    };
+    C3DTypeKey<float>* middle = create(5, 0);
+    EXPECT_EQ(middle->value, 1.5f);
+    EXPECT_EQ(create(5, 0), middle);
+    EXPECT_EQ(create(5, KEY_KEEP_DEFAULT), middle);
+    middle->value = 7;
+    EXPECT_EQ(create(5, KEY_ALWAYS_NEW)->value, 7) << "evaluated while the old key still stands";
+    EXPECT_EQ(create(5, KEY_ALWAYS_NEW | KEY_KEEP_DEFAULT)->value, 0);
+    EXPECT_EQ(create(20, 0)->value, 2) << "held behind the last key";
+    EXPECT_EQ(create(-20, 0)->value, 1);
+    EXPECT_EQ(list.GetKeyNbr(REAL), 5);
+    EXPECT_EQ(list.CreateKey(5, KeyClassID(FourCC("NONE"), 0), 0), nullptr);
+    EXPECT_EQ(list.GetKeyNbr(KEY_ANY), 5);
+}
+
+TEST(Keyframable, EvaluateHoldsOutsideAndInterpolatesInside)
+{
+    C3DKeyframable list;
+    C3DTranslateKey key = Translation(9, 9, 9);
+    EXPECT_FALSE(list.Evaluate(0, key));
+    EXPECT_EQ(key.GetVector(), FVector(9, 9, 9));
+    list.AddKey(10, Number(3));                          // of another class: plays no part
+    EXPECT_FALSE(list.Evaluate(10, key));
+
+    list.AddKey(10, Translation(1, 2, 3));
+    for (const int time : {0, 10, 99}) {
+        EXPECT_TRUE(list.Evaluate(time, key));
+        EXPECT_EQ(key.GetVector(), FVector(1, 2, 3));
+    }
+    list.AddKey(14, Translation(5, 2, -1));
+    struct { int time; FVector expected; } const rows[] = {
+        {9, {1, 2, 3}}, {10, {1, 2, 3}}, {11, {2, 2, 2}}, {13, {4, 2, 0}}, {14, {5, 2, -1}}, {50, {5, 2, -1}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(list.Evaluate(row.time, key));
+        EXPECT_EQ(key.GetVector(), row.expected) << row.time;
+        EXPECT_EQ(key.ToMatrix().GetTranslation(), row.expected) << row.time;
+    }
+
+    // Times as far apart as can be: the way between them is more than an int holds.
+    C3DKeyframable wide;
+    wide.AddKey(std::numeric_limits<int>::min(), C3DTypeKey<float>(REAL, 0));
+    wide.AddKey(std::numeric_limits<int>::max(), C3DTypeKey<float>(REAL, 4));
+    C3DTypeKey<float> real(REAL);
+    EXPECT_TRUE(wide.Evaluate(0, real));
+    EXPECT_FLOAT_EQ(real.value, 2);
+}
+
+TEST(Keys, PlainValuesBetweenTwoKeys)
+{
+    const CTimeRange range(0, 4);
+    C3DTypeKey<int> whole(NUMBER);
+    for (int time = 0; time < 4; time++) {
+        EXPECT_TRUE(whole.Evaluate(Number(1), Number(2), time, range));
+        EXPECT_EQ(whole.value, 1) << "truncated, not rounded";
+    }
+    whole.Evaluate(Number(-1), Number(-2), 3, range);
+    EXPECT_EQ(whole.value, -1) << "towards 0";
+    const int largest = std::numeric_limits<int>::max(), least = std::numeric_limits<int>::min();
+    whole.Evaluate(Number(largest), Number(largest), 2, range);
+    EXPECT_EQ(whole.value, largest) << "float rounds it up beyond int";
+    whole.Evaluate(Number(least), Number(least), 0, range);
+    EXPECT_EQ(whole.value, least);
+    EXPECT_TRUE(whole.Evaluate(Number(0), Number(8), 6, range)) << "no test of the range";
+    EXPECT_EQ(whole.value, 12);
+
+    const std::uint64_t id = KeyClassID(KEY_TYPE_UNSIGNED, 0);
+    C3DTypeKey<unsigned int> u(id);
+    u.Evaluate(C3DTypeKey<unsigned int>(id, 0xFFFFFFFF), C3DTypeKey<unsigned int>(id, 0xFFFFFFFF), 0, range);
+    EXPECT_EQ(u.value, 0xFFFFFFFF);
+    u.Evaluate(C3DTypeKey<unsigned int>(id, 8), C3DTypeKey<unsigned int>(id, 0), 12, range);
+    EXPECT_EQ(u.value, 0u) << "below 0";
+
+    const std::uint64_t wideId = KeyClassID(KEY_TYPE_DOUBLE, 0);
+    C3DTypeKey<double> d(wideId);
+    d.Evaluate(C3DTypeKey<double>(wideId, 1e300), C3DTypeKey<double>(wideId, 3e300), 2, range);
+    EXPECT_DOUBLE_EQ(d.value, 2e300);
+
+    C3DTypeKey<CRGBColor> c(KEY_DIFFUSE_COLOR);
+    c.Evaluate(C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {0, 100, 200, 255}), C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {40, 100, 0, 255}), 1, range);
+    EXPECT_EQ(c.value.red, 10);
+    EXPECT_EQ(c.value.green, 100);
+    EXPECT_EQ(c.value.blue, 150);
+
+    // A key of another class under the id asked for: refused, not misread.
+    EXPECT_FALSE(c.Evaluate(C3DMatrixKey(KEY_DIFFUSE_COLOR), C3DMatrixKey(KEY_DIFFUSE_COLOR), 1, range));
+    EXPECT_FALSE(static_cast<C3DKeyframe&>(c) = C3DMatrixKey(KEY_DIFFUSE_COLOR));
+    const C3DMatrixKey matrix(KEY_DIFFUSE_COLOR);
+    EXPECT_FALSE(static_cast<const C3DKeyframe&>(matrix) == c);
+}
+
+TEST(Keys, VectorKeysAndTheirMatrices)
+{
+    C3DScaleKey scale;
+    EXPECT_EQ(scale.GetVector(), FVector(1, 1, 1));
+    EXPECT_TRUE(scale.ToMatrix().IsIdentity());
+    scale.SetVector({2, 3, 4});
+    EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(2, 3, 4));
+    scale.SwapCoordinates(0x41);                         // x with y, then z mirrored
+    EXPECT_EQ(scale.GetVector(), FVector(3, 2, -4));
+    EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(3, 2, -4));
+
+    C3DTranslateKey move = Translation(1, 2, 3);
+    move.SwapCoordinates(0x22);
+    EXPECT_EQ(move.ToMatrix() * C3DTPoint<float>(), C3DTPoint<float>(3, -2, 1));
+
+    C3DTranslateKey result;
+    EXPECT_FALSE(result.Evaluate(move, move, 5, {0, 4})) << "outside the range";
+    EXPECT_FALSE(result.Evaluate(move, C3DTranslateKey(KEY_PIVOT), 1, {0, 4})) << "another class id";
+    EXPECT_EQ(result.GetVector(), FVector());
+    EXPECT_FALSE(result == move);
+    EXPECT_TRUE(result != move);
+    result = move;
+    EXPECT_TRUE(result == move);
+}
+
+TEST(Keys, RotationsTakeTheShortWay)
+{
+    C3DRotateKey a(0, {0, 1, 0}), b(static_cast<float>(PI / 2), {0, 0, 2}), result;
+    double angle;
+    ASSERT_TRUE(result.Evaluate(a, b, 1, {0, 4}));
+    FVector axis = result.GetRotation(angle);
+    EXPECT_NEAR(angle, PI / 8, 1e-6);
+    EXPECT_NEAR(axis.z, 1, 1e-5);
+    ExpectNear(result.ToMatrix(), RotationMatrix({0, 0, 1}, PI / 8), 1e-6);
+
+    // From 20 to 340 degrees: by way of 0, not of 180.
+    a.SetRotation(20 * PI / 180, {1, 0, 0});
+    b.SetRotation(340 * PI / 180, {1, 0, 0});
+    ASSERT_TRUE(result.Evaluate(a, b, 1, {0, 4}));
+    ExpectNear(result.ToMatrix(), RotationMatrix({1, 0, 0}, 10 * PI / 180), 1e-5);
+    ASSERT_TRUE(result.Evaluate(a, b, 2, {0, 4}));
+    axis = result.GetRotation(angle);
+    EXPECT_LT(angle, 1e-3);
+    ExpectNear(result.ToMatrix(), FMatrix(), 1e-3);
+
+    // Equal rotations give that rotation; none gives no angle about x.
+    ASSERT_TRUE(result.Evaluate(a, a, 3, {0, 4}));
+    ExpectNear(result.ToMatrix(), a.ToMatrix(), 1e-6);
+    a.SetRotation(0, {0, 1, 0});
+    ASSERT_TRUE(result.Evaluate(a, a, 3, {0, 4}));
+    EXPECT_EQ(result.GetRotation(angle), FVector(1, 0, 0));
+    EXPECT_EQ(angle, 0);
+}
+
+TEST(Keys, RotationMatrixAndSwaps)
+{
+    // The matrix from angle and axis is the one by way of the quaternion.
+    C3DRotateKey key(1.1f, {3, -4, 12});
+    ExpectNear(key.ToMatrix(), RotationMatrix({3, -4, 12}, 1.1f), 1e-6);
+    key.SetRotation(2, {0, 0, 0});
+    EXPECT_EQ(key.ToMatrix(), FMatrix());
+    key.SetRotation(1e-16, {0, 0, 1});
+    EXPECT_EQ(key.ToMatrix(), FMatrix());
+
+    // Swapping coordinates changes the rotation as it changes a matrix key from both sides.
+    for (const unsigned int code : {0u, 1u, 2u, 4u, 0x10u, 0x20u, 0x40u, 0x11u, 0x22u, 0x44u, 0x41u}) {
+        SCOPED_TRACE(code);
+        C3DRotateKey rotation(0.7f, {1, 2, -2});
+        C3DMatrixKey matrix(rotation.ToMatrix());
+        rotation.SwapCoordinates(code);
+        matrix.SwapCoordinates(code, true);
+        ExpectNear(rotation.ToMatrix(), matrix.ToMatrix(), 1e-6);
+    }
+}
+
+TEST(Keys, MatricesInterpolateByParts)
+{
+    const FVector axis(1, 2, 2);
+    const auto build = [&](const FVector& move, double angle, const FVector& scale) {
+        FMatrix t, s;
+        t.SetTranslation(move.x, move.y, move.z);
+        s.Scale(scale.x, scale.y, scale.z);
+        return t * RotationMatrix(axis, angle) * s;
+    };
+    const C3DMatrixKey a(build({1, 2, 3}, 0.2, {1, 2, 4})), b(build({5, 2, -5}, 1.0, {3, 2, 2}));
+    C3DMatrixKey result(KEY_MATRIX);
+    for (int time = 0; time <= 4; time++) {
+        const float f = static_cast<float>(time) / 4;
+        ASSERT_TRUE(result.Evaluate(a, b, time, {0, 4}));
+        ExpectNear(result.ToMatrix(), build({1 + 4 * f, 2, 3 - 8 * f}, 0.2 + 0.8 * f, {1 + 2 * f, 2, 4 - 2 * f}), 2e-6);
+    }
+
+    // A shear is gone at the key already; a flattened axis does not spoil the others.
+    FMatrix sheared, flat;
+    sheared.m[0][1] = 1;
+    flat.m[1][1] = 0;
+    flat.SetTranslation(1, 1, 1);
+    ASSERT_TRUE(result.Evaluate(C3DMatrixKey(sheared), C3DMatrixKey(sheared), 0, {0, 1}));
+    EXPECT_NEAR(result.ToMatrix().m[0][0] * result.ToMatrix().m[0][1] + result.ToMatrix().m[1][0] * result.ToMatrix().m[1][1], 0, 1e-6)
+        << "columns at right angles";
+    ASSERT_TRUE(result.Evaluate(C3DMatrixKey(flat), C3DMatrixKey(flat), 0, {0, 1}));
+    ExpectNear(result.ToMatrix(), flat, 1e-6);
+}
+
+TEST(Keys, CopiesCarryTheCurveButNotTheBag)
+{
+    for (const unsigned int type : {KEY_TYPE_MATRIX, KEY_TYPE_ROTATE, KEY_TYPE_SCALE, KEY_TYPE_TRANSLATE, KEY_TYPE_VECTOR,
+                                    KEY_TYPE_INT, KEY_TYPE_UNSIGNED, KEY_TYPE_FLOAT, KEY_TYPE_DOUBLE, KEY_TYPE_COLOR}) {
+        const std::unique_ptr<C3DKeyframe> key(C3DKeyframe::CreateKey(KeyClassID(type, 42), CURVE_TCB));
+        ASSERT_TRUE(key);
+        EXPECT_EQ(key->GetTypeID(), type);
+        EXPECT_EQ(key->GetContentID(), 42u);
+        static_cast<C3DTCBCurve*>(const_cast<C3DKeyCurve*>(key->GetKeyCurve()))->values[1] = 3;
+        key->GetCustomData().SetInt(1, 2);
+        const std::unique_ptr<C3DKeyframe> copy(key->Copy());
+        EXPECT_TRUE(*copy == *key);
+        ASSERT_NE(copy->GetKeyCurve(), nullptr);
+        EXPECT_NE(copy->GetKeyCurve(), key->GetKeyCurve());
+        EXPECT_EQ(static_cast<const C3DTCBCurve*>(copy->GetKeyCurve())->values[1], 3);
+        EXPECT_TRUE(copy->GetCustomData().IsEmpty());
+        copy->SetKeyCurve(nullptr);
+        EXPECT_TRUE(*copy = *copy);
+        EXPECT_TRUE(*key = *copy);
+        EXPECT_EQ(key->GetKeyCurve(), nullptr) << "no curve is copied too";
+        EXPECT_FALSE(*key = C3DTypeKey<int>(NUMBER));
+    }
+    EXPECT_EQ(C3DKeyframe::CreateKey(KeyClassID(FourCC("NONE"), 0), CURVE_TCB), nullptr);
+    const C3DTypeKey<int> bare(NUMBER);
+    EXPECT_EQ(bare.GetKeyCurve()->GetClassID(), 0u) << "asked of a null curve";
+    EXPECT_EQ(bare.GetKeyCurve()->Copy(), nullptr);
+}
+
+TEST(Keyframable, CopyAndEquality)
+{
+    C3DKeyframable a;
+    a.AddKey(1, Number(1));
+    a.AddKey(1, Number(2, OTHER));
+    a.AddKey(2, Translation(1, 2, 3));
+    C3DKeyframable b(a);
+    EXPECT_TRUE(a == b);
+    b = b;
+    EXPECT_EQ(b.GetKeyNbr(KEY_ANY), 3);
+    static_cast<C3DTypeKey<int>*>(b.GetKey(1, KEY_EXACT, OTHER, nullptr))->value = 5;
+    EXPECT_FALSE(a == b);
+    EXPECT_TRUE(a != b);
+    b = a;
+    b.AddKey(3, Number(1));
+    EXPECT_FALSE(a == b);
+
+    C3DTypeKey<float> nan(REAL, std::numeric_limits<float>::quiet_NaN());
+    C3DKeyframable c;
+    c.AddKey(0, nan);
+    EXPECT_FALSE(c == c) << "what is no number equals nothing";
+}
+
+TEST(Keyframable, StreamRoundTripAndDamage)
+{
+    C3DKeyframable list;
+    list.AddKey(3, C3DRotateKey(1.5f, {0, 3, 4}));
+    list.AddKey(3, Translation(1, 2, 3));
+    list.AddKey(-2, Number(-7));
+    C3DScaleKey scale;
+    scale.SetVector({2, 0, 5});
+    scale.GetCustomData().SetString(9, L"note");
+    static_cast<C3DTCBCurve*>(scale.CreateCurve(CURVE_TCB))->values[4] = 12;
+    list.AddKey(8, scale);
+    list.GetKey(8, KEY_EXACT, KEY_SCALE, nullptr)->GetCustomData() = scale.GetCustomData();
+    FMatrix m;
+    m.m[1][2] = 7;
+    list.AddKey(9, C3DMatrixKey(m));
+    list.AddKey(9, C3DTypeKey<CRGBColor>(KEY_AMBIENT_COLOR, {1, 2, 3, 4}));
+    list.AddKey(9, C3DTypeKey<double>(KeyClassID(KEY_TYPE_DOUBLE, 1), 0.1));
+    const std::vector<unsigned char> bytes = Store(list);
+
+    C3DKeyframable back;
+    back.AddKey(100, Number(1));                         // goes when the others come
+    ASSERT_EQ(Load(back, bytes), -1);
+    EXPECT_TRUE(back == list);
+    EXPECT_EQ(Store(back), bytes);
+    const C3DKeyframe* loaded = back.GetKey(8, KEY_EXACT, KEY_SCALE, nullptr);
+    ASSERT_NE(loaded->GetKeyCurve(), nullptr);
+    EXPECT_EQ(static_cast<const C3DTCBCurve*>(loaded->GetKeyCurve())->values[4], 12);
+    CXTString<wchar_t> note;
+    EXPECT_TRUE(loaded->GetCustomData().GetString(9, note));
+
+    for (std::size_t cut = 0; cut < bytes.size(); cut++) {
+        C3DKeyframable part;
+        EXPECT_NE(Load(part, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)}), -1) << cut;
+    }
+    // Count, time, class id, class id again: the first key's stand at 0, 4, 8 and 16.
+    const auto damaged = [&](std::size_t at, unsigned char value) {
+        std::vector<unsigned char> copy = bytes;
+        copy[at] = value;
+        C3DKeyframable part;
+        return Load(part, copy);
+    };
+    EXPECT_EQ(damaged(15, 'X'), CXArchiveException::ARCHIVE_UNKNOWN_TYPE) << "a type id that is not known";
+    EXPECT_EQ(damaged(16, 'X'), CXArchiveException::ARCHIVE_BAD_VALUE) << "two class ids that differ";
+    EXPECT_EQ(damaged(3, 0x7F), CXArchiveException::ARCHIVE_BAD_COUNT) << "more keys than the stream can hold";
+}
