@@ -211,8 +211,10 @@ C3DScene* C3DIo::FinishReading(C3DScene* scene, CSceneImportOptions& options)
     if (scene->GetFilename().IsEmpty())
         scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
     CheckoutImport(*scene, options);
-    if (scene->GetChildCount(nullptr, SHAPES) > 0)
+    if (scene->GetChildCount(nullptr, SHAPES) > 0) {
+        SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);      // whatever a parser before this one had to say
         return scene;
+    }
     SetIoError(IORESULT_EMPTY, &options, IoLogInfo::WARNING);
     DeleteMe(scene);
     ReportIoError(&options, FAILURE_LEVELS);

@@ -122,7 +122,7 @@ Text CFileInfo::GetDiskName() const
     const Text& name = GetFullName();
     const Text scheme = GetScheme(name);
     if (scheme.CompareNoCase(L"file") != 0)
-        return name;
+        return scheme.IsEmpty() ? Utf8ToWide(fileToDisk(name)) : name;
     // "file:///path" and "file://host/path": the host is this one or cannot be reached
     const int path = name.Find(L'/', scheme.GetLength() + 3);
     return path < 0 ? Text() : DecodePercents(name.Mid(path));

@@ -29,7 +29,7 @@ public:
     /// True for "scheme://…". With `check` it must also be reachable: that is so for a file URL of an existing file; other
     /// schemes are never fetched by this system.
     bool IsURL(bool check) const;
-    /// The name on disk: a file URL decoded to its path, any other name as it is.
+    /// The name on disk: a file URL decoded to its path, other names as fileToDisk knows them; other URLs as they are.
     CXTString<wchar_t> GetDiskName() const;
 
 protected:

@@ -96,6 +96,7 @@ TEST(FileInfo, TellsAddressesFromNames)
     const Text file = L"file://" + folder.Wide("a%20b.x");
     EXPECT_TRUE(url(file, true));
     EXPECT_EQ(CFileInfo(file, 0).GetDiskName(), folder.Wide("a b.x"));
+    EXPECT_EQ(CFileInfo(folder.Wide() + L"maps\\a.x", 0).GetDiskName(), folder.Wide("maps/a.x"));
     EXPECT_FALSE(url(L"file:///none", true));
     EXPECT_EQ(CFileInfo(Text(L"file:///a%zz%0"), 0).GetDiskName(), Text(L"/a%zz%0"));
 }
