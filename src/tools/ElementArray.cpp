@@ -100,7 +100,8 @@ void CElementArray::SetMethods(CElementMethods* methods)
     const unsigned int stride = methods ? methods->GetSizeof() : 0;
     if (stride != m_stride)
         Free();
-    methods->AddRef();
+    if (methods)
+        methods->AddRef();
     DeleteMe(m_methods);
     m_methods = methods;
     m_stride = stride;

@@ -57,7 +57,8 @@ protected:
 /// Never deleted directly: the last Delete destroys it. The count is a plain value (one thread at a time).
 class ZEL_API CInstanciatedObject {
 public:
-    /// One more owner. A null `this` is ignored.
+    /// One more owner. A null `this` is ignored; a null pointer to a class that has this base behind another one does not
+    /// arrive here as null, so test those first (DeleteMe does).
     void AddRef() const;
     /// Drops one reference and destroys the object at zero; true when it was destroyed. False for a null `this`.
     bool Delete() const;
