@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+
+#include "geometry/PointList.h"
+
+template <class T> class C4x4TMatrix;
+
+/// Positions of a mesh.
+class ZEL_API C3DPointList : public CTypedPointList<C3DTPoint<float>> {
+    ZEL_DECLARE_CREATABLE(C3DPointList)
+public:
+    /// A new list, which the caller owns (DeleteMe). A model gives its inherited chunks, no points of it.
+    static C3DPointList* Create(C3DPointList* model = nullptr);
+    C3DPointList();
+    explicit C3DPointList(const C3DPointList* model);
+
+    void RemoveAll() override;
+    unsigned int GetChecksum(unsigned int mask) const override;
+    C3DPointList& operator=(const CPointList& other) override;
+    C3DPointList& operator=(const C3DPointList& other) { return *this = static_cast<const CPointList&>(other); }
+
+    // --- Measures and transforms (3DPointList.cpp) ------------------------------------------------------------------------
+
+    /// Box of the points, in scene units. False, with (0, 0, 0) in both, when no point took part. A coordinate that is not a number
+    /// does not count.
+    ///
+    /// @param mask    0: every point; otherwise points whose (flags & mask) != 0 equals `wanted`
+    /// @param matrix  measure the transformed points; may be null
+    bool GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask = 0, bool wanted = true,
+                        const C4x4TMatrix<float>* matrix = nullptr) const;
+    /// (min + max) / 2 of all points; (0, 0, 0) for an empty list.
+    C3DTPoint<float> GetCenterOfBoundingBox() const;
+    /// Transforms every point. False, with nothing moved, for an identity within its tolerance. Marks nothing.
+    bool MatrixTransform(const C4x4TMatrix<float>& matrix);
+    /// Exchanges and mirrors axes (geometry/Swap.h). False for a code without meaning. Marks nothing.
+    bool SwapCoordinates(unsigned int code);
+    /// Replaces each point for which (flags & mask) == mask equals `wanted` by the wave at its place.
+    void NoisyWaveFunc(const C3DTPoint<float>& origin, const C3DTVector<float>& dir, double amplitude, double frequency, double phase,
+                       _POINT_PROPERTIES mask, bool wanted);
+    /// Unit normal of the triangle of three points of the list; (1, 0, 0) when it has none. False for null.
+    bool GetNormal(const int* corners, C3DTVector<float>& normal) const;
+    /// 1 for an equilateral triangle, towards 0 for a sliver; 0 for null.
+    double GetCompacityFactor(const int* corners) const;
+
+    // --- Materials of points (PointMaterialGraph.cpp) ---------------------------------------------------------------------
+
+    /// Counted pair around the two queries below. Builds the point-to-face graph of the source face list for its own time.
+    void InitPointMaterialGraph(const CGeomInfo* info);
+    void DeletePointMaterialGraph();
+    /// Material ids of the live faces around a point where at least two meet; null and 0 otherwise. In the slot order of a hash table.
+    const unsigned int* GetMaterialsConnectedToPoint(int point, int& count) const;
+    /// 1 for a point where fewer than two meet.
+    int GetNumberOfMaterialsConnectedToPoint(int point) const;
+    /// Sets POINT_SHARE_MATERIALS where materials meet, clears it elsewhere. True when any point has it.
+    bool InitShareSeveralMaterialsFlag();
+
+protected:
+    bool UpdateList(const CGeomInfo* info) override;
+    ~C3DPointList() override;
+
+private:
+    struct MaterialGraph;
+    void CreatePointMaterialGraph(const CGeomInfo* info);
+    void DropMaterialGraph();
+
+    std::unique_ptr<MaterialGraph> m_materialGraph;
+    unsigned int m_materialGraphUse = 0;
+};
