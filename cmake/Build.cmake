@@ -23,7 +23,7 @@ if(LLD)
 endif()
 
 add_library(zel_build INTERFACE)
-target_compile_options(zel_build INTERFACE -Wall -Wextra -Werror)
+target_compile_options(zel_build INTERFACE -Wall -Wextra -Werror -ffp-contract=off)   # the same bits on every machine
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     target_compile_options(zel_build INTERFACE -Wno-tautological-undefined-compare -Wno-undefined-bool-conversion)
 endif()

@@ -1,0 +1,152 @@
+#include "geometry/3DPointList.h"
+
+#include <limits>
+#include <utility>
+
+#include "geometry/CoordinateLoops.h"
+#include "geometry/NoisyWave.h"
+#include "geometry/Triangle.h"
+
+ZEL_IMPLEMENT_CREATABLE(C3DPointList, CPointList)
+
+C3DPointList* C3DPointList::Create(C3DPointList* model) { return new C3DPointList(model); }
+
+void C3DPointList::RemoveAll()
+{
+    CPointList::RemoveAll();
+    DropMaterialGraph();
+}
+
+C3DPointList& C3DPointList::operator=(const CPointList& other)
+{
+    CPointList::operator=(other);
+    if (this != &other)
+        DropMaterialGraph();
+    return *this;
+}
+
+bool C3DPointList::UpdateList(const CGeomInfo* info)
+{
+    const bool changed = CPointList::UpdateList(info);
+    if (changed)
+        DropMaterialGraph();
+    return changed;
+}
+
+unsigned int C3DPointList::GetChecksum(unsigned int mask) const
+{
+    return (mask & 1 ? ChecksumOfCoordinates(GetFirst(), GetSize()) : 0) + CPointList::GetChecksum(mask);
+}
+
+namespace {
+
+constexpr float FAR = std::numeric_limits<float>::infinity();
+
+// A comparison with a NaN is false, so that it never extends a box.
+struct LaneBox {
+    Lanes min = {FAR, FAR, FAR, FAR};
+    Lanes max = {-FAR, -FAR, -FAR, -FAR};
+
+    void Extend(Lanes p)
+    {
+        min = p < min ? p : min;
+        max = p > max ? p : max;
+    }
+};
+
+template <class SELECT, class PLACE> bool ExtendBox(LaneBox& box, const C3DTPoint<float>* points, int count, SELECT select, PLACE place)
+{
+    bool any = false;
+    for (int i = 0; i < count; i++) {
+        if (!select(points[i]))
+            continue;
+        box.Extend(place(LoadLanes(points[i])));
+        any = true;
+    }
+    return any;
+}
+
+void StoreBox(const LaneBox& box, C3DTPoint<float>& min, C3DTPoint<float>& max)
+{
+    for (int i = 0; i < 3; i++) {
+        const bool counted = box.min[i + 1] <= box.max[i + 1];
+        min[i] = counted ? box.min[i + 1] : 0;
+        max[i] = counted ? box.max[i + 1] : 0;
+    }
+}
+
+}
+
+bool C3DPointList::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask, bool wanted,
+                                  const C4x4TMatrix<float>* matrix) const
+{
+    min = max = C3DTPoint<float>();
+    LaneBox box;
+    const auto all = [](const C3DTPoint<float>&) { return true; };
+    const auto selected = [&](const C3DTPoint<float>& p) { return ((p.flags & mask) != 0) == wanted; };
+    const auto here = [](Lanes p) { return p; };
+    const LaneMatrix columns(matrix ? *matrix : C4x4TMatrix<float>());
+    const auto there = [&](Lanes p) { return columns.Point(p); };
+
+    const C3DTPoint<float>* points = GetFirst();
+    const int count = GetSize();
+    bool any;
+    if (mask == 0)
+        any = matrix ? ExtendBox(box, points, count, all, there) : ExtendBox(box, points, count, all, here);
+    else
+        any = matrix ? ExtendBox(box, points, count, selected, there) : ExtendBox(box, points, count, selected, here);
+    if (any)
+        StoreBox(box, min, max);
+    return any;
+}
+
+C3DTPoint<float> C3DPointList::GetCenterOfBoundingBox() const
+{
+    C3DTPoint<float> min, max;
+    GetBoundingBox(min, max);
+    return {(min.x + max.x) / 2, (min.y + max.y) / 2, (min.z + max.z) / 2};
+}
+
+bool C3DPointList::MatrixTransform(const C4x4TMatrix<float>& matrix)
+{
+    if (matrix.IsIdentity())
+        return false;
+    const LaneMatrix columns(matrix);
+    C3DTPoint<float>* points = GetFirst();
+    for (int i = 0, count = GetSize(); i < count; i++)
+        StoreLanes(points[i], columns.Point(LoadLanes(points[i])));
+    return true;
+}
+
+bool C3DPointList::SwapCoordinates(unsigned int code) { return SwapAllCoordinates(GetFirst(), GetSize(), code); }
+
+void C3DPointList::NoisyWaveFunc(const C3DTPoint<float>& origin, const C3DTVector<float>& dir, double amplitude, double frequency,
+                                 double phase, _POINT_PROPERTIES mask, bool wanted)
+{
+    C3DTPoint<float>* points = GetFirst();
+    for (int i = 0, count = GetSize(); i < count; i++)
+        if (points[i].IsFlagSet(mask) == wanted)
+            points[i] = ::NoisyWaveFunc(points[i], origin, dir, amplitude, frequency, phase);
+}
+
+bool C3DPointList::GetNormal(const int* corners, C3DTVector<float>& normal) const
+{
+    if (!corners)
+        return false;
+    const C3DTPoint<float>* points = GetFirst();
+    const C3DTPoint<float>&p0 = points[corners[0]], &p1 = points[corners[1]], &p2 = points[corners[2]];
+    normal = Cross(p1 - p0, p2 - p0);
+    if (std::fabs(normal.x) < 1e-15 && std::fabs(normal.y) < 1e-15 && std::fabs(normal.z) < 1e-15)
+        normal = C3DTVector<float>(1, 0, 0);
+    else
+        normal.Normalize();
+    return true;
+}
+
+double C3DPointList::GetCompacityFactor(const int* corners) const
+{
+    if (!corners)
+        return 0;
+    const C3DTPoint<float>* points = GetFirst();
+    return ::GetCompacityFactor(points[corners[0]], points[corners[1]], points[corners[2]]);
+}
