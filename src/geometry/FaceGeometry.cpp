@@ -1,0 +1,207 @@
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/2DPointList.h"
+#include "geometry/3DFaceList.h"
+#include "geometry/3DPointList.h"
+#include "geometry/4x4Matrix.h"
+#include "geometry/GeomInfo.h"
+#include "geometry/Triangle.h"
+
+// Measures of faces over the source 3D points. A corner that leads to no point makes the face one without a measure.
+
+namespace {
+
+constexpr double NO_LENGTH = 1e-15;
+
+// The points at a face's corners.
+class CCorners {
+public:
+    CCorners(const C3DFace& face, const CGeomInfo* info) : m_points(info ? info->GetSrc3DPointList(false) : nullptr)
+    {
+        m_indexes = face.GetData(m_size);
+    }
+    int GetSize() const { return m_size; }
+    /// Null for a broken corner.
+    const C3DTPoint<float>* operator[](int corner) const { return m_points ? m_points->ElementAt(m_indexes[corner]) : nullptr; }
+    /// Every corner of the first `count` has a point.
+    bool AreSound(int count) const
+    {
+        for (int i = 0; i < count; i++)
+            if (i >= m_size || !(*this)[i])
+                return false;
+        return true;
+    }
+
+private:
+    const C3DPointList* m_points;
+    const int* m_indexes;
+    int m_size;
+};
+
+void NormalizeUnlessTiny(C3DTVector<float>& v)
+{
+    const double length = v.Length();
+    if (length > NO_LENGTH)
+        v /= length;
+}
+
+// The sum over all edges; false with a broken corner.
+bool SumOverEdges(const CCorners& corners, C3DTVector<float>& n)
+{
+    const int size = corners.GetSize();
+    const C3DTPoint<float>* from = corners[size - 1];
+    if (!from)
+        return false;
+    n = C3DTVector<float>(0, 0, 0);
+    for (int i = 0; i < size; i++) {
+        const C3DTPoint<float>* to = corners[i];
+        if (!to)
+            return false;
+        n.x += (from->y - to->y) * (from->z + to->z);
+        n.y += (from->z - to->z) * (from->x + to->x);
+        n.z += (from->x - to->x) * (from->y + to->y);
+        from = to;
+    }
+    return true;
+}
+
+}
+
+void C3DFace::GetNormal(const CGeomInfo* info, C3DTVector<float>& normal, bool normalize) const
+{
+    const CCorners corners(*this, info);
+    if (corners.GetSize() < 3)
+        return;
+    C3DTVector<float> n;
+    if (!SumOverEdges(corners, n) || (std::abs(n.x) < NO_LENGTH && std::abs(n.y) < NO_LENGTH && std::abs(n.z) < NO_LENGTH))
+        n = C3DTVector<float>(1, 0, 0);
+    else if (normalize)
+        NormalizeUnlessTiny(n);
+    normal = n;
+}
+
+C4DVector C3DFace::GetPlane(const CGeomInfo* info) const
+{
+    const CCorners corners(*this, info);
+    C4DVector plane(0, 0, 0, 0);
+    if (!corners.AreSound(3))
+        return plane;
+    const C3DTPoint<double> p0(*corners[0]);
+    C3DTVector<double> n = Cross(C3DTPoint<double>(*corners[1]) - p0, C3DTPoint<double>(*corners[2]) - p0);
+    n.Normalize();
+    return {n.x, n.y, n.z, -(p0.x * n.x + p0.y * n.y + p0.z * n.z)};
+}
+
+double C3DFace::Area(const CGeomInfo* info) const
+{
+    const CCorners corners(*this, info);
+    if (!corners.AreSound(3))
+        return 0;
+    const C3DTPoint<double> p0(*corners[0]);
+    return 0.5 * Cross(C3DTPoint<double>(*corners[1]) - p0, C3DTPoint<double>(*corners[2]) - p0).Length();
+}
+
+double C3DFace::GetCompacityFactor(const CGeomInfo* info) const
+{
+    const CCorners corners(*this, info);
+    return corners.AreSound(3) ? ::GetCompacityFactor(*corners[0], *corners[1], *corners[2]) : 0;
+}
+
+void C3DFace::GetCenter(const CGeomInfo* info, C3DTPoint<double>& center) const
+{
+    const CCorners corners(*this, info);
+    C3DTVector<double> sum;
+    int found = 0;
+    for (int i = 0; i < corners.GetSize(); i++)
+        if (const C3DTPoint<float>* point = corners[i]) {
+            sum += C3DTVector<double>(*point);
+            found++;
+        }
+    center.x = sum.x / found;
+    center.y = sum.y / found;
+    center.z = sum.z / found;
+}
+
+void C3DFace::GetCenter(const CGeomInfo* info, C3DTPoint<float>& center) const
+{
+    C3DTPoint<double> exact;
+    GetCenter(info, exact);
+    center.x = static_cast<float>(exact.x);
+    center.y = static_cast<float>(exact.y);
+    center.z = static_cast<float>(exact.z);
+}
+
+bool C3DFace::IsConvex(const CGeomInfo* info) const
+{
+    const CCorners corners(*this, info);
+    const int size = corners.GetSize();
+    if (size <= 3)
+        return true;
+    if (!corners.AreSound(size))
+        return false;
+    const auto turnAfter = [&](int i) {
+        const C3DTPoint<float>&a = *corners[i % size], &b = *corners[(i + 1) % size], &c = *corners[(i + 2) % size];
+        return Cross(b - a, c - b);
+    };
+    const C3DTVector<float> first = turnAfter(0);
+    for (int i = 1; i < size; i++)
+        if (Dot(turnAfter(i), first) < 0)
+            return false;
+    return true;
+}
+
+void C3DFace::Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const
+{
+    const CCorners corners(*this, info);
+    const int size = corners.GetSize();
+    if (size < 3 || !corners.AreSound(size)) {
+        list.SetSize(0, false, -1);
+        return;
+    }
+    C3DTVector<float> n;
+    GetNormal(info, n, true);
+    const C3DTPoint<float> origin = *corners[0];
+    C3DTVector<float> e = *corners[1] - origin, v = Cross(n, e);
+    NormalizeUnlessTiny(e);
+    NormalizeUnlessTiny(v);
+    list.SetSize(size, false, -1);
+    for (int i = 0; i < size; i++) {
+        const C3DTVector<float> d = *corners[i] - origin;
+        C2DTPoint<float>& point = *list.ElementAt(i);
+        point.x = static_cast<float>(Dot(d, e));
+        point.y = static_cast<float>(Dot(d, v));
+    }
+}
+
+// --- The list --------------------------------------------------------------------------------------------------------------
+
+bool C3DFaceList::GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask,
+                                 bool wanted, C4x4TMatrix<float>* m) const
+{
+    min.x = min.y = min.z = max.x = max.y = max.z = 0;
+    const C3DPointList* points = info ? info->GetSrc3DPointList(false) : nullptr;
+    if (!points)
+        return false;
+    bool empty = true;
+    const auto extend = [&](const C3DTPoint<float>& p) {
+        if (empty) {
+            min.x = max.x = p.x, min.y = max.y = p.y, min.z = max.z = p.z;
+            empty = false;
+            return;
+        }
+        min.x = std::min(min.x, p.x), min.y = std::min(min.y, p.y), min.z = std::min(min.z, p.z);
+        max.x = std::max(max.x, p.x), max.y = std::max(max.y, p.y), max.z = std::max(max.z, p.z);
+    };
+    const CFaceFlags flags(*this);
+    for (int i = 0; i < m_size; i++) {
+        if (flags.IsDead(i) || (mask && ((flags[i] & mask) != 0) != wanted))
+            continue;
+        int count;
+        const int* indexes = GetIndexes(i, count);
+        for (int k = 0; k < count; k++)
+            if (const C3DTPoint<float>* point = points->ElementAt(indexes[k]))
+                extend(m ? *m * *point : *point);
+    }
+    return !empty;
+}
