@@ -5,10 +5,15 @@
 
 #include "geometry/CoordinateLoops.h"
 #include "geometry/NoisyWave.h"
+#include "geometry/PointMaterialGraph.h"
+#include "geometry/PointMethods.h"
 #include "geometry/Triangle.h"
 
 ZEL_IMPLEMENT_CREATABLE(C3DPointList, CPointList)
 
+C3DPointList::C3DPointList() : C3DPointList(nullptr) {}
+C3DPointList::C3DPointList(const C3DPointList* model) { Init(new C3DPointMethods, model); }
+C3DPointList::~C3DPointList() = default;
 C3DPointList* C3DPointList::Create(C3DPointList* model) { return new C3DPointList(model); }
 
 void C3DPointList::RemoveAll()
@@ -24,6 +29,8 @@ C3DPointList& C3DPointList::operator=(const CPointList& other)
         DropMaterialGraph();
     return *this;
 }
+
+void C3DPointList::DropMaterialGraph() { m_materialGraph.reset(); }
 
 bool C3DPointList::UpdateList(const CGeomInfo* info)
 {

@@ -27,16 +27,16 @@ unsigned int CDataChunk::AddDataChunk(unsigned int id, CElementMethods* methods,
         if (flags & CHUNK_MAIN)
             m_mainId = id;
         const CElementMethods* held = chunk->array->GetMethods();
-        const bool alike = held && held->GetType() == methods->GetType() && held->GetSizeof() == methods->GetSizeof();
+        const bool alike = held && methods && held->GetType() == methods->GetType() && held->GetSizeof() == methods->GetSizeof();
         if (!(flags & CHUNK_REPLACE) && alike) {
             chunk->array->SetMethods(methods);
             chunk->flags = flags & STORED_FLAGS;
             UpdateMainChunk();
             return GetChunksNbr();
         }
-        RemoveDataChunk(id);
     }
-    auto* array = new CElementArray(methods);
+    auto* array = new CElementArray(methods);            // first: `methods` may be those of the chunk that goes
+    RemoveDataChunk(id);
     ApplyPreAllocation(*array);
     array->SetSize(static_cast<int>(m_size), true, m_grow);
     Insert(id, flags & STORED_FLAGS, array);
@@ -219,6 +219,8 @@ void CDataChunk::AppendDataChunks(const CDataChunk& other, bool empty)
         CElementArray* array = chunk.array->Duplicate(!empty);
         array->SetSize(static_cast<int>(m_size), true, m_grow);
         Insert(chunk.id, chunk.flags, array);
+        if ((chunk.flags & CHUNK_MAIN) && m_mainId == NO_ID)
+            m_mainId = chunk.id;
     }
     UpdateMainChunk();
 }

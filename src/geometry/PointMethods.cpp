@@ -17,9 +17,11 @@ CPointMethods::~CPointMethods() = default;
 bool CPointMethods::IsObject() const { return true; }
 unsigned int CPointMethods::GetBaseType() const { return FourCC("PNTS"); }
 
-void CPointMethods::CopyElement(void* to, const CElementMethods*, const void* from, const CElementMethods*) const
+// A stream can name any methods for a chunk: plain bytes must not be taken for an object.
+void CPointMethods::CopyElement(void* to, const CElementMethods*, const void* from, const CElementMethods* fromMethods) const
 {
-    CopyElement(to, from);
+    if (IsKindOf(fromMethods))
+        CopyElement(to, from);
 }
 
 void CPointMethods::CopyElement(void* to, const void* from) const

@@ -14,7 +14,7 @@ public:
     unsigned int GetSizeof() const override { return m_size; }
     unsigned int GetType() const override { return m_type; }
     unsigned int GetBaseType() const override;
-    /// Through the element's virtual assignment: coordinates are converted, flags taken over.
+    /// Through the element's virtual assignment: coordinates are converted, flags taken over. From what is no point: nothing.
     void CopyElement(void* to, const CElementMethods* toMethods, const void* from, const CElementMethods* fromMethods) const override;
     void CopyElement(void* to, const void* from) const override;
     void SerializeElement(CXArchive& ar, void* element) const override;

@@ -1,0 +1,287 @@
+#include "geometry/3DPointList.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "geometry/2DPointList.h"
+#include "geometry/3DVectorList.h"
+#include "geometry/4x4Matrix.h"
+#include "geometry/NoisyWave.h"
+#include "support/Owned.h"
+
+namespace {
+
+using Point = C3DTPoint<float>;
+using Vector = C3DTVector<float>;
+using Matrix = C4x4TMatrix<float>;
+
+struct Values {
+    float x, y, z;
+    unsigned int flags = 0;
+};
+
+template <class LIST> Owned<LIST> Make(const std::vector<Values>& values)
+{
+    Owned<LIST> list(LIST::Create());
+    list->SetSize(static_cast<int>(values.size()));
+    for (std::size_t i = 0; i < values.size(); i++) {
+        auto& element = *list->ElementAt(static_cast<int>(i));
+        element.x = values[i].x, element.y = values[i].y, element.z = values[i].z;
+        element.SetFlags(values[i].flags);
+    }
+    list->SetFlag(POINTLIST_CHANGED, false);
+    return list;
+}
+
+std::vector<Values> Random(int count, unsigned int seed)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> coordinate(-100, 100);
+    std::vector<Values> values(static_cast<std::size_t>(count));
+    for (Values& v : values)
+        v = {coordinate(random), coordinate(random), coordinate(random), static_cast<unsigned int>(random())};
+    return values;
+}
+
+Matrix Rows(const std::vector<float>& rows)
+{
+    Matrix m;
+    for (std::size_t i = 0; i < rows.size(); i++)
+        m.m[i / 4][i % 4] = rows[i];
+    return m;
+}
+
+const Matrix MOVED_AND_TURNED = Rows({0.3f, -1.7f, 0.25f, 11, 2.1f, 0.7f, -0.9f, -5, 0.01f, 3.3f, 1.1f, 0.5f});
+
+constexpr float NOT = std::numeric_limits<float>::quiet_NaN();
+constexpr float FAR = std::numeric_limits<float>::infinity();
+constexpr float MOST = std::numeric_limits<float>::max();
+
+}
+
+TEST(C3DPointList, BoundingBoxOfTheSelectedPoints)
+{
+    constexpr unsigned int I = POINT_INVALID, B = POINT_BORDER;
+    const Matrix up = Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 100}), mirrored = Rows({-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0});
+    struct {
+        const char* name;
+        std::vector<Values> points;
+        unsigned int mask;
+        bool wanted;
+        const Matrix* matrix;
+        bool any;
+        Values min, max;
+    } const rows[] = {
+        {"empty", {}, 0, true, nullptr, false, {0, 0, 0}, {0, 0, 0}},
+        {"one", {{1, -2, 3}}, 0, true, nullptr, true, {1, -2, 3}, {1, -2, 3}},
+        {"away from the origin", {{5, 6, 7}, {8, 9, 10}}, 0, true, nullptr, true, {5, 6, 7}, {8, 9, 10}},
+        {"mask 0 asks nobody", {{5, 6, 7, I}, {8, 9, 10}}, 0, false, nullptr, true, {5, 6, 7}, {8, 9, 10}},
+        {"without the invalid", {{5, 6, 7, I}, {8, 9, 10}}, I, false, nullptr, true, {8, 9, 10}, {8, 9, 10}},
+        {"any bit of two", {{1, 1, 1, I}, {2, 2, 2, B}, {3, 3, 3}}, I | B, true, nullptr, true, {1, 1, 1}, {2, 2, 2}},
+        {"nobody selected", {{5, 6, 7}}, I, true, nullptr, false, {0, 0, 0}, {0, 0, 0}},
+        {"moved", {{1, 2, 3}, {4, 5, 6}}, 0, true, &up, true, {1, 2, 103}, {4, 5, 106}},
+        {"selected and mirrored", {{1, 2, 3}, {4, 5, 6}, {9, 9, 9, I}}, I, false, &mirrored, true, {-4, 3, 2}, {-1, 6, 5}},
+        {"a coordinate is no number", {{NOT, 1, 2}, {3, NOT, 4}}, 0, true, nullptr, true, {3, 1, 2}, {3, 1, 4}},
+        {"no number at all", {{NOT, NOT, NOT}}, 0, true, nullptr, true, {0, 0, 0}, {0, 0, 0}},
+        {"the largest", {{MOST, -MOST, FAR}, {0, 0, -FAR}}, 0, true, nullptr, true, {0, -MOST, -FAR}, {MOST, 0, FAR}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto list = Make<C3DPointList>(row.points);
+        Point min(7, 7, 7), max(8, 8, 8);
+        EXPECT_EQ(list->GetBoundingBox(min, max, row.mask, row.wanted, row.matrix), row.any);
+        EXPECT_EQ(min, (Point(row.min.x, row.min.y, row.min.z)));
+        EXPECT_EQ(max, (Point(row.max.x, row.max.y, row.max.z)));
+        EXPECT_EQ(min.flags | max.flags, 0u);
+    }
+}
+
+TEST(C3DPointList, BoundingBoxIsThatOfTheSlowWay)
+{
+    // Fault in mind: an unrolled loop that forgets its rest, or mixes up the lanes.
+    for (const int count : {1, 2, 3, 4, 5, 6, 7, 8, 9, 33, 1000}) {
+        SCOPED_TRACE(count);
+        const auto values = Random(count, 7);
+        const auto list = Make<C3DPointList>(values);
+        for (const Matrix* matrix : {static_cast<const Matrix*>(nullptr), &MOVED_AND_TURNED})
+            for (const unsigned int mask : {0u, 1u, 2u}) {
+                Point low, high, min, max;
+                bool any = false;
+                for (const Values& v : values) {
+                    if (mask && !(v.flags & mask))
+                        continue;
+                    const Point p = matrix ? *matrix * Point(v.x, v.y, v.z) : Point(v.x, v.y, v.z);
+                    for (int k = 0; k < 3; k++) {
+                        low[k] = any ? std::min(low[k], p[k]) : p[k];
+                        high[k] = any ? std::max(high[k], p[k]) : p[k];
+                    }
+                    any = true;
+                }
+                EXPECT_EQ(list->GetBoundingBox(min, max, mask, true, matrix), any);
+                EXPECT_EQ(min, low);
+                EXPECT_EQ(max, high);
+            }
+        Point min, max;
+        list->GetBoundingBox(min, max);
+        EXPECT_EQ(list->GetCenterOfBoundingBox(), (Point((min.x + max.x) / 2, (min.y + max.y) / 2, (min.z + max.z) / 2)));
+    }
+    EXPECT_EQ(Make<C3DPointList>({})->GetCenterOfBoundingBox(), Point());
+}
+
+TEST(C3DPointList, TransformHasTheBitsOfThePlainFormula)
+{
+    const auto values = Random(1001, 3);
+    const auto list = Make<C3DPointList>(values);
+    EXPECT_TRUE(list->MatrixTransform(MOVED_AND_TURNED));
+    EXPECT_FALSE(list->IsFlagSet(POINTLIST_CHANGED));
+    const auto& m = MOVED_AND_TURNED.m;
+    for (int i = 0; i < 1001; i++) {
+        const Values& v = values[static_cast<std::size_t>(i)];
+        const Point& p = *list->ElementAt(i);
+        for (int row = 0; row < 3; row++) {
+            // Through volatile: each product and each sum is rounded to float by itself.
+            volatile float a = m[row][0] * v.x, b = m[row][1] * v.y, c = m[row][2] * v.z;
+            volatile float sum = a + b;
+            sum = sum + c;
+            sum = sum + m[row][3];
+            EXPECT_EQ(std::bit_cast<unsigned int>(p[row]), std::bit_cast<unsigned int>(static_cast<float>(sum)));
+        }
+        EXPECT_EQ(p.flags, v.flags);                     // flags stay, invalid points move too
+    }
+}
+
+TEST(C3DPointList, NearIdentitiesMoveNothing)
+{
+    struct { const char* name; Matrix matrix; bool moved; } const rows[] = {
+        {"identity", Matrix(), false},
+        {"0.004 aside", Rows({1, 0, 0, 0.004f}), false},
+        {"0.006 aside", Rows({1, 0, 0, 0.006f}), true},
+        {"0.4 % larger", Rows({1.004f, 0, 0, 0, 0, 1.004f, 0, 0, 0, 0, 1.004f, 0}), false},
+        {"twice as large", Rows({2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0}), true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto list = Make<C3DPointList>({{10, 20, 30}});
+        EXPECT_EQ(list->MatrixTransform(row.matrix), row.moved);
+        EXPECT_EQ(list->ElementAt(0)->x != 10, row.moved);
+    }
+}
+
+TEST(C3DVectorList, OnlyTheRotationTurnsVectors)
+{
+    const Matrix turn = Rows({0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0});     // a quarter turn about z
+    Matrix larger = turn;
+    larger.Scale(2, 2, 2);
+    larger.SetTranslation(5, 6, 7);
+    struct { const char* name; Matrix matrix; bool turned; Values result; } const rows[] = {
+        {"identity", Matrix(), false, {1, 2, 3}},
+        {"moved", Rows({1, 0, 0, 50}), false, {1, 2, 3}},
+        {"twice as large", Rows({2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0}), false, {1, 2, 3}},
+        {"a quarter turn", turn, true, {-2, 1, 3}},
+        {"turned, larger and moved", larger, true, {-2, 1, 3}},
+        {"mirrored", Rows({-1, 0, 0, 0}), true, {-1, 2, 3}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto list = Make<C3DVectorList>({{1, 2, 3, POINT_COMPUTED}});
+        EXPECT_EQ(list->MatrixTransform(row.matrix), row.turned);
+        EXPECT_EQ(*list->ElementAt(0), (Vector(row.result.x, row.result.y, row.result.z)));
+        EXPECT_EQ(list->ElementAt(0)->flags, POINT_COMPUTED);
+    }
+}
+
+TEST(C3DPointList, SwapExchangesThenMirrors)
+{
+    struct { unsigned int code; bool done; Values result; } const rows[] = {
+        {0, false, {1, 2, 3}},      {0x1, true, {2, 1, 3}},     {0x2, true, {3, 2, 1}},     {0x4, true, {1, 3, 2}},
+        {0x10, true, {-1, 2, 3}},   {0x14, true, {-1, 3, 2}},   {0x21, true, {2, -1, 3}},   {0x42, true, {3, 2, -1}},
+        {0x3, false, {1, 2, 3}},    {0x31, false, {1, 2, 3}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.code);
+        const auto points = Make<C3DPointList>({{0, 0, 0}, {1, 2, 3, POINT_INVALID}});
+        const auto vectors = Make<C3DVectorList>({{1, 2, 3}});
+        EXPECT_EQ(points->SwapCoordinates(row.code), row.done);
+        EXPECT_EQ(vectors->SwapCoordinates(row.code), row.done);
+        EXPECT_EQ(*points->ElementAt(1), (Point(row.result.x, row.result.y, row.result.z)));
+        EXPECT_EQ(*vectors->ElementAt(0), (Vector(row.result.x, row.result.y, row.result.z)));
+    }
+}
+
+TEST(C3DPointList, ChecksumsByHand)
+{
+    // 1.0f is 0x3F800000, 2.0f is 0x40000000. Point 1 is invalid: passed over, but it has its number.
+    const std::vector<Values> values = {{1, 0, 0, POINT_BORDER}, {5, 6, 7, POINT_INVALID}, {2, 1, -0.0f, 0}};
+    const auto points = Make<C3DPointList>(values);
+    const auto vectors = Make<C3DVectorList>(values);
+    C2DPointList flat;
+    flat = *points;
+    const unsigned int first = 0x3F800000, coordinates = (first + 2) * 16 + 0x40000000 + 0x3F800000;
+    const unsigned int flags = (0x10u * 16 + 2) * 16;
+    struct { unsigned int mask, points, vectors, flat; } const rows[] = {
+        {0, 0, 0, 0},
+        {1, coordinates, coordinates, 0},
+        {2, flags, coordinates, flags},
+        {3, coordinates + flags, coordinates, flags},
+        {12, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mask);
+        EXPECT_EQ(points->GetChecksum(row.mask), row.points);
+        EXPECT_EQ(vectors->GetChecksum(row.mask), row.vectors);
+        EXPECT_EQ(flat.GetChecksum(row.mask), row.flat);
+    }
+    points->ElementAt(2)->z = 0;
+    EXPECT_EQ(points->GetChecksum(1), coordinates);      // -0 is 0
+    points->ElementAt(1)->x = 50;
+    EXPECT_EQ(points->GetChecksum(3), coordinates + flags);
+}
+
+TEST(C3DPointList, NormalsAndCompactnessOfTriangles)
+{
+    const auto list = Make<C3DPointList>({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {4, 0, 0}, {1, std::sqrt(3.0f), 0}, {1e-9f, 0, 0}, {0, 1e-9f, 0}});
+    struct { const char* name; int corners[3]; Values normal; double compactness; } const rows[] = {
+        {"counter-clockwise", {0, 1, 2}, {0, 0, 1}, -1},
+        {"clockwise", {0, 2, 1}, {0, 0, -1}, -1},
+        {"in a line", {0, 1, 3}, {1, 0, 0}, 0},
+        {"equilateral", {0, 1, 4}, {0, 0, 1}, 1},
+        {"tiny", {0, 5, 6}, {1, 0, 0}, -1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Vector normal(7, 7, 7);
+        EXPECT_TRUE(list->GetNormal(row.corners, normal));
+        EXPECT_EQ(normal, (Vector(row.normal.x, row.normal.y, row.normal.z)));
+        if (row.compactness >= 0) {
+            EXPECT_NEAR(list->GetCompacityFactor(row.corners), row.compactness, 1e-5);
+        }
+    }
+    Vector normal(7, 7, 7);
+    EXPECT_FALSE(list->GetNormal(nullptr, normal));
+    EXPECT_EQ(normal.x, 7);
+    EXPECT_EQ(list->GetCompacityFactor(nullptr), 0);
+}
+
+TEST(C3DPointList, WaveReplacesTheSelectedPoints)
+{
+    constexpr auto both = static_cast<_POINT_PROPERTIES>(POINT_BORDER | POINT_SLICED);
+    const std::vector<Values> values = {{0.1f, 0, 0, both}, {0.2f, 0, 0, POINT_BORDER}, {0.3f, 0, 0, 0}};
+    const Point origin;
+    const Vector dir(1, 0, 0);
+    for (const bool wanted : {true, false}) {
+        const auto list = Make<C3DPointList>(values);
+        list->NoisyWaveFunc(origin, dir, 0.5, 1, 0, both, wanted);
+        for (int i = 0; i < 3; i++) {
+            const bool moved = (i == 0) == wanted;
+            const Point& p = *list->ElementAt(i);
+            EXPECT_EQ(p.x == 0, moved) << i;             // x and y have no wave along this direction, z carries it
+            EXPECT_EQ(p.z != 0, moved) << i;
+            EXPECT_EQ(p.flags, moved ? 0 : values[static_cast<std::size_t>(i)].flags) << i;
+        }
+    }
+}

@@ -1,0 +1,329 @@
+#include "geometry/PointList.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "geometry/2DPointList.h"
+#include "geometry/3DPointList.h"
+#include "geometry/3DVectorList.h"
+#include "geometry/ElementMethods.h"
+#include "support/Owned.h"
+#include "support/Streams.h"
+
+namespace {
+
+constexpr unsigned int NONE = 0xFFFFFFFF;
+constexpr unsigned int EXTRA = 7;
+
+// x tells the points apart.
+Owned<C3DPointList> Points(const std::vector<float>& xs)
+{
+    Owned<C3DPointList> list(C3DPointList::Create());
+    list->SetSize(static_cast<int>(xs.size()));
+    for (std::size_t i = 0; i < xs.size(); i++)
+        *list->ElementAt(static_cast<int>(i)) = C3DTPoint<float>(xs[i], 2, 3);
+    list->SetFlag(POINTLIST_CHANGED, false);
+    return list;
+}
+
+void AddExtra(CPointList& list)
+{
+    auto* methods = new CBackFaceMaterialMethods;
+    list.AddDataChunk(EXTRA, methods);
+    DeleteMe(methods);
+}
+
+std::vector<float> Xs(const C3DPointList& list)
+{
+    std::vector<float> xs;
+    const C3DTPoint<float>* point = list.GetFirst();
+    for (int i = 0; i < list.GetSize(); i++, point = list.GetNext(point))
+        xs.push_back(point->x);
+    return xs;
+}
+
+std::vector<unsigned int> OriginalIndices(const CPointList& list)
+{
+    std::vector<unsigned int> indices;
+    for (int i = 0; i < list.GetSize(); i++)
+        indices.push_back(list.GetOriginalIndex(static_cast<unsigned int>(i)));
+    return indices;
+}
+
+void CheckConsistent(const CPointList& list)
+{
+    EXPECT_EQ(list.GetDataChunks().GetDataSize(), static_cast<unsigned int>(list.GetSize()));
+    unsigned int id = 0;
+    for (unsigned int pos = list.GetDataChunks().GetFirstChunk(); pos != NONE;)
+        EXPECT_EQ(list.GetDataChunks().GetNextChunk(pos, id)->GetSize(), list.GetSize());
+}
+
+}
+
+TEST(PointList, ChangesAreTold)
+{
+    // What each operation does to the changed bit and to the stamp.
+    const unsigned int order[] = {1, 0, 2};
+    const Owned<C3DPointList> other = Points({9});
+    struct {
+        const char* name;
+        void (*operation)(C3DPointList&, const unsigned int* order, const C3DPointList& other);
+        bool changed, stamped;
+    } const rows[] = {
+        {"another size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(4); }, true, true},
+        {"the same size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(3); }, false, false},
+        {"no size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(-1); }, false, false},
+        {"RemoveAll", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.RemoveAll(); }, false, true},
+        {"assignment", [](C3DPointList& l, const unsigned int*, const C3DPointList& o) { l = o; }, true, true},
+        {"to itself", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l = *&l; }, false, false},
+        {"Reorder", [](C3DPointList& l, const unsigned int* o, const C3DPointList&) { l.Reorder(o, 3, false); }, false, false},
+        {"a point", [](C3DPointList& l, const unsigned int*, const C3DPointList& o) { l.CopyPoint(0, 0, o); }, false, false},
+        {"told", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetFlag(POINTLIST_CHANGED, true); }, true, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Owned<C3DPointList> list = Points({0, 1, 2});
+        const unsigned int stamp = list->GetChangedStamp();
+        row.operation(*list, order, *other);
+        EXPECT_EQ(list->IsFlagSet(POINTLIST_CHANGED), row.changed);
+        EXPECT_EQ(list->GetChangedStamp() > stamp, row.stamped);
+        CheckConsistent(*list);
+    }
+}
+
+TEST(PointList, ElementsAreReachedInsideTheListOnly)
+{
+    const Owned<C3DPointList> list = Points({5, 6});
+    for (const int outside : {-1, 2, 1 << 30, static_cast<int>(0x80000000)}) {
+        EXPECT_EQ(list->ElementAt(outside), nullptr);
+        EXPECT_FALSE(list->CopyPoint(0, outside));
+        EXPECT_FALSE(list->CopyPoint(outside, 0));
+        EXPECT_TRUE(list->CopyPoint(outside, outside));  // told by the indices alone
+        EXPECT_FALSE(list->CopyPoint(outside, 0, *list));
+    }
+    EXPECT_EQ((*list)[1]->x, 6);
+    EXPECT_EQ(Xs(*list), (std::vector<float>{5, 6}));
+}
+
+TEST(PointList, OriginalIndicesFollowThePoints)
+{
+    const Owned<C3DPointList> list = Points({0, 1, 2, 3});
+    EXPECT_EQ(OriginalIndices(*list), std::vector<unsigned int>(4, NONE));
+    list->SavePointsIndex();
+    EXPECT_EQ(list->GetOriginalIndex(4), NONE);
+
+    const unsigned int order[] = {2, 0, 3, 1};
+    EXPECT_TRUE(list->Reorder(order, 4, false));
+    EXPECT_EQ(Xs(*list), (std::vector<float>{2, 0, 3, 1}));
+    EXPECT_EQ(OriginalIndices(*list), (std::vector<unsigned int>{2, 0, 3, 1}));
+    EXPECT_TRUE(list->CopyPoint(3, 0));
+    list->SetSize(6);
+    EXPECT_EQ(OriginalIndices(*list), (std::vector<unsigned int>{2, 0, 3, 2, NONE, NONE}));
+    EXPECT_EQ(Xs(*list), (std::vector<float>{2, 0, 3, 2, 0, 0}));
+
+    const Owned<C3DPointList> copy(C3DPointList::Create());
+    *copy = *list;
+    EXPECT_EQ(OriginalIndices(*copy), OriginalIndices(*list));
+    list->SavePointsIndex();
+    EXPECT_EQ(OriginalIndices(*list), (std::vector<unsigned int>{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(list->GetDataChunkNbr(), 1u);
+}
+
+TEST(PointList, ReorderAndItsInverse)
+{
+    std::mt19937 random(1);
+    std::vector<unsigned int> order(500);
+    std::vector<float> xs(500), expected(500);
+    for (unsigned int i = 0; i < 500; i++)
+        xs[i] = static_cast<float>(order[i] = i);
+    std::shuffle(order.begin(), order.end(), random);
+    const Owned<C3DPointList> list = Points(xs);
+    list->SavePointsIndex();
+    for (unsigned int i = 0; i < 500; i++)
+        expected[i] = xs[order[i]];
+    ASSERT_TRUE(list->Reorder(order.data(), 500, false));
+    EXPECT_EQ(Xs(*list), expected);
+    EXPECT_EQ(OriginalIndices(*list), order);
+    ASSERT_TRUE(list->Reorder(order.data(), 500, true));
+    EXPECT_EQ(Xs(*list), xs);
+
+    order[3] = order[4];
+    EXPECT_FALSE(list->Reorder(order.data(), 500, false));
+    EXPECT_FALSE(list->Reorder(order.data(), 499, false));
+    EXPECT_EQ(Xs(*list), xs);
+    CheckConsistent(*list);
+}
+
+TEST(PointList, ChunksResetWhenAddedAgain)
+{
+    const Owned<C3DPointList> list = Points({0, 1});
+    AddExtra(*list);
+    const auto value = [&](unsigned int i) { return static_cast<unsigned int*>(list->GetData(EXTRA, i)); };
+    ASSERT_NE(value(1), nullptr);
+    EXPECT_EQ(value(2), nullptr);
+    EXPECT_EQ(list->GetSizeOfData(EXTRA), 4u);
+    *value(1) = 5;
+    AddExtra(*list);
+    EXPECT_EQ(*value(1), NONE);
+
+    const Owned<C3DPointList> other = Points({0, 1, 2});
+    other->AppendDataChunks(nullptr, false);
+    *value(1) = 5;
+    other->AppendDataChunks(list.get(), false);
+    EXPECT_EQ(*static_cast<unsigned int*>(other->GetData(EXTRA, 1)), 5u);
+    EXPECT_EQ(*static_cast<unsigned int*>(other->GetData(EXTRA, 2)), NONE);
+    EXPECT_TRUE(list->RemoveDataChunk(EXTRA));
+    EXPECT_EQ(list->GetSizeOfData(EXTRA), 0u);
+    CheckConsistent(*other);
+}
+
+TEST(PointList, HeirsTakeFlagsAndChunks)
+{
+    const Owned<C3DPointList> model = Points({0, 1});
+    AddExtra(*model);
+    model->SetFlag(POINTLIST_CHANGED, true);
+    const Owned<C3DPointList> made(C3DPointList::Create(model.get()));
+    EXPECT_EQ(made->GetSize(), 0);
+    made->SetSize(3);
+    EXPECT_EQ(*static_cast<unsigned int*>(made->GetData(EXTRA, 2)), NONE);
+    CheckConsistent(*made);
+
+    const Owned<C3DPointList> heir = Points({4});
+    heir->Inherit(*model);
+    EXPECT_TRUE(heir->IsFlagSet(POINTLIST_CHANGED));
+    EXPECT_EQ(Xs(*heir), std::vector<float>{4});
+    heir->SetSize(1);
+    EXPECT_EQ(heir->GetDataChunkNbr(), 1u);
+    CheckConsistent(*heir);
+}
+
+TEST(PointList, AssignmentConvertsBetweenClasses)
+{
+    const Owned<C3DPointList> points = Points({5, 6});
+    points->ElementAt(1)->SetFlags(POINT_BORDER);
+    AddExtra(*points);
+    const Owned<C3DVectorList> vectors(C3DVectorList::Create());
+    vectors->SetSize(7);
+    *vectors = static_cast<const CPointList&>(*points);
+    ASSERT_EQ(vectors->GetSize(), 2);
+    EXPECT_EQ(*vectors->ElementAt(1), (C3DTVector<float>(6, 2, 3)));
+    EXPECT_EQ(vectors->ElementAt(1)->flags, POINT_BORDER);
+    EXPECT_NE(vectors->GetData(EXTRA, 1), nullptr);
+    C2DPointList flat;
+    flat = *points;
+    EXPECT_EQ(flat.ElementAt(1)->y, 2);
+    *points = static_cast<const CPointList&>(flat);
+    EXPECT_EQ(*points->ElementAt(1), (C3DTPoint<float>(6, 2, 0)));
+    EXPECT_FALSE(points->CopyPoint(0, 2, *vectors));
+    EXPECT_TRUE(points->CopyPoint(0, 1, *vectors));
+    EXPECT_EQ(*points->ElementAt(0), (C3DTPoint<float>(6, 2, 3)));
+    for (const CPointList* list : {static_cast<const CPointList*>(points.get()), static_cast<const CPointList*>(vectors.get())})
+        CheckConsistent(*list);
+}
+
+TEST(PointList, FlagsAreCountedByAnyAndByAllBits)
+{
+    const Owned<C3DPointList> list = Points({0, 1, 2, 3});
+    const unsigned int flags[] = {0, POINT_BORDER, POINT_INVALID, POINT_BORDER | POINT_INVALID};
+    for (int i = 0; i < 4; i++)
+        list->ElementAt(i)->SetFlags(flags[i]);
+    constexpr unsigned int both = POINT_BORDER | POINT_INVALID;
+    EXPECT_EQ(list->GetNumberOfPoints(both, true), 3);
+    EXPECT_EQ(list->GetNumberOfPoints(both, false), 1);
+    EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(both), true), 1);
+    EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(both), false), 3);
+    EXPECT_EQ(list->GetNumberOfPoints(0u, false), 4);
+    EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(0), true), 4);
+    // h = (h + flags + i) * 16 over points 0 and 1, which are not invalid.
+    EXPECT_EQ(list->GetChecksum(2), ((0u + 0 + 0) * 16 + 0x10 + 1) * 16);
+    list->SetPointsFlags(both, true);
+    list->SetPointsFlags(POINT_INVALID, false);
+    EXPECT_EQ(list->GetNumberOfPoints(POINT_INVALID, true), 0);
+    EXPECT_EQ(list->GetNumberOfPoints(POINT_BORDER, true), 4);
+}
+
+TEST(PointList, PreAllocatedRoomIsUsed)
+{
+    const Owned<C3DPointList> list = Points({0, 1});
+    AddExtra(*list);
+    list->PreAllocate(1000, true);
+    EXPECT_EQ(list->GetSize(), 0);
+    list->SetSize(1);
+    const void* block = list->GetBase();
+    for (int i = 2; i <= 1000; i++)
+        list->SetSize(i);
+    EXPECT_EQ(list->GetBase(), block);
+    EXPECT_EQ(list->ElementAt(999)->flags, 0u);
+    list->SetSize(10);
+    list->FreeExtra();
+    EXPECT_EQ(list->GetCapacity(), 10);
+    CheckConsistent(*list);
+}
+
+// --- Streams -----------------------------------------------------------------------------------------------------------------
+
+TEST(PointList, BlocksAndElementsStoreTheSameBytes)
+{
+    // A list moves as one block: the bytes are those of each element's own Serialize, at the end of the stream.
+    const Owned<C3DPointList> list = Points({5, 6, 7});
+    list->ElementAt(2)->SetFlags(0x12345678);
+    C2DPointList flat;
+    flat = *list;
+    const auto check = [](CPointList& points) {
+        std::vector<unsigned char> elements;
+        for (int i = 0; i < points.GetSize(); i++) {
+            const auto bytes = Stored(*points.ElementAt(i));
+            elements.insert(elements.end(), bytes.begin(), bytes.end());
+        }
+        const auto bytes = Stored(points);
+        ASSERT_GT(bytes.size(), elements.size());
+        EXPECT_TRUE(std::equal(elements.begin(), elements.end(), bytes.end() - static_cast<std::ptrdiff_t>(elements.size())));
+    };
+    check(*list);
+    check(flat);
+    const auto bytes = Stored(*list);
+    const std::vector<unsigned char> last(bytes.end() - 16, bytes.end());        // flags, 7, 2, 3
+    EXPECT_EQ(last, (std::vector<unsigned char>{0x78, 0x56, 0x34, 0x12, 0, 0, 0xE0, 0x40, 0, 0, 0, 0x40, 0, 0, 0x40, 0x40}));
+}
+
+TEST(PointList, StreamsReplaceEverythingOrEmptyTheList)
+{
+    const Owned<C3DPointList> list = Points({5, 6, 7});
+    list->SavePointsIndex();
+    AddExtra(*list);
+    const auto bytes = Stored(*list);
+    const Owned<C3DPointList> loaded = Points({1});
+    ASSERT_TRUE(Load(*loaded, bytes));
+    EXPECT_EQ(Xs(*loaded), (std::vector<float>{5, 6, 7}));
+    EXPECT_EQ(OriginalIndices(*loaded), (std::vector<unsigned int>{0, 1, 2}));
+    CheckConsistent(*loaded);
+
+    for (std::size_t size = 0; size < bytes.size(); size++) {
+        ASSERT_FALSE(Load(*loaded, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)})) << size;
+        EXPECT_EQ(loaded->GetSize(), 0);
+        EXPECT_EQ(loaded->GetDataChunks().GetDataSize(), 0u);
+    }
+    // Every byte is turned round once: it loads as something, or the list is empty; never anything between.
+    for (std::size_t i = 0; i < bytes.size(); i++) {
+        auto damaged = bytes;
+        damaged[i] ^= 0xFF;
+        Load(*loaded, damaged);
+        CheckConsistent(*loaded);
+        loaded->SetSize(loaded->GetSize() + 1);
+        CheckConsistent(*loaded);
+    }
+
+    const Owned<C3DVectorList> vectors(C3DVectorList::Create());
+    vectors->SetSize(3);
+    EXPECT_FALSE(Load(*vectors, bytes));                 // another kind of element
+    EXPECT_EQ(vectors->GetSize(), 0);
+    vectors->SetSize(1);
+    EXPECT_EQ(vectors->ElementAt(0)->Length(), 0);
+
+    const Owned<C3DPointList> empty(C3DPointList::Create());
+    ASSERT_TRUE(Load(*loaded, Stored(*empty)));
+    EXPECT_EQ(loaded->GetSize(), 0);
+}
