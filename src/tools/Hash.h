@@ -13,13 +13,15 @@
 // RemoveAll also goes back to the start size, so that the order never depends on what a table held before.
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
 #include "tools/Api.h"
+#include "tools/Memory.h"
 
 /// The smallest prime at or above `n` (2 for less); the largest prime of 32 bits when there is none.
 ZEL_API unsigned int NextPrime(unsigned int n);
@@ -197,10 +199,14 @@ private:
             slot++;
         return slot < m_size ? slot : HASH_END;
     }
+    /// Entries and states share one block.
+    std::size_t BlockSize() const { return static_cast<std::size_t>(m_size) * (sizeof(ENTRY) + 1); }
     void Allocate()
     {
-        m_entries = std::allocator<ENTRY>().allocate(m_size);
-        m_states = new unsigned char[m_size]();
+        static_assert(alignof(ENTRY) <= alignof(std::max_align_t));
+        m_entries = static_cast<ENTRY*>(XAllocBlock(BlockSize()));
+        m_states = reinterpret_cast<unsigned char*>(m_entries + m_size);
+        std::memset(m_states, EMPTY, m_size);
     }
     void DestroyEntries()
     {
@@ -214,8 +220,7 @@ private:
     {
         if (m_states) {
             DestroyEntries();
-            std::allocator<ENTRY>().deallocate(m_entries, m_size);
-            delete[] m_states;
+            XFreeBlock(m_entries, BlockSize());
         }
         m_entries = nullptr;
         m_states = nullptr;
