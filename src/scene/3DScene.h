@@ -1,24 +1,18 @@
 #pragma once
 
+#include "channels/NormalMode.h"
 #include "geometry/4x4Matrix.h"
 #include "scene/Forward.h"
 #include "scene/Materials.h"
 #include "scene/NodePos.h"
 #include "scene/SceneNode.h"
 #include "scene/Units.h"
+#include "scene/UpAxis.h"
 #include "tools/CustomData.h"
 #include "tools/Object.h"
 #include "tools/Tree.h"
 
 class CFileNameSpec;
-enum _NormalSmoothMode : unsigned int;
-
-/// Which axis points up in what OrientScene turns.
-enum _UP_AXIS_MODE : unsigned int {
-    UP_AXIS_KEEP = 0,
-    UP_AXIS_Y = 1,               ///< +y becomes +z
-    UP_AXIS_X = 2,               ///< +x becomes +z
-};
 
 /// A scene: the tree of nodes under a root, the materials, and the parameters in the custom data.
 ///
@@ -129,7 +123,7 @@ public:
     /// Of the root and of all nodes with object.
     void DeleteAllKeys();
     /// Turns what lies directly under the root, by the matrix keys at time 0, so that a scene of another up axis stands in
-    /// the z-up world (`import`), or back. False for UP_AXIS_KEEP.
+    /// the z-up world (`import`), or back. False for UP_AXIS_Z.
     bool OrientScene(_UP_AXIS_MODE mode, bool import);
     void Scale(const C3DTVector<float>& factors);
     /// Bakes the transforms of all nodes below `start` into their objects, which are made unique, and deletes their keys

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "channels/Channel.h"
+#include "channels/NormalMode.h"
+#include "geometry/3DFaceList.h"
+#include "geometry/3DFaceList.h"
 #include "scene/BaseObject.h"
-#include "tools/Hash.h"
 
-class C3DFaceList;
 class C3DPointList;
 class CDependentChannels;
 class CFaceNormalChannel;
 class CPointNormalChannel;
-enum _FACE_PROPERTIES : unsigned int;
-enum _FACE_SORT_MODE : unsigned int;
-enum _NormalSmoothMode : unsigned int;
 
 /// How the faces of an object are culled.
 enum _faceModeEnum : unsigned int {
@@ -42,7 +40,7 @@ constexpr float SMOOTH_ANGLE_INHERITED = -1.0f;
 class ZEL_API C3DGeomObject : public C3DBaseObject {
     ZEL_DECLARE_CREATABLE(C3DGeomObject)
 public:
-    using MaterialMap = CHashMap<unsigned int, unsigned int, unsigned int>;
+    using MaterialMap = C3DFaceList::MaterialsMap;
 
     /// Kind 0, no lists, empty channels.
     C3DGeomObject();
@@ -77,7 +75,7 @@ public:
     virtual void SetChannels(CDependentChannels* channels, bool deleteOld);
     /// Number of live faces by material, owned by the face list, valid until faces change; null without a face list.
     /// `withBack` counts back materials too.
-    virtual MaterialMap* GetMaterialsHashMap(bool withBack);
+    virtual const MaterialMap* GetMaterialsHashMap(bool withBack);
     /// Repairs degenerate faces, removes what is marked invalid and points that no face uses; channels keep step.
     /// OBJECT_EMPTY when nothing is left.
     virtual void Clean();
@@ -172,7 +170,7 @@ private:
         void Get(C3DTPoint<float>& outMin, C3DTPoint<float>& outMax) const;
         void Set(const C3DTPoint<float>& inMin, const C3DTPoint<float>& inMax);
     };
-    bool CopyGeometry(C3DGeomObject& target) const;
+    void CopyGeometry(C3DGeomObject& target, C3DObjectCreator& creator) const;
     bool MeasurePoints(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted, C4x4TMatrix<float>* matrix);
     bool MeasureFaces(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted, C4x4TMatrix<float>* matrix);
     bool GenerateMissingUVW(C3DScene* scene);

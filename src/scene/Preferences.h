@@ -2,10 +2,10 @@
 
 #include <mutex>
 
+#include "channels/NormalMode.h"
 #include "tools/CustomData.h"
 #include "tools/String.h"
 
-enum _NormalSmoothMode : unsigned int;
 
 /// Process-wide settings, kept in 3dprefs.prefs in the user's settings folder.
 ///

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "tools/Api.h"
 
 // Process-wide state of the scene model. Plain values: building scenes happens on one thread at a time.
@@ -13,6 +11,3 @@ enum _ID_COUNTER { ID_OBJECT, ID_NODE, ID_MATERIAL, ID_COUNTERS };
 ZEL_API unsigned int CreateSceneID(_ID_COUNTER counter);
 /// An id was read from a stream: the counter goes behind it, never back.
 ZEL_API void AdvanceSceneID(_ID_COUNTER counter, unsigned int id);
-
-/// Milliseconds of a clock that never goes back; never 0.
-ZEL_API std::int64_t timeGetTick();
