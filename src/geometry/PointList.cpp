@@ -1,7 +1,9 @@
 #include "geometry/PointList.h"
 
 #include "geometry/ElementMethods.h"
+#include "geometry/FaceList.h"
 #include "tools/Archive.h"
+#include "tools/BitArray.h"
 #include "tools/Exception.h"
 
 ZEL_IMPLEMENT_DYNAMIC(CPointList, CElementArray)
@@ -18,21 +20,14 @@ void CPointList::Init(CElementMethods* methods, const CPointList* model)
 
 void CPointList::Serialize(CXArchive& ar)
 {
-    if (ar.IsStoring()) {
-        m_chunks.Serialize(ar);
-        CElementArray::Serialize(ar);
-        return;
-    }
-    RemoveAll();
-    try {
-        m_chunks.Serialize(ar);
-        CElementArray::Serialize(ar);                    // takes only elements of this list's kind
-        if (m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize()))
-            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
-    } catch (...) {
+    if (ar.IsLoading())
+        RemoveAll();
+    m_chunks.Serialize(ar);
+    CElementArray::Serialize(ar);
+    if (ar.IsLoading() && m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize())) {
         m_chunks.DeleteAll();
         RemoveAll();
-        throw;
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     }
 }
 
@@ -188,4 +183,30 @@ void CPointList::SetPointsFlags(unsigned int mask, bool set)
     CPt* point = GetFirst();
     for (int i = 0, count = GetSize(); i < count; i++, point = GetNext(point))
         point->SetFlags(mask, set);
+}
+
+void CPointList::SetInvalidPoints(CFaceList& faces, bool keep) { SetInvalidPoints(&faces, keep); }
+
+void CPointList::SetInvalidPoints(CFaceList* faces, bool keep)
+{
+    if (!keep)
+        SetPointsFlags(POINT_INVALID, false);
+    const unsigned int pointCount = static_cast<unsigned int>(GetSize());
+    CBitArray unused(pointCount, true);
+    if (faces) {
+        const CFaceFlags flags(*faces);
+        for (int face = 0; face < faces->GetSize(); face++) {
+            if (flags.IsDead(static_cast<unsigned int>(face)))
+                continue;
+            int cornerCount;
+            const int* corners = faces->GetIndexes(static_cast<unsigned int>(face), cornerCount);
+            for (int k = 0; k < cornerCount; k++)
+                if (static_cast<unsigned int>(corners[k]) < pointCount)
+                    unused.SetAt(static_cast<unsigned int>(corners[k]), false);
+        }
+    }
+    CPt* point = GetFirst();
+    for (unsigned int i = 0; i < pointCount; i++, point = GetNext(point))
+        if (unused[i])
+            point->flags |= POINT_INVALID;
 }
