@@ -6,10 +6,12 @@
 #include <type_traits>
 #include <vector>
 
+#include "geometry/Edge.h"
 #include "geometry/ElementMethods.h"
 #include "geometry/SingleFace.h"
 #include "tools/Archive.h"
 #include "tools/Array.h"
+#include "tools/AssociationMap.h"
 
 ZEL_IMPLEMENT_DYNAMIC(CFaceList, CXObject)
 
@@ -246,7 +248,7 @@ CFaceList& CFaceList::operator=(const CFaceList& model)
     m_chunks.CopyData(model.m_chunks);
     m_indexes = model.m_indexes;
     DropSurplus();
-    DropGraphs();
+    FreeGraphs();
     SetFlag(FACELIST_CHANGED, true);
     return *this;
 }
@@ -494,17 +496,9 @@ bool CFaceList::UpdateList(const CGeomInfo*)
 {
     if (!IsFlagSet(FACELIST_CHANGED))
         return false;
-    DropGraphs();
+    FreeGraphs();
     m_flags &= ~static_cast<unsigned int>(FACELIST_CHANGED);
     return true;
-}
-
-// Graphs and their use counts.
-void CFaceList::DropGraphs()
-{
-    m_pointGraph.RemoveAll();
-    m_pointGraphUse = 0;
-    m_edgeGraphUse = 0;
 }
 
 // --- Stream ----------------------------------------------------------------------------------------------------------------

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <concepts>
+#include <memory>
 
+#include "geometry/ConnectionInfo.h"
 #include "geometry/DataChunk.h"
 #include "geometry/Face.h"
 #include "tools/ElementArray.h"
@@ -9,7 +11,6 @@
 #include "tools/Hash.h"
 #include "tools/SimpleCollection.h"
 
-enum _ConnectionInfoType : int;
 class C3DEdge;
 class CFaceGraphHelper;
 class CFaceTagger;
@@ -208,6 +209,9 @@ public:
     // Each Init is paired with a Delete; they nest and share one graph. A query on a graph that is not there answers empty.
     // Results in a helper's buffer live until the helper's next query, in the slot order of a hash table.
 
+    /// Entries are counted in 32 bits: the hub of a fan can have more faces than a face has corners.
+    using PointGraph = CSimpleCollection<int, unsigned int>;
+    /// Of the faces along one edge, 65,535 are kept.
     using EdgeGraph = CAssociationMap<C3DEdge, int, unsigned short>;
 
     /// Point to live faces, ascending; a face once a point. The size is that of the source point list of `info`.
@@ -313,12 +317,14 @@ private:
     void FinishAppend(int count);
     void ClearCorners(unsigned int first, unsigned int end);
     void DropSurplus();
+    void FreeGraphs();
     void DropGraphs();
     void Load(CXArchive& ar);
 
     friend class CSingleFace;
 
-    IndexCollection m_pointGraph;
+    PointGraph m_pointGraph;
+    std::unique_ptr<EdgeGraph> m_edgeGraph;              // null without entries
     unsigned int m_pointGraphUse = 0;
     unsigned int m_edgeGraphUse = 0;
     unsigned int m_changedStamp = 0;

@@ -95,7 +95,7 @@ private:
         OWNS_DST_CHANNELS = 32,
     };
 
-    mutable unsigned int m_owned = 0;
+    mutable unsigned int m_owned = 0;                    // Owned
     C3DScene* m_scene = nullptr;
     C3DSceneNode* m_node = nullptr;
     C3DBaseObject* m_object = nullptr;

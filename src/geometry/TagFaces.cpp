@@ -1,0 +1,112 @@
+// Flood fill over the faces of a list, breadth first.
+//
+// The tagger hears of every neighbour that no group has yet, as often as it is met. The queue takes each of them once: a second place
+// would find the face visited when its turn comes.
+
+#include "geometry/Edge.h"
+#include "geometry/FaceList.h"
+#include "geometry/FaceTagger.h"
+#include "geometry/GeomInfo.h"
+#include "tools/BitArray.h"
+
+namespace {
+
+/// One run of TagFaces.
+class FaceFlood {
+public:
+    FaceFlood(CFaceList& faces, CFaceTagger& tagger, bool byEdge)
+        : m_faces(faces), m_tagger(tagger), m_byEdge(byEdge), m_flags(faces),
+          m_visited(static_cast<unsigned int>(faces.GetSize()), false), m_queued(static_cast<unsigned int>(faces.GetSize()), false)
+    {
+    }
+
+    unsigned int Run()
+    {
+        unsigned int groups = 0;
+        for (int face = 0; face < m_faces.GetSize(); face++)
+            if (!m_visited[static_cast<unsigned int>(face)] && !m_flags.IsDead(static_cast<unsigned int>(face)))
+                FillGroup(groups++, face);
+        return groups;
+    }
+
+private:
+    void FillGroup(unsigned int group, int start);
+    void Spread(int face);
+    bool Ask(int face, int corner, int next);
+
+    CFaceList& m_faces;
+    CFaceTagger& m_tagger;
+    const bool m_byEdge;
+    const CFaceFlags m_flags;
+    CBitArray m_visited;                 // in a group
+    CBitArray m_queued;                  // in the queue, now or earlier
+    std::vector<unsigned int> m_queue;   // what has been taken out of it is the group
+    std::vector<int> m_neighbours;
+};
+
+void FaceFlood::FillGroup(unsigned int group, int start)
+{
+    m_queue.assign(1, static_cast<unsigned int>(start));
+    m_queued.SetAt(static_cast<unsigned int>(start), true);
+    m_tagger.BeginNewGroup(group, static_cast<unsigned int>(start));
+    for (std::size_t next = 0; next < m_queue.size(); next++) {
+        Spread(static_cast<int>(m_queue[next]));
+        m_visited.SetAt(m_queue[next], true);
+    }
+    m_tagger.ProcessGroup(m_queue.data(), static_cast<unsigned int>(m_queue.size()));
+}
+
+void FaceFlood::Spread(int face)
+{
+    int count;
+    m_faces.GetIndexes(static_cast<unsigned int>(face), count);
+    for (int k = 0; k < count; k++) {
+        const int* corners = m_faces.GetIndexes(static_cast<unsigned int>(face), count);     // a tagger may edit faces
+        if (k >= count || !Ask(face, corners[k], corners[(k + 1) % count]))
+            continue;
+        for (const int neighbour : m_neighbours) {
+            const unsigned int place = static_cast<unsigned int>(neighbour);
+            if (neighbour == -1 || m_queued[place] || m_flags.IsDead(place))
+                continue;
+            m_queued.SetAt(place, true);
+            m_queue.push_back(place);
+        }
+    }
+}
+
+// Collects the neighbours at a corner that are in no group yet. False when there are none, or when the tagger refuses them.
+bool FaceFlood::Ask(int face, int corner, int next)
+{
+    C3DEdge edge(corner, next);
+    int count;
+    const int* connected = m_byEdge ? m_faces.GetFacesConnectedToEdge(edge, count) : m_faces.GetFacesConnectedToPoint(corner, count);
+    m_neighbours.clear();
+    for (int i = 0; i < count; i++)
+        if (connected[i] != face && !m_visited[static_cast<unsigned int>(connected[i])])
+            m_neighbours.push_back(connected[i]);
+    if (m_neighbours.empty())
+        return false;
+    const unsigned int number = static_cast<unsigned int>(m_neighbours.size());
+    return m_byEdge ? m_tagger.BelongToGroup(static_cast<unsigned int>(face), edge, m_neighbours.data(), number)
+                    : m_tagger.BelongToGroup(static_cast<unsigned int>(face), static_cast<unsigned int>(corner), m_neighbours.data(), number);
+}
+
+}
+
+unsigned int CFaceList::TagFaces(CGeomInfo* info, CFaceTagger& tagger, bool byEdge)
+{
+    if (!info)
+        return 0;
+    tagger.m_info = info;
+    tagger.m_points = info->GetSrcPointList();
+    tagger.m_faces = this;
+    if (!tagger.InitProcess(info))
+        return 0;
+    if (byEdge)
+        InitEdgeToFaceGraph(info);
+    else
+        InitPointToFaceGraph(info);
+    const unsigned int groups = FaceFlood(*this, tagger, byEdge).Run();
+    tagger.EndProcess(groups);
+    return groups;
+}
