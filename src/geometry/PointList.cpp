@@ -20,14 +20,21 @@ void CPointList::Init(CElementMethods* methods, const CPointList* model)
 
 void CPointList::Serialize(CXArchive& ar)
 {
-    if (ar.IsLoading())
-        RemoveAll();
-    m_chunks.Serialize(ar);
-    CElementArray::Serialize(ar);
-    if (ar.IsLoading() && m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize())) {
+    if (ar.IsStoring()) {
+        m_chunks.Serialize(ar);
+        CElementArray::Serialize(ar);
+        return;
+    }
+    RemoveAll();
+    try {
+        m_chunks.Serialize(ar);
+        CElementArray::Serialize(ar);                    // takes only elements of this list's kind
+        if (m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize()))
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+    } catch (...) {
         m_chunks.DeleteAll();
         RemoveAll();
-        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+        throw;
     }
 }
 

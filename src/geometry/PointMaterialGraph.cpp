@@ -1,23 +1,9 @@
+#include "geometry/PointMaterialGraph.h"
+
+#include <algorithm>
+
 #include "geometry/3DFaceList.h"
-#include "geometry/3DPointList.h"
 #include "geometry/GeomInfo.h"
-#include "geometry/PointMethods.h"
-#include "tools/Hash.h"
-#include "tools/SimpleCollection.h"
-
-// Materials of points: kept only where at least two meet, because most points of a mesh have one.
-
-struct C3DPointList::MaterialGraph {
-    CHashMap<int, unsigned int> entries;                                 // point to entry
-    CSimpleCollection<unsigned int, unsigned short> materials;
-};
-
-// Here, where the graph is a complete type.
-C3DPointList::C3DPointList() : C3DPointList(nullptr) {}
-C3DPointList::C3DPointList(const C3DPointList* model) { Init(new C3DPointMethods, model); }
-C3DPointList::~C3DPointList() = default;
-
-void C3DPointList::DropMaterialGraph() { m_materialGraph.reset(); }
 
 void C3DPointList::InitPointMaterialGraph(const CGeomInfo* info)
 {
@@ -40,16 +26,21 @@ void C3DPointList::CreatePointMaterialGraph(const CGeomInfo* info)
     if (!faces || faces->GetSize() == 0)
         return;
     faces->InitPointToFaceGraph(info);
+    using Materials = CSimpleCollection<unsigned int, unsigned short>;
     CHashTable<unsigned int> materials;
     for (int point = 0; point < GetSize(); point++) {
         int count;
         const int* around = faces->GetFacesConnectedToPoint(point, count);
+        const auto materialOf = [&](int i) { return faces->GetFaceMaterial(static_cast<unsigned int>(around[i])); };
+        int alike = 1;                                   // faces of the first one's material, before any other
+        while (alike < count && materialOf(alike) == materialOf(0))
+            alike++;
+        if (alike >= count)
+            continue;
         materials.RemoveAll();
         for (int i = 0; i < count; i++)
-            materials.Insert(faces->GetFaceMaterial(static_cast<unsigned int>(around[i])));
-        if (materials.GetCount() < 2)
-            continue;
-        const unsigned int entry = m_materialGraph->materials.AddEntry(materials.GetCount());
+            materials.Insert(materialOf(i));
+        const unsigned int entry = m_materialGraph->materials.AddEntry(std::min(materials.GetCount(), Materials::MAX_ITEMS));
         for (const unsigned int material : materials)
             m_materialGraph->materials.AddItem(entry, material);
         m_materialGraph->entries.Insert(point, entry);
