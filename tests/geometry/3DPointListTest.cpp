@@ -12,7 +12,9 @@
 #include "geometry/3DVectorList.h"
 #include "geometry/4x4Matrix.h"
 #include "geometry/NoisyWave.h"
+#include "support/Meshes.h"
 #include "support/Owned.h"
+#include "support/Streams.h"
 
 namespace {
 
@@ -283,5 +285,116 @@ TEST(C3DPointList, WaveReplacesTheSelectedPoints)
             EXPECT_EQ(p.z != 0, moved) << i;
             EXPECT_EQ(p.flags, moved ? 0 : values[static_cast<std::size_t>(i)].flags) << i;
         }
+    }
+}
+
+// --- Faces and materials around the points -----------------------------------------------------------------------------------
+
+TEST(PointList, PointsWithoutLiveFacesAreMarked)
+{
+    constexpr unsigned int I = POINT_INVALID;
+    struct { const char* name; unsigned int dead0, dead1; bool keep, faces; std::vector<unsigned int> flags; } const rows[] = {
+        {"marks start anew", 0, 0, false, true, {0, 0, 0, 0, I}},
+        {"a mark stays", 0, 0, true, true, {I, 0, 0, 0, I}},
+        {"an invalid face", FACE_INVALID, 0, false, true, {I, 0, 0, 0, I}},
+        {"an empty face", 0, FACE_EMPTY, false, true, {0, 0, 0, I, I}},
+        {"all dead", FACE_INVALID, FACE_EMPTY, false, true, {I, I, I, I, I}},
+        {"no faces", 0, 0, false, false, {I, I, I, I, I}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Mesh mesh = MakeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {5, 5, 5}}, {{0, 1, 2}, {1, 3, 2, 99, -1}});
+        mesh.points->ElementAt(0)->SetFlags(POINT_INVALID);
+        mesh.faces->SetFaceFlags(0, row.dead0, true);
+        mesh.faces->SetFaceFlags(1, row.dead1, true);
+        mesh.points->SetInvalidPoints(row.faces ? mesh.faces : nullptr, row.keep);
+        std::vector<unsigned int> flags;
+        for (int i = 0; i < 5; i++)
+            flags.push_back(mesh.points->ElementAt(i)->flags);
+        EXPECT_EQ(flags, row.flags);
+    }
+}
+
+namespace {
+
+std::vector<unsigned int> MaterialsAt(const C3DPointList& points, int point)
+{
+    int count = -1;
+    const unsigned int* materials = points.GetMaterialsConnectedToPoint(point, count);
+    EXPECT_EQ(materials == nullptr, count == 0);
+    EXPECT_EQ(points.GetNumberOfMaterialsConnectedToPoint(point), materials ? count : 1);
+    return {materials, materials + count};
+}
+
+using Ids = std::vector<unsigned int>;
+
+}
+
+TEST(C3DPointList, MaterialsOfPoints)
+{
+    // 2 x 2 quads, points 0..8 by rows, faces 0 1 / 2 3. Material of faces: 7, 3, 7 and a dead one. Start slots 16 * id modulo 101:
+    // 7 -> 11, 3 -> 48, 20 -> 17.
+    Mesh mesh = QuadGrid(2);
+    const unsigned int materials[] = {7, 3, 7, 9};
+    for (unsigned int face = 0; face < 4; face++)
+        mesh.faces->SetFaceMaterial(face, materials[face]);
+    mesh.faces->SetFaceFlags(3, FACE_INVALID, true);
+    const CGeomInfo info = mesh.Info();
+
+    mesh.points->InitPointMaterialGraph(&info);
+    EXPECT_FALSE(mesh.faces->HasPointToFaceGraph());     // used for the time of building only
+    for (int point = 0; point < 9; point++) {
+        const bool shared = point == 1 || point == 4;    // between faces 0 and 1; in the middle
+        EXPECT_EQ(MaterialsAt(*mesh.points, point), (shared ? Ids{7, 3} : Ids())) << point;
+    }
+    for (const int outside : {-1, 9})
+        EXPECT_EQ(MaterialsAt(*mesh.points, outside), Ids());
+    mesh.points->ElementAt(0)->SetFlags(POINT_SHARE_MATERIALS);
+    EXPECT_TRUE(mesh.points->InitShareSeveralMaterialsFlag());
+    for (int point = 0; point < 9; point++)
+        EXPECT_EQ(mesh.points->ElementAt(point)->IsFlagSet(POINT_SHARE_MATERIALS), point == 1 || point == 4) << point;
+
+    // Counted: the second user sees what the first one built, until the points are told to have changed.
+    mesh.faces->SetFaceMaterial(0, 20);
+    mesh.points->InitPointMaterialGraph(&info);
+    EXPECT_EQ(MaterialsAt(*mesh.points, 1), (Ids{7, 3}));
+    mesh.points->SetFlag(POINTLIST_CHANGED, true);
+    mesh.points->InitPointMaterialGraph(&info);
+    EXPECT_EQ(MaterialsAt(*mesh.points, 1), (Ids{20, 3}));
+    EXPECT_EQ(MaterialsAt(*mesh.points, 4), (Ids{7, 20, 3}));
+    mesh.points->DeletePointMaterialGraph();
+    mesh.points->DeletePointMaterialGraph();
+    EXPECT_EQ(MaterialsAt(*mesh.points, 1), (Ids{20, 3}));
+    mesh.points->DeletePointMaterialGraph();
+    mesh.points->DeletePointMaterialGraph();             // one too many: nothing
+    EXPECT_EQ(MaterialsAt(*mesh.points, 1), Ids());
+    EXPECT_FALSE(mesh.points->InitShareSeveralMaterialsFlag());
+    EXPECT_EQ(mesh.points->GetNumberOfPoints(POINT_SHARE_MATERIALS, true), 0);
+}
+
+TEST(C3DPointList, MaterialGraphGoesWithItsPoints)
+{
+    struct { const char* name; void (*operation)(C3DPointList&); } const rows[] = {
+        {"RemoveAll", [](C3DPointList& points) { points.RemoveAll(); }},
+        {"assignment", [](C3DPointList& points) { points = *Owned<C3DPointList>(C3DPointList::Create()); }},
+        {"stream", [](C3DPointList& points) { Load(points, Stored(points)); }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Mesh mesh = Fan(4);
+        mesh.faces->SetFaceMaterial(0, 5);
+        const CGeomInfo info = mesh.Info();
+        mesh.points->InitPointMaterialGraph(&info);
+        EXPECT_EQ(MaterialsAt(*mesh.points, 0).size(), 2u);
+        row.operation(*mesh.points);
+        EXPECT_EQ(MaterialsAt(*mesh.points, 0), Ids());
+        mesh.points->DeletePointMaterialGraph();
+    }
+    Mesh mesh = Fan(4);
+    mesh.faces->RemoveAll();
+    for (const CGeomInfo& info : {mesh.Info(), CGeomInfo(nullptr, mesh.points)}) {
+        mesh.points->InitPointMaterialGraph(&info);
+        EXPECT_EQ(MaterialsAt(*mesh.points, 0), Ids());
+        mesh.points->DeletePointMaterialGraph();
     }
 }
