@@ -1,11 +1,11 @@
 #pragma once
 
+#include "scene/UpAxis.h"
 #include "tools/Hash.h"
 #include "tools/IoOptions.h"
 #include "tools/String.h"
 
 class C3DScene;
-enum _UP_AXIS_MODE : unsigned int;           // scene/3DScene.h
 
 /// What is done to a scene after it was read. The order in which it is done is that of C3DScene::CheckoutImport.
 enum _IMPORT_FLAGS : unsigned int {
@@ -69,7 +69,7 @@ public:
 
     unsigned int flags;                         ///< _IMPORT_FLAGS
     int swapCoordinates = 0;                    ///< for C3DScene::SwapCoordinates
-    _UP_AXIS_MODE upAxis{};           ///< for C3DScene::OrientScene
+    _UP_AXIS_MODE upAxis = UP_AXIS_Z;           ///< for C3DScene::OrientScene
     unsigned int forcedFlags = 0;               ///< what the parser imposes
     unsigned int defaultFlags = 0;              ///< used when nothing was remembered
 };
@@ -92,7 +92,7 @@ public:
     C3DScene* exportScene = nullptr;                 ///< the working copy during an export; owned
     unsigned int flags;                              ///< _EXPORT_FLAGS
     int swapCoordinates = 0;
-    _UP_AXIS_MODE upAxis{};
+    _UP_AXIS_MODE upAxis = UP_AXIS_Z;
     unsigned int forcedFlags = 0;
     unsigned int defaultFlags = 0;
     unsigned int unit = 0;                           ///< target unit; 0: no scaling
