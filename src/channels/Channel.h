@@ -101,7 +101,8 @@ public:
     /// Cost: linear in the corners, plus for a tolerance above 0 the square of the distinct channel points of each
     /// geometry point.
     virtual bool Weld(const CGeomInfo* info, double tolerance);
-    /// Whether two points of this channel's kind count as equal.
+    /// Whether two points of this channel's kind count as equal. With tolerance 0, points that do have equal coordinates:
+    /// Weld finds them by these.
     virtual bool Compare(const CPt* a, const CPt* b, double tolerance) const;
 
     // Channel.cpp
@@ -169,8 +170,13 @@ protected:
 private:
     struct Graph;
 
-    void Load(CXArchive& ar);
     void Store(CXArchive& ar);
+    void Load(CXArchive& ar);
+    void LoadFaces(CXArchive& ar);
+    void LoadPoints(CXArchive& ar);
+    bool CleanFaces(const CXArray<unsigned int, unsigned int>* faceMap);
+    bool CleanCornerPoints();
+    bool CleanParallelPoints(const CXArray<unsigned int, unsigned int>* pointMap);
 
     unsigned int m_id;
     const _Channel3DType m_type;

@@ -32,4 +32,8 @@ public:
 
 protected:
     ~CVCChannel() override;
+
+private:
+    void MarkPoints(const CGeomInfo* info, CPointList& source, int tolerance);
+    void MarkFaces(const CGeomInfo* info, CPointList& source, int tolerance);
 };

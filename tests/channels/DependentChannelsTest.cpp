@@ -1,0 +1,183 @@
+#include "ChannelMesh.h"
+
+#include "channels/FaceNormalChannel.h"
+#include "channels/PointNormalChannel.h"
+#include "channels/SpecNormalChannel.h"
+#include "channels/VCChannel.h"
+#include "geometry/4x4Matrix.h"
+
+namespace {
+
+constexpr struct {
+    _Channel3DType type;
+    unsigned int id;
+    bool invalid;
+} MIXED[] = {
+    {CHANNEL_UVW, 5, true}, {CHANNEL_VC, 5, false}, {CHANNEL_UVW, 6, false}, {CHANNEL_POINT_NORMAL, 7, false}, {CHANNEL_UVW, 5, false},
+};
+
+void FillMixed(CDependentChannels& channels)
+{
+    for (const auto& row : MIXED) {
+        CChannel* channel = CChannel::Create(row.type, row.id);
+        channel->SetFlag(CHANNEL_INVALID, row.invalid);
+        channels.AddChannel(channel);
+    }
+}
+
+std::vector<unsigned int> Ids(const CDependentChannels& channels)
+{
+    std::vector<unsigned int> ids;
+    for (CChannel* channel : channels)
+        ids.push_back(channel->GetChannelID());
+    return ids;
+}
+
+} // namespace
+
+TEST(DependentChannels, AnswerOnNull)
+{
+    CDependentChannels* none = nullptr;
+    CFaceList* faces;
+    CPointList* points;
+    CUVWFaceList* uvwFaces;
+    CUVWPointList* uvwPoints;
+    CXArray<unsigned int, unsigned int> positions;
+    EXPECT_EQ(none->GetSize(), 0);
+    EXPECT_EQ(none->GetChannelByID(1, CHANNEL_ANY), nullptr);
+    EXPECT_EQ(none->GetChannelByIndex(0, faces, points, CHANNEL_UVW), nullptr);
+    EXPECT_EQ(faces, nullptr);
+    EXPECT_EQ(none->GetChannelIndex(1, CHANNEL_UVW, false), -1);
+    EXPECT_EQ(none->GetChannelType(0), CHANNEL_ANY);
+    EXPECT_EQ(none->GetChannels(CHANNEL_ALL, positions, false), 0);
+    EXPECT_EQ(none->GetChannelsNumber(CHANNEL_ALL, false), 0);
+    EXPECT_EQ(none->GetPointNormalChannel(), nullptr);
+    EXPECT_EQ(none->GetFaceNormalChannel(), nullptr);
+    EXPECT_EQ(none->GetSpecNormalChannel(), nullptr);
+    EXPECT_EQ(none->GetUVWChannelByIndex(0, uvwFaces, uvwPoints), nullptr);
+    EXPECT_EQ(none->CleanChannels(nullptr, nullptr, nullptr), 0);
+    EXPECT_FALSE(none->Weld(nullptr, 0, CHANNEL_ALL));
+    EXPECT_EQ(none->RemoveChannels(CHANNEL_ALL, 0, true), 0);
+    none->Invalidate(CHANNEL_ALL);
+    none->RemoveAll();
+}
+
+TEST(DependentChannels, QueriesCountAmongWhatTheyAskFor)
+{
+    CMesh mesh(0, {});
+    CDependentChannels& channels = *mesh.channels;
+    FillMixed(channels);
+    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_ANY), channels[0]);
+    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_VC), channels[1]);
+    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_WEIGHT), nullptr);
+    EXPECT_EQ(channels.GetChannelByIndex(1, 0, false), channels[1]);
+    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW, false), channels[2]);
+    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW, true), channels[4]);
+    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW | CHANNEL_VC, false), channels[1]);
+    EXPECT_EQ(channels.GetChannelByIndex(3, CHANNEL_UVW, false), nullptr);
+    EXPECT_EQ(channels.GetChannelByIndex(-1, CHANNEL_UVW, false), nullptr);
+    EXPECT_EQ(channels.GetChannelIndex(6, CHANNEL_UVW, false), 1);
+    EXPECT_EQ(channels.GetChannelIndex(6, CHANNEL_UVW, true), 0);
+    EXPECT_EQ(channels.GetChannelIndex(5, CHANNEL_UVW, true), 1);
+    EXPECT_EQ(channels.GetChannelType(3), CHANNEL_POINT_NORMAL);
+    EXPECT_EQ(channels.GetChannelType(-1), CHANNEL_ANY);
+    EXPECT_EQ(channels.AddChannel(nullptr), -1);
+    CXArray<unsigned int, unsigned int> positions;
+    EXPECT_EQ(channels.GetChannels(CHANNEL_UVW, positions, true), 2);
+    EXPECT_EQ(positions[1], 4u);
+
+    EXPECT_EQ(channels.GetPointNormalChannel(), channels[3]);
+    channels[3]->SetFlag(CHANNEL_INVALID, true);
+    CChannel* points = channels.GetPointNormalChannel();            // made by the query
+    CChannel* faces = channels.GetFaceNormalChannel();
+    EXPECT_EQ(points, channels[5]);
+    EXPECT_EQ(faces, channels[6]);
+    EXPECT_EQ(channels.GetSpecNormalChannel(), nullptr);
+    EXPECT_EQ(channels.GetFaceNormalChannel(), faces);
+    EXPECT_EQ(channels.GetSize(), 7);
+}
+
+TEST(DependentChannels, RemovalTakesWhatItNames)
+{
+    const struct {
+        const char* name;
+        int (*remove)(CDependentChannels&);
+        int result;
+        std::vector<unsigned int> left;
+    } rows[] = {
+        {"by id, of two the first", [](CDependentChannels& c) { return int(c.RemoveChannelByID(5, CHANNEL_UVW)); }, 1, {5, 6, 7, 5}},
+        {"by id, other type", [](CDependentChannels& c) { return int(c.RemoveChannelByID(6, CHANNEL_VC)); }, 0, {5, 5, 6, 7, 5}},
+        {"by index", [](CDependentChannels& c) { return int(c.RemoveChannelByIndex(1, CHANNEL_UVW)); }, 1, {5, 5, 7, 5}},
+        {"by mask", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, 0, false); }, 3, {5, 7}},
+        {"by mask and flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, true); }, 1, {5, 6, 7, 5}},
+        {"by mask and no flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, false); }, 2, {5, 5, 7}},
+        {"by flag, any type", [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(CHANNEL_DERIVED, CHANNEL_UVW)); }, 1, {5, 5, 6, 5}},
+        {"by no flag", [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(_CHANNEL_PROPERTIES(0), CHANNEL_ALL)); }, 0, {5, 5, 6, 7, 5}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CMesh mesh(0, {});
+        FillMixed(*mesh.channels);
+        EXPECT_EQ(row.remove(*mesh.channels), row.result);
+        EXPECT_EQ(Ids(*mesh.channels), row.left);
+    }
+}
+
+TEST(DependentChannels, CopyingFollowsItsOptions)
+{
+    const struct {
+        const char* name;
+        unsigned int mask, options;
+        std::vector<unsigned int> ids;         // 0: a new one
+    } rows[] = {
+        {"all, new ids", CHANNEL_ALL, 0, {0, 0, 0, 0, 0}},
+        {"keep ids", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID, {5, 5, 6, 7, 5}},
+        {"skip invalid", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_SKIP_INVALID, {5, 6, 7, 5}},
+        {"skip unfollowed", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_SKIP_UNFOLLOWED, {5, 5, 6, 5}},
+        {"append one kind", CHANNEL_VC, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_APPEND, {1, 5}},
+        {"mask 0 empties", 0, 0, {}},
+        {"share", CHANNEL_UVW, CHANNEL_COPY_SHARE, {5, 6, 5}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CMesh source(0, {}), target(0, {});
+        FillMixed(*source.channels);
+        target.channels->AddChannel(new CVCChannel(1));
+        const int before = row.options & CHANNEL_COPY_APPEND ? 1 : 0;
+        EXPECT_EQ(target.channels->CopyChannels(*source.channels, row.mask, row.options), static_cast<int>(row.ids.size()) - before);
+        const std::vector<unsigned int> ids = Ids(*target.channels);
+        ASSERT_EQ(ids.size(), row.ids.size());
+        for (std::size_t i = 0; i < ids.size(); i++)
+            EXPECT_TRUE(row.ids[i] ? ids[i] == row.ids[i] : ids[i] >= 10000) << i;
+        if (row.options & CHANNEL_COPY_SHARE) {
+            EXPECT_EQ((*target.channels)[1], (*source.channels)[2]);
+        }
+    }
+    CMesh self(0, {});
+    FillMixed(*self.channels);
+    *self.channels = *self.channels;
+    EXPECT_EQ(Ids(*self.channels), (std::vector<unsigned int>{5, 5, 6, 7, 5}));
+}
+
+TEST(DependentChannels, TransformsReachNormalsAlone)
+{
+    CMesh mesh(0, {});
+    CUVWChannel* uvw = mesh.AddUVW({1}, {});
+    CSpecNormalChannel* normals = new CSpecNormalChannel;
+    mesh.channels->AddChannel(normals);
+    normals->GetPointList()->SetSize(1, false, 0);
+    auto* vector = static_cast<C3DTVector<float>*>(normals->GetPointList()->ElementAt(0));
+    *vector = C3DTVector<float>(1, 0, 0);
+
+    EXPECT_FALSE(mesh.channels->SwapCoordinates(0, CHANNEL_ALL));
+    EXPECT_TRUE(mesh.channels->SwapCoordinates(1, CHANNEL_ALL));
+    EXPECT_TRUE(*vector == (C3DTVector<float>(0, 1, 0)));
+    C4x4TMatrix<float> turn;
+    EXPECT_FALSE(mesh.channels->MatrixTransform(turn, CHANNEL_ALL));
+    turn.m[0][0] = turn.m[1][1] = 0, turn.m[0][1] = -1, turn.m[1][0] = 1;
+    turn.SetTranslation(9, 9, 9);
+    EXPECT_FALSE(mesh.channels->MatrixTransform(turn, CHANNEL_UVW));
+    EXPECT_TRUE(mesh.channels->MatrixTransform(turn, CHANNEL_ALL));
+    EXPECT_TRUE(*vector == (C3DTVector<float>(-1, 0, 0)));
+    EXPECT_EQ((*uvw->GetUVWPointList())[0]->u, 1);
+}
