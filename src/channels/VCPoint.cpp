@@ -28,9 +28,10 @@ static unsigned char ToByte(double value)
 
 CVCPoint& CVCPoint::operator=(const C4DPoint& point)
 {
-    m_color = CRGBColor();
-    for (int i = 0; i < point.dimension; i++)
-        ValPtr()[i] = ToByte(point.values[i]);
+    unsigned char bytes[4] = {0, 0, 0, 255};
+    for (int i = 0; i < point.dimension && i < 4; i++)
+        bytes[i] = ToByte(point.values[i]);
+    m_color = CRGBColor(bytes[0], bytes[1], bytes[2], bytes[3]);
     return *this;
 }
 
