@@ -4,7 +4,8 @@
 //   lay out   one pool with exactly that room
 //   fill      face by face, so that each entry ascends
 //
-// Corners outside the point list, which only broken input has, are in neither graph.
+// Corners outside the point list, which only broken input has, are left out of the point graph. The edge graph knows no point list
+// and takes corners as they stand.
 
 #include "geometry/Edge.h"
 #include "geometry/FaceList.h"

@@ -69,6 +69,8 @@ int CFaceList::GetConnectionSet(CHashTable<int>& set, const int* a, int countA, 
         InsertWhere(set, m_scratch, a, countA, b, countB, false);
         InsertWhere(set, m_scratch, b, countB, a, countA, false);
         break;
+    default:
+        return 0;
     }
     return set.GetSize();
 }
@@ -236,13 +238,12 @@ const int* CFaceList::GetPointsConnectedToEdge(CFaceGraphHelper& helper, int p1,
     if (p1 == p2)
         return nullptr;
     int faceCount;
-    const int* found = GetFacesConnectedToPoints(helper, p1, p2, CONNECT_BOTH, faceCount);
-    const std::vector<int> faces(found, found + faceCount);              // the helper's buffer serves the result too
-    CHashTable<int>& set = helper.GetSet();
+    const int* faces = GetFacesConnectedToPoints(helper, p1, p2, CONNECT_BOTH, faceCount);
+    CHashTable<int>& set = helper.GetSet();                              // the faces lie in the buffer: the set is free again
     set.RemoveAll();
-    for (const int face : faces) {
+    for (int i = 0; i < faceCount; i++) {
         int n;
-        const int* corners = GetIndexes(static_cast<unsigned int>(face), n);
+        const int* corners = GetIndexes(static_cast<unsigned int>(faces[i]), n);
         for (int k = 0; k < n; k++)
             set.Insert(corners[k]);
     }

@@ -46,27 +46,7 @@ void CGeomInfo::SetFaceList(CFaceList* source, CFaceList* destination, unsigned 
         m_owned |= OWNS_DST_FACES;
 }
 
-CPointList* CGeomInfo::GetSrcPointList(bool take) const
-{
-    CPointList* list = m_srcPoints;
-    if (take) {
-        m_srcPoints = nullptr;
-        m_owned &= ~OWNS_SRC_POINTS;
-    }
-    return list;
-}
-
-CFaceList* CGeomInfo::GetSrcFaceList(bool take) const
-{
-    CFaceList* list = m_srcFaces;
-    if (take) {
-        m_srcFaces = nullptr;
-        m_owned &= ~OWNS_SRC_FACES;
-    }
-    return list;
-}
-
 C3DPointList* CGeomInfo::GetSrc3DPointList(bool take) const { return static_cast<C3DPointList*>(GetSrcPointList(take)); }
 C3DFaceList* CGeomInfo::GetSrc3DFaceList(bool take) const { return static_cast<C3DFaceList*>(GetSrcFaceList(take)); }
-C3DPointList* CGeomInfo::GetDst3DPointList() const { return static_cast<C3DPointList*>(m_dstPoints); }
-C3DFaceList* CGeomInfo::GetDst3DFaceList() const { return static_cast<C3DFaceList*>(m_dstFaces); }
+C3DPointList* CGeomInfo::GetDst3DPointList(bool take) const { return static_cast<C3DPointList*>(GetDstPointList(take)); }
+C3DFaceList* CGeomInfo::GetDst3DFaceList(bool take) const { return static_cast<C3DFaceList*>(GetDstFaceList(take)); }

@@ -49,19 +49,19 @@ public:
     void SetFaceList(CFaceList* source, CFaceList* destination, unsigned int own);
     void SetChannels(CDependentChannels* source, CDependentChannels* destination, unsigned int own);
 
-    /// With `take` the record forgets the list, which then is the caller's if the record owned it.
-    CPointList* GetSrcPointList(bool take = false) const;
-    CFaceList* GetSrcFaceList(bool take = false) const;
-    CPointList* GetDstPointList() const { return m_dstPoints; }
-    CFaceList* GetDstFaceList() const { return m_dstFaces; }
-    CDependentChannels* GetSrcChannels() const { return m_srcChannels; }
-    CDependentChannels* GetDstChannels() const { return m_dstChannels; }
+    /// With `take` the record forgets what it gives, which then is the caller's if the record owned it.
+    CPointList* GetSrcPointList(bool take = false) const { return Give(m_srcPoints, OWNS_SRC_POINTS, take); }
+    CPointList* GetDstPointList(bool take = false) const { return Give(m_dstPoints, OWNS_DST_POINTS, take); }
+    CFaceList* GetSrcFaceList(bool take = false) const { return Give(m_srcFaces, OWNS_SRC_FACES, take); }
+    CFaceList* GetDstFaceList(bool take = false) const { return Give(m_dstFaces, OWNS_DST_FACES, take); }
+    CDependentChannels* GetSrcChannels(bool take = false) const { return Give(m_srcChannels, OWNS_SRC_CHANNELS, take); }
+    CDependentChannels* GetDstChannels(bool take = false) const { return Give(m_dstChannels, OWNS_DST_CHANNELS, take); }
 
     /// The same lists as what they are in geometry ...
     C3DPointList* GetSrc3DPointList(bool take = false) const;
     C3DFaceList* GetSrc3DFaceList(bool take = false) const;
-    C3DPointList* GetDst3DPointList() const;
-    C3DFaceList* GetDst3DFaceList() const;
+    C3DPointList* GetDst3DPointList(bool take = false) const;
+    C3DFaceList* GetDst3DFaceList(bool take = false) const;
     /// ... and in a record over a channel's lists.
     CNormalFaceList* GetSrcNormalFaceList() const;
     C3DVectorList* GetSrcNormalPointList() const;
@@ -95,16 +95,26 @@ private:
         OWNS_DST_CHANNELS = 32,
     };
 
+    template <class LIST> LIST* Give(LIST*& list, Owned bit, bool take) const
+    {
+        LIST* given = list;
+        if (take) {
+            list = nullptr;
+            m_owned &= ~bit;
+        }
+        return given;
+    }
+
     mutable unsigned int m_owned = 0;                    // Owned
     C3DScene* m_scene = nullptr;
     C3DSceneNode* m_node = nullptr;
     C3DBaseObject* m_object = nullptr;
     mutable CPointList* m_srcPoints = nullptr;
-    CPointList* m_dstPoints = nullptr;
+    mutable CPointList* m_dstPoints = nullptr;
     mutable CFaceList* m_srcFaces = nullptr;
-    CFaceList* m_dstFaces = nullptr;
-    CDependentChannels* m_srcChannels = nullptr;
-    CDependentChannels* m_dstChannels = nullptr;
+    mutable CFaceList* m_dstFaces = nullptr;
+    mutable CDependentChannels* m_srcChannels = nullptr;
+    mutable CDependentChannels* m_dstChannels = nullptr;
     CInstanciatedObject* m_srcChannelsOwner = nullptr;   // the same objects: their class is not known here
     CInstanciatedObject* m_dstChannelsOwner = nullptr;
     int m_smoothMode = 2;

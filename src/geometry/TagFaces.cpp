@@ -66,7 +66,7 @@ void FaceFlood::Spread(int face)
             continue;
         for (const int neighbour : m_neighbours) {
             const unsigned int place = static_cast<unsigned int>(neighbour);
-            if (neighbour == -1 || m_queued[place] || m_flags.IsDead(place))
+            if (place >= m_queued.GetSize() || m_queued[place] || m_flags.IsDead(place))         // -1 too
                 continue;
             m_queued.SetAt(place, true);
             m_queue.push_back(place);

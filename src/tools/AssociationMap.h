@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 #include <vector>
@@ -24,8 +25,8 @@ public:
     void Reserve(unsigned int count, unsigned int capacity)
     {
         RemoveAll();
-        const std::uint64_t slots = std::uint64_t{2} * count + 1;
-        InitSlots(NextPrime(static_cast<unsigned int>(slots < 0xFFFFFFF0 ? slots : 0xFFFFFFF0)));
+        const std::uint64_t slots = std::clamp<std::uint64_t>(std::uint64_t{2} * count + 1, 101, 0xFFFFFFF0);
+        InitSlots(NextPrime(static_cast<unsigned int>(slots)));
         m_keys.reserve(count);
         m_values.SetDefaultCapacity(capacity);
     }
