@@ -90,7 +90,7 @@ static void SwapCoordinates(benchmark::State& state)
 }
 BENCHMARK(SwapCoordinates)->Arg(500'000)->Unit(benchmark::kMicrosecond);
 
-// Watch: about 1 ns a point for each mask bit.
+// Watch: no dependence on the size, since the sum forgets all but the last live points.
 static void Checksum(benchmark::State& state)
 {
     C3DPointList* list = Cloud<C3DPointList>(static_cast<int>(state.range(0)));

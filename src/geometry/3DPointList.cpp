@@ -42,7 +42,7 @@ bool C3DPointList::UpdateList(const CGeomInfo* info)
 
 unsigned int C3DPointList::GetChecksum(unsigned int mask) const
 {
-    return (mask & 1 ? ChecksumOfCoordinates(GetFirst(), GetSize()) : 0) + CPointList::GetChecksum(mask);
+    return (mask & 1 ? ChecksumOfCoordinates(GetFirst(), GetChecksumStart(), GetSize()) : 0) + CPointList::GetChecksum(mask);
 }
 
 namespace {
@@ -59,17 +59,32 @@ struct LaneBox {
         min = p < min ? p : min;
         max = p > max ? p : max;
     }
+    void Join(const LaneBox& other)
+    {
+        min = other.min < min ? other.min : min;
+        max = other.max > max ? other.max : max;
+    }
 };
 
+// Two boxes in turn, so that one point need not wait for the comparisons of the one before.
 template <class SELECT, class PLACE> bool ExtendBox(LaneBox& box, const C3DTPoint<float>* points, int count, SELECT select, PLACE place)
 {
+    LaneBox other;
     bool any = false;
-    for (int i = 0; i < count; i++) {
-        if (!select(points[i]))
-            continue;
-        box.Extend(place(LoadLanes(points[i])));
-        any = true;
+    const auto add = [&](LaneBox& to, const C3DTPoint<float>& point) {
+        if (select(point)) {
+            to.Extend(place(LoadLanes(point)));
+            any = true;
+        }
+    };
+    int i = 0;
+    for (; i + 1 < count; i += 2) {
+        add(box, points[i]);
+        add(other, points[i + 1]);
     }
+    if (i < count)
+        add(box, points[i]);
+    box.Join(other);
     return any;
 }
 

@@ -20,7 +20,7 @@ C3DVectorList& C3DVectorList::operator=(const CPointList& other)
 
 unsigned int C3DVectorList::GetChecksum(unsigned int mask) const
 {
-    return mask & 3 ? ChecksumOfCoordinates(GetFirst(), GetSize()) : 0;
+    return mask & 3 ? ChecksumOfCoordinates(GetFirst(), GetChecksumStart(), GetSize()) : 0;
 }
 
 bool C3DVectorList::MatrixTransform(const C4x4TMatrix<float>& matrix)

@@ -11,10 +11,12 @@
 inline unsigned int ChecksumBits(float value) { return value == 0 ? 0 : std::bit_cast<unsigned int>(value); }
 
 /// h = (h + i) * 16 + the bits of the coordinates; elements with POINT_INVALID are passed over and still counted in i.
-template <class POINT> unsigned int ChecksumOfCoordinates(const POINT* points, int count)
+///
+/// @param first  from GetChecksumStart
+template <class POINT> unsigned int ChecksumOfCoordinates(const POINT* points, int first, int count)
 {
     unsigned int hash = 0;
-    for (int i = 0; i < count; i++) {
+    for (int i = first; i < count; i++) {
         const POINT& p = points[i];
         if (!(p.flags & POINT_INVALID))
             hash = (hash + static_cast<unsigned int>(i)) * 16 + (ChecksumBits(p.x) + ChecksumBits(p.y) + ChecksumBits(p.z));

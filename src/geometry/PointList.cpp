@@ -63,11 +63,20 @@ unsigned int CPointList::GetChecksum(unsigned int mask) const
     if (!(mask & 2))
         return 0;
     unsigned int hash = 0;
-    const CPt* point = GetFirst();
-    for (unsigned int i = 0, count = static_cast<unsigned int>(GetSize()); i < count; i++, point = GetNext(point))
-        if (!(point->flags & POINT_INVALID))
-            hash = (hash + point->flags + i) * 16;
+    for (int i = GetChecksumStart(), count = GetSize(); i < count; i++) {
+        const unsigned int flags = ElementAt(i)->flags;
+        if (!(flags & POINT_INVALID))
+            hash = (hash + flags + static_cast<unsigned int>(i)) * 16;
+    }
     return hash;
+}
+
+int CPointList::GetChecksumStart() const
+{
+    int start = GetSize();
+    for (int live = 0; start > 0 && live < 8;)
+        live += !(ElementAt(--start)->flags & POINT_INVALID);
+    return start;
 }
 
 void CPointList::Inherit(const CPointList& model)

@@ -126,6 +126,9 @@ protected:
 
     /// For constructors: installs the methods and takes the inherited chunks of the model, when given.
     void Init(CElementMethods* methods, const CPointList* model);
+    /// Where a sum h = (h + ...) * 16 + ... over the live points may start with 0: at the eighth last of them. Eight times
+    /// four bits, and what came before has left the 32 bits of h.
+    int GetChecksumStart() const;
     /// Flags of the element at `bytes`.
     static unsigned int& FlagsAt(unsigned char* bytes) { return reinterpret_cast<CPt*>(bytes)->flags; }
 
