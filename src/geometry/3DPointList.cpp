@@ -135,8 +135,10 @@ bool C3DPointList::MatrixTransform(const C4x4TMatrix<float>& matrix)
         return false;
     const LaneMatrix columns(matrix);
     C3DTPoint<float>* points = GetFirst();
-    for (int i = 0, count = GetSize(); i < count; i++)
-        StoreLanes(points[i], columns.Point(LoadLanes(points[i])));
+    for (int i = 0, count = GetSize(); i < count; i++) {
+        const Lanes loaded = LoadLanes(points[i]);
+        StoreLanes(points[i], columns.Point(loaded), loaded);
+    }
     return true;
 }
 

@@ -34,8 +34,10 @@ bool C3DVectorList::MatrixTransform(const C4x4TMatrix<float>& matrix)
         return false;
     const LaneMatrix columns(rotation);
     C3DTVector<float>* vectors = GetFirst();
-    for (int i = 0, count = GetSize(); i < count; i++)
-        StoreLanes(vectors[i], columns.Vector(LoadLanes(vectors[i])));
+    for (int i = 0, count = GetSize(); i < count; i++) {
+        const Lanes loaded = LoadLanes(vectors[i]);
+        StoreLanes(vectors[i], columns.Vector(loaded), loaded);
+    }
     return true;
 }
 

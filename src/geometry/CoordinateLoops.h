@@ -47,16 +47,15 @@ template <class POINT> Lanes LoadLanes(const POINT& p)
 {
     Lanes lanes;                                         // flags, x, y, z
     static_assert(sizeof(POINT) == 24);
-    __builtin_memcpy(&lanes, &p.flags, sizeof(lanes));
+    __builtin_memcpy(&lanes, reinterpret_cast<const unsigned char*>(&p) + sizeof(void*), sizeof(lanes));
     return lanes;
 }
 
-/// Writes y, z and x and leaves the flags.
-template <class POINT> void StoreLanes(POINT& p, Lanes lanes)
+/// Writes the coordinates with one store; the flags, which `loaded` has in its first lane, stay as they are.
+template <class POINT> void StoreLanes(POINT& p, Lanes lanes, Lanes loaded)
 {
-    p.x = lanes[1];
-    p.y = lanes[2];
-    p.z = lanes[3];
+    lanes[0] = loaded[0];
+    __builtin_memcpy(reinterpret_cast<unsigned char*>(&p) + sizeof(void*), &lanes, sizeof(lanes));
 }
 
 /// The matrix as columns in the order of LoadLanes: lane 0 is unused.
