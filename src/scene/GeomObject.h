@@ -102,13 +102,16 @@ public:
     unsigned int AddChannel(CChannel* channel);
     CChannel* GetChannelByID(unsigned int id, _Channel3DType type) const;
     CChannel* GetChannelByIndex(int index, _Channel3DType type, bool skipInvalid) const;
-    /// Normals brought up to date. Null for curves and groups.
-    CFaceNormalChannel* GetFaceNormalChannel();
-    CPointNormalChannel* GetPointNormalChannel();
     unsigned int GetGlobalUVWChannel() const { return m_globalUVW; }
     void SetGlobalUVWChannel(unsigned int id);
     unsigned int GetGlobalVCChannel(float& strength) const;
     void SetGlobalVCChannel(unsigned int id, float strength);
+
+    // Normals (GeomObjectNormals.cpp)
+
+    /// The channel, made when missing, and brought up to date. Null for curves and groups.
+    CFaceNormalChannel* GetFaceNormalChannel();
+    CPointNormalChannel* GetPointNormalChannel();
 
     // Smooth settings (GeomObjectSmooth.cpp)
 

@@ -1,0 +1,10 @@
+#include "scene/Camera.h"
+
+ZEL_IMPLEMENT_CREATABLE(C3DCamera, C3DBaseObject)
+
+C3DCamera::C3DCamera() : C3DBaseObject(OBJECT_CAMERA)
+{
+    SetFlag(OBJECT_WIREFRAME_ONLY, true);
+}
+
+C3DCamera::~C3DCamera() = default;

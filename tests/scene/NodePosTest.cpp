@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "scene/Filter.h"
+#include "scene/SceneBuilders.h"
+
+namespace {
+
+// a(b(c d) e) f(g) h      e, f and h share one object; d has none
+struct Tree {
+    CRef<C3DScene> scene{C3DScene::Create()};
+    C3DSceneNode *a, *b, *c, *d, *e, *f, *g, *h;
+
+    Tree()
+    {
+        a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+        b = AddNode(*scene, a, L"b", OBJECT_DUMMY);
+        c = AddNode(*scene, b, L"c", OBJECT_CAMERA);
+        d = AddNode(*scene, b, L"d", 0);
+        e = AddNode(*scene, a, L"e", OBJECT_POLYGONAL);
+        f = AddSharer(*scene, nullptr, L"f", e);
+        g = AddNode(*scene, f, L"g", OBJECT_DUMMY);
+        h = AddSharer(*scene, nullptr, L"h", e);
+    }
+    C3DSceneNode* Find(wchar_t name) const
+    {
+        for (C3DSceneNode* node : {a, b, c, d, e, f, g, h}) {
+            if (node->GetName()[0] == name)
+                return node;
+        }
+        return nullptr;
+    }
+};
+
+/// The walk by its rules alone: all nodes in order, the window of the start, then the tests.
+std::wstring NaiveWalk(const Tree& tree, unsigned int mask, unsigned int flags, const C3DSceneNode* start)
+{
+    const std::wstring order = L"abcdefgh";
+    std::wstring names;
+    std::set<unsigned int> seen;
+    bool inside = !start;
+    if (start && !start->GetFirstChild() && !(flags & ITER_INCLUDE_START))
+        return {};
+    for (const wchar_t name : order) {
+        const C3DSceneNode* node = tree.Find(name);
+        if (node == start)
+            inside = true;
+        const bool below = !start || (node != start && CTree::IsBelow(node, start));
+        const bool candidate = node == start ? (flags & ITER_INCLUDE_START) != 0 : inside && (!(flags & ITER_SUBTREE) || below);
+        const bool kind = node->GetBaseObject() ? (node->GetObjectKindOf() & mask) != 0 : (flags & ITER_EMPTY_NODES) != 0;
+        if (!candidate || !kind)
+            continue;
+        if (flags & ITER_UNIQUE_OBJECTS && node->GetBaseObject() && !seen.insert(node->GetObjectID()).second)
+            continue;
+        names += name;
+    }
+    return names;
+}
+
+}
+
+TEST(NodePos, EveryCombinationOfFlagsAgreesWithTheRules)
+{
+    // Faults in mind: a walk below a node that runs on behind its branch; the start taken twice or, as a leaf, followed by
+    // its siblings; the first candidate not tested; a shared object met first outside the mask.
+    const Tree tree;
+    for (unsigned int flags = 0; flags < 16; flags++) {
+        for (const unsigned int mask : {0xFFFFFFFFu, 1u, 8u, 16u, 48u, 2u}) {
+            for (const C3DSceneNode* start : {static_cast<C3DSceneNode*>(nullptr), tree.a, tree.b, tree.c, tree.d, tree.e, tree.f, tree.h}) {
+                SCOPED_TRACE(testing::Message() << "flags " << flags << " mask " << mask << " start " << (start ? char(start->GetName()[0]) : '-'));
+                EXPECT_EQ(Names(*tree.scene, tree.scene->GetFirstNode(mask, flags, start)), NaiveWalk(tree, mask, flags, start));
+            }
+        }
+    }
+}
+
+TEST(NodePos, WalksOfTheTreeByHand)
+{
+    const Tree tree;
+    const C3DScene& scene = *tree.scene;
+    struct { const char* name; unsigned int mask, flags; const C3DSceneNode *start, *stop; const wchar_t* nodes; } const rows[] = {
+        {"all with object", OBJECT_ANY, 0, nullptr, nullptr, L"abcefgh"},
+        {"with empty ones", OBJECT_ANY, ITER_EMPTY_NODES, nullptr, nullptr, L"abcdefgh"},
+        {"unique", OBJECT_ANY, ITER_UNIQUE_OBJECTS, nullptr, nullptr, L"abceg"},
+        {"polygonal", OBJECT_POLYGONAL, 0, nullptr, nullptr, L"efh"},
+        {"only empty ones", 0, ITER_EMPTY_NODES, nullptr, nullptr, L"d"},
+        {"below a node", OBJECT_ANY, ITER_SUBTREE, tree.a, nullptr, L"bce"},
+        {"from a node on", OBJECT_ANY, 0, tree.b, nullptr, L"cefgh"},
+        {"from a node, up to another's end", OBJECT_ANY, 0, tree.b, tree.a, L"ce"},
+        {"a leaf alone", OBJECT_ANY, ITER_INCLUDE_START | ITER_SUBTREE, tree.c, nullptr, L"c"},
+        {"a leaf of another kind alone", OBJECT_GROUP, ITER_INCLUDE_START | ITER_SUBTREE, tree.c, nullptr, L""},
+        {"the root is never included", OBJECT_ANY, ITER_INCLUDE_START | ITER_SUBTREE, scene.GetRoot(), nullptr, L"abcefgh"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Names(scene, scene.GetFirstNode(row.mask, row.flags, row.start, row.stop)), row.nodes);
+    }
+}
+
+TEST(NodePos, AnEmptySceneHasNothingToVisit)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DNodePos pos = scene->GetFirstNode(OBJECT_ANY, ITER_EMPTY_NODES);
+    C3DBaseObject* object = scene->GetRoot()->GetBaseObject();
+    EXPECT_FALSE(pos);
+    EXPECT_EQ(scene->GetNextNode(object, pos), nullptr);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_ANY), 0);
+    EXPECT_EQ(scene->GetPointNbr() + scene->GetFaceNbr(), 0);
+}
+
+TEST(NodePos, FilterHoldsFromTheCurrentNodeOn)
+{
+    const Tree tree;
+    tree.a->SetFlag(NODE_HIDDEN, true);
+    tree.e->SetFlag(NODE_HIDDEN, true);
+    tree.c->SetFlag(NODE_SELECTED, true);
+    tree.h->SetFlag(NODE_SELECTED, true);
+    tree.g->GetBaseObject()->SetFlag(OBJECT_EMPTY, true);
+    struct { unsigned int mode; const wchar_t* nodes; } const rows[] = {
+        {0, L"abcefgh"}, {FILTER_HIDDEN, L"bcfgh"}, {FILTER_UNSELECTED, L"ch"}, {FILTER_EMPTY, L"abcefh"}, {FILTER_EMPTY | FILTER_HIDDEN, L"bcfh"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mode);
+        const C3DFilter filter(row.mode);
+        C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_ANY);
+        pos.SetFilter(&filter);
+        EXPECT_EQ(Names(*tree.scene, pos), row.nodes);
+    }
+}
+
+TEST(NodePos, CopiesShareWhatWasVisited)
+{
+    const Tree tree;
+    C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_POLYGONAL, ITER_UNIQUE_OBJECTS);
+    C3DNodePos copy = pos;
+    EXPECT_TRUE(copy.CheckObjectID(tree.e->GetObjectID()));
+    copy.AddObjectID(tree.e->GetObjectID());                     // the current node holds it: the copy moves on, to the end
+    EXPECT_FALSE(copy);
+    EXPECT_EQ(pos.GetNode(), tree.e);
+    copy = pos;
+    pos = C3DNodePos();
+    EXPECT_EQ(Names(*tree.scene, copy), L"e");
+}
+
+TEST(NodePos, NodesGoDuringAWalk)
+{
+    // Faults in mind: the node after the removed one is passed over; the position stays on a destroyed node; the walk of
+    // unique objects refuses a node that it had already settled on.
+    struct { const char* name; const wchar_t *remove, *visited, *left; unsigned int flags; } const rows[] = {
+        {"leaf", L"c", L"abcefgh", L"a(b(d)e)f(g)h", 0},
+        {"branch that the walk stands in", L"b", L"abefgh", L"a(e)f(g)h", 0},
+        {"branch with the walk's next node", L"a", L"afgh", L"f(g)h", 0},
+        {"last", L"h", L"abcefgh", L"a(b(cd)e)f(g)", 0},
+        {"first sharer", L"e", L"abceg", L"a(b(cd))f(g)h", ITER_UNIQUE_OBJECTS},
+        {"before a shared object", L"c", L"abceg", L"a(b(d)e)f(g)h", ITER_UNIQUE_OBJECTS},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Tree tree;
+        std::wstring visited;
+        for (C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_ANY, row.flags); pos;) {
+            C3DSceneNode* node = tree.scene->GetNextNode(pos);
+            visited += node->GetName().Str();
+            if (node->GetName() == row.remove) {
+                const bool stands = tree.scene->RemoveNode(node, pos, true);
+                EXPECT_EQ(stands, static_cast<bool>(pos));
+            }
+        }
+        EXPECT_EQ(visited, row.visited);
+        EXPECT_EQ(Outline(*tree.scene), row.left);
+    }
+}
+
+TEST(NodePos, TheStartGoesDuringAWalkBelowIt)
+{
+    const Tree tree;
+    C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_ANY, ITER_INCLUDE_START | ITER_SUBTREE, tree.a);
+    C3DSceneNode* node = tree.scene->GetNextNode(pos);
+    EXPECT_FALSE(tree.scene->RemoveNode(node, pos, true));
+    EXPECT_EQ(Outline(*tree.scene), L"f(g)h");
+}

@@ -1,0 +1,285 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "scene/Filter.h"
+#include "scene/NodeWalkTM.h"
+#include "scene/SceneBuilders.h"
+
+namespace {
+
+using Matrix = C4x4TMatrix<float>;
+using Coordinates = std::vector<float>;
+
+Coordinates Image(const Matrix& matrix, float x, float y, float z)
+{
+    return Values(matrix * C3DTPoint<float>(x, y, z));
+}
+
+void ExpectNear(const Coordinates& a, const Coordinates& b)
+{
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t i = 0; i < a.size(); i++)
+        EXPECT_NEAR(a[i], b[i], 1e-5) << i;
+}
+
+void ExpectNear(const Matrix& a, const Matrix& b)
+{
+    ExpectNear(Coordinates(a.ValPtr(), a.ValPtr() + 16), Coordinates(b.ValPtr(), b.ValPtr() + 16));
+}
+
+void SetVectorKey(C3DSceneNode* node, std::uint64_t id, float x, float y, float z)
+{
+    static_cast<C3DVectorKey*>(node->CreateKey(0, id, 0))->SetVector({x, y, z});
+}
+
+/// Quarter of a turn that takes x to y.
+Matrix QuarterZ()
+{
+    Matrix matrix;
+    matrix.m[0][0] = matrix.m[1][1] = 0;
+    matrix.m[0][1] = -1;
+    matrix.m[1][0] = 1;
+    return matrix;
+}
+
+}
+
+TEST(NodeTransforms, KeysMultiplyInTheirOrder)
+{
+    C3DSceneNode node;
+    Matrix m;
+    node.GetObjectLocalTM(0, m);
+    EXPECT_TRUE(m == Matrix());
+    SetVectorKey(&node, KEY_SCALE, 2, 2, 2);
+    node.AddKey(0, C3DMatrixKey(QuarterZ()));
+    SetVectorKey(&node, KEY_TRANSLATE, 10, 0, 0);
+    node.GetObjectLocalTM(0, m);
+    EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 12, 0}));               // scaled to 2, moved to 12, turned to y
+}
+
+TEST(NodeTransforms, ParentsAndPivot)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_GROUP);
+    scene->GetRoot()->AddKey(0, C3DMatrixKey(Translation(0, 0, 100)));
+    a->AddKey(0, C3DMatrixKey(QuarterZ()));
+    SetVectorKey(a, KEY_PIVOT, 5, 0, 0);
+    b->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
+    Matrix m;
+    b->GetNodeTM(0, m, true);                                            // a's pivot does not reach b
+    EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 1, 100}));
+    b->GetNodeTM(0, m, false);
+    EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 1, 0}));
+    SetVectorKey(b, KEY_PIVOT, 2, 0, 0);
+    b->GetNodeTM(0, m, false);                                           // the origin lies where the pivot point went
+    EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 3, 0}));
+    EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 4, 0}));
+    scene->GetRoot()->GetNodeTM(0, m, false);
+    EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 0, 100}));
+
+    Matrix parent, local;
+    a->GetNodeTM(0, parent, true);
+    b->GetNodeTM(0, m, true);
+    b->GetNodeLocalTM(0, local);
+    ExpectNear(parent * local, m);
+    a->GetNodeLocalTM(0, local);
+    ExpectNear(local, parent);
+}
+
+TEST(NodeTransforms, AWalkGivesTheMatricesOfTheNodesInAnyOrder)
+{
+    // A random tree of 300 nodes, a third of them without keys, walked in order, filtered, and shuffled.
+    std::mt19937 random(7);
+    const auto number = [&](int n) { return static_cast<int>(random() % n); };
+    const CRef<C3DScene> scene(C3DScene::Create());
+    std::vector<C3DSceneNode*> nodes;
+    for (int i = 0; i < 300; i++) {
+        C3DSceneNode* parent = i && number(10) ? nodes[i - 1 - number(i < 6 ? i : 6)] : nullptr;
+        nodes.push_back(AddNode(*scene, parent, L"n", number(4) ? OBJECT_GROUP : OBJECT_DUMMY));
+        if (number(3))
+            nodes[i]->AddKey(0, C3DMatrixKey(number(2) ? QuarterZ() : Translation(float(number(9)), float(number(9)), 1)));
+        if (!number(8))
+            SetVectorKey(nodes[i], KEY_PIVOT, 1, 2, 3);
+    }
+    scene->GetRoot()->AddKey(0, C3DMatrixKey(Translation(0, 7, 0)));
+    std::vector<C3DSceneNode*> order;
+    for (const unsigned int mask : {0xFFFFFFFFu, static_cast<unsigned int>(OBJECT_DUMMY)}) {
+        for (C3DNodePos pos = scene->GetFirstNode(mask); pos;)
+            order.push_back(scene->GetNextNode(pos));
+    }
+    std::shuffle(nodes.begin(), nodes.end(), random);
+    order.insert(order.end(), nodes.begin(), nodes.end());
+    order.push_back(scene->GetRoot());
+    for (const bool withRoot : {true, false}) {
+        CNodeWalkTM walk(0, withRoot);
+        for (const C3DSceneNode* node : order) {
+            Matrix expected, got;
+            node->GetNodeTM(0, expected, withRoot);
+            walk.Get(node, got);
+            ExpectNear(got, expected);
+        }
+    }
+}
+
+TEST(NodeTransforms, CentringThePivotKeepsThePointsInPlace)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* node = AddNode(*scene, nullptr, L"a", 0);
+    node->SetObject(CreateSquare(), true);
+    node->AddKey(0, C3DMatrixKey(QuarterZ()));
+    node->CenterPivotOnCG({0.5, 0.5, 0.5}, {0, 0, 0});
+    const C3DTPoint<float>& far = PointOf(node->GetGeomObject(), 4);
+    EXPECT_EQ(Values(far), Coordinates({4.5, 4.5, 4.5}));
+    Matrix m;
+    node->GetNodeTM(0, m, true);
+    ExpectNear(Values(m * far), {-9, 9, 9});
+    C3DTPoint<float> center;
+    EXPECT_TRUE(scene->GetRoot()->GetCG(0, center));
+    ExpectNear(Values(center), {-4.5, 4.5, 4.5});
+    const unsigned int before = node->GetBaseObject()->GetChecksum(1);
+    node->CenterPivotOnCG({0.5, 0.5, 0.5}, {0, 0, 0});                   // already there
+    EXPECT_EQ(node->GetBaseObject()->GetChecksum(1), before);
+    EXPECT_FALSE(AddNode(*scene, nullptr, L"b", OBJECT_GROUP)->GetCG(0, center));
+}
+
+TEST(NodeTransforms, BakingLeavesSharersAndSmallMatricesAlone)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", 0);
+    a->SetObject(CreateSquare(), true);
+    C3DSceneNode* b = AddSharer(*scene, nullptr, L"b", a);
+    b->AddKey(0, C3DMatrixKey(Translation(0.004f, 0, 0)));
+    EXPECT_FALSE(b->ConvertToGlobalCoordinates(0));
+    EXPECT_EQ(b->GetKeyNbr(KEY_ANY), 1);
+    b->AddKey(0, C3DMatrixKey(Translation(5, 0, 0)));
+    EXPECT_TRUE(b->ConvertToGlobalCoordinates(0));
+    EXPECT_EQ(b->GetKeyNbr(KEY_ANY), 0);
+    EXPECT_EQ(PointOf(b->GetGeomObject(), 0).x, 5);
+    EXPECT_EQ(PointOf(a->GetGeomObject(), 0).x, 0);
+    C3DTPoint<float> min, max;
+    b->GetGeomObject()->GetBoundingBox(min, max, BOX_FACES);
+    EXPECT_EQ(max.x, 6);
+}
+
+TEST(NodeTransforms, AMirrorTurnsTheFacesRound)
+{
+    const CRef<C3DObject> object(CreateSquare());
+    Matrix mirror;
+    mirror.m[0][0] = -1;
+    EXPECT_FALSE(object->MatrixTransform(Matrix()));
+    EXPECT_TRUE(object->MatrixTransform(mirror));
+    int count;
+    const int* corners = object->GetFaceList()->GetIndexes(0, count);
+    EXPECT_EQ(std::vector<int>(corners, corners + count), (std::vector<int>{2, 1, 0}));
+    EXPECT_EQ(PointOf(object, 1).x, -1);
+}
+
+TEST(SceneTransforms, BakingTheSceneMovesEverySharerToItsOwnPlace)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* group = AddNode(*scene, nullptr, L"g", 0);             // a carrier without object
+    C3DSceneNode* a = AddNode(*scene, group, L"a", 0);
+    a->SetObject(CreateSquare(), true);
+    C3DSceneNode* b = AddSharer(*scene, group, L"b", a);
+    group->AddKey(0, C3DMatrixKey(Translation(0, 0, 3)));
+    a->AddKey(0, C3DMatrixKey(Translation(10, 0, 0)));
+    b->AddKey(0, C3DMatrixKey(Translation(20, 0, 0)));
+    EXPECT_EQ(scene->ConvertToGlobalCoordinates(nullptr), 0);
+    EXPECT_EQ(Values(PointOf(a->GetGeomObject(), 0)), Coordinates({10, 0, 3}));
+    EXPECT_EQ(Values(PointOf(b->GetGeomObject(), 0)), Coordinates({20, 0, 3}));
+    for (const C3DSceneNode* node : {group, a, b})
+        EXPECT_EQ(node->GetKeyNbr(KEY_ANY), 0);
+}
+
+TEST(SceneTransforms, OrientationStandsASceneUp)
+{
+    struct { const char* name; _UP_AXIS_MODE mode; Coordinates up, x; } const rows[] = {
+        {"y up", UP_AXIS_Y, {0, 1, 0}, {1, 0, 0}}, {"x up", UP_AXIS_X, {1, 0, 0}, {0, 0, 1}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const CRef<C3DScene> scene(C3DScene::Create());
+        C3DSceneNode* node = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+        Matrix m;
+        EXPECT_TRUE(scene->OrientScene(row.mode, true));
+        node->GetNodeTM(0, m, true);
+        EXPECT_EQ(Image(m, row.up[0], row.up[1], row.up[2]), Coordinates({0, 0, 1}));
+        EXPECT_EQ(Image(m, 1, 0, 0), row.x);
+        // The same turn as the rotation keys describe.
+        Matrix keys;
+        if (row.mode == UP_AXIS_Y)
+            keys = C3DRotateKey(-1.5707963f, {1, 0, 0}).ToMatrix();
+        else
+            keys = C3DRotateKey(1.5707963f, {0, 1, 0}).ToMatrix() * C3DRotateKey(-1.5707963f, {1, 0, 0}).ToMatrix();
+        ExpectNear(m, keys);
+        EXPECT_TRUE(scene->OrientScene(row.mode, false));
+        node->GetNodeTM(0, m, true);
+        EXPECT_TRUE(m == Matrix());
+    }
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* node = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    EXPECT_FALSE(scene->OrientScene(UP_AXIS_Z, true));
+    EXPECT_EQ(node->GetKeyNbr(KEY_ANY), 0);
+    scene->Scale({2, 3, 4});
+    Matrix m;
+    node->GetNodeTM(0, m, true);
+    EXPECT_EQ(Image(m, 1, 1, 1), Coordinates({2, 3, 4}));
+}
+
+TEST(SceneTransforms, TimeIsHeldToTheKeys)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    EXPECT_FALSE(scene->SetCurrentTime(5));
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_GROUP);
+    a->CreateKey(-3, KEY_MATRIX, 0);
+    a->CreateKey(10, KEY_MATRIX, 0);
+    b->CreateKey(4, KEY_SCALE, 0);
+    b->CreateKey(12, KEY_SCALE, 0);
+    EXPECT_EQ(scene->GetTimeRange(KEY_ANY), CTimeRange(-3, 12));
+    EXPECT_EQ(scene->GetTimeRange(KEY_SCALE), CTimeRange(0, 12));
+    EXPECT_TRUE(scene->SetCurrentTime(99));
+    EXPECT_EQ(scene->GetTickCount(), 12);
+    EXPECT_FALSE(scene->SetCurrentTime(50));
+    struct { int time; unsigned int mode; std::uint64_t id; int found; } const rows[] = {
+        {5, KEY_BEFORE, KEY_ANY, 4}, {5, KEY_AFTER, KEY_ANY, 10}, {5, KEY_AFTER, KEY_SCALE, 12}, {5, KEY_EXACT, KEY_ANY, 5}, {4, KEY_EXACT, KEY_ANY, 4},
+        {10, KEY_BEFORE | KEY_EXACT, KEY_ANY, 10}, {12, KEY_AFTER, KEY_ANY, 12}, {-9, KEY_BEFORE, KEY_ANY, -9},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(scene->GetKeyTime(row.time, row.mode, row.id), row.found) << row.time << ' ' << row.mode;
+    scene->DeleteAllKeys();
+    EXPECT_EQ(scene->GetTimeRange(KEY_ANY), CTimeRange(0, 0));
+}
+
+TEST(SceneTransforms, ChildrenOfDeletedNodesStayInPlaceAtEveryKey)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_GROUP);
+    C3DSceneNode* c = AddNode(*scene, b, L"c", OBJECT_DUMMY);
+    AddNode(*scene, b, L"d", OBJECT_DUMMY);
+    AddNode(*scene, nullptr, L"e", OBJECT_DUMMY);
+    SetVectorKey(a, KEY_PIVOT, 9, 9, 9);                                 // no business of the children
+    a->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
+    a->AddKey(10, C3DMatrixKey(QuarterZ()));
+    b->AddKey(5, C3DRotateKey(1.0f, {0, 0, 1}));
+    c->AddKey(0, C3DMatrixKey(Translation(0, 2, 0)));
+    c->AddKey(20, C3DMatrixKey(Translation(0, 4, 0)));
+    std::vector<Matrix> before(21);
+    for (int time = 0; time <= 20; time++)
+        c->GetNodeTM(time, before[time], true);
+    a->SetFlag(NODE_SELECTED, true);
+    b->SetFlag(NODE_SELECTED, true);
+    const C3DFilter selected(FILTER_UNSELECTED);
+    EXPECT_TRUE(scene->DeleteNodes(nullptr, &selected));
+    EXPECT_EQ(Outline(*scene), L"cde");
+    for (const int time : {0, 5, 10, 20}) {
+        SCOPED_TRACE(time);
+        Matrix after;
+        c->GetNodeTM(time, after, true);
+        ExpectNear(after, before[time]);
+    }
+}

@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+
+#include "scene/ParserSceneInfo.h"
+#include "scene/ProcessState.h"
+#include "scene/SceneBuilders.h"
+#include "tools/FileNameSpec.h"
+
+TEST(Scene, StartsWithARootThatNobodyCounts)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* root = scene->GetRoot();
+    ASSERT_NE(root, nullptr);
+    EXPECT_TRUE(root->GetName() == L"Scene");
+    EXPECT_EQ(root->GetObjectKindOf(), OBJECT_GROUP);
+    EXPECT_EQ(root->GetScene(), static_cast<C3DScene*>(scene));
+    EXPECT_EQ(scene->GetChildDepth(root), 0xFFFFFFFFu);
+    scene->RemoveAll();
+    EXPECT_EQ(scene->GetRoot(), root);
+}
+
+TEST(Scene, TreeQueries)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_DUMMY);
+    C3DSceneNode* c = AddNode(*scene, a, L"c", 0);
+    C3DSceneNode* d = AddNode(*scene, c, L"d", OBJECT_DUMMY);
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_ANY), 3);
+    EXPECT_EQ(scene->GetChildCount(a, OBJECT_DUMMY), 2);
+    EXPECT_EQ(scene->GetDirectChildCount(a, 0), 2);
+    EXPECT_EQ(scene->GetDirectChildCount(nullptr, 0), 1);
+    EXPECT_EQ(scene->GetChildDepth(a), 0u);
+    EXPECT_EQ(scene->GetChildDepth(d), 2u);
+    EXPECT_EQ(scene->GetChildDepth(nullptr), 0xFFFFFFFFu);
+    EXPECT_EQ(scene->GetParent(nullptr), nullptr);
+    EXPECT_EQ(scene->GetRightNode(nullptr), nullptr);
+    EXPECT_EQ(scene->GetRightNode(b), c);
+    EXPECT_TRUE(scene->IsChildNode(nullptr, d));
+    EXPECT_TRUE(scene->IsChildNode(a, d));
+    EXPECT_FALSE(scene->IsChildNode(b, d));
+    EXPECT_FALSE(scene->IsChildNode(d, d));
+    EXPECT_FALSE(scene->AddNode(nullptr, a));                            // has a parent
+    EXPECT_FALSE(scene->AddNode(nullptr, nullptr));
+    EXPECT_FALSE(scene->AddNode(b, scene->GetRoot()));
+
+    C3DSceneNode* branch = c;
+    scene->RemoveNode(branch, false);
+    EXPECT_FALSE(scene->IsNodeInScene(d));
+    EXPECT_EQ(d->GetScene(), nullptr);
+    EXPECT_FALSE(scene->AddNode(d, branch));                             // below itself
+    EXPECT_TRUE(scene->ReplaceNode(branch, b, false));
+    EXPECT_EQ(d->GetScene(), static_cast<C3DScene*>(scene));
+    EXPECT_EQ(Outline(*scene), L"a(c(d))");
+    EXPECT_FALSE(scene->ReplaceNode(nullptr, a, false));
+    scene->RemoveNode(nullptr, true);
+    EXPECT_EQ(Outline(*scene), L"");
+}
+
+TEST(Scene, CountersOnlyGoUp)
+{
+    const C3DSceneNode first, second;
+    EXPECT_EQ(second.GetNodeID(), first.GetNodeID() + 1);
+    EXPECT_TRUE(first.GetName() == L"Unnamed object");
+    const unsigned int next = CreateSceneID(ID_OBJECT) + 1;
+    AdvanceSceneID(ID_OBJECT, next - 1);
+    EXPECT_EQ(CreateSceneID(ID_OBJECT), next);
+    AdvanceSceneID(ID_OBJECT, next + 100);
+    EXPECT_EQ(CreateSceneID(ID_OBJECT), next + 101);
+}
+
+TEST(Scene, DepthDoesNotMatter)
+{
+    // 100,000 levels: nothing may recurse, and nothing may climb to the root at each step.
+    constexpr int DEPTH = 100000;
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* node = nullptr;
+    for (int i = 0; i < DEPTH; i++)
+        node = AddNode(*scene, node, L"n", OBJECT_GROUP);
+    node->SetObject(CreateSquare(), true);
+    C3DSceneNode* top = scene->GetChildNode(nullptr);
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_GROUP), DEPTH - 1);
+    EXPECT_EQ(scene->GetChildDepth(node), static_cast<unsigned int>(DEPTH - 1));
+    C3DTPoint<float> min, max;
+    EXPECT_TRUE(top->GetBoundingBox(0, min, max, BOX_FACES));
+    scene->ConvertToGlobalCoordinates(nullptr);
+    C3DSceneNode* copy = top->CopyBranch(nullptr, 0, nullptr);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_TRUE(scene->AddNode(nullptr, copy));
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_ANY), 2 * DEPTH);
+    scene->RemoveNode(copy, true);
+    scene->CleanGroups(false);
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_ANY), 1);
+}
+
+TEST(Scene, GroupsWithoutPurposeGo)
+{
+    struct { const char* name; bool onlyEmpty; const wchar_t* left; } const rows[] = {
+        {"empty ones, and parents that become empty", true, L"a(bc)f(g)j(kl)p"},
+        {"those with one child too", false, L"a(bc)gj(kl)dp"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const CRef<C3DScene> scene(C3DScene::Create());
+        C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+        AddNode(*scene, a, L"b", OBJECT_DUMMY);
+        AddNode(*scene, a, L"c", OBJECT_DUMMY);
+        C3DSceneNode* f = AddNode(*scene, nullptr, L"f", OBJECT_GROUP);
+        f->AddKey(0, C3DMatrixKey(Translation(3, 0, 0)));
+        C3DSceneNode* g = AddNode(*scene, f, L"g", OBJECT_DUMMY);
+        C3DSceneNode* j = AddNode(*scene, nullptr, L"j", OBJECT_GROUP);
+        AddNode(*scene, j, L"k", OBJECT_DUMMY);
+        AddNode(*scene, j, L"l", OBJECT_DUMMY);
+        C3DSceneNode* d = AddNode(*scene, nullptr, L"d", OBJECT_GROUP);
+        AddNode(*scene, AddNode(*scene, d, L"m", OBJECT_GROUP), L"n", OBJECT_GROUP);
+        if (!row.onlyEmpty)
+            AddNode(*scene, d, L"o", OBJECT_GROUP);
+        C3DSceneNode* p = AddNode(*scene, nullptr, L"p", OBJECT_POLYGONAL);
+        AddNode(*scene, p, L"q", OBJECT_GROUP);
+        scene->CleanGroups(row.onlyEmpty);
+        EXPECT_EQ(Outline(*scene), row.left);
+        C4x4TMatrix<float> matrix;
+        g->GetNodeTM(0, matrix, true);
+        EXPECT_EQ(matrix.m[0][3], 3);                                    // where it was
+    }
+}
+
+TEST(Scene, Units)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    EXPECT_EQ(scene->GetUnit(), UNIT_UNDEFINED);
+    EXPECT_FALSE(scene->IsUnitDefined());
+    scene->SetScaleFactor(0.0);
+    EXPECT_FALSE(scene->IsUnitDefined());
+    scene->SetScaleFactor(1.0);
+    EXPECT_TRUE(scene->IsUnitDefined());
+    scene->SetScaleFactor(254);
+    scene->SetScaleFactor(0.0);
+    scene->SetUnit(UNIT_INCH);
+    EXPECT_DOUBLE_EQ(scene->ConvertToUnit(3), 300);
+    EXPECT_TRUE(scene->GetUnitText(true) == L"in");
+    const double factors[] = {1, 1e-7, 0.0001, 0.1, 1, 100, 100000, 2.54, 30.48, 91.44, 160934.4, 1};
+    for (int unit = 0; unit < 12; unit++)
+        EXPECT_EQ(C3DScene::GetUnitFactor(static_cast<_UNIT_MODE>(unit)), factors[unit]) << unit;
+}
+
+TEST(Scene, FileNameComesAndGoes)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    EXPECT_TRUE(scene->GetFilename().IsEmpty());
+    scene->SetFilename(CFileNameSpec(L"/models/car.obj", 0x4F424A20));
+    EXPECT_TRUE(scene->GetFilename().GetFullName() == L"/models/car.obj");
+    EXPECT_EQ(scene->GetFilename().GetClass(), 0x4F424A20u);
+    EXPECT_TRUE(scene->GetFilepath() == L"/models/");
+    scene->SetFilename(CFileNameSpec());
+    EXPECT_TRUE(scene->GetCustomData().IsEmpty());
+}
+
+TEST(Scene, ParserDataGoesBackOnce)
+{
+    static int released;
+    static int record;
+    released = 0;
+    CParserSceneInfo::SetRelease([](bool owner, unsigned int size, void* data) {
+        EXPECT_TRUE(owner);
+        EXPECT_EQ(size, 4u);
+        EXPECT_EQ(data, &record);
+        released++;
+    });
+    unsigned int size = 1;
+    {
+        const CRef<C3DScene> scene(C3DScene::Create());
+        EXPECT_EQ(scene->GetParserData(size, true), nullptr);
+        EXPECT_EQ(size, 0u);
+        scene->SetParserData(true, 4, nullptr);
+        EXPECT_EQ(scene->GetParserData(size, false), nullptr);
+        scene->SetParserData(true, 4, &record);
+        EXPECT_EQ(scene->GetParserData(size, false), &record);
+        EXPECT_EQ(size, 4u);
+        EXPECT_EQ(scene->GetParserData(size, true), &record);           // ours now
+        EXPECT_EQ(released, 0);
+        scene->SetParserData(true, 4, &record);
+        scene->SetParserData(true, 4, &record);
+        EXPECT_EQ(released, 1);
+    }
+    EXPECT_EQ(released, 2);
+    CParserSceneInfo::SetRelease(nullptr);
+}
+
+TEST(Materials, ByID)
+{
+    CMaterials materials;
+    C3DMaterial* first = materials.CreateNewMaterial(0xFFFFFFFF);
+    EXPECT_EQ(materials.CreateNewMaterial(first->GetMaterialID())->GetMaterialID(), first->GetMaterialID() + 1);
+    EXPECT_FALSE(materials.CreateNewMaterial(0)->GetName().IsEmpty());
+    EXPECT_EQ(materials.GetCount(), 3u);
+    EXPECT_EQ(materials.FindByID(first->GetMaterialID()), first);
+    EXPECT_EQ(materials.FindByID(123456), nullptr);
+    int seen = 0;
+    for (unsigned int pos = materials.GetFirst(); pos != 0xFFFFFFFF; seen++) {
+        unsigned int id;
+        C3DMaterial* material;
+        materials.GetNext(pos, id, material);
+        EXPECT_EQ(material->GetMaterialID(), id);
+    }
+    EXPECT_EQ(seen, 3);
+    EXPECT_TRUE(materials.RemoveMaterial(0));
+    EXPECT_FALSE(materials.RemoveMaterial(0));
+}
