@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <deque>
+
+#include "geometry/FaceTagger.h"
+#include "support/RandomMesh.h"
+
+// The flood fill against its plain form: a queue in which a face may stand many times, and a table of visited faces.
+
+namespace {
+
+// What a tagger is told, in order, as text; and what it answers. An answer depends on its arguments alone.
+class Recorder : public CFaceTagger {
+public:
+    explicit Recorder(int mode) : m_mode(mode) {}
+
+    bool InitProcess(CGeomInfo* info) override
+    {
+        EXPECT_EQ(info, m_info);
+        EXPECT_EQ(m_faces, info->GetSrcFaceList());
+        EXPECT_EQ(m_points, info->GetSrcPointList());
+        return m_mode != REFUSE_START;
+    }
+    void EndProcess(unsigned int groups) override { log += "end " + std::to_string(groups) + '\n'; }
+    void BeginNewGroup(unsigned int group, unsigned int face) override
+    {
+        log += "group " + std::to_string(group) + " from " + std::to_string(face) + '\n';
+    }
+    bool BelongToGroup(unsigned int face, unsigned int point, int* faces, unsigned int count) override
+    {
+        return Answer("point " + std::to_string(static_cast<int>(point)), face, faces, count);
+    }
+    bool BelongToGroup(unsigned int face, C3DEdge& edge, int* faces, unsigned int count) override
+    {
+        return Answer("edge " + std::to_string(edge.GetFirst()) + '-' + std::to_string(edge.GetSecond()), face, faces, count);
+    }
+    void ProcessGroup(unsigned int* faces, unsigned int count) override
+    {
+        log += "is";
+        for (unsigned int i = 0; i < count; i++)
+            log += ' ' + std::to_string(faces[i]);
+        log += '\n';
+    }
+
+    enum Mode { TAKE_ALL, REFUSE_ALL, REFUSE_SOME, DROP_SOME, STRAY, MODES, REFUSE_START };
+    std::string log;
+
+private:
+    bool Answer(const std::string& where, unsigned int face, int* faces, unsigned int count)
+    {
+        log += std::to_string(face) + " at " + where + ':';
+        unsigned int sum = face;
+        for (unsigned int i = 0; i < count; i++) {
+            log += ' ' + std::to_string(faces[i]);
+            sum = sum * 31 + static_cast<unsigned int>(faces[i]);
+            if (m_mode == DROP_SOME && (sum & 3) == 0)
+                faces[i] = -1;
+            if (m_mode == STRAY && (sum & 3) == 0)
+                faces[i] = sum & 4 ? 1 << 30 : -5;       // no faces of the list
+        }
+        log += '\n';
+        return m_mode != REFUSE_ALL && (m_mode != REFUSE_SOME || sum % 3);
+    }
+
+    const int m_mode;
+};
+
+void Flood(const RandomMesh& m, CFaceTagger& tagger, bool byEdge)
+{
+    std::vector<bool> visited(m.corners.size());
+    unsigned int groups = 0;
+    for (int start = 0; start < m.FaceCount(); start++) {
+        if (visited[static_cast<std::size_t>(start)] || !m.IsLive(start))
+            continue;
+        std::deque<int> queue = {start};
+        std::vector<unsigned int> group;
+        tagger.BeginNewGroup(groups++, static_cast<unsigned int>(start));
+        while (!queue.empty()) {
+            const int face = queue.front();
+            queue.pop_front();
+            if (visited[static_cast<std::size_t>(face)])
+                continue;
+            const auto edges = m.Edges(face);
+            for (std::size_t k = 0; k < edges.size(); k++) {
+                const int point = m.corners[static_cast<std::size_t>(face)][k];
+                C3DEdge edge = edges[k];
+                std::vector<int> others = byEdge ? m.FacesOf(edge) : m.FacesOf(point);
+                std::erase_if(others, [&](int other) { return other == face || visited[static_cast<std::size_t>(other)]; });
+                const unsigned int n = static_cast<unsigned int>(others.size()), f = static_cast<unsigned int>(face);
+                if (n == 0 || !(byEdge ? tagger.BelongToGroup(f, edge, others.data(), n)
+                                       : tagger.BelongToGroup(f, static_cast<unsigned int>(point), others.data(), n)))
+                    continue;
+                for (const int other : others)
+                    if (other >= 0 && other < m.FaceCount())
+                        queue.push_back(other);
+            }
+            group.push_back(static_cast<unsigned int>(face));
+            visited[static_cast<std::size_t>(face)] = true;
+        }
+        tagger.ProcessGroup(group.data(), static_cast<unsigned int>(group.size()));
+    }
+    tagger.EndProcess(groups);
+}
+
+}
+
+TEST(TagFaces, TellsTheTaggerWhatThePlainFloodTellsIt)
+{
+    for (unsigned int seed = 0; seed < 200; seed++)
+        for (int mode = 0; mode < Recorder::MODES; mode++)
+            for (const bool byEdge : {false, true}) {
+                SCOPED_TRACE(testing::Message() << "mesh " << seed << " tagger " << mode << (byEdge ? " by edge" : " by point"));
+                const RandomMesh m(seed, seed % 4 ? RandomMesh::MIXED : RandomMesh::BROKEN);
+                CGeomInfo info = m.mesh.Info();
+                Recorder expected(mode), found(mode);
+                Flood(m, expected, byEdge);
+                m.mesh.faces->TagFaces(&info, found, byEdge);
+                ASSERT_EQ(found.log, expected.log);
+                ASSERT_EQ(byEdge ? m.mesh.faces->HasEdgeToFaceGraph() : m.mesh.faces->HasPointToFaceGraph(), true);
+            }
+}
+
+TEST(TagFaces, CountsGroups)
+{
+    const Mesh tie = BowTie(), none = MakeMesh({}, {}), cube = Cube();
+    cube.faces->SetFaceFlag(1, FACE_EMPTY, true);
+    struct { const char* name; const Mesh& mesh; int mode; bool byEdge; unsigned int groups; } const rows[] = {
+        {"a bow tie hangs together at a point", tie, Recorder::TAKE_ALL, false, 1},
+        {"but not along an edge", tie, Recorder::TAKE_ALL, true, 2},
+        {"nothing", none, Recorder::TAKE_ALL, false, 0},
+        {"a cube without one side", cube, Recorder::TAKE_ALL, true, 1},
+        {"each live face alone", cube, Recorder::REFUSE_ALL, true, 5},
+        {"refused at once", cube, Recorder::REFUSE_START, true, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CGeomInfo info = row.mesh.Info();
+        Recorder tagger(row.mode);
+        EXPECT_EQ(row.mesh.faces->TagFaces(&info, tagger, row.byEdge), row.groups);
+        EXPECT_EQ(tagger.log.find("group") == std::string::npos, row.groups == 0);
+    }
+    Recorder tagger(Recorder::TAKE_ALL);
+    EXPECT_EQ(cube.faces->TagFaces(nullptr, tagger, true), 0u);
+}
