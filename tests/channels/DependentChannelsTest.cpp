@@ -37,7 +37,7 @@ std::vector<unsigned int> Ids(const CDependentChannels& channels)
 
 TEST(DependentChannels, AnswerOnNull)
 {
-    CDependentChannels* none = nullptr;
+    CDependentChannels* volatile none = nullptr;            // volatile: the compiler would warn of a null it sees
     CFaceList* faces;
     CPointList* points;
     CUVWFaceList* uvwFaces;
