@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "geometry/FaceList.h"
+#include "tools/BitArray.h"
 
 // Reordering: the order becomes one table, position -> face that comes there; it is checked, then the pool and the chunks
 // are each laid out anew in one pass. Nothing moves face by face.
@@ -12,17 +13,20 @@ constexpr unsigned int STAYS = 0xFFFFFFFF;
 // Empty when `order` is no permutation.
 std::vector<unsigned int> SourceTable(const unsigned int* order, unsigned int n, bool inverse)
 {
-    std::vector<unsigned int> source(n, STAYS), target(n, STAYS);
+    std::vector<unsigned int> table(order, order + n);
+    CBitArray seen(n, false);
     for (unsigned int i = 0; i < n; i++) {
-        const unsigned int other = order[i] == STAYS ? i : order[i];
-        if (other >= n)
+        if (table[i] == STAYS)
+            table[i] = i;
+        if (table[i] >= n || seen[table[i]])
             return {};
-        const unsigned int from = inverse ? i : other, to = inverse ? other : i;
-        if (source[to] != STAYS || target[from] != STAYS)
-            return {};
-        source[to] = from;
-        target[from] = to;
+        seen.SetAt(table[i], true);
     }
+    if (!inverse)
+        return table;
+    std::vector<unsigned int> source(n);
+    for (unsigned int i = 0; i < n; i++)
+        source[table[i]] = i;
     return source;
 }
 

@@ -571,6 +571,7 @@ private:
 
     void ReorderEntries(const unsigned int* source, unsigned int count)
     {
+        constexpr unsigned int ahead = 16;                   // entries on their way from memory
         std::uint64_t size = 0;
         for (unsigned int i = 0; i < count; i++)
             size += EntryBytes(HeaderAt(i)->capacity);
@@ -579,6 +580,8 @@ private:
         offsets.PreAllocate(count);
         std::uint64_t used = 0;
         for (unsigned int i = 0; i < count; i++) {
+            if (i + ahead < count)
+                __builtin_prefetch(HeaderAt(source[i + ahead]));
             const Header* header = HeaderAt(source[i]);
             std::memcpy(pool + used, header, EntryBytes(header->count));
             offsets.Append(used);
