@@ -27,7 +27,8 @@ C3DFaceList::C3DFaceList(const C3DFaceList* model) : CFaceList(model)
 
 C3DFaceList::~C3DFaceList() = default;
 
-// A main chunk without materials, as a channel's face list has it, is replaced by one with materials that keeps the flags.
+// A main chunk without materials, as a channel's face list has it, is replaced by one with materials that keeps the
+// flags.
 void C3DFaceList::EnsureMaterials()
 {
     if (HasMainChunk(FACE_DATA_SIZE))

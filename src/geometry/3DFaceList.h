@@ -37,7 +37,7 @@ public:
     /// As in the base; drops the materials map as well.
     virtual void RemoveAll();
 
-    // --- Materials (FaceMaterials.cpp) ---------------------------------------------------------------------------------
+    // --- Materials (FaceMaterials.cpp) ------------------------------------------------------------------------------
 
     using MaterialsMap = CHashMap<unsigned int, unsigned int, unsigned int>;
 
@@ -52,8 +52,8 @@ public:
     bool HasBackFaceMaterials() const;
     /// False when there are none.
     bool RemoveBackFaceMaterials();
-    /// `to` in place of `from` in all faces, dead ones too, front and back. False when nothing is replaced. A built map then counts
-    /// for `to` what it counted for `from`.
+    /// `to` in place of `from` in all faces, dead ones too, front and back. False when nothing is replaced. A built map
+    /// then counts for `to` what it counted for `from`.
     bool ReplaceMaterial(unsigned int from, unsigned int to);
 
     /// Faces by material, live faces only. Built at the first call and kept until the list changes; the list owns it.
@@ -63,18 +63,18 @@ public:
     void CreateMaterialsHashMap(bool withBack);
     void DeleteMaterialsHashMap();
 
-    /// Face numbers by material: the old number for each new place. `changed` tells whether that moves any. The caller frees the array
-    /// with delete[]. Null for an empty list.
+    /// Face numbers by material: the old number for each new place. `changed` tells whether that moves any. The caller
+    /// frees the array with delete[]. Null for an empty list.
     unsigned int* Sort(_FACE_SORT_MODE mode, bool& changed) const;
 
-    // --- With the channels of the source (channels/FaceOrder.cpp) --------------------------------------------------------
+    // --- With the channels of the source (channels/FaceOrder.cpp) ---------------------------------------------------
 
     /// Sorts the faces, and takes those of every channel along that is not invalid. False when nothing moves.
     bool Sort(const CGeomInfo* info, _FACE_SORT_MODE mode);
     /// Reverses one live face, and that face of each channel in which it is live. Marks nothing.
     void Flip(const CGeomInfo* info, int face);
 
-    // --- Measures (FaceGeometry.cpp) -----------------------------------------------------------------------------------
+    // --- Measures (FaceGeometry.cpp) --------------------------------------------------------------------------------
 
     /// Box of the source points that live faces use.
     ///

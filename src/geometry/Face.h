@@ -50,7 +50,7 @@ public:
     bool IsOneFlagSet(int mask) const { return (GetFlags() & static_cast<unsigned int>(mask)) != 0; }
     bool IsDead() const { return (GetFlags() & FACE_DEAD) != 0; }
 
-    // --- Corners -----------------------------------------------------------------------------------------------------
+    // --- Corners ----------------------------------------------------------------------------------------------------
 
     /// Corner value behind and before corner `corner`, around the face. -1 for a face without corners.
     int GetNextIndex(int corner) const
@@ -73,7 +73,8 @@ public:
     /// Appends a corner and gives the new size. Sets FACE_INVALID below 2 corners and clears it otherwise. A full face
     /// (MAX_CORNERS) stays as it is.
     int AddIndex(int index);
-    /// Removes the last corner with that point; FACE_INVALID when fewer than 3 corners remain. False when there is none.
+    /// Removes the last corner with that point; FACE_INVALID when fewer than 3 corners remain. False when there is
+    /// none.
     bool RemoveIndex(int value);
     /// 0 when `from` is not there or equals `to`; 1 when one corner was replaced, 5 when several were.
     int ReplaceIndex(int from, int to);
@@ -81,15 +82,15 @@ public:
     int IsFacePoint(int point) const;
     /// Position of the first edge from a to b, or unless `directed` between them either way; -1 without one.
     int IsFaceEdge(int a, int b, bool directed) const;
-    /// The same corners. With `rotate` the other face may start elsewhere: it is read around from its first corner that has
-    /// this face's first point. A reversed face is not equal.
+    /// The same corners. With `rotate` the other face may start elsewhere: it is read around from its first corner that
+    /// has this face's first point. A reversed face is not equal.
     bool CompareIndexes(const CFace& other, bool rotate) const;
     /// Reverses the corners; the first becomes the last.
     void Flip();
     /// No corners, FACE_INVALID.
     void RemoveAll();
 
-    // --- Copies ------------------------------------------------------------------------------------------------------
+    // --- Copies -----------------------------------------------------------------------------------------------------
 
     /// Corners and chunk data of another face, of any list.
     void Copy(const CFace& other);
@@ -103,7 +104,7 @@ public:
     /// Size of that element; 0 without the chunk.
     unsigned int GetSizeOfData(unsigned int id) const;
 
-    // --- With the source points of `info` (FacePoints.cpp). Corners beyond the points count as points without flags ----
+    // --- With the source points of `info` (FacePoints.cpp); corners beyond them count as points without flags -------
 
     /// Mean of the corners' points, in doubles. Leaves `center` for a face without corners.
     void GetCenter(const CGeomInfo* info, C4DPoint& center) const;

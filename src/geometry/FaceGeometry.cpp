@@ -174,7 +174,7 @@ void C3DFace::Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const
     }
 }
 
-// --- The list --------------------------------------------------------------------------------------------------------------
+// --- The list -------------------------------------------------------------------------------------------------------
 
 bool C3DFaceList::GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask,
                                  bool wanted, C4x4TMatrix<float>* m) const

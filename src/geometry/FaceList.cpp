@@ -45,7 +45,7 @@ bool CFaceList::HasMainChunk(unsigned int elementSize) const
     return main && main->GetSizeof() >= elementSize && main->GetSize() == m_size;
 }
 
-// --- Size ----------------------------------------------------------------------------------------------------------------
+// --- Size -----------------------------------------------------------------------------------------------------------
 
 bool CFaceList::SetSize(int count, int capacity, SetSizeMode mode, int grow)
 {
@@ -192,7 +192,7 @@ void CFaceList::CompressFaces(const unsigned int* target, unsigned int kept)
     m_chunks.FreeExtra();
 }
 
-// --- Bulk fills ------------------------------------------------------------------------------------------------------------
+// --- Bulk fills -----------------------------------------------------------------------------------------------------
 
 bool CFaceList::PrepareAppend(int count)
 {
@@ -213,14 +213,14 @@ bool CFaceList::AppendFaces(int count, int corners, const int* indexes)
     if (corners == 3)                                          // a constant size copies without a call
         return AppendFaces(count, 3, [indexes](int* to, std::size_t k) { std::memcpy(to, indexes + k * 3, 3 * sizeof(int)); });
     return AppendFaces(count, corners, [indexes, corners](int* to, std::size_t k) {
-        std::memcpy(to, indexes + k * corners, corners * sizeof(int));
+        std::copy_n(indexes + k * corners, corners, to);
     });
 }
 
 bool CFaceList::AppendFaces(int count, const unsigned int* sizes, const int* indexes)
 {
     const auto copy = [&](int* to, unsigned int k) {
-        std::memcpy(to, indexes, sizes[k] * sizeof(int));
+        std::copy_n(indexes, sizes[k], to);
         indexes += sizes[k];
     };
     if (!PrepareAppend(count) || !m_indexes.AppendEntries(count, sizes, copy))
@@ -229,7 +229,7 @@ bool CFaceList::AppendFaces(int count, const unsigned int* sizes, const int* ind
     return true;
 }
 
-// --- Copies ----------------------------------------------------------------------------------------------------------------
+// --- Copies ---------------------------------------------------------------------------------------------------------
 
 void CFaceList::Inherit(const CFaceList& model)
 {
@@ -307,7 +307,7 @@ bool CFaceList::CopyFrom(int i, const CSingleFace& scratch)
     return true;
 }
 
-// --- Chunks ----------------------------------------------------------------------------------------------------------------
+// --- Chunks ---------------------------------------------------------------------------------------------------------
 
 unsigned int CFaceList::AddDataChunk(unsigned int id, CElementMethods* methods)
 {
@@ -336,7 +336,7 @@ unsigned int CFaceList::GetOriginalIndex(unsigned int i) const
     return data ? *static_cast<const unsigned int*>(data) : 0xFFFFFFFF;
 }
 
-// --- Flags -----------------------------------------------------------------------------------------------------------------
+// --- Flags ----------------------------------------------------------------------------------------------------------
 
 void CFaceList::SetFaceFlags(unsigned int i, unsigned int mask, bool set)
 {
@@ -394,7 +394,7 @@ CFaceFlags::CFaceFlags(const CFaceList& faces)
     }
 }
 
-// --- All corners -------------------------------------------------------------------------------------------------------------
+// --- All corners ----------------------------------------------------------------------------------------------------
 
 bool CFaceList::UpdateIndex(const unsigned int* map, unsigned int n, bool skipDead)
 {
@@ -501,7 +501,7 @@ bool CFaceList::UpdateList(const CGeomInfo*)
     return true;
 }
 
-// --- Stream ----------------------------------------------------------------------------------------------------------------
+// --- Stream ---------------------------------------------------------------------------------------------------------
 
 void CFaceList::Serialize(CXArchive& ar)
 {

@@ -33,8 +33,8 @@ constexpr unsigned int CHUNK_FACE_ORIGINAL_INDEX = FourCC("FAOI");   ///< see Sa
 /// A corner is a signed position in a point list that the list does not know: it comes with each call, in a CGeomInfo.
 /// A face has 0 to 65,535 corners. Triangles take 16 bytes of pool each and nothing else but their chunk data.
 ///
-/// Bulk fills: AppendFaces writes everything once, in order. SetSize and CFace::SetTriangle, or PreAllocate, SetSize and CFace
-/// edits, end in the same memory. A list has no lock; readers may share it while nobody resizes it.
+/// Bulk fills: AppendFaces writes everything once, in order. SetSize and CFace::SetTriangle, or PreAllocate, SetSize
+/// and CFace edits, end in the same memory. A list has no lock; readers may share it while nobody resizes it.
 ///
 /// Operations that renumber faces: Clean, ReorderFaces, and what builds on them.
 class ZEL_API CFaceList : public CXObject, public CInstanciatedObject {
@@ -63,8 +63,8 @@ public:
     virtual CFaceList& operator=(const CFaceList& model);
 
 protected:
-    /// False when the list is not marked changed. Otherwise drops the graphs and whatever a derived list has worked out, clears the
-    /// mark and answers true.
+    /// False when the list is not marked changed. Otherwise drops the graphs and whatever a derived list has worked
+    /// out, clears the mark and answers true.
     virtual bool UpdateList(const CGeomInfo* info);
 
 public:
@@ -78,9 +78,10 @@ public:
     /// The corners' pool, to read.
     const IndexCollection& GetIndexCollection() const { return m_indexes; }
 
-    // --- One face ----------------------------------------------------------------------------------------------------
+    // --- One face ---------------------------------------------------------------------------------------------------
 
-    /// Fills the view; false, with the view as it was, when there is no such face. A view from a const list is to be read.
+    /// Fills the view; false, with the view as it was, when there is no such face. A view from a const list is to be
+    /// read.
     bool GetFace(unsigned int i, CFace& face) const
     {
         CFaceList* self = const_cast<CFaceList*>(this);
@@ -108,7 +109,7 @@ public:
     bool CopyTo(int i, CSingleFace& scratch) const;
     bool CopyFrom(int i, const CSingleFace& scratch);
 
-    // --- Chunks ------------------------------------------------------------------------------------------------------
+    // --- Chunks -----------------------------------------------------------------------------------------------------
 
     void* GetMainData(unsigned int i) { return m_chunks.GetMainData(i); }
     const void* GetMainData(unsigned int i) const { return const_cast<CFaceList*>(this)->m_chunks.GetMainData(i); }
@@ -118,7 +119,8 @@ public:
     unsigned int GetDataChunkNbr() const { return m_chunks.GetChunksNbr(); }
     CDataChunk& GetDataChunks() { return m_chunks; }
     const CDataChunk& GetDataChunks() const { return m_chunks; }
-    /// Adds a chunk or resets it to default elements; inherited, and the main chunk for CHUNK_FACE_PROPERTIES. Number of chunks.
+    /// Adds a chunk or resets it to default elements; inherited, and the main chunk for CHUNK_FACE_PROPERTIES. Number
+    /// of chunks.
     unsigned int AddDataChunk(unsigned int id, CElementMethods* methods);
     bool RemoveDataChunk(unsigned int id) { return m_chunks.RemoveDataChunk(id); }
     /// Adds what `other` has and this list lacks; with `empty` without its data. Null is ignored.
@@ -127,7 +129,7 @@ public:
     void SaveFacesIndex();
     unsigned int GetOriginalIndex(unsigned int i) const;
 
-    // --- Flags (a face number beyond the list is ignored, tests of it are false) ------------------------------------------
+    // --- Flags (a face number beyond the list is ignored, tests of it are false) ------------------------------------
 
     void SetFaceFlag(unsigned int i, _FACE_PROPERTIES mask, bool set) { SetFaceFlags(i, mask, set); }
     void SetFaceFlags(unsigned int i, unsigned int mask, bool set);
@@ -144,10 +146,11 @@ public:
     void SetFacesFlags(unsigned int first, unsigned int end, unsigned int mask, bool set);
     void SetFacesFlags(unsigned int mask, bool set) { SetFacesFlags(0, static_cast<unsigned int>(m_size), mask, set); }
 
-    // --- Size (FaceList.cpp). Marks the list changed. False, with nothing changed, for a negative size or a capacity above
-    // --- CFace::MAX_CORNERS ------------------------------------------------------------------------------------------
+    // --- Size (FaceList.cpp) ----------------------------------------------------------------------------------------
+    //
+    // Marks the list changed. False, with nothing changed, for a negative size or a capacity above CFace::MAX_CORNERS.
 
-    /// @param capacity  corners that a new face has room for; 0 keeps the list's own value, which otherwise becomes `capacity`
+    /// @param capacity  room of a new face; 0 keeps the list's own value, which otherwise becomes `capacity`
     /// @param grow      of the chunks: places to add when they grow, -1 a quarter
     bool SetSize(int count, int capacity, SetSizeMode mode, int grow = -1);
     bool SetSize(int count, SetSizeMode mode = SIZE_GROW, int capacity = 0) { return SetSize(count, capacity, mode, -1); }
@@ -171,11 +174,13 @@ public:
     /// Bytes of the corners' pool and its offsets.
     std::uint64_t GetIndexMemory() const { return m_indexes.GetMemory(); }
 
-    // --- Bulk fills. New faces come behind the others, with flags 0; the list is marked changed. False, with nothing changed, above
-    // --- CFace::MAX_CORNERS or 2^31 - 1 faces --------------------------------------------------------------------------
+    // --- Bulk fills (FaceList.cpp) ----------------------------------------------------------------------------------
+    //
+    // New faces come behind the others, with flags 0; the list is marked changed. False, with nothing changed, above
+    // CFace::MAX_CORNERS or 2^31 - 1 faces.
 
-    /// `count` faces of `corners` corners each. `fill(int* indexes, unsigned int k)` writes the corners of the k-th new face; it
-    /// leaves the list alone. Each corner is written once; memory is exact when the list was empty.
+    /// `count` faces of `corners` corners each. `fill(int* indexes, unsigned int k)` writes the corners of the k-th new
+    /// face; it leaves the list alone. Each corner is written once; memory is exact when the list was empty.
     template <class FILL> requires std::invocable<FILL&, int*, unsigned int> bool AppendFaces(int count, int corners, FILL&& fill)
     {
         if (!PrepareAppend(count) || corners < 0 || !m_indexes.AppendEntries(count, static_cast<unsigned int>(corners), fill))
@@ -188,26 +193,26 @@ public:
     /// Faces of sizes[k] corners each, from a flat array that holds them one after the other.
     bool AppendFaces(int count, const unsigned int* sizes, const int* indexes);
 
-    // --- All corners (FaceList.cpp, FaceReorder.cpp) -----------------------------------------------------------------------
+    // --- All corners (FaceList.cpp, FaceReorder.cpp) ----------------------------------------------------------------
 
-    /// Position d receives the face of order[d]; with `inverse` face i goes to order[i]. 0xFFFFFFFF leaves a face where it is. Chunk
-    /// data moves along; the list is marked changed. False, with nothing changed, for n 0, another n than the number of faces, and for an
-    /// order that is no permutation. Cost: one pass over the pool and each chunk.
+    /// Position d receives the face of order[d]; with `inverse` face i goes to order[i]. 0xFFFFFFFF leaves a face where
+    /// it is. Chunk data moves along; the list is marked changed. False, with nothing changed, for n 0, another n than
+    /// the number of faces, and for an order that is no permutation. Cost: one pass over the pool and each chunk.
     bool ReorderFaces(const unsigned int* order, unsigned int n, bool inverse);
-    /// A corner value v below n becomes map[v], unless that is 0xFFFFFFFF; with `skipDead` in live faces only. True when a
-    /// corner changed; false without a table. Marks nothing.
+    /// A corner value v below n becomes map[v], unless that is 0xFFFFFFFF; with `skipDead` in live faces only. True
+    /// when a corner changed; false without a table. Marks nothing.
     bool UpdateIndex(const unsigned int* map, unsigned int n, bool skipDead);
     bool UpdateIndex(const CXArray<unsigned int, unsigned int>* map, bool skipDead);
     /// Reverses every live face. Marks nothing.
     void FlipNormals();
-    /// Whether every corner of every live face, or with `deadToo` of every face, is at least 0 and below `pointCount`. What comes
-    /// from a file is asked once, before anything follows its corners.
+    /// Whether every corner of every live face, or with `deadToo` of every face, is at least 0 and below `pointCount`.
+    /// What comes from a file is asked once, before anything follows its corners.
     bool AreIndexesBelow(int pointCount, bool deadToo = false) const;
 
-    // --- Graphs (FaceGraph.cpp) --------------------------------------------------------------------------------------
+    // --- Graphs (FaceGraph.cpp) -------------------------------------------------------------------------------------
     //
-    // Each Init is paired with a Delete; they nest and share one graph. A query on a graph that is not there answers empty.
-    // Results in a helper's buffer live until the helper's next query, in the slot order of a hash table.
+    // Each Init is paired with a Delete; they nest and share one graph. A query on a graph that is not there answers
+    // empty. Results in a helper's buffer live until the helper's next query, in the slot order of a hash table.
 
     /// Entries are counted in 32 bits: the hub of a fan can have more faces than a face has corners.
     using PointGraph = CSimpleCollection<int, unsigned int>;
@@ -231,38 +236,40 @@ public:
     /// The faces of a point or of an edge, in place; null and 0 without any.
     const int* GetFacesConnectedToPoint(int point, int& count) const;
     const int* GetFacesConnectedToEdge(const C3DEdge& edge, int& count);
-    /// Joins the faces of two points as `type` says. The first form adds to `set`, emptied first with `clear`, and gives its size.
+    /// Joins the faces of two points as `type` says. The first form adds to `set`, emptied first with `clear`, and
+    /// gives its size.
     int GetFacesConnectedToPoints(CHashTable<int>& set, int p1, int p2, _ConnectionInfoType type, bool clear) const;
     const int* GetFacesConnectedToPoints(CFaceGraphHelper& helper, int p1, int p2, _ConnectionInfoType type, int& count) const;
-    /// Faces that share an edge (CONNECT_BOTH) or a point (CONNECT_ANY) with a face, itself included; other types find nothing. The
-    /// first form gives the sum of the set sizes after each edge.
+    /// Faces that share an edge (CONNECT_BOTH) or a point (CONNECT_ANY) with a face, itself included; other types find
+    /// nothing. The first form gives the sum of the set sizes after each edge.
     int GetFacesNeighbourg(CHashTable<int>& set, int face, _ConnectionInfoType type, bool clear);
     const int* GetFacesNeighbourg(CFaceGraphHelper& helper, int face, _ConnectionInfoType type, int& count);
-    /// Points around a point: along edges (CONNECT_BOTH), all points of its faces (CONNECT_FIRST_ONLY), or those of its faces that no
-    /// edge joins to it (any other).
+    /// Points around a point: along edges (CONNECT_BOTH), all points of its faces (CONNECT_FIRST_ONLY), or those of its
+    /// faces that no edge joins to it (any other).
     const int* GetPointsNeighbourg(CFaceGraphHelper& helper, int point, int& count, _ConnectionInfoType type);
     /// Joins the neighbours along edges of two points as `type` says.
     int GetPointsConnectedToPoints(CHashTable<int>& set, int p1, int p2, _ConnectionInfoType type);
     const int* GetPointsConnectedToPoints(CFaceGraphHelper& helper, int p1, int p2, _ConnectionInfoType type, int& count);
-    /// All points of the faces that hold both points, without these two when `excludeEnds`. Null and 0 when there are no others.
+    /// All points of the faces that hold both points, without these two when `excludeEnds`. Null and 0 when there are
+    /// no others.
     const int* GetPointsConnectedToEdge(CFaceGraphHelper& helper, int p1, int p2, int& count, bool excludeEnds);
     bool IsPointNeighbourg(CFaceGraphHelper& helper, int p, int q);
     /// No point of the face has another face.
     bool IsIsolatedFace(int face);
     /// Whether that face, or with -1 any face, has the edge.
     bool DoesEdgeExists(const C3DEdge& edge, int face) const;
-    /// Whether the faces of the set hang together through shared points. Builds the point graph: the caller balances that with
-    /// DeletePointToFaceGraph.
+    /// Whether the faces of the set hang together through shared points. Builds the point graph: the caller balances
+    /// that with DeletePointToFaceGraph.
     bool AreFacesConnected(const CGeomInfo* info, CHashTable<int>& faces);
     /// Edges that exactly one face of the set uses, each with that face.
     void GetEdgesOnBorder(EdgeGraph& out, CHashTable<int>& faces);
-    /// Triangles across the other two sides of the triangles of an edge. Options: 1 sides from p1, 2 sides from p2, 4 without the
-    /// triangles of the edge. Number of entries of `out`.
+    /// Triangles across the other two sides of the triangles of an edge. Options: 1 sides from p1, 2 sides from p2, 4
+    /// without the triangles of the edge. Number of entries of `out`.
     int GetFacesByOppositeEdges(CFaceGraphHelper& helper, int p1, int p2, _ConnectionInfoType options, EdgeGraph& out);
     /// FACE_BORDER on the single face of each edge with one face; clears nothing. The edge graph is there.
     void SetBorderFacesStatus();
-    /// Flood fill: divides the live faces into groups that hang together where the tagger says so. Number of groups. The graph that it
-    /// builds stays: the tagger's EndProcess or the caller deletes it.
+    /// Flood fill: divides the live faces into groups that hang together where the tagger says so. Number of groups.
+    /// The graph that it builds stays: the tagger's EndProcess or the caller deletes it.
     unsigned int TagFaces(CGeomInfo* info, CFaceTagger& tagger, bool byEdge);
 
     // Updates of the point graph while faces are edited; false or 0 without a graph.
@@ -270,15 +277,16 @@ public:
     /// False when the face is there already.
     bool GraphConnectFace(int point, int face);
     bool GraphDisconnectFace(int point, int face);
-    /// Takes the face from the entries of its corners. Number of points left without a face, marked POINT_INVALID with `markPoints`.
+    /// Takes the face from the entries of its corners. Number of points left without a face, marked POINT_INVALID with
+    /// `markPoints`.
     int GraphRemoveFaceReference(CGeomInfo* info, int face, bool markPoints);
     /// Gives p2 the faces of both points, p1 none. Number of faces of p2.
     int GraphMergePointConnectivity(int p1, int p2);
 
-    // --- Cleaning (channels/Clean.cpp) -----------------------------------------------------------------------------------
+    // --- Cleaning (channels/Clean.cpp) ------------------------------------------------------------------------------
 
-    /// The full clean: repairs and drops faces, drops unused points, and keeps the source channels in step. True when anything
-    /// changed.
+    /// The full clean: repairs and drops faces, drops unused points, and keeps the source channels in step. True when
+    /// anything changed.
     bool Clean(const CGeomInfo* info);
     /// Drops the faces with FACE_INVALID. False, with an empty map, when there are none.
     ///
@@ -287,11 +295,11 @@ public:
     bool Clean(const CGeomInfo* info, bool cleanIndex, CXArray<unsigned int, unsigned int>* faceMap);
 
 protected:
-    /// Takes repeated corners out of live faces and marks what is left with fewer than 3 corners; the source channels lose the
-    /// same corners.
+    /// Takes repeated corners out of live faces and marks what is left with fewer than 3 corners; the source channels
+    /// lose the same corners.
     void CleanPointsIndex(const CGeomInfo* info);
-    /// Keeps the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. Chunk data moves along, memory is
-    /// trimmed. Marks nothing.
+    /// Keeps the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. Chunk data moves
+    /// along, memory is trimmed. Marks nothing.
     void CompressFaces(const unsigned int* target, unsigned int kept);
 
     CFaceList();

@@ -5,7 +5,8 @@
 #include "geometry/3DFaceList.h"
 #include "geometry/ElementMethods.h"
 
-// Materials of faces: front in the main data, back in a chunk of its own; the map that counts faces by material; sorting.
+// Materials of faces: front in the main data, back in a chunk of its own; the map that counts faces by material;
+// sorting.
 
 namespace {
 
@@ -108,7 +109,7 @@ bool C3DFaceList::ReplaceMaterial(unsigned int from, unsigned int to)
     return true;
 }
 
-// --- The materials map ---------------------------------------------------------------------------------------------------
+// --- The materials map ----------------------------------------------------------------------------------------------
 
 const C3DFaceList::MaterialsMap* C3DFaceList::GetMaterialsHashMap(const CGeomInfo* info, bool withBack)
 {
@@ -137,8 +138,8 @@ void C3DFaceList::DeleteMaterialsHashMap()
     m_mapState = MAP_NONE;
 }
 
-// Faces of one material mostly come in runs, so the map is asked once a run. The material of face 0 gets an entry even when
-// that face is dead.
+// Faces of one material mostly come in runs, so the map is asked once a run. The material of face 0 gets an entry even
+// when that face is dead.
 template <class MATERIALS> void C3DFaceList::CountMaterials(const MATERIALS& materials)
 {
     const auto countSoFar = [this](unsigned int material) {
@@ -160,12 +161,12 @@ template <class MATERIALS> void C3DFaceList::CountMaterials(const MATERIALS& mat
     m_materials.SetAt(current, count);
 }
 
-// --- Sorting ---------------------------------------------------------------------------------------------------------------
+// --- Sorting --------------------------------------------------------------------------------------------------------
 
 namespace {
 
-// A stable counting sort: meshes have many faces and few materials. `places` counts the faces of each material, and becomes the place of
-// its next face.
+// A stable counting sort: meshes have many faces and few materials. `places` counts the faces of each material, and
+// becomes the place of its next face.
 void SortByMaterial(const CWords& materials, unsigned int count, unsigned int* order)
 {
     CHashMap<unsigned int, unsigned int> slotOf;

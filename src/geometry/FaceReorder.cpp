@@ -3,8 +3,8 @@
 #include "geometry/FaceList.h"
 #include "tools/BitArray.h"
 
-// Reordering: the order becomes one table, position -> face that comes there; it is checked, then the pool and the chunks
-// are each laid out anew in one pass. Nothing moves face by face.
+// Reordering: the order becomes one table, position -> face that comes there; it is checked, then the pool and the
+// chunks are each laid out anew in one pass. Nothing moves face by face.
 
 namespace {
 

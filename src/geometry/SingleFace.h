@@ -15,7 +15,8 @@ public:
     CSingleFace(const CSingleFace&) = delete;
     CSingleFace& operator=(const CSingleFace&) = delete;
 
-    /// Room for a face of that list: one entry of 10 corners without any, and the list's chunks with one default element each.
+    /// Room for a face of that list: one entry of 10 corners without any, and the list's chunks with one default
+    /// element each.
     void SetList(const CFaceList& list);
     const CDataChunk& GetDataChunks() const { return m_chunks; }
     CDataChunk& GetDataChunks() { return m_chunks; }

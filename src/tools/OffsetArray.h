@@ -15,8 +15,8 @@ class CXArchive;
 /// that breaks the progression turns the array into 32-bit values, the first one at or beyond 4 GiB into 64-bit values.
 /// Callers see none of this: reading is constant-time in every form.
 ///
-/// Append offsets in order, or extend by a whole progression, to keep the short form: SetSize fills with zeros, which is
-/// one itself, but overwriting those one by one is not.
+/// Append offsets in order, or extend by a whole progression, to keep the short form: SetSize fills with zeros, which
+/// is one itself, but overwriting those one by one is not.
 class ZEL_API COffsetArray {
 public:
     COffsetArray() = default;
@@ -77,8 +77,8 @@ public:
     std::uint64_t GetMemory() const { return static_cast<std::uint64_t>(m_capacity) * Width(); }
 
     void Swap(COffsetArray& other) noexcept;
-    /// Count, form, then the terms or the offsets. Loading throws for an unknown form, for a count beyond the stream and
-    /// for a progression that leaves the range of offsets; the array is then empty.
+    /// Count, form, then the terms or the offsets. Loading throws for an unknown form, for a count beyond the stream
+    /// and for a progression that leaves the range of offsets; the array is then empty.
     void Serialize(CXArchive& ar);
 
 private:

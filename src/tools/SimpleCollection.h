@@ -80,7 +80,7 @@ public:
         std::swap(m_compactOnGrow, other.m_compactOnGrow);
     }
 
-    // --- Reading -------------------------------------------------------------------------------------------------------
+    // --- Reading ----------------------------------------------------------------------------------------------------
 
     unsigned int GetEntryCount() const { return m_entryCount; }
     unsigned int GetDefaultCapacity() const { return m_defaultCapacity; }
@@ -120,9 +120,10 @@ public:
         return size;
     }
 
-    // --- One entry ---------------------------------------------------------------------------------------------------------
+    // --- One entry --------------------------------------------------------------------------------------------------
 
-    /// A new entry at the top of the pool, without items. Gives its number, or 0xFFFFFFFF for a capacity above MAX_ITEMS.
+    /// A new entry at the top of the pool, without items. Gives its number, or 0xFFFFFFFF for a capacity above
+    /// MAX_ITEMS.
     unsigned int AddEntry(unsigned int capacity)
     {
         if (capacity > MAX_ITEMS)
@@ -132,9 +133,9 @@ public:
         return m_entryCount++;
     }
 
-    /// Resizes an entry to `count` items and gives the items; the first ones stay, new ones are zero. Beyond the entry's
-    /// capacity it moves to the top of the pool and leaves a hole. Null, with nothing changed, outside the collection and above
-    /// MAX_ITEMS.
+    /// Resizes an entry to `count` items and gives the items; the first ones stay, new ones are zero. Beyond the
+    /// entry's capacity it moves to the top of the pool and leaves a hole. Null, with nothing changed, outside the
+    /// collection and above MAX_ITEMS.
     ///
     /// @param construct  false only makes room: the entry keeps its item count
     T* SetEntrySize(unsigned int entry, unsigned int count, bool construct)
@@ -153,8 +154,8 @@ public:
         return items;
     }
 
-    /// Appends an item. False outside the collection and for a full entry of MAX_ITEMS. An entry beyond a few items grows by half, so
-    /// that filling one item by item stays linear.
+    /// Appends an item. False outside the collection and for a full entry of MAX_ITEMS. An entry beyond a few items
+    /// grows by half, so that filling one item by item stays linear.
     bool AddItem(unsigned int entry, const T& item)
     {
         if (entry >= m_entryCount)
@@ -193,7 +194,7 @@ public:
     /// An entry that moves first compacts the pool when the pool would have to grow.
     void SetCompactOnGrow(bool compact) { m_compactOnGrow = compact; }
 
-    // --- The collection ------------------------------------------------------------------------------------------------
+    // --- The collection ---------------------------------------------------------------------------------------------
 
     void SetDefaultCapacity(unsigned int capacity) { m_defaultCapacity = std::min(capacity, MAX_ITEMS); }
 
@@ -280,8 +281,8 @@ public:
         m_entryCount += added;
     }
 
-    /// Lays all entries side by side in order, each with the capacity of its items, in a pool of `newCapacity` bytes or what they
-    /// need, whichever is more. 0 frees the pool and all entries.
+    /// Lays all entries side by side in order, each with the capacity of its items, in a pool of `newCapacity` bytes or
+    /// what they need, whichever is more. 0 frees the pool and all entries.
     void CompactPool(std::uint64_t newCapacity)
     {
         if (newCapacity == 0) {
@@ -307,12 +308,13 @@ public:
             m_offsets.FreeExtra();
     }
 
-    // --- Bulk fills ------------------------------------------------------------------------------------------------------
+    // --- Bulk fills -------------------------------------------------------------------------------------------------
 
-    /// Adds `count` entries of exactly `size` items each, side by side. `fill(T* items, unsigned int k)` writes all items of
-    /// the k-th new entry; everything is written once, in order. False, with nothing changed, above MAX_ITEMS.
+    /// Adds `count` entries of exactly `size` items each, side by side. `fill(T* items, unsigned int k)` writes all
+    /// items of the k-th new entry; everything is written once, in order. False, with nothing changed, above MAX_ITEMS.
     ///
-    /// Into an empty collection the pool is exact, otherwise it grows with the usual margin. `fill` leaves the collection alone.
+    /// Into an empty collection the pool is exact, otherwise it grows with the usual margin. `fill` leaves the
+    /// collection alone.
     template <class FILL> bool AppendEntries(unsigned int count, unsigned int size, FILL&& fill)
     {
         if (size > MAX_ITEMS)
@@ -353,8 +355,8 @@ public:
         return true;
     }
 
-    /// Replaces everything by `count` empty entries, entry k with room for exactly `capacities[k]` items, side by side without
-    /// margin. For two-pass builds: count, lay out, PushItem. False, with nothing changed, above MAX_ITEMS.
+    /// Replaces everything by `count` empty entries, entry k with room for exactly `capacities[k]` items, side by side
+    /// without margin. For two-pass builds: count, lay out, PushItem. False, with nothing changed, above MAX_ITEMS.
     bool InitExact(unsigned int count, const unsigned int* capacities)
     {
         for (unsigned int k = 0; k < count; k++)
@@ -364,8 +366,8 @@ public:
         return SetCollectionSize(count, 0, ENTRIES_EMPTY | ESTIMATE_ADDED | NO_MARGIN, capacities);
     }
 
-    /// Puts the entry of source[i] at i, for a permutation of the first `count` entries; later entries are dropped. The pool
-    /// is laid out anew in the new order, capacities stay. Cost: one pass over the pool.
+    /// Puts the entry of source[i] at i, for a permutation of the first `count` entries; later entries are dropped. The
+    /// pool is laid out anew in the new order, capacities stay. Cost: one pass over the pool.
     void Reorder(const unsigned int* source, unsigned int count)
     {
         // In an ascending progression each entry but the last one fits into its stride for sure.
@@ -376,8 +378,8 @@ public:
             ReorderEntries(source, count);
     }
 
-    /// Keeps the entries that `keep` marks: entry i moves to number target[i], which ascend without gaps; 0xFFFFFFFF drops it.
-    /// The pool comes out compact.
+    /// Keeps the entries that `keep` marks: entry i moves to number target[i], which ascend without gaps; 0xFFFFFFFF
+    /// drops it. The pool comes out compact.
     void Compress(const unsigned int* target, unsigned int kept)
     {
         COffsetArray offsets;
@@ -390,10 +392,11 @@ public:
         CompactPool(GetLiveSize());
     }
 
-    // --- Streams ---------------------------------------------------------------------------------------------------------
+    // --- Streams ----------------------------------------------------------------------------------------------------
 
-    /// Entry count, pool sizes, the pool, the offsets. Storing compacts the pool first, in place, so the written pool has no
-    /// gaps. Loading replaces everything and throws when the entries don't lie in the pool side by side; empty then.
+    /// Entry count, pool sizes, the pool, the offsets. Storing compacts the pool first, in place, so the written pool
+    /// has no gaps. Loading replaces everything and throws when the entries don't lie in the pool side by side; empty
+    /// then.
     void Serialize(CXArchive& ar)
     {
         if (ar.IsStoring())
@@ -633,7 +636,8 @@ private:
         }
     }
 
-    // Every entry of a loaded pool lies inside the used part, holds no more than its capacity and shares no byte with another.
+    // Every entry of a loaded pool lies inside the used part, holds no more than its capacity and shares no byte with
+    // another.
     bool AreEntriesSound(unsigned int count) const
     {
         std::uint64_t end = 0;

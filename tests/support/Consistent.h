@@ -4,11 +4,11 @@
 
 #include "geometry/FaceList.h"
 
-// What holds for every list after every operation. Tests call CheckConsistent after each step; add here what a new kind of
-// derived data must agree with.
+// What holds for every list after every operation. Tests call CheckConsistent after each step; add here what a new kind
+// of derived data must agree with.
 
-/// Counts of faces, entries and chunk elements agree; every entry lies in the pool. With `pointCount`, corners of live faces lie
-/// below it.
+/// Counts of faces, entries and chunk elements agree; every entry lies in the pool. With `pointCount`, corners of live
+/// faces lie below it.
 inline void CheckConsistent(const CFaceList& faces, int pointCount = -1)
 {
     const unsigned int size = static_cast<unsigned int>(faces.GetSize());

@@ -63,7 +63,8 @@ inline Mesh MakeMesh(const std::vector<XYZ>& points, const std::vector<std::vect
     return mesh;
 }
 
-/// Side 2 around the origin, 6 quads that look outwards: -z, +z, -y, +x, +y, -x. Point number: bit 0 x, bit 1 y, bit 2 z.
+/// Side 2 around the origin, 6 quads that look outwards: -z, +z, -y, +x, +y, -x. Point number: bit 0 x, bit 1 y, bit 2
+/// z.
 inline Mesh Cube()
 {
     return MakeMesh({{-1, -1, -1}, {1, -1, -1}, {-1, 1, -1}, {1, 1, -1}, {-1, -1, 1}, {1, -1, 1}, {-1, 1, 1}, {1, 1, 1}},
@@ -107,7 +108,8 @@ inline Mesh QuadGrid(int side)
     return mesh;
 }
 
-/// A band of n quads with half a twist: one border, and no way to turn all faces the same way. Points 2i and 2i + 1 are a rung.
+/// A band of n quads with half a twist: one border, and no way to turn all faces the same way. Points 2i and 2i + 1 are
+/// a rung.
 inline Mesh Moebius(int n)
 {
     std::vector<XYZ> points;

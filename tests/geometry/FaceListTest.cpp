@@ -1,0 +1,444 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "geometry/SingleFace.h"
+#include "support/Consistent.h"
+#include "support/Meshes.h"
+#include "support/Streams.h"
+#include "tools/Array.h"
+
+namespace
+{
+
+using Lists = std::vector<std::vector<int>>;
+
+const Lists MIXED = {{0, 1, 2}, {}, {3, 4, 5, 6}, {7, 8, 9}, {1, 2}};
+
+Mesh Faces(const Lists& corners)
+{
+    return MakeMesh({}, corners);
+}
+
+// Faces that say by their material where they came from.
+void NumberMaterials(C3DFaceList& faces)
+{
+    for (int i = 0; i < faces.GetSize(); i++)
+        faces.SetFaceMaterial(i, 100 + i);
+}
+std::vector<unsigned int> Materials(const C3DFaceList& faces)
+{
+    std::vector<unsigned int> materials;
+    C3DFace face;
+    for (int i = 0; i < faces.GetSize(); i++) {
+        faces.GetFace(i, face);
+        materials.push_back(face.GetMaterialID());
+    }
+    return materials;
+}
+
+void EmptyFaces(C3DFaceList& faces, int first, int end)
+{
+    for (int i = first; i < end; i++) {
+        EXPECT_TRUE(Corners(faces, i).empty()) << i;
+        EXPECT_FALSE(faces.IsFaceOneFlagSet(i, 0xFFFFFFFF)) << i;
+    }
+}
+
+}
+
+TEST(FaceList, StartsWithOneChunkAndNoFaces)
+{
+    const Mesh mesh;
+    C3DFace face;
+    EXPECT_EQ(mesh.faces->GetSize(), 0);
+    EXPECT_EQ(mesh.faces->GetDataChunkNbr(), 1u);
+    EXPECT_EQ(mesh.faces->GetSizeOfData(CHUNK_FACE_PROPERTIES), 8u);
+    EXPECT_FALSE(mesh.faces->GetFace(0, face));
+    CFace* made = mesh.faces->CreateFace();
+    EXPECT_EQ(made->GetSize(), 0);
+    mesh.faces->ReleaseFace(made);
+}
+
+TEST(FaceList, ResizesInEachMode)
+{
+    // Faults in mind: faces that stay lose corners or flags, new ones inherit what SIZE_KEEP left in the pool.
+    for (const auto mode : {CFaceList::SIZE_GROW, CFaceList::SIZE_EXACT, CFaceList::SIZE_KEEP})
+        for (const auto second : {CFaceList::SIZE_GROW, CFaceList::SIZE_EXACT, CFaceList::SIZE_KEEP}) {
+            SCOPED_TRACE(mode * 10 + second);
+            Mesh mesh = Faces(MIXED);
+            C3DFaceList& faces = *mesh.faces;
+            faces.SetFacesFlags(0x100, true);
+            faces.SetFlag(FACELIST_CHANGED, false);
+            const unsigned int stamp = faces.GetChangedStamp();
+            ASSERT_TRUE(faces.SetSize(5, 3, mode, -1));
+            EXPECT_EQ(faces.GetChangedStamp(), stamp) << "nothing changed";
+            ASSERT_TRUE(faces.SetSize(3, 3, mode, -1));
+            EXPECT_GT(faces.GetChangedStamp(), stamp);
+            EXPECT_TRUE(faces.IsFlagSet(FACELIST_CHANGED));
+            CheckConsistent(faces);
+            ASSERT_TRUE(faces.SetSize(8, second, 4));
+            CheckConsistent(faces);
+            EXPECT_EQ(AllCorners(faces), (Lists{{0, 1, 2}, {}, {3, 4, 5, 6}, {}, {}, {}, {}, {}}));
+            EXPECT_EQ(faces.GetNumberOfFaces(0x100u, true), 3);
+            EmptyFaces(faces, 3, 8);
+            ASSERT_TRUE(faces.SetSize(0, mode, 0));
+            CheckConsistent(faces);
+            AddFaces(faces, {{1, 2, 3}});
+            EXPECT_EQ(AllCorners(faces), (Lists{{1, 2, 3}}));
+            CheckConsistent(faces);
+        }
+    Mesh mesh;
+    EXPECT_TRUE(mesh.faces->SetSize(10, 3, CFaceList::SIZE_GROW, -1));
+    EmptyFaces(*mesh.faces, 0, 10);
+    EXPECT_FALSE(mesh.faces->SetSize(-1, CFaceList::SIZE_GROW, 3));
+    EXPECT_FALSE(mesh.faces->SetSize(20, 65536, CFaceList::SIZE_GROW, -1));
+    EXPECT_FALSE(mesh.faces->AppendFaces(1, 65536, [](int*, unsigned int) {}));
+    EXPECT_FALSE(mesh.faces->SetFacesSize(65536));
+    EXPECT_EQ(mesh.faces->GetSize(), 10);
+    CheckConsistent(*mesh.faces);
+}
+
+TEST(FaceList, TakesItsShapeFromCapacitiesAndModels)
+{
+    Mesh model = Faces(MIXED), mesh = Faces({{1, 2, 3}});
+    const unsigned int capacities[] = {3, 0, 7};
+    ASSERT_TRUE(mesh.faces->SetSize(3, capacities, 3, -1));
+    EXPECT_EQ(mesh.faces->GetIndexCollection().GetPoolCapacity(), 16u + 4 + 32);
+    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(2), 7u);
+    EmptyFaces(*mesh.faces, 0, 3);
+    const unsigned int tooLarge[] = {3, 65536};
+    EXPECT_FALSE(mesh.faces->SetSize(2, tooLarge, 3, -1));
+    EXPECT_EQ(mesh.faces->GetSize(), 3);
+
+    mesh.faces->SetSizeAndFlags(*model.faces, FACE_EMPTY);
+    EXPECT_EQ(mesh.faces->GetNumberOfFaces(FACE_EMPTY, true), 5);
+    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(2), 4u);
+    mesh.faces->ExpandSizeAndFlags(*model.faces, FACE_INVALID);
+    EXPECT_EQ(mesh.faces->GetSize(), 10);
+    EXPECT_EQ(mesh.faces->GetNumberOfFaces(FACE_INVALID, true), 5);
+    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(7), 4u);
+    mesh.faces->ExpandSize(*mesh.faces);
+    EXPECT_EQ(mesh.faces->GetSize(), 20);
+    CheckConsistent(*mesh.faces);
+    mesh.faces->SetSizeAndFlags(22, 0x40);
+    EXPECT_EQ(mesh.faces->GetNumberOfFaces(0x40u, true), 2);
+    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(21), 4u);
+    mesh.faces->SetSize(*mesh.faces, -1);
+    EXPECT_EQ(mesh.faces->GetSize(), 22);
+    CheckConsistent(*mesh.faces);
+    EXPECT_TRUE(mesh.faces->SetFacesSize(3));
+    EXPECT_EQ(AllCorners(*mesh.faces), Lists(22, {0, 0, 0}));
+
+    model.faces->SetSize(2, CFaceList::SIZE_KEEP, 0); // what stays in the model's pool is no face
+    mesh.faces->ExpandSize(*model.faces);
+    EXPECT_EQ(mesh.faces->GetSize(), 24);
+    mesh.faces->SetSize(*model.faces, -1);
+    CheckConsistent(*mesh.faces);
+    *mesh.faces = *model.faces;
+    CheckConsistent(*mesh.faces);
+    EXPECT_EQ(AllCorners(*mesh.faces), (Lists{{0, 1, 2}, {}}));
+}
+
+TEST(FaceList, TrianglesTakeAtMost28Bytes)
+{
+    constexpr int count = 10000;
+    const auto bytes = [](const C3DFaceList& faces) {
+        const CElementArray* main = faces.GetDataChunks().GetMainArray();
+        return static_cast<double>(faces.GetIndexMemory() +
+                                   static_cast<std::uint64_t>(main->GetCapacity()) * main->GetStride()) /
+               count;
+    };
+    const auto setTriangles = [](C3DFaceList& faces) {
+        C3DFace face;
+        for (int i = 0; i < count; i++) {
+            faces.GetFace(i, face);
+            face.SetTriangle(i, i + 1, i + 2);
+        }
+    };
+    Mesh exact, reserved, appended;
+    exact.faces->SetSize(count, 3, CFaceList::SIZE_EXACT, -1);
+    setTriangles(*exact.faces);
+    EXPECT_LE(bytes(*exact.faces), 28);
+    EXPECT_EQ(exact.faces->GetIndexCollection().GetPoolUsed(), 16u * count) << "no holes";
+
+    reserved.faces->PreAllocate(count, 3 * count, false);
+    reserved.faces->SetSize(count, 3, CFaceList::SIZE_EXACT, -1);
+    setTriangles(*reserved.faces);
+    reserved.faces->FreeExtra();
+    EXPECT_LE(bytes(*reserved.faces), 28);
+
+    appended.faces->AppendFaces(count, 3, [](int* to, int k) { to[0] = k, to[1] = k + 1, to[2] = k + 2; });
+    EXPECT_LE(bytes(*appended.faces), 28);
+    EXPECT_EQ(AllCorners(*appended.faces), AllCorners(*exact.faces));
+    EXPECT_EQ(AllCorners(*appended.faces), AllCorners(*reserved.faces));
+    exact.faces->SetSize(count / 2, 3, CFaceList::SIZE_EXACT, -1);
+    EXPECT_EQ(exact.faces->GetIndexMemory(), 8u * count);
+}
+
+TEST(FaceList, AppendsBehindWhatIsThere)
+{
+    Mesh mesh = Faces(MIXED);
+    mesh.faces->SetSize(3, CFaceList::SIZE_KEEP, 0);
+    std::vector<int> flat = {1, 2, 3, 4, 5, 6};
+    EXPECT_TRUE(mesh.faces->AppendFaces(2, 3, flat.data()));
+    EXPECT_TRUE(mesh.faces->AppendFaces(3, 2, flat.data()));
+    const unsigned int sizes[] = {1, 0, 5};
+    EXPECT_TRUE(mesh.faces->AppendFaces(3, sizes, flat.data()));
+    EXPECT_TRUE(mesh.faces->AppendFaces(0, 3, flat.data()));
+    EXPECT_FALSE(mesh.faces->AppendFaces(-1, 3, flat.data()));
+    EXPECT_EQ(
+        AllCorners(*mesh.faces),
+        (Lists{{0, 1, 2}, {}, {3, 4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2}, {3, 4}, {5, 6}, {1}, {}, {2, 3, 4, 5, 6}}));
+    EXPECT_TRUE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
+    CheckConsistent(*mesh.faces);
+}
+
+TEST(FaceList, FlagsStayInsideTheList)
+{
+    Mesh mesh = Faces(MIXED);
+    C3DFaceList& faces = *mesh.faces;
+    faces.SetFaceFlags(1, 0x30, true);
+    faces.SetFaceFlag(2, FACE_BORDER, true);
+    faces.SetFaceFlags(5, 0x30, true);
+    faces.SetFaceFlags(0xFFFFFFFF, 0x30, true);
+    EXPECT_TRUE(faces.IsFaceFlagsSet(1, 0x30));
+    EXPECT_FALSE(faces.IsFaceFlagsSet(1, 0x70));
+    EXPECT_TRUE(faces.IsFaceOneFlagSet(1, 0x50));
+    EXPECT_FALSE(faces.IsFaceOneFlagSet(5, 0x30));
+    EXPECT_FALSE(faces.IsFaceFlagsSet(5, 0));
+    EXPECT_TRUE(faces.IsFaceFlagSet(2, FACE_BORDER));
+    EXPECT_EQ(faces.GetNumberOfFaces(0x1010u, true), 2);
+    EXPECT_EQ(faces.GetNumberOfFaces(static_cast<_FACE_PROPERTIES>(0x1010), true), 0);
+    EXPECT_EQ(faces.GetNumberOfFaces(0x1010u, false), 3);
+    faces.SetFacesFlags(3, 99, 0x200, true);
+    EXPECT_EQ(faces.GetNumberOfFaces(0x200u, true), 2);
+    faces.SetFacesFlags(0xFFFFFFFF, false);
+    EXPECT_EQ(faces.GetNumberOfFaces(0xFFFFFFFFu, true), 0);
+    EXPECT_TRUE(faces.RemoveDataChunk(CHUNK_FACE_PROPERTIES)); // nothing falls over without main data
+    C3DFace face;
+    EXPECT_FALSE(faces.GetFace(0, face));
+    faces.SetFacesFlags(1, true);
+    EXPECT_EQ(faces.GetNumberOfFaces(FACE_INVALID, true), 5);
+}
+
+TEST(FaceList, RemoveAllAndInheritSetTheFlagsApart)
+{
+    Mesh mesh = Faces(MIXED), other;
+    C3DFaceList& faces = *mesh.faces;
+    faces.SetBackFaceMaterial(0, 3);
+    faces.SetFlag(FACELIST_CHANGED, false);
+    const unsigned int stamp = faces.GetChangedStamp();
+    faces.SetFlag(FACELIST_STORED, true);
+    EXPECT_EQ(faces.GetChangedStamp(), stamp);
+    other.faces->SetFlag(FACELIST_STORED, true);
+    other.faces->Inherit(faces);
+    EXPECT_FALSE(other.faces->IsFlagSet(FACELIST_STORED));
+    EXPECT_TRUE(other.faces->HasBackFaceMaterials());
+    EXPECT_EQ(other.faces->GetDataChunks().GetDataSize(), 5u);
+
+    faces.RemoveAll();
+    EXPECT_TRUE(faces.IsFlagSet(FACELIST_CHANGED));
+    EXPECT_FALSE(faces.IsFlagSet(FACELIST_STORED));
+    EXPECT_GT(faces.GetChangedStamp(), stamp);
+    EXPECT_EQ(faces.GetIndexMemory(), 0u);
+    EXPECT_TRUE(faces.HasBackFaceMaterials()) << "the chunks stay";
+    CheckConsistent(faces);
+}
+
+TEST(FaceList, CopiesWholeListsAndSingleFaces)
+{
+    Mesh mesh = Faces(MIXED), other = Faces({{9}});
+    NumberMaterials(*mesh.faces);
+    mesh.faces->SaveFacesIndex();
+    other.faces->SetBackFaceMaterial(0, 1);
+    *other.faces = *mesh.faces;
+    EXPECT_EQ(AllCorners(*other.faces), MIXED);
+    EXPECT_EQ(Materials(*other.faces), Materials(*mesh.faces));
+    EXPECT_EQ(other.faces->GetOriginalIndex(4), 4u);
+    EXPECT_FALSE(other.faces->HasBackFaceMaterials());
+    EXPECT_TRUE(other.faces->IsFlagSet(FACELIST_CHANGED));
+    CheckConsistent(*other.faces);
+    *other.faces = *static_cast<const C3DFaceList*>(other.faces);
+    EXPECT_EQ(AllCorners(*other.faces), MIXED);
+
+    EXPECT_TRUE(other.faces->CopyFace(0, 2, false));
+    EXPECT_TRUE(other.faces->CopyFace(1, 3, true));
+    EXPECT_TRUE(other.faces->CopyFace(99, 99, false)) << "equal numbers are not looked at";
+    EXPECT_FALSE(other.faces->CopyFace(99, 1, false));
+    EXPECT_FALSE(other.faces->CopyFace(1, 99, false));
+    EXPECT_EQ(AllCorners(*other.faces), (Lists{{3, 4, 5, 6}, {}, {3, 4, 5, 6}, {7, 8, 9}, {1, 2}}));
+    EXPECT_EQ(Materials(*other.faces), (std::vector<unsigned int>{102, 103, 102, 103, 104}));
+    EXPECT_EQ(other.faces->GetOriginalIndex(1), 3u);
+
+    CSingleFace scratch(*mesh.faces);
+    EXPECT_TRUE(mesh.faces->CopyTo(2, scratch));
+    EXPECT_TRUE(mesh.faces->CopyFrom(4, scratch));
+    EXPECT_EQ(Corners(*mesh.faces, 4), (std::vector<int>{3, 4, 5, 6}));
+    EXPECT_EQ(mesh.faces->GetFaceMaterial(4), 102u);
+    EXPECT_FALSE(mesh.faces->CopyTo(5, scratch));
+    EXPECT_EQ(scratch.GetItemCount(0), 0u);
+    EXPECT_TRUE(mesh.faces->CopyTo(0, scratch));
+    EXPECT_TRUE(mesh.faces->CopyFrom(1, scratch));
+    EXPECT_EQ(Corners(*mesh.faces, 1), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(mesh.faces->GetFaceMaterial(1), 100u);
+    CheckConsistent(*mesh.faces);
+}
+
+TEST(FaceList, ReordersEveryPermutation)
+{
+    // Against the definition: position d receives the face of order[d]; inverse, face i goes to order[i].
+    for (const Lists& corners : {MIXED, Lists{{0, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}, {12, 13, 14}}}) {
+        std::vector<unsigned int> order(5);
+        std::iota(order.begin(), order.end(), 0u);
+        do
+            for (const bool inverse : {false, true}) {
+                Mesh mesh = Faces(corners);
+                NumberMaterials(*mesh.faces);
+                mesh.faces->SetFlag(FACELIST_CHANGED, false);
+                ASSERT_TRUE(mesh.faces->ReorderFaces(order.data(), 5, inverse));
+                EXPECT_TRUE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
+                for (int i = 0; i < 5; i++) {
+                    const int from = inverse ? i : static_cast<int>(order[i]),
+                              to = inverse ? static_cast<int>(order[i]) : i;
+                    ASSERT_EQ(Corners(*mesh.faces, to), corners[from]);
+                    ASSERT_EQ(mesh.faces->GetFaceMaterial(to), 100u + from);
+                }
+                CheckConsistent(*mesh.faces);
+            }
+        while (std::next_permutation(order.begin(), order.end()));
+    }
+}
+
+TEST(FaceList, RefusesOrdersThatAreNone)
+{
+    constexpr unsigned int STAYS = 0xFFFFFFFF;
+    const struct {
+        const char* name;
+        std::vector<unsigned int> order;
+        bool accepted;
+    } rows[] = {
+        {"too short", {0, 1, 2, 3}, false},
+        {"too long", {0, 1, 2, 3, 4, 5}, false},
+        {"none", {}, false},
+        {"twice", {0, 1, 2, 3, 3}, false},
+        {"beyond", {0, 1, 2, 3, 5}, false},
+        {"one stays", {STAYS, 2, 1, 4, 3}, true},
+        {"stays where another goes", {STAYS, 0, 1, 4, 3}, false},
+    };
+    for (const auto& row : rows)
+        for (const bool inverse : {false, true}) {
+            SCOPED_TRACE(row.name);
+            Mesh mesh = Faces(MIXED);
+            mesh.faces->SetFlag(FACELIST_CHANGED, false);
+            EXPECT_EQ(mesh.faces->ReorderFaces(row.order.data(), row.order.size(), inverse), row.accepted);
+            EXPECT_EQ(mesh.faces->IsFlagSet(FACELIST_CHANGED), row.accepted);
+            EXPECT_EQ(AllCorners(*mesh.faces) == MIXED, !row.accepted);
+        }
+}
+
+TEST(FaceList, MapsAndFlipsLiveFaces)
+{
+    Mesh mesh = Faces({{0, 1, 2}, {1, 1, 7}, {2, 1, 0, 3}, {-1, 4, 0}});
+    C3DFaceList& faces = *mesh.faces;
+    faces.SetFaceFlag(1, FACE_EMPTY, true);
+    faces.SetFlag(FACELIST_CHANGED, false);
+    CXArray<unsigned int, unsigned int> map;
+    for (const unsigned int value : {0u, 5u, 0xFFFFFFFFu, 1u}) // 0 stays, 1 -> 5, 2 has no new number, 3 -> 1
+        map.Add(value);
+    EXPECT_FALSE(faces.UpdateIndex(nullptr, 4, true));
+    EXPECT_FALSE(faces.UpdateIndex(map.GetData(), 0, true));
+    EXPECT_TRUE(faces.UpdateIndex(&map, true));
+    EXPECT_EQ(AllCorners(faces), (Lists{{0, 5, 2}, {1, 1, 7}, {2, 5, 0, 1}, {-1, 4, 0}}));
+    EXPECT_TRUE(faces.UpdateIndex(&map, false));
+    EXPECT_EQ(AllCorners(faces), (Lists{{0, 5, 2}, {5, 5, 7}, {2, 5, 0, 5}, {-1, 4, 0}}));
+    EXPECT_FALSE(faces.UpdateIndex(&map, false));
+    faces.FlipNormals();
+    EXPECT_EQ(AllCorners(faces), (Lists{{2, 5, 0}, {5, 5, 7}, {5, 0, 5, 2}, {0, 4, -1}}));
+    EXPECT_FALSE(faces.IsFlagSet(FACELIST_CHANGED));
+
+    EXPECT_FALSE(faces.AreIndexesBelow(6)) << "-1";
+    faces.SetFaceFlag(3, FACE_INVALID, true);
+    EXPECT_TRUE(faces.AreIndexesBelow(6));
+    EXPECT_FALSE(faces.AreIndexesBelow(5));
+    EXPECT_FALSE(faces.AreIndexesBelow(8, true));
+}
+
+TEST(FaceList, ChecksumFollowsContentAlone)
+{
+    Mesh mesh = Faces({{1, 2, 3}, {7, 7, 7}, {4}});
+    mesh.faces->SetFaceFlag(1, FACE_INVALID, true);
+    // ((((1 * 16 + 2) * 16 + 3) * 16) + 4) * 16
+    EXPECT_EQ(mesh.faces->GetChecksum(4), 0x12340u);
+    EXPECT_EQ(mesh.faces->GetChecksum(3), 0u);
+    Mesh copy;
+    copy.faces->SetSize(3, 5, CFaceList::SIZE_GROW, -1); // other capacities
+    *copy.faces = *mesh.faces;
+    EXPECT_EQ(copy.faces->GetChecksum(12), mesh.faces->GetChecksum(12));
+    const unsigned int before = mesh.faces->GetChecksum(8);
+    EXPECT_EQ(mesh.faces->GetChecksum(12), before + 0x12340u);
+    mesh.faces->SetFaceMaterial(0, 1);
+    EXPECT_NE(mesh.faces->GetChecksum(8), before);
+}
+
+TEST(FaceList, OriginalIndexesTravelWithTheirFaces)
+{
+    Mesh mesh = Faces(MIXED);
+    EXPECT_EQ(mesh.faces->GetOriginalIndex(0), 0xFFFFFFFFu);
+    mesh.faces->SaveFacesIndex();
+    const unsigned int order[] = {4, 3, 2, 1, 0};
+    mesh.faces->ReorderFaces(order, 5, false);
+    mesh.faces->SetSize(6, CFaceList::SIZE_GROW, 0);
+    EXPECT_EQ(mesh.faces->GetOriginalIndex(0), 4u);
+    EXPECT_EQ(mesh.faces->GetOriginalIndex(5), 0xFFFFFFFFu);
+    EXPECT_EQ(mesh.faces->GetOriginalIndex(6), 0xFFFFFFFFu);
+    mesh.faces->SaveFacesIndex();
+    EXPECT_EQ(mesh.faces->GetOriginalIndex(0), 0u);
+}
+
+TEST(FaceList, StreamsAndRefusesDamage)
+{
+    Mesh mesh = Faces(MIXED);
+    NumberMaterials(*mesh.faces);
+    mesh.faces->SetBackFaceMaterial(3, 9);
+    mesh.faces->SetFlag(FACELIST_STORED, true);
+    C3DFace face;
+    mesh.faces->GetFace(0, face);
+    face.AddIndex(17); // leaves a hole, which the stream doesn't have
+    mesh.faces->SetSize(4, CFaceList::SIZE_KEEP, 0);
+    const std::vector<unsigned char> whole = Stored(*mesh.faces);
+    Mesh loaded = Faces({{5}});
+    loaded.faces->GetMaterialsHashMap(nullptr, false);
+    ASSERT_TRUE(Load(*loaded.faces, whole));
+    EXPECT_EQ(AllCorners(*loaded.faces), (Lists{{0, 1, 2, 17}, {}, {3, 4, 5, 6}, {7, 8, 9}}));
+    EXPECT_EQ(Materials(*loaded.faces), Materials(*mesh.faces));
+    EXPECT_EQ(loaded.faces->GetBackFaceMaterial(3), 9u);
+    EXPECT_TRUE(loaded.faces->IsFlagSet(FACELIST_STORED));
+    EXPECT_FALSE(loaded.faces->IsFlagSet(FACELIST_CHANGED));
+    EXPECT_EQ(loaded.faces->GetMaterialsHashMap(nullptr, false)->GetSize(), 4) << "the former map is gone";
+    CheckConsistent(*loaded.faces);
+    Mesh none, again = Faces(MIXED);
+    ASSERT_TRUE(Load(*again.faces, Stored(*none.faces)));
+    EXPECT_EQ(again.faces->GetSize(), 0);
+
+    for (std::size_t length = 0; length < whole.size(); length++) {
+        Mesh damaged;
+        EXPECT_FALSE(Load(*damaged.faces, {whole.begin(), whole.begin() + length})) << length;
+        EXPECT_EQ(damaged.faces->GetSize(), 0);
+    }
+    std::mt19937 random(11);
+    for (int i = 0; i < 3000; i++) {
+        std::vector<unsigned char> bytes = whole;
+        bytes[random() % bytes.size()] = static_cast<unsigned char>(random());
+        Mesh damaged;
+        if (!Load(*damaged.faces, bytes))
+            continue;
+        CheckConsistent(*damaged.faces);
+        damaged.faces->GetChecksum(12);
+        damaged.faces->GetMaterialsHashMap(nullptr, true);
+        damaged.faces->FlipNormals();
+    }
+}
