@@ -1,0 +1,99 @@
+#include "AssimpParser.h"
+
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include <assimp/Importer.hpp>
+#include <assimp/ProgressHandler.hpp>
+#include <assimp/config.h>
+#include <assimp/scene.h>
+
+#include "Formats.h"
+#include "SceneImport.h"
+
+namespace {
+
+/// Passes the library's progress on, and the user's wish to stop back.
+class ProgressBridge : public Assimp::ProgressHandler {
+public:
+    explicit ProgressBridge(CProgress& progress) : m_progress(progress) {}
+    bool Update(float fraction) override
+    {
+        return fraction < 0 ? m_progress.Update() : m_progress.SetPos(static_cast<std::uint64_t>(fraction * 1000));
+    }
+
+private:
+    CProgress& m_progress;
+};
+
+/// Keeps what importers print to themselves: their errors come back as texts, and standard error is the host's.
+class MuteStandardError {
+public:
+    MuteStandardError() : m_former(std::cerr.rdbuf(m_swallowed.rdbuf())) {}
+    ~MuteStandardError() { std::cerr.rdbuf(m_former); }
+
+private:
+    std::ostringstream m_swallowed;
+    std::streambuf* m_former;
+};
+
+// The importer of OFF files makes room for as many points as the file claims to have, which takes minutes and all memory when the number is
+// damaged. A point takes six bytes at least.
+bool ClaimsMoreThanItHolds(const std::string& path)
+{
+    std::ifstream file(path);
+    std::string magic;
+    double points = 0;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    return !error && file >> magic >> points && points * 6 > static_cast<double>(size);
+}
+
+void SetUp(Assimp::Importer& importer)
+{
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);              // no made-up geometry for bare skeletons
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);            // no helper nodes
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);       // names, not ids
+}
+
+}
+
+CAssimpParser::CAssimpParser(unsigned int fileClass, CFileIo* fileIo) : C3DParser(fileIo), m_fileClass(fileClass) {}
+
+IoShowDialog CAssimpParser::MustShowDialog() { return IODIALOG_NONE; }
+
+void CAssimpParser::LoadDefaultOptions(CSceneImportOptions& options)
+{
+    if (GetFormatTraits(m_fileClass).yUp)
+        options.upAxis = UP_AXIS_Y;
+}
+
+C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOptions& options)
+{
+    CProgress progress(L"Reading", 1000);
+    ProgressBridge bridge(progress);
+    Assimp::Importer importer;
+    importer.SetProgressHandler(&bridge);
+    SetUp(importer);
+
+    CXTString<wchar_t> reason;
+    C3DScene* scene = nullptr;
+    const MuteStandardError mute;
+    try {
+        if (m_fileClass == FourCC("OFF ") && ClaimsMoreThanItHolds(WideToUtf8(path)))
+            reason = L"the file ends before the points that it announces";
+        else if (const aiScene* source = importer.ReadFile(WideToUtf8(path), 0))
+            scene = ImportScene(*source, GetFormatTraits(m_fileClass), CFileNameSpec(path).GetTitle(), options);
+        else
+            reason = Utf8ToWide(importer.GetErrorString());
+    } catch (const std::exception& error) {              // the library's own, such as a file that is too large for it
+        reason = Utf8ToWide(error.what());
+    }
+    importer.SetProgressHandler(nullptr);                // the bridge is not the library's to delete
+    if (!reason.IsEmpty())
+        options.AddLogInfo(IoLogInfo::FAILURE, reason);
+    return scene;
+}

@@ -1,0 +1,20 @@
+// IO plug-in over the Open Asset Import Library: reads every format which that library reads.
+
+#include "AssimpParser.h"
+#include "Formats.h"
+
+namespace {
+
+CFileParser* CreateParser(unsigned int fileClass, CFileIo* fileIo) { return new CAssimpParser(fileClass, fileIo); }
+
+}
+
+extern "C" ZEL_API unsigned int zelRegisterIoPlugin(unsigned int apiVersion, IIoPluginRegistrar* registrar)
+{
+    if (apiVersion == ZEL_IO_PLUGIN_API)
+        for (const Format& format : ListFormats())
+            registrar->RegisterFormat(CFileExt(Utf8ToWide(format.description), Utf8ToWide("." + format.extension), format.fileClass,
+                                               FILE_FAMILY_3D | FILE_KIND_LISTED | FILE_KIND_READ),
+                                      &CreateParser);
+    return ZEL_IO_PLUGIN_API;
+}
