@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Console.h"
+#include "ExitCode.h"
+
+/// zel info: what scene files hold, as text or as JSON (an object a file; an array for several files).
+ExitCode ShowInfo(const Console& console, const std::vector<std::string>& files, bool json);

@@ -1,0 +1,70 @@
+// zel: the command-line tool of 3DZel.
+
+#include <csignal>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+
+#include "Console.h"
+#include "ExitCode.h"
+#include "Formats.h"
+#include "Info.h"
+
+namespace {
+
+/// The library for as long as the program works with it.
+class Library {
+public:
+    Library() { Init3DZel(INIT_FLAGS); }
+    ~Library() { Close3DZel(INIT_FLAGS); }
+
+private:
+    static constexpr unsigned int INIT_FLAGS = 1;    // no viewer commands
+};
+
+void OnInterrupt(int)
+{
+    _exit(EXIT_INTERRUPTED);                         // nothing that is read needs tidying up
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGINT, OnInterrupt);
+    Console console;
+
+    CLI::App app("Reads, checks and converts 3D scenes.", "zel");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", ZEL_VERSION);
+    bool quiet = false;
+    app.fallthrough();
+    app.add_flag("-q,--quiet", quiet, "No talk but failures");
+
+    bool json = false;
+    std::vector<std::string> files;
+    CLI::App* info = app.add_subcommand("info", "Shows what scene files hold");
+    info->add_option("FILE", files, "Files to read")->required();
+    info->add_flag("--json", json, "Print JSON: an object a file, an array for several files");
+    CLI::App* formats = app.add_subcommand("formats", "Lists what can be read and written, and by whom");
+    formats->add_flag("--json", json, "Print JSON");
+
+    app.footer("Exit codes: 0 done, 1 failed, 2 wrong usage, 3 input unreadable or refused, 4 written with losses under --strict,\n"
+               "5 no GL, 6 some files of a batch failed, 130 interrupted.");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        console.Fail(std::string(error.what()) + " (see zel --help)");
+        return EXIT_USAGE;
+    }
+    console.SetQuiet(quiet);
+
+    const Library library;
+    return info->parsed() ? ShowInfo(console, files, json) : ShowFormats(console, json);
+}

@@ -1,0 +1,84 @@
+#include "SceneSummary.h"
+
+#include <algorithm>
+
+SceneSummary::SceneSummary(C3DScene& scene)
+{
+    CHashTable<unsigned int> seen;
+    const CTree& tree = *scene.GetTree();
+    for (CTreeNode* next = tree.GetFirstNode(nullptr); next; next = tree.GetNextNode(next, nullptr)) {
+        auto& node = static_cast<C3DSceneNode&>(*next);
+        CountNode(node);
+        C3DBaseObject* object = node.GetBaseObject();
+        if (!object)
+            continue;
+        if (!seen.Insert(object->GetObjectID()))
+            instances++;
+        else {
+            objects++;
+            if (C3DGeomObject* geometry = node.GetGeomObject())
+                CountObject(*geometry);
+        }
+    }
+    points = static_cast<std::uint64_t>(scene.GetPointNbr());
+    faces = static_cast<std::uint64_t>(scene.GetFaceNbr());
+    materials = scene.GetMaterialList().GetCount();
+}
+
+void SceneSummary::CountNode(C3DSceneNode& node)
+{
+    nodes++;
+    if (const _OBJECT_KINDOF kind = node.GetObjectKindOf())
+        nodesByKind[kind]++;
+    if (C3DGeomObject* object = node.GetGeomObject())
+        ExtendBounds(node, *object);
+}
+
+void SceneSummary::CountObject(C3DGeomObject& object)
+{
+    storedPoints += static_cast<std::uint64_t>(object.GetPointNbr());
+    if (const C3DFaceList* list = object.GetFaceList()) {
+        storedFaces += static_cast<std::uint64_t>(list->GetSize());
+        for (unsigned int i = 0; i < static_cast<unsigned int>(list->GetSize()); i++) {
+            int corners;
+            list->GetIndexes(i, corners);
+            storedCorners += static_cast<std::uint64_t>(corners);
+            triangles += corners == 3;
+            quads += corners == 4;
+            largerFaces += corners > 4;
+        }
+    }
+    CDependentChannels* channels = object.GetChannels();
+    const auto count = [&](_Channel3DType type) { return static_cast<std::uint64_t>(channels->GetChannelsNumber(type, true)); };
+    uvwChannels += count(CHANNEL_UVW);
+    colourChannels += count(CHANNEL_VC);
+    weightChannels += count(CHANNEL_WEIGHT);
+    specifiedNormalChannels += count(CHANNEL_SPEC_NORMAL);
+}
+
+void SceneSummary::ExtendBounds(C3DSceneNode& node, C3DGeomObject& object)
+{
+    C3DTPoint<float> nodeMin, nodeMax;
+    const unsigned int what = object.GetFaceNbr() > 0 ? BOX_FACES : BOX_POINTS;
+    if (object.GetPointNbr() == 0 || !object.GetBoundingBox(nodeMin, nodeMax, what | BOX_IN_NODE_SPACE, 0, false, &node))
+        return;
+    for (int i = 0; i < 3; i++) {
+        min[i] = hasBounds ? std::min(min[i], nodeMin[i]) : nodeMin[i];
+        max[i] = hasBounds ? std::max(max[i], nodeMax[i]) : nodeMax[i];
+    }
+    hasBounds = true;
+}
+
+const char* GetKindName(_OBJECT_KINDOF kind)
+{
+    switch (kind) {
+    case OBJECT_POLYGONAL: return "OBJECT_POLYGONAL";
+    case OBJECT_CURVE: return "OBJECT_CURVE";
+    case OBJECT_PATCH: return "OBJECT_PATCH";
+    case OBJECT_GROUP: return "OBJECT_GROUP";
+    case OBJECT_DUMMY: return "OBJECT_DUMMY";
+    case OBJECT_CAMERA: return "OBJECT_CAMERA";
+    case OBJECT_LIGHT: return "OBJECT_LIGHT";
+    }
+    return "";
+}
