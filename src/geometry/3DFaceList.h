@@ -3,6 +3,7 @@
 #include "geometry/3DFace.h"
 #include "geometry/FaceList.h"
 
+class C3DVectorList;
 template <class T> class C4x4TMatrix;
 
 /// How Sort orders faces. Both go by ascending material; faces of one material keep their order.
@@ -76,6 +77,9 @@ public:
 
     // --- Measures (FaceGeometry.cpp) --------------------------------------------------------------------------------
 
+    /// Normals of all faces at once, vector i of face i as C3DFace::GetNormal gives it. Zero for a face with FACE_INVALID or with fewer
+    /// than 3 corners. Resizes `normals`; cost: one pass over the corners.
+    void GetNormals(const CGeomInfo* info, C3DVectorList& normals, bool normalize) const;
     /// Box of the source points that live faces use.
     ///
     /// @param min, max  both (0, 0, 0) when no face takes part

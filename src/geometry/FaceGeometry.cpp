@@ -4,6 +4,7 @@
 #include "geometry/2DPointList.h"
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
+#include "geometry/3DVectorList.h"
 #include "geometry/4x4Matrix.h"
 #include "geometry/GeomInfo.h"
 #include "geometry/Triangle.h"
@@ -17,13 +18,21 @@ constexpr double NO_LENGTH = 1e-15;
 // The points at a face's corners.
 class CCorners {
 public:
-    CCorners(const C3DFace& face, const CGeomInfo* info) : m_points(info ? info->GetSrc3DPointList(false) : nullptr)
+    CCorners(const C3DPointList* points, const int* indexes, int size)
+        : m_points(points ? points->GetFirst() : nullptr), m_pointCount(points ? points->GetSize() : 0), m_indexes(indexes), m_size(size)
     {
-        m_indexes = face.GetData(m_size);
+    }
+    CCorners(const C3DFace& face, const CGeomInfo* info)
+        : CCorners(info ? info->GetSrc3DPointList(false) : nullptr, face.GetData(), face.GetSize())
+    {
     }
     int GetSize() const { return m_size; }
     /// Null for a broken corner.
-    const C3DTPoint<float>* operator[](int corner) const { return m_points ? m_points->ElementAt(m_indexes[corner]) : nullptr; }
+    const C3DTPoint<float>* operator[](int corner) const
+    {
+        const auto index = static_cast<unsigned int>(m_indexes[corner]);
+        return index < m_pointCount ? m_points + index : nullptr;
+    }
     /// Every corner of the first `count` has a point.
     bool AreSound(int count) const
     {
@@ -34,7 +43,8 @@ public:
     }
 
 private:
-    const C3DPointList* m_points;
+    const C3DTPoint<float>* m_points;
+    unsigned int m_pointCount;
     const int* m_indexes;
     int m_size;
 };
@@ -66,11 +76,8 @@ bool SumOverEdges(const CCorners& corners, C3DTVector<float>& n)
     return true;
 }
 
-}
-
-void C3DFace::GetNormal(const CGeomInfo* info, C3DTVector<float>& normal, bool normalize) const
+inline void NormalOf(const CCorners& corners, C3DTVector<float>& normal, bool normalize)
 {
-    const CCorners corners(*this, info);
     if (corners.GetSize() < 3)
         return;
     C3DTVector<float> n;
@@ -79,6 +86,28 @@ void C3DFace::GetNormal(const CGeomInfo* info, C3DTVector<float>& normal, bool n
     else if (normalize)
         NormalizeUnlessTiny(n);
     normal = n;
+}
+
+}
+
+void C3DFace::GetNormal(const CGeomInfo* info, C3DTVector<float>& normal, bool normalize) const
+{
+    NormalOf(CCorners(*this, info), normal, normalize);
+}
+
+void C3DFaceList::GetNormals(const CGeomInfo* info, C3DVectorList& normals, bool normalize) const
+{
+    normals.SetSize(m_size, false, 0);
+    const C3DPointList* points = info ? info->GetSrc3DPointList(false) : nullptr;
+    const CFaceFlags flags(*this);
+    C3DTVector<float>* normal = normals.GetFirst();
+    for (int i = 0; i < m_size; i++, normal++) {
+        if (flags[i] & FACE_INVALID)
+            continue;
+        int count;
+        const int* indexes = GetIndexes(i, count);
+        NormalOf(CCorners(points, indexes, count), *normal, normalize);
+    }
 }
 
 C4DVector C3DFace::GetPlane(const CGeomInfo* info) const
