@@ -20,7 +20,7 @@ public:
     bool CanBeRecomputed() override;
     CFaceNormalChannel* Duplicate(bool inherit) const override;
 
-    // NormalsFace.cpp
+    // FaceNormals.cpp
 
     /// Brings the normals up to date: one for each geometry face without FACE_INVALID, zero for the others. Nothing happens
     /// unless the channel is stale or invalid, or without source faces.

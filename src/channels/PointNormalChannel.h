@@ -26,11 +26,20 @@ public:
     bool CanBeRecomputed() override;
     CPointNormalChannel* Duplicate(bool inherit) const override;
 
-    // NormalsPoint.cpp
+    // PointNormals.cpp
 
     /// Brings the normals up to date for a smooth angle in radians. Nothing happens when the channel is neither stale nor
-    /// invalid and the angle is exactly that of the last call.
+    /// invalid and the angle is exactly that of the last call, or without source faces and points.
+    ///
+    /// Around each point the faces, ascending, join the first group whose first face is within the angle, or open a group. The
+    /// corners of a group share the normalised sum of what its faces contribute in the info's smooth mode; equal sums share a
+    /// vector across points. Sets POINT_SMOOTH_SPLIT on the source points with several groups, clears it on the others.
+    ///
+    /// Cost: near linear in the corners, whatever the number of faces or groups of a point.
     void InitNormals(const CGeomInfo* info, float angle);
+
+    // SmoothNormals.cpp
+
     /// Prepares GetSmoothNormal… for a pass over one object. `spec` may be null; else its computed normals are brought up
     /// to date. The lists are referred to, not held: valid as long as they are.
     void PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* spec);

@@ -26,19 +26,27 @@ public:
     bool Compare(const CPt* a, const CPt* b, double tolerance) const override;
     CSpecNormalChannel* Duplicate(bool inherit) const override;
 
-    // NormalsSpec.cpp
+    // SpecNormals.cpp
 
     /// Works out the vectors with POINT_COMPUTED when the channel is stale or invalid. The weighting is that of the info's
     /// object; the mode is not looked at.
     void ComputeNormals(const CGeomInfo* info, _NormalSmoothMode mode);
+    /// Makes every vector a unit vector; one of length zero, or that is no number, becomes POINT_UNSET, and a face of unset
+    /// vectors alone loses its data. False, with CHANNEL_INVALID, when no face is left with data.
+    bool Normalize();
+
+    // GeneratedNormals.cpp
+
     /// Gives a normal to corners without one.
     ///
     /// @param options  1 faces without data get data; 2 act only when a vector is unset; 4 smooth by `angle` (radians);
-    ///                 8 flat: the face's normal. One of 4 and 8 is to be given
+    ///                 8 flat: the face's normal. Without 8 the fill is smooth; without 1 and 2 nothing is filled
+    ///
+    /// Cost of a smooth fill: linear in the corners, but the square of the faces at a point that they do not agree on.
     void GenerateNormals(const CGeomInfo* info, unsigned int options, double angle, _NormalSmoothMode mode);
-    /// Makes every vector a unit vector; one of length zero becomes POINT_UNSET, and a face of unset vectors alone loses its
-    /// data. False, with CHANNEL_INVALID, when no face is left with data.
-    bool Normalize();
+
+    // NormalBreaks.cpp
+
     /// Sets POINT_NORMAL_BREAK where vectors at one geometry point or edge differ by more than `angle` (radians).
     void InitNormalBreakFlag(const CGeomInfo* info, double angle, bool alsoSource, _NormalSmoothMode mode);
     /// Whether the edge between two faces is a seam of the normals.

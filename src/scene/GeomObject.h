@@ -41,8 +41,6 @@ class ZEL_API C3DGeomObject : public C3DBaseObject {
     ZEL_DECLARE_CREATABLE(C3DGeomObject)
 public:
     using MaterialMap = C3DFaceList::MaterialsMap;
-    /// From a channel as it was called to what it is called now.
-    using ChannelMap = CHashMap<CChannelInfo, CChannelInfo, CChannelInfo>;
 
     /// Kind 0, no lists, empty channels.
     C3DGeomObject();
@@ -108,10 +106,6 @@ public:
     void SetGlobalUVWChannel(unsigned int id);
     unsigned int GetGlobalVCChannel(float& strength) const;
     void SetGlobalVCChannel(unsigned int id, float strength);
-    /// Channels got other ids: follows with the global channels (a colour channel's strength goes back to 1) and, given a
-    /// scene, with the materials that the faces use.
-    void ChangeChannelID(C3DScene* scene, const ChannelMap& map);
-    void ChangeMaterialsChannelID(C3DScene* scene, const ChannelMap& map);
 
     // Normals (GeomObjectNormals.cpp)
 

@@ -1,5 +1,4 @@
 #include "channels/DependentChannels.h"
-#include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 
 unsigned int C3DGeomObject::AddChannel(CChannel* channel)
@@ -34,26 +33,6 @@ void C3DGeomObject::SetGlobalVCChannel(unsigned int id, float strength)
     m_globalVC = id;
     m_vcStrength = strength;
     SetUpdateFlags(OBJECT_UPDATE_DISPLAY, true);
-}
-
-void C3DGeomObject::ChangeChannelID(C3DScene* scene, const ChannelMap& map)
-{
-    if (const CChannelInfo* info = map.Find(CChannelInfo(m_globalUVW, CHANNEL_UVW)))
-        SetGlobalUVWChannel(info->GetChannelID());
-    if (const CChannelInfo* info = map.Find(CChannelInfo(m_globalVC, CHANNEL_VC)))
-        SetGlobalVCChannel(info->GetChannelID(), 1.0f);
-    ChangeMaterialsChannelID(scene, map);
-}
-
-void C3DGeomObject::ChangeMaterialsChannelID(C3DScene* scene, const ChannelMap& map)
-{
-    const MaterialMap* materials = scene && !map.IsEmpty() ? GetMaterialsHashMap(true) : nullptr;
-    if (!materials)
-        return;
-    for (const auto& entry : *materials) {
-        if (C3DMaterial* material = scene->GetMaterialList().FindByID(entry.first))
-            material->ChangeChannelID(map);
-    }
 }
 
 void C3DGeomObject::SetFaceMode(_faceModeEnum mode)

@@ -18,8 +18,3 @@ void C3DMaterial::Serialize(CXArchive& ar)
     if (ar.IsLoading())
         AdvanceSceneID(ID_MATERIAL, m_materialID);
 }
-
-void C3DMaterial::ChangeChannelID(const CHashMap<CChannelInfo, CChannelInfo, CChannelInfo>&)
-{
-    // Neither maps nor a vertex colour channel yet: there is no id to follow.
-}

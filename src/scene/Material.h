@@ -1,10 +1,8 @@
 #pragma once
 
-#include "channels/Channel.h"
 #include "scene/Forward.h"
 #include "scene/Keyframable.h"
 #include "tools/CustomData.h"
-#include "tools/Hash.h"
 #include "tools/Object.h"
 #include "tools/String.h"
 
@@ -22,8 +20,6 @@ public:
     unsigned int GetMaterialID() const { return m_materialID; }
     const CXTString<wchar_t>& GetName() const { return m_name; }
     void SetName(const CXTString<wchar_t>& name) { m_name = name; }
-    /// Follows channels that got other ids.
-    void ChangeChannelID(const CHashMap<CChannelInfo, CChannelInfo, CChannelInfo>& map);
     CCustomData& GetCustomData() { return m_customData; }
     const CCustomData& GetCustomData() const { return m_customData; }
 

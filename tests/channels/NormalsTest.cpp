@@ -1,0 +1,376 @@
+// Derived normals: of faces, and smoothed ones of corners.
+
+#include <cstring>
+#include <map>
+
+#include "NormalMesh.h"
+#include "channels/FaceNormalContributionInfo.h"
+#include "geometry/3DFaceList.h"
+#include "support/RandomMesh.h"
+
+namespace {
+
+// The smoothing as a table of states and rounds over all faces of a point.
+struct SlowSmoothing {
+    std::vector<Vector> vectors;
+    std::vector<std::vector<int>> corners;
+    std::vector<bool> split;
+
+    SlowSmoothing(const CGeomInfo& info, float angle)
+        : m_info(info), m_faces(*info.GetSrc3DFaceList()), m_points(*info.GetSrc3DPointList()), m_cosine(std::cos(angle))
+    {
+        for (int f = 0; f < m_faces.GetSize(); f++) {
+            C3DFace face;
+            m_faces.GetFace(f, face);
+            Vector unit, raw;
+            if (!face.IsFlagSet(FACE_INVALID)) {
+                face.GetNormal(&info, unit, true);
+                face.GetNormal(&info, raw, false);
+            }
+            m_units.push_back(unit);
+            m_raws.push_back(raw);
+            corners.emplace_back(face.IsFlagSet(FACE_INVALID) ? 0 : face.GetSize(), 0);
+        }
+        for (int p = 0; p < m_points.GetSize(); p++)
+            split.push_back(SmoothPoint(p));
+    }
+
+private:
+    bool SmoothPoint(int point)
+    {
+        std::vector<int> around;
+        for (int f = 0; f < m_faces.GetSize(); f++)
+            if (const std::vector<int> c = Corners(m_faces, f); !m_faces.IsFaceOneFlagSet(f, FACE_DEAD) && std::find(c.begin(), c.end(), point) != c.end())
+                around.push_back(f);
+        std::vector<int> state(around.size(), 0);
+        bool isSplit = false;
+        for (std::size_t s = 0; s < around.size();) {
+            Vector sum;
+            for (std::size_t j = s; j < around.size(); j++) {
+                if (state[j] == 1)
+                    continue;
+                if (j != s && m_cosine > Cosine(m_units[around[s]], m_units[around[j]])) {
+                    isSplit = true;
+                    continue;
+                }
+                sum += Contribution(around[j], point);
+                state[j] = 2;
+            }
+            if (sum.Length() > 1e-15)
+                sum.Normalize();
+            const int number = Number(sum);
+            for (std::size_t j = 0; j < around.size(); j++) {
+                if (state[j] != 2)
+                    continue;
+                state[j] = 1;
+                const std::vector<int> c = Corners(m_faces, around[j]);
+                for (std::size_t k = 0; k < c.size(); k++)
+                    if (c[k] == point)
+                        corners[around[j]][k] = number;
+            }
+            while (s < around.size() && state[s] != 0)
+                s++;
+        }
+        return isSplit;
+    }
+    static double Cosine(const Vector& a, const Vector& b)
+    {
+        const double d = std::sqrt(a.LengthSquared() * b.LengthSquared());
+        return d < 1e-15 ? 0 : std::clamp(Dot(a, b) / d, -1.0, 1.0);
+    }
+    Vector Contribution(int face, int point) const
+    {
+        const int mode = m_info.GetSmoothMode();
+        if (mode == NORMAL_UNWEIGHTED || mode == NORMAL_AREA)
+            return mode == NORMAL_AREA ? m_raws[face] : m_units[face];
+        const std::vector<int> c = Corners(m_faces, face);
+        const std::size_t n = c.size(), k = std::find(c.begin(), c.end(), point) - c.begin();
+        const C3DTPoint<float>*before = m_points.ElementAt(c[(k + n - 1) % n]), *behind = m_points.ElementAt(c[(k + 1) % n]);
+        if (!before || !behind)
+            return Vector();
+        const Vector e1 = *before - *m_points.ElementAt(point), e2 = *behind - *m_points.ElementAt(point);
+        if (mode == NORMAL_ANGLE)
+            return m_units[face] * std::acos(Cosine(e1, e2));
+        const double squares = e1.LengthSquared() * e2.LengthSquared();
+        return squares == 0 ? Vector() : m_raws[face] / squares;
+    }
+    int Number(const Vector& sum)
+    {
+        for (std::size_t i = 0; i < vectors.size(); i++)
+            if (vectors[i] == sum)
+                return static_cast<int>(i);
+        vectors.push_back(sum);
+        return static_cast<int>(vectors.size()) - 1;
+    }
+
+    const CGeomInfo& m_info;
+    const C3DFaceList& m_faces;
+    const C3DPointList& m_points;
+    const double m_cosine;
+    std::vector<Vector> m_units, m_raws;
+};
+
+void ExpectSameAsSlow(NormalMesh& mesh, float angle)
+{
+    const SlowSmoothing slow(mesh.info, angle);
+    CPointNormalChannel& channel = mesh.Smooth(angle);
+    EXPECT_EQ(AllCorners(*channel.GetNormalFaceList()), slow.corners);
+    const C3DVectorList& vectors = *channel.GetNormalVectorList();
+    ASSERT_EQ(vectors.GetSize(), static_cast<int>(slow.vectors.size()));
+    for (int i = 0; i < vectors.GetSize(); i++)
+        ASSERT_EQ(std::memcmp(vectors[i]->ValPtr(), slow.vectors[i].ValPtr(), 3 * sizeof(float)), 0) << "vector " << i;
+    for (int p = 0; p < mesh.mesh.points->GetSize(); p++)
+        ASSERT_EQ(mesh.HasPointFlag(p, POINT_SMOOTH_SPLIT), slow.split[p]) << "point " << p;
+    for (int f = 0; f < mesh.mesh.faces->GetSize(); f++)
+        EXPECT_EQ(channel.GetNormalFaceList()->IsFaceOneFlagSet(f, FACE_DEAD), mesh.mesh.faces->IsFaceFlagSet(f, FACE_INVALID)) << "face " << f;
+    CheckConsistent(*channel.GetNormalFaceList());
+}
+
+void Scatter(Mesh& mesh, std::mt19937& random)
+{
+    // Few values, so that faces without area and equal normals come up.
+    std::uniform_int_distribution<int> coordinate(-2, 2);
+    for (int p = 0; p < mesh.points->GetSize(); p++) {
+        C3DTPoint<float>& point = *mesh.points->ElementAt(p);
+        point.x = coordinate(random) * 0.7f, point.y = coordinate(random) * 1.1f, point.z = coordinate(random) * 0.9f;
+    }
+}
+
+// Triangles around point 0 whose normals lie at those angles from z towards x.
+Mesh Leaves(const std::vector<double>& degrees)
+{
+    std::vector<XYZ> points = {{0, 0, 0}, {0, 1, 0}};
+    std::vector<std::vector<int>> corners;
+    for (const double angle : degrees) {
+        corners.push_back({0, static_cast<int>(points.size()), 1});
+        points.push_back({std::cos(Degrees(angle)), 0, -std::sin(Degrees(angle))});
+    }
+    return MakeMesh(points, corners);
+}
+
+} // namespace
+
+TEST(Normals, OfACubeBreakOrJoinByTheAngle)
+{
+    struct { const char* name; float angle; int vectors, split; } const rows[] = {
+        {"0 degrees", 0, 6, 8},
+        {"30 degrees", Degrees(30), 6, 8},
+        {"100 degrees", Degrees(100), 8, 0},
+        {"pi", PI, 8, 0},
+    };
+    for (const int mode : {NORMAL_UNWEIGHTED, NORMAL_AREA, NORMAL_EDGE_LENGTH, NORMAL_ANGLE})
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.name);
+            SCOPED_TRACE(mode);
+            NormalMesh cube(Cube(), mode);
+            CPointNormalChannel& channel = cube.Smooth(row.angle);
+            EXPECT_EQ(channel.GetNormalVectorList()->GetSize(), row.vectors);
+            EXPECT_EQ(cube.CountPoints(POINT_SMOOTH_SPLIT), row.split);
+            for (int face = 0; face < 6; face++)
+                for (int k = 0; k < 4; k++) {
+                    const C3DTPoint<float>& p = *cube.mesh.points->ElementAt(Corners(*cube.mesh.faces, face)[k]);
+                    const Vector& n = *cube.channels->GetFaceNormalChannel()->GetNormalVectorList()->ElementAt(face);
+                    if (row.split)
+                        ExpectDirection(AtCorner(channel, face, k), n.x, n.y, n.z);
+                    else
+                        ExpectDirection(AtCorner(channel, face, k), p.x, p.y, p.z);     // the three sides weigh the same
+                }
+        }
+}
+
+TEST(Normals, WeighFacesByTheMode)
+{
+    // At point 0 a side of area 6 that looks to z, with edges 3 and 4 at 90 degrees, and one of area 2 that looks to x, with edges 2 and
+    // the root of 8 at 45 degrees.
+    struct { int mode; double x, z; } const rows[] = {
+        {NORMAL_UNWEIGHTED, 1, 1},
+        {NORMAL_AREA, 4, 12},
+        {NORMAL_EDGE_LENGTH, 4 / (4.0 * 8), 12 / (9.0 * 16)},
+        {NORMAL_ANGLE, 1, 2},
+        {0, 4, 12},
+        {99, 4, 12},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mode);
+        NormalMesh mesh(MakeMesh({{0, 0, 0}, {3, 0, 0}, {0, 4, 0}, {0, 2, 0}, {0, 2, 2}}, {{0, 1, 2}, {3, 4, 0}}), row.mode);
+        CPointNormalChannel& channel = mesh.Smooth(Degrees(100));
+        ExpectDirection(AtCorner(channel, 0, 0), row.x, 0, row.z);
+        EXPECT_EQ(AtCorner(channel, 0, 0), AtCorner(channel, 1, 2));
+        ExpectDirection(AtCorner(channel, 0, 1), 0, 0, 1);
+        EXPECT_EQ(CFaceNormalContributionInfo(&mesh.info).GetUnnormalizedNormals() == nullptr,
+                  row.mode == NORMAL_UNWEIGHTED || row.mode == NORMAL_ANGLE);
+    }
+}
+
+TEST(Normals, FacesJoinTheFirstSeedWithinTheAngle)
+{
+    struct { const char* name; std::vector<double> angles; std::vector<int> groups; } const rows[] = {
+        {"one face", {10}, {0}},
+        {"within the angle of the seed, not of each other", {0, 25, -25}, {0, 0, 0}},
+        {"the order makes the seeds", {25, 0, -25}, {0, 0, 1}},
+        {"no chain over a member", {0, 25, 50}, {0, 0, 1}},
+        {"the first seed takes what the second could", {0, 40, 20}, {0, 1, 0}},
+        {"groups in turns", {0, 90, 1, 91, 180, 2}, {0, 1, 0, 1, 2, 0}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        NormalMesh mesh(Leaves(row.angles));
+        CPointNormalChannel& channel = mesh.Smooth(Degrees(30));
+        const int groupCount = 1 + *std::max_element(row.groups.begin(), row.groups.end());
+        EXPECT_EQ(mesh.HasPointFlag(0, POINT_SMOOTH_SPLIT), groupCount > 1);
+        EXPECT_FALSE(mesh.HasPointFlag(2, POINT_SMOOTH_SPLIT));
+        for (int group = 0; group < groupCount; group++) {
+            double x = 0, z = 0;
+            for (std::size_t i = 0; i < row.angles.size(); i++)
+                if (row.groups[i] == group)
+                    x += std::sin(Degrees(row.angles[i])), z += std::cos(Degrees(row.angles[i]));
+            for (std::size_t i = 0; i < row.angles.size(); i++)
+                if (row.groups[i] == group)
+                    ExpectDirection(AtCorner(channel, static_cast<int>(i), 0), x, 0, z);
+        }
+    }
+}
+
+TEST(Normals, AgreeWithRoundsOverAllFaces)
+{
+    for (unsigned int seed = 0; seed < 150; seed++)
+        for (const int mode : {NORMAL_UNWEIGHTED, NORMAL_AREA, NORMAL_EDGE_LENGTH, NORMAL_ANGLE}) {
+            SCOPED_TRACE(seed);
+            SCOPED_TRACE(mode);
+            RandomMesh random(seed, seed % 3 == 0 ? RandomMesh::BROKEN : RandomMesh::MIXED);
+            Scatter(random.mesh, random.random);
+            if (random.FaceCount() == 0)
+                continue;
+            NormalMesh mesh(std::move(random.mesh), mode);
+            ExpectSameAsSlow(mesh, Degrees(std::vector<int>{0, 10, 30, 90, 120, 180}[seed % 6]));
+            if (HasFatalFailure())
+                return;
+        }
+}
+
+TEST(Normals, OfAHubAndOfALargePolygonAgreeWithRoundsOverAllFaces)
+{
+    // Faces that look all ways around point 0, more groups than are searched one by one, and behind them a face of 200 corners that
+    // holds each point twice, and faces of two corners, which have no normal.
+    std::mt19937 random(5);
+    std::normal_distribution<float> coordinate;
+    std::vector<XYZ> points(101, XYZ{0, 0, 0});
+    for (std::size_t i = 1; i < points.size(); i++)
+        points[i] = {coordinate(random), coordinate(random), coordinate(random)};
+    std::vector<std::vector<int>> corners;
+    for (int i = 0; i < 600; i++)
+        corners.push_back({0, 1 + i % 100, 1 + (i * 7 + i / 100 + 1) % 100});
+    corners.emplace_back();
+    for (int i = 0; i < 200; i++)
+        corners.back().push_back(i % 100);
+    for (int i = 0; i < 5; i++)
+        corners.push_back({i, 0});
+    for (const double angle : {0.0, 0.01, 3.0, 12.0, 45.0, 89.0, 91.0})
+        for (const int mode : {NORMAL_AREA, NORMAL_ANGLE}) {
+            SCOPED_TRACE(angle);
+            NormalMesh mesh(MakeMesh(points, corners), mode);
+            ExpectSameAsSlow(mesh, Degrees(angle));
+        }
+}
+
+TEST(Normals, ThatAreNoNumbersStayApartAndEndTheWork)
+{
+    const float inf = std::numeric_limits<float>::infinity();
+    std::vector<XYZ> points(300, XYZ{inf, -inf, 1});
+    std::vector<std::vector<int>> corners;
+    for (int i = 0; i + 2 < 300; i++)
+        corners.push_back({i, i + 1, i + 2});
+    NormalMesh mesh(MakeMesh(points, corners));
+    EXPECT_EQ(mesh.Smooth(Degrees(30)).GetNormalVectorList()->GetSize(), 300);
+    EXPECT_EQ(mesh.CountPoints(POINT_SMOOTH_SPLIT), 0);
+}
+
+TEST(Normals, AreBuiltAgainOnlyWhenNeeded)
+{
+    NormalMesh mesh(Leaves({0, 20}));
+    CPointNormalChannel& channel = mesh.Smooth(Degrees(30));
+    EXPECT_EQ(AtCorner(channel, 0, 0), AtCorner(channel, 1, 0));
+    AtCorner(channel, 0, 0)->x = 7;                      // tells whether the work was done again
+    mesh.Smooth(Degrees(30));
+    EXPECT_EQ(AtCorner(channel, 0, 0)->x, 7);
+    mesh.Smooth(Degrees(10));
+    EXPECT_NE(AtCorner(channel, 0, 0), AtCorner(channel, 1, 0));
+    EXPECT_TRUE(mesh.HasPointFlag(0, POINT_SMOOTH_SPLIT));
+
+    // A moved point shows only after the channels were told.
+    mesh.mesh.points->ElementAt(3)->z = 0;
+    mesh.channels->Invalidate(CHANNEL_POINT_NORMAL | CHANNEL_FACE_NORMAL);
+    mesh.Smooth(Degrees(10));
+    ExpectDirection(AtCorner(channel, 1, 0), 0, 0, 1);
+    EXPECT_FALSE(mesh.HasPointFlag(0, POINT_SMOOTH_SPLIT));
+
+    // More faces than the channel of face normals knows of.
+    AddFaces(*mesh.mesh.faces, {{0, 2, 1}, {0, 2, 1}});
+    mesh.channels->Invalidate(CHANNEL_POINT_NORMAL);
+    mesh.Smooth(Degrees(10));
+    ExpectDirection(AtCorner(channel, 3, 0), 0, 0, 1);
+
+    // Without anything to work on nothing changes.
+    const CGeomInfo nothing{};
+    mesh.channels->Invalidate(CHANNEL_POINT_NORMAL | CHANNEL_FACE_NORMAL);
+    for (const CGeomInfo* info : {&nothing, static_cast<const CGeomInfo*>(nullptr)}) {
+        channel.InitNormals(info, 1);
+        mesh.channels->GetFaceNormalChannel()->InitNormals(info);
+    }
+    EXPECT_TRUE(channel.IsFlagSet(CHANNEL_STALE));
+    EXPECT_EQ(channel.GetSmoothAngle(), Degrees(10));
+    EXPECT_TRUE(mesh.channels->GetFaceNormalChannel()->IsFlagSet(CHANNEL_STALE));
+}
+
+TEST(Normals, NeedNoChannelsBesideThem)
+{
+    const Mesh cube = Cube();
+    const CGeomInfo info = cube.Info();
+    CPointNormalChannel* channel = new CPointNormalChannel;
+    channel->InitNormals(&info, Degrees(100));
+    EXPECT_EQ(channel->GetNormalVectorList()->GetSize(), 8);
+    EXPECT_FALSE(cube.faces->HasPointToFaceGraph());
+    DeleteMe(channel);
+}
+
+TEST(Normals, OfFlatGroundAreOneVector)
+{
+    NormalMesh ground(QuadGrid(20));
+    EXPECT_EQ(ground.Smooth(Degrees(30)).GetNormalVectorList()->GetSize(), 1);
+}
+
+TEST(Normals, OfACornerComeFromTheGivenOnesFirst)
+{
+    NormalMesh cube(Cube());
+    // Face 0 has a given, a computed and an unset normal; face 1 has no data.
+    CSpecNormalChannel& given = cube.Give({{0, 0, 1}, {0, 0, 0}, {1, 0, 0}}, {{0, 1, 2, 0}, {}, {}, {}, {}, {}});
+    given.GetNormalVectorList()->ElementAt(1)->SetFlag(POINT_COMPUTED, true);
+    given.GetNormalVectorList()->ElementAt(2)->SetFlag(POINT_UNSET, true);
+    CPointNormalChannel& channel = cube.Smooth(Degrees(30));
+    channel.PrepareSmoothing(&cube.info, &given);
+
+    struct { const char* name; int face, point; unsigned int status; double x, y, z; } const rows[] = {
+        {"given", 0, 0, 2, 0, 0, 1},
+        {"computed", 0, 2, 5, 0, 0, -1},
+        {"unset", 0, 3, 9, 0, 0, -1},
+        {"no data", 1, 4, 9, 0, 0, 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        unsigned int status = 77;
+        const Vector* normal = channel.GetSmoothNormalByIndex(row.face, row.point, &status);
+        EXPECT_EQ(status, row.status);
+        ExpectDirection(normal, row.x, row.y, row.z);
+        const std::vector<int> corners = Corners(*cube.mesh.faces, row.face);
+        const int corner = static_cast<int>(std::find(corners.begin(), corners.end(), row.point) - corners.begin());
+        EXPECT_EQ(channel.GetSmoothNormalByCorner(row.face, corner, nullptr), normal);
+    }
+
+    unsigned int status = 77;
+    EXPECT_EQ(channel.GetSmoothNormalByIndex(0, 7, &status), nullptr);
+    EXPECT_EQ(status, 0u);
+    EXPECT_EQ(channel.GetSmoothNormalByCorner(6, 0, nullptr), nullptr);
+    channel.PrepareSmoothing(&cube.info, nullptr);
+    channel.GetSmoothNormalByCorner(0, 0, &status);
+    EXPECT_EQ(status, 9u);
+}
