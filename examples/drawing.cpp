@@ -25,7 +25,8 @@ class Canvas {
 public:
     Canvas() : m_pixels(WIDTH * HEIGHT, Rgb{{PAPER[0], PAPER[1], PAPER[2]}}), m_depths(WIDTH * HEIGHT, HUGE_VAL) {}
 
-    /// Fills a flat polygon of at least three corners, concave ones too: between the first and second crossing of each pixel row, the third and fourth ...
+    /// Fills a flat polygon of at least three corners, concave ones too: in each row of pixels from the first crossing with its outline to
+    /// the second, from the third to the fourth ...
     void Fill(const std::vector<C3DTPoint<double>>& corners, const C3DTVector<double>& normal, Rgb color);
     bool Write(const char* file) const;
 

@@ -26,13 +26,13 @@ struct ReleaseScene {
     void operator()(C3DScene* scene) const { DeleteMe(scene); }
 };
 
+// The first failure of the log is the exact one; later ones only say that the reading failed.
 std::string Reason(const C3DIo& io, const CSceneImportOptions& options)
 {
-    std::string reason;
     for (const IoLogInfo& line : options.GetLog())
-        if (line.level == IoLogInfo::FAILURE && reason.find(WideToUtf8(line.text)) == std::string::npos)
-            reason += (reason.empty() ? "" : "; ") + WideToUtf8(line.text);
-    return reason.empty() ? WideToUtf8(io.GetResultText()) : reason;
+        if (line.level == IoLogInfo::FAILURE)
+            return WideToUtf8(line.text);
+    return WideToUtf8(io.GetResultText());
 }
 
 std::optional<FileInfo> ReadFile(const Console& console, const std::string& file)

@@ -1,8 +1,6 @@
 #include "AssimpParser.h"
 
 #include <exception>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 
@@ -12,6 +10,7 @@
 #include <assimp/scene.h>
 
 #include "Formats.h"
+#include "Preflight.h"
 #include "SceneImport.h"
 
 namespace {
@@ -39,18 +38,6 @@ private:
     std::ostringstream m_swallowed;
     std::streambuf* m_former;
 };
-
-// The importer of OFF files makes room for as many points as the file claims to have, which takes minutes and all memory when the number is
-// damaged. A point takes six bytes at least.
-bool ClaimsMoreThanItHolds(const std::string& path)
-{
-    std::ifstream file(path);
-    std::string magic;
-    double points = 0;
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    return !error && file >> magic >> points && points * 6 > static_cast<double>(size);
-}
 
 void SetUp(Assimp::Importer& importer)
 {
@@ -83,8 +70,8 @@ C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOption
     C3DScene* scene = nullptr;
     const MuteStandardError mute;
     try {
-        if (m_fileClass == FourCC("OFF ") && ClaimsMoreThanItHolds(WideToUtf8(path)))
-            reason = L"the file ends before the points that it announces";
+        if (EndsBeforeItsContent(m_fileClass, WideToUtf8(path)))
+            reason = L"the file ends before what it announces";
         else if (const aiScene* source = importer.ReadFile(WideToUtf8(path), 0))
             scene = ImportScene(*source, GetFormatTraits(m_fileClass), CFileNameSpec(path).GetTitle(), options);
         else

@@ -191,6 +191,8 @@ C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vec
 void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, std::vector<C3DCurve*>& curves)
 {
     for (const aiMesh* mesh : meshes) {
+        if (!(mesh->mPrimitiveTypes & aiPrimitiveType_LINE))
+            continue;
         std::vector<Position> line;
         unsigned int end = 0;
         const auto finish = [&] {

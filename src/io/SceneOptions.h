@@ -98,7 +98,8 @@ public:
     unsigned int unit = 0;                           ///< target unit; 0: no scaling
     unsigned int maxPoints = 0xFFFFFFFF;             ///< of an object; 0xFFFFFFFF: no limit
     unsigned int maxFaces = 0xFFFFFFFF;
-    unsigned int objectNameRule = 0;                 ///< low 24 bits: longest name (0 no limit); top byte: 1 no blanks, 2 not empty, 4 letters, digits and '_' only
+    /// Low 24 bits: longest name (0 no limit); top byte: 1 no blanks, 2 not empty, 4 letters, digits and '_' only.
+    unsigned int objectNameRule = 0;
     unsigned int materialNameRule = 0;
     unsigned int textureNameLimit = 0;               ///< low 24 bits: longest texture file name
     CXTString<wchar_t> filePath;                     ///< complete target name

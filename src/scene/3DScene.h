@@ -181,7 +181,7 @@ private:
     bool PassesWalk(const C3DSceneNode* node, C3DNodePos& pos) const;
     void Advance(C3DNodePos& pos) const;
     static void SetBranchScene(C3DSceneNode* node, C3DScene* scene);
-    
+
     CParserSceneInfo* m_parserInfo = nullptr;
     CCustomData m_customData;
     CMaterials m_materials;

@@ -219,7 +219,8 @@ void CElementArray::SetAtGrow(int index, const void* element)
     if (index < 0 || index == INT_MAX || !m_methods)
         XThrowInvalidIndex();
     const unsigned char* from = static_cast<const unsigned char*>(element);
-    const bool inside = m_base && !std::less<>()(from, static_cast<const unsigned char*>(m_base)) && std::less<>()(from, static_cast<const unsigned char*>(At(m_size)));
+    const unsigned char *first = m_base, *end = At(m_size);
+    const bool inside = m_base && !std::less<>()(from, first) && std::less<>()(from, end);
     const std::size_t offset = inside ? from - m_base : 0;
     if (index >= m_size)
         SetSize(index + 1);

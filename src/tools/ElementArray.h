@@ -81,7 +81,11 @@ public:
     void* GetBase() { return m_base; }
     const void* GetBase() const { return m_base; }
     /// Element at `index`; null outside the array.
-    void* GetAt(int index) { return static_cast<unsigned int>(index) < static_cast<unsigned int>(m_size) ? m_base + static_cast<std::size_t>(index) * m_stride : nullptr; }
+    void* GetAt(int index)
+    {
+        const bool there = static_cast<unsigned int>(index) < static_cast<unsigned int>(m_size);
+        return there ? m_base + static_cast<std::size_t>(index) * m_stride : nullptr;
+    }
     const void* GetAt(int index) const { return const_cast<CElementArray*>(this)->GetAt(index); }
 
     /// Copies `element` (of the array's kind) to `index`, growing when needed. A negative index throws.

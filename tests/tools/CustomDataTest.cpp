@@ -164,7 +164,8 @@ TEST(CustomData, DamagedStreamsLeaveTheBagAsItWas)
     kept.SetString(1, L"kept");
     const CCustomData before = kept;
     for (std::size_t cut = 0; cut < bytes.size(); cut++) {
-        ASSERT_NE(LoadedBy(StreamBytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)), [&](CXArchive& ar) { kept.Serialize(ar); }), NO_ERROR_TYPE);
+        const StreamBytes part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut));
+        ASSERT_NE(LoadedBy(part, [&](CXArchive& ar) { kept.Serialize(ar); }), NO_ERROR_TYPE);
         ASSERT_TRUE(kept == before);
     }
     std::mt19937 random(9);

@@ -1,0 +1,115 @@
+// The command-line tool as a user meets it: what it prints where, and how it ends.
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "support/TempFolder.h"
+
+namespace {
+
+const std::string MODEL = MODELS "/pavilion.dae";
+
+struct Outcome {
+    int code;
+    std::string out, talk;
+};
+
+class Zel : public testing::Test {
+protected:
+    Outcome Call(const std::string& arguments)
+    {
+        const std::string talkFile = folder.Name("talk");
+        std::FILE* pipe = popen((ZEL " " + arguments + " 2>" + talkFile).c_str(), "r");
+        Outcome run;
+        char buffer[4096];
+        for (std::size_t got; (got = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;)
+            run.out.append(buffer, got);
+        run.code = WEXITSTATUS(pclose(pipe));
+        std::ostringstream talk;
+        talk << std::ifstream(talkFile).rdbuf();
+        run.talk = talk.str();
+        return run;
+    }
+
+    TempFolder folder;
+};
+
+}
+
+TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
+{
+    std::ofstream(folder.Name("broken.3ds")) << "nothing of the kind";
+    std::ofstream(folder.Name("two\nlines.obj")) << "";
+    const std::string broken = folder.Name("broken.3ds"), missing = folder.Name("missing.obj");
+    const struct {
+        std::string arguments;
+        int code;
+        long lines;                      // on standard error
+    } rows[] = {
+        {"info " + MODEL, 0, 0},
+        {"info --json -q " + MODEL, 0, 0},
+        {"formats", 0, 0},
+        {"--help", 0, 0},
+        {"", 2, 1},
+        {"info", 2, 1},
+        {"info --no-such-option x", 2, 1},
+        {"no-such-verb", 2, 1},
+        {"info " + missing, 3, 1},
+        {"info -q " + broken, 3, 1},
+        {"info '" + folder.Name("two\nlines.obj") + "'", 3, 1},
+        {"info " + MODEL + " " + broken, 6, 1},
+        {"info " + missing + " " + broken, 3, 2},
+        {"info " + folder.Name(""), 3, 1},
+        {"info " + folder.Name("name.unknown"), 3, 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.arguments);
+        const Outcome run = Call(row.arguments);
+        EXPECT_EQ(run.code, row.code);
+        EXPECT_EQ(std::count(run.talk.begin(), run.talk.end(), '\n'), row.lines) << run.talk;
+        EXPECT_EQ(run.out.empty(), row.code == 2 || row.code == 3) << run.out;
+    }
+}
+
+TEST_F(Zel, JsonOfAFileAndOfSeveral)
+{
+    const auto one = nlohmann::json::parse(Call("info --json " + MODEL).out);
+    EXPECT_EQ(one["schema"], 1);
+    EXPECT_EQ(one["file"], MODEL);
+    EXPECT_EQ(one["nodes"], 19);
+    EXPECT_EQ(one["objects"], 9);
+    EXPECT_EQ(one["instances"], 10);
+    EXPECT_EQ(one["by_kind"], (nlohmann::json{{"OBJECT_POLYGONAL", 16}, {"OBJECT_GROUP", 3}}));
+    EXPECT_EQ(one["points"], 881);
+    EXPECT_EQ(one["stored_points"], 305);
+    EXPECT_EQ(one["faces_by_size"], (nlohmann::json{{"3", 8}, {"4", 246}, {"more", 11}}));
+    EXPECT_EQ(one["materials"], 4);
+    EXPECT_EQ(one["bounds"]["min"][2], 0);
+    for (const char* key : {"class", "format", "faces", "stored_faces", "stored_corners", "channels", "read_ms"})
+        EXPECT_TRUE(one.contains(key)) << key;
+
+    const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
+    ASSERT_TRUE(two.is_array());
+    EXPECT_EQ(two.size(), 2u);
+}
+
+TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)
+{
+    const Outcome run = Call("formats --json");
+    const auto formats = nlohmann::json::parse(run.out)["formats"];
+    EXPECT_GE(formats.size(), 60u);
+    bool obj = false;
+    for (const auto& format : formats)
+        obj |= format["extensions"][0] == ".obj" && format["class"] == "OBJ " && format["by"][0] == "assimp" && format["read"] == true;
+    EXPECT_TRUE(obj);
+    const Outcome traced = Call("formats >/dev/null; LD_DEBUG=files " ZEL " formats");
+    EXPECT_EQ(traced.talk.find("zel-io-assimp.so"), std::string::npos);
+}
