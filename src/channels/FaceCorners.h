@@ -24,13 +24,20 @@ public:
         });
         return first;
     }
-    /// `body(corner)` for each corner with that point, ascending.
-    template <class BODY> void ForEach(int face, int point, BODY body)
+    /// Sets to[k] to the value for each corner k with that point. `to` has a place for each corner of the face.
+    void Assign(int face, int point, int* to, int value)
     {
-        Walk(face, point, [&](int corner) {
-            body(corner);
-            return true;
-        });
+        int count;
+        const int* corners = m_faces.GetIndexes(face, count);
+        if (count > MANY) {
+            Walk(face, point, [&](int corner) {
+                to[corner] = value;
+                return true;
+            });
+            return;
+        }
+        for (int k = 0; k < count; k++)              // which corner it is nobody can predict: no branch on it
+            to[k] = corners[k] == point ? value : to[k];
     }
 
 private:

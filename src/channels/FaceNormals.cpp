@@ -2,6 +2,7 @@
 
 #include "channels/FaceNormals.h"
 
+#include "channels/Cosine.h"
 #include "channels/DependentChannels.h"
 #include "channels/FaceNormalChannel.h"
 #include "geometry/3DFaceList.h"
@@ -25,13 +26,30 @@ static CFaceNormalChannel* ChannelOf(const CGeomInfo* info)
     return channel;
 }
 
-CFaceNormals::CFaceNormals(const CGeomInfo* info) : m_channel(ChannelOf(info))
+// The same bits as InitNormals: a raw normal differs from a unit normal in its length alone.
+static void Normalize(const C3DVectorList& raw, C3DVectorList& units)
 {
+    units.SetSize(raw.GetSize(), false, 0);
+    const C3DTVector<float>* from = raw.GetFirst();
+    C3DTVector<float>* to = units.GetFirst();
+    for (int i = 0, count = raw.GetSize(); i < count; i++, from++, to++) {
+        *to = *from;
+        NormalizeSum(*to);
+    }
+}
+
+CFaceNormals::CFaceNormals(const CGeomInfo* info, const C3DVectorList* rawNormals) : m_channel(ChannelOf(info))
+{
+    C3DVectorList& units = *m_channel->GetNormalVectorList();
     // A channel that was not told of new faces must not be read beyond its end.
-    if (m_channel->GetNormalVectorList()->GetSize() != info->GetSrcFaceList()->GetSize())
+    if (units.GetSize() != info->GetSrcFaceList()->GetSize())
         m_channel->SetFlag(CHANNEL_STALE, true);
-    m_channel->InitNormals(info);
-    m_first = m_channel->GetNormalVectorList()->GetFirst();
+    if (rawNormals && m_channel->IsFlagSet(CHANNEL_STALE)) {
+        Normalize(*rawNormals, units);
+        m_channel->SetFlag(CHANNEL_STALE, false);
+    } else
+        m_channel->InitNormals(info);
+    m_first = units.GetFirst();
 }
 
 CFaceNormals::~CFaceNormals()

@@ -9,7 +9,9 @@ class CGeomInfo;
 /// normals for as long as this lives.
 class CFaceNormals {
 public:
-    explicit CFaceNormals(const CGeomInfo* info);
+    /// @param rawNormals  null, or those of the faces that C3DFaceList::GetNormals gives without normalising: what is not up to
+    ///                    date then comes from these, which costs less
+    explicit CFaceNormals(const CGeomInfo* info, const C3DVectorList* rawNormals = nullptr);
     CFaceNormals(const CFaceNormals&) = delete;
     CFaceNormals& operator=(const CFaceNormals&) = delete;
     ~CFaceNormals();

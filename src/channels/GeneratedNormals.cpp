@@ -1,5 +1,6 @@
 // Given normals for corners that have none: flat by the face, or smoothed by the faces around each point.
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -27,8 +28,8 @@ class CNormalFill {
 public:
     /// @param deadFaces  number of normal faces without data
     CNormalFill(const CGeomInfo* info, double angle, CNormalFaceList& normalFaces, C3DVectorList& vectors, int deadFaces)
-        : m_faces(*info->GetSrc3DFaceList()), m_normalFaces(normalFaces), m_vectors(vectors), m_flags(m_faces), m_angle(std::cos(angle)), m_unitNormals(info),
-          m_context(info), m_faceCorners(m_faces), m_used(vectors.GetSize()),
+        : m_faces(*info->GetSrc3DFaceList()), m_normalFaces(normalFaces), m_vectors(vectors), m_flags(m_faces), m_angle(std::cos(angle)),
+          m_context(info), m_unitNormals(info, m_context.GetUnnormalizedNormals()), m_faceCorners(m_faces), m_used(vectors.GetSize()),
           m_shared(static_cast<unsigned int>(std::min<long long>(2LL * deadFaces, 0x7FFFFFFF)))
     {
     }
@@ -160,8 +161,8 @@ private:
     C3DVectorList& m_vectors;
     const CFaceFlags m_flags;
     const CAngleTest m_angle;
-    const CFaceNormals m_unitNormals;
     CFaceNormalContributionInfo m_context;
+    const CFaceNormals m_unitNormals;
     CFaceCorners m_faceCorners;
     int m_used;                                          // vectors; those behind are room
     CHashMap<int, int> m_shared;                         // by point: the vector for all its corners

@@ -1,5 +1,6 @@
 // Where given normals break: at points, along edges within a face, and between two faces.
 
+#include <algorithm>
 #include <cmath>
 
 #include "channels/EdgeCorners.h"

@@ -40,9 +40,9 @@ public:
 
     // SmoothNormals.cpp
 
-    /// Prepares GetSmoothNormal… for a pass over one object. `spec` may be null; else its computed normals are brought up
+    /// Prepares GetSmoothNormal… for a pass over one object. `given` may be null; else its computed normals are brought up
     /// to date. The lists are referred to, not held: valid as long as they are.
-    void PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* spec);
+    void PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* given);
     /// The given normal of a corner where there is one, else the smoothed one; after InitNormals and PrepareSmoothing.
     ///
     /// @param status  out, may be null: 2 given, 5 given as computed, 9 smoothed, 0 none

@@ -8,7 +8,9 @@
 //
 // Points go through the last three stages in batches, so that the table of vectors is read ahead.
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "channels/Cosine.h"
 #include "channels/FaceCorners.h"
@@ -55,8 +57,8 @@ class CSmoothing {
 public:
     CSmoothing(const CGeomInfo* info, float angle, CNormalFaceList& normalFaces)
         : m_faces(*info->GetSrc3DFaceList()), m_points(*info->GetSrc3DPointList()), m_normalFaces(normalFaces), m_flags(m_faces),
-          m_angle(std::cos(angle)), m_unitNormals(info), m_context(info), m_faceCorners(m_faces), m_grid(m_angle),
-          m_vectors(static_cast<unsigned int>(m_points.GetSize()))
+          m_angle(std::cos(angle)), m_context(info), m_unitNormals(info, m_context.GetUnnormalizedNormals()), m_faceCorners(m_faces),
+          m_grid(m_angle), m_vectors(static_cast<unsigned int>(m_points.GetSize()))
     {
     }
 
@@ -115,17 +117,17 @@ private:
     {
         int count;
         const int* faces = m_faces.GetFacesConnectedToPoint(point, count);
-        const std::size_t first = m_sums.size();
+        const std::size_t first = m_sums.size(), done = m_groups.size();
+        m_groups.resize(done + count, NONE);
         m_hasGrid = false;
         m_context.SetPoint(point);
         for (int i = 0; i < count; i++) {
             const int face = faces[i];
-            if (m_flags.IsDead(face)) {
-                m_groups.push_back(NONE);
+            if (m_flags.IsDead(face))
                 continue;
-            }
-            const unsigned int group = GetGroup(first, face);
-            m_groups.push_back(group);
+            const bool joinsFirst = m_seeds.size() > first && m_angle.IsWithin(*m_seeds[first], m_unitNormals[face]);
+            const unsigned int group = joinsFirst ? static_cast<unsigned int>(first) : GetGroup(first, face);
+            m_groups[done + i] = group;
             m_context.SetFace(face, &m_unitNormals[face], LOOKS_AT_CORNER ? m_faceCorners.GetFirst(face, point) : 0);
             CONTRIBUTE(m_context, m_sums[group]);
         }
@@ -133,7 +135,7 @@ private:
             m_points.ElementAt(point)->SetFlag(POINT_SMOOTH_SPLIT, true);
     }
 
-    /// The group of a face among those from `first` on, which are those of the current point.
+    /// The group of a face among those from `first` on, which are those of the current point, when the first one did not take it.
     unsigned int GetGroup(std::size_t first, int face)
     {
         const C3DTVector<float>& normal = m_unitNormals[face];
@@ -144,7 +146,7 @@ private:
                 return static_cast<unsigned int>(first) + group;
             m_grid.Add(normal);
         } else
-            for (std::size_t group = first; group < end; group++)
+            for (std::size_t group = first + 1; group < end; group++)
                 if (m_angle.IsWithin(*m_seeds[group], normal))
                     return static_cast<unsigned int>(group);
         m_seeds.push_back(&normal);
@@ -188,8 +190,7 @@ private:
                     continue;
                 int cornerCount;
                 int* corners = m_normalFaces.GetIndexes(faces[i], cornerCount);
-                const int number = static_cast<int>(m_numbers[*group]);
-                m_faceCorners.ForEach(faces[i], point, [&](int corner) { corners[corner] = number; });
+                m_faceCorners.Assign(faces[i], point, corners, static_cast<int>(m_numbers[*group]));
             }
         }
     }
@@ -199,8 +200,8 @@ private:
     CNormalFaceList& m_normalFaces;
     const CFaceFlags m_flags;
     const CAngleTest m_angle;
-    const CFaceNormals m_unitNormals;
     CFaceNormalContributionInfo m_context;
+    const CFaceNormals m_unitNormals;
     CFaceCorners m_faceCorners;
     CSeedGrid m_grid;
     bool m_hasGrid = false;                              // of the current point

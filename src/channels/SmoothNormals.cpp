@@ -22,13 +22,13 @@ C3DTVector<float>* VectorOfCorner(CFaceList* faces, C3DVectorList* vectors, int 
 
 } // namespace
 
-void CPointNormalChannel::PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* spec)
+void CPointNormalChannel::PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* given)
 {
-    m_specFaces = spec ? spec->GetNormalFaceList() : nullptr;
-    m_specVectors = spec ? spec->GetNormalVectorList() : nullptr;
+    m_specFaces = given ? given->GetNormalFaceList() : nullptr;
+    m_specVectors = given ? given->GetNormalVectorList() : nullptr;
     m_geometryFaces = info ? info->GetSrcFaceList() : nullptr;
-    if (spec && info)
-        spec->ComputeNormals(info, static_cast<_NormalSmoothMode>(info->GetSmoothMode()));
+    if (given && info)
+        given->ComputeNormals(info, static_cast<_NormalSmoothMode>(info->GetSmoothMode()));
 }
 
 C3DTVector<float>* CPointNormalChannel::GetSmoothNormalByCorner(int face, int corner, unsigned int* status)

@@ -1,5 +1,6 @@
 // Given normals: those to be computed from the faces, and their lengths.
 
+#include <algorithm>
 #include <cmath>
 
 #include "channels/Cosine.h"
@@ -36,7 +37,7 @@ void CSpecNormalChannel::ComputeNormals(const CGeomInfo* info, _NormalSmoothMode
         return;
 
     CFaceNormalContributionInfo context(info);
-    const CFaceNormals unitNormals(info);
+    const CFaceNormals unitNormals(info, context.GetUnnormalizedNormals());
     const CFaceFlags flags(*faces), normalFlags(*GetFaceList());
     CFaceCorners faceCorners(*faces);
     const int size = std::min(faces->GetSize(), GetFaceList()->GetSize());

@@ -25,12 +25,10 @@ public:
     CVectorIndex& operator=(const CVectorIndex&) = delete;
     ~CVectorIndex();
 
-    /// The number of a vector, new or known.
-    unsigned int Add(const C3DTVector<float>& v) { return Add(v, GetHash(v)); }
+    static Hash GetHash(const C3DTVector<float>& v);
+    /// The number of a vector, new or known, by its hash.
     unsigned int Add(const C3DTVector<float>& v, Hash hash);
-
     /// Ahead of an Add with this hash: has its place brought near.
-    Hash GetHash(const C3DTVector<float>& v) const;
     void Prefetch(Hash hash) const { __builtin_prefetch(&m_slots[SlotOf(hash)], 1); }
 
     unsigned int GetCount() const { return m_count; }
