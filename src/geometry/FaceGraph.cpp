@@ -1,11 +1,15 @@
 // The two graphs of a face list: which faces touch a point, and which run along an edge.
 //
-//   count     how many faces each point, or each edge, will have
-//   lay out   one pool with exactly that room
-//   fill      face by face, so that each entry ascends
+//   points    count the faces of each point, lay out one pool with exactly that room, fill it face by face
+//   edges     one pass: most edges have the two faces that an entry is made for; the map looks a batch of edges up at a time
 //
-// Corners outside the point list, which only broken input has, are left out of the point graph. The edge graph knows no point list
-// and takes corners as they stand.
+// Either way faces come in order, so that each entry ascends. Corners outside the point list, which only broken input
+// has, are left out of the point graph. The edge graph does not know the points: there such an edge is one like any
+// other.
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "geometry/Edge.h"
 #include "geometry/FaceList.h"
@@ -14,6 +18,8 @@
 #include "tools/AssociationMap.h"
 
 namespace {
+
+constexpr unsigned int FEW = 16;         // up to here a search costs less than memory
 
 // Calls `body(corners, count, face)` for each live face.
 template <class BODY> void ForEachLiveFace(const CFaceList& faces, BODY body)
@@ -35,7 +41,7 @@ public:
 
     template <class BODY> void Visit(const int* corners, int count, int face, BODY body)
     {
-        if (count > FEW)
+        if (static_cast<unsigned int>(count) > FEW)
             return VisitMany(corners, count, face, body);
         for (int k = 0; k < count; k++)
             if (IsPoint(corners[k]) && !Contains(corners, k, corners[k]))
@@ -43,8 +49,6 @@ public:
     }
 
 private:
-    static constexpr int FEW = 12;       // a comparison with all corners before costs less than memory
-
     bool IsPoint(int corner) const { return static_cast<unsigned int>(corner) < m_pointCount; }
     static bool Contains(const int* corners, int count, int point)
     {
@@ -71,7 +75,7 @@ private:
 
 }
 
-// --- Life ---------------------------------------------------------------------------------------------------------------
+// --- Life ------------------------------------------------------------------------------------------------------------
 
 void CFaceList::InitPointToFaceGraph(const CGeomInfo* info)
 {
@@ -136,7 +140,7 @@ void CFaceList::DropGraphs()
     m_pointGraphUse = m_edgeGraphUse = 0;
 }
 
-// --- Build ----------------------------------------------------------------------------------------------------------------
+// --- Build -----------------------------------------------------------------------------------------------------------
 
 void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
 {
@@ -151,51 +155,57 @@ void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
         distinct.Visit(corners, count, face, [&](int point) { faceCounts[static_cast<unsigned int>(point)]++; });
     });
     m_pointGraph.InitExact(pointCount, faceCounts.data());
+
+    constexpr unsigned int BATCH = 64;                   // entries brought into the cache together
+    struct {
+        int point, face;
+    } batch[BATCH];
+    unsigned int pending = 0;
+    const auto flush = [&] {
+        for (unsigned int i = 0; i < pending; i++)
+            m_pointGraph.PushItem(static_cast<unsigned int>(batch[i].point), batch[i].face);
+        pending = 0;
+    };
     distinct = DistinctCorners(pointCount);
     ForEachLiveFace(*this, [&](const int* corners, int count, int face) {
-        distinct.Visit(corners, count, face, [&](int point) { m_pointGraph.PushItem(static_cast<unsigned int>(point), face); });
+        distinct.Visit(corners, count, face, [&](int point) {
+            m_pointGraph.Prefetch(static_cast<unsigned int>(point));
+            batch[pending] = {point, face};
+            if (++pending == BATCH)
+                flush();
+        });
     });
+    flush();
 }
 
 void CFaceList::CreateEdgeToFaceGraph()
 {
-    constexpr std::size_t BATCH = 256;                   // edges whose place is looked for together
+    constexpr unsigned int BATCH = 256;                  // edges handed over together
     EdgeGraph& graph = GetEdgeGraph();
     graph.RemoveAll();
     if (m_size == 0)
         return;
-    graph.Reserve(2 * static_cast<unsigned int>(m_size), 2);
+    // A closed quad mesh has two edges a face, a triangle mesh fewer. The eighth on top is for borders: growth costs as
+    // much as half the build.
+    graph.Reserve(2 * static_cast<unsigned int>(m_size) + static_cast<unsigned int>(m_size) / 4, 2);
 
-    std::vector<unsigned int> entries;                   // of each corner's edge, face by face
-    entries.reserve(3 * static_cast<std::size_t>(m_size));
-    std::vector<C3DEdge> batch;
-    const auto flush = [&] {
-        const std::size_t done = entries.size();
-        entries.resize(done + batch.size());
-        graph.InsertKeys(batch.data(), static_cast<unsigned int>(batch.size()), entries.data() + done);
-        batch.clear();
-    };
-    ForEachLiveFace(*this, [&](const int* corners, int count, int) {
-        for (int k = 0; k < count; k++)
-            batch.emplace_back(corners[k], corners[k + 1 < count ? k + 1 : 0]);
-        if (batch.size() >= BATCH)
-            flush();
+    C3DEdge edges[BATCH];
+    int owners[BATCH];
+    unsigned int pending = 0;
+    const auto flush = [&] { graph.AddAll(edges, owners, std::exchange(pending, 0)); };
+    ForEachLiveFace(*this, [&](const int* corners, int count, int face) {
+        for (int k = 0; k < count; k++) {
+            edges[pending] = C3DEdge(corners[k], corners[k + 1 < count ? k + 1 : 0]);
+            owners[pending] = face;
+            if (++pending == BATCH)
+                flush();
+        }
     });
     flush();
-
-    std::vector<unsigned int> faceCounts(graph.GetCount(), 0);
-    for (const unsigned int entry : entries)
-        faceCounts[entry]++;
-    graph.InitValues(std::move(faceCounts));
-    const unsigned int* entry = entries.data();
-    ForEachLiveFace(*this, [&](const int*, int count, int face) {
-        for (int k = 0; k < count; k++)
-            graph.PushValue(*entry++, face);
-    });
     graph.FreeExtra();
 }
 
-// --- Updates in place -------------------------------------------------------------------------------------------------------
+// --- Updates in place ------------------------------------------------------------------------------------------------
 
 bool CFaceList::GraphConnectFace(int point, int face)
 {
@@ -240,18 +250,27 @@ int CFaceList::GraphRemoveFaceReference(CGeomInfo* info, int face, bool markPoin
 
 int CFaceList::GraphMergePointConnectivity(int p1, int p2)
 {
-    int count1, count2;
-    const int* faces1 = GetFacesConnectedToPoint(p1, count1);
-    const int* faces2 = GetFacesConnectedToPoint(p2, count2);
-    if (p1 == p2 || m_pointGraphUse == 0 || static_cast<unsigned int>(p2) >= m_pointGraph.GetEntryCount())
-        return count2;
-    CHashTable<int> known;
-    for (int i = 0; i < count2; i++)
-        known.Insert(faces2[i]);
-    const std::vector<int> moved(faces1, faces1 + count1);              // the pool moves while faces are added
-    for (const int face : moved)
-        if (known.Insert(face))
-            m_pointGraph.AddItem(static_cast<unsigned int>(p2), face);
-    m_pointGraph.SetEntrySize(static_cast<unsigned int>(p1), 0, true);
-    return static_cast<int>(m_pointGraph.GetItemCount(static_cast<unsigned int>(p2)));
+    const unsigned int from = static_cast<unsigned int>(p1), to = static_cast<unsigned int>(p2);
+    if (m_pointGraphUse == 0 || to >= m_pointGraph.GetEntryCount())
+        return 0;
+    const unsigned int own = m_pointGraph.GetItemCount(to), added = p1 == p2 ? 0 : m_pointGraph.GetItemCount(from);
+    unsigned int count;
+    const auto isOwn = [&](int face) {
+        const int* faces = m_pointGraph.GetItems(to, count);
+        return own > FEW ? m_scratch.Find(face) : std::find(faces, faces + own, face) != faces + own;
+    };
+    if (own > FEW && added) {
+        m_scratch.RemoveAll();
+        const int* faces = m_pointGraph.GetItems(to, count);
+        for (unsigned int i = 0; i < own; i++)
+            m_scratch.Insert(faces[i]);
+    }
+    for (unsigned int i = 0; i < added; i++) {
+        const int face = m_pointGraph.GetItems(from, count)[i];         // anew each time: adding moves the pool
+        if (!isOwn(face))
+            m_pointGraph.AddItem(to, face);
+    }
+    if (added)
+        m_pointGraph.SetEntrySize(from, 0, true);
+    return static_cast<int>(m_pointGraph.GetItemCount(to));
 }

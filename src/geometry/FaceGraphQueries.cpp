@@ -1,4 +1,5 @@
-// Queries on the graphs of a face list. A set is filled item by item in a fixed order, and results come in its slot order.
+// Queries on the graphs of a face list. A set is filled item by item in a fixed order, and results come in its slot
+// order.
 
 #include <algorithm>
 
@@ -75,7 +76,7 @@ int CFaceList::GetConnectionSet(CHashTable<int>& set, const int* a, int countA, 
     return set.GetSize();
 }
 
-// --- Faces ------------------------------------------------------------------------------------------------------------------
+// --- Faces -----------------------------------------------------------------------------------------------------------
 
 const int* CFaceList::GetFacesConnectedToPoint(int point, int& count) const
 {
@@ -131,7 +132,7 @@ const int* CFaceList::GetFacesNeighbourg(CFaceGraphHelper& helper, int face, _Co
 
 bool CFaceList::IsIsolatedFace(int face)
 {
-    if (m_pointGraphUse == 0)
+    if (m_pointGraphUse == 0 || static_cast<unsigned int>(face) >= static_cast<unsigned int>(m_size))
         return false;
     int cornerCount;
     const int* corners = GetIndexes(static_cast<unsigned int>(face), cornerCount);
@@ -183,7 +184,7 @@ bool CFaceList::AreFacesConnected(const CGeomInfo* info, CHashTable<int>& faces)
     return visited.GetCount() == faces.GetCount();
 }
 
-// --- Points -----------------------------------------------------------------------------------------------------------------
+// --- Points ----------------------------------------------------------------------------------------------------------
 
 const int* CFaceList::GetPointsNeighbourg(CFaceGraphHelper& helper, int point, int& count, _ConnectionInfoType type)
 {
@@ -216,7 +217,7 @@ const int* CFaceList::GetPointsNeighbourg(CFaceGraphHelper& helper, int point, i
 
 int CFaceList::GetPointsConnectedToPoints(CHashTable<int>& set, int p1, int p2, _ConnectionInfoType type)
 {
-    CFaceGraphHelper helper1, helper2;
+    static thread_local CFaceGraphHelper helper1, helper2;               // kept: a query costs no allocation
     int count1, count2;
     const int* points1 = GetPointsNeighbourg(helper1, p1, count1, CONNECT_BOTH);
     const int* points2 = GetPointsNeighbourg(helper2, p2, count2, CONNECT_BOTH);
@@ -239,7 +240,7 @@ const int* CFaceList::GetPointsConnectedToEdge(CFaceGraphHelper& helper, int p1,
         return nullptr;
     int faceCount;
     const int* faces = GetFacesConnectedToPoints(helper, p1, p2, CONNECT_BOTH, faceCount);
-    CHashTable<int>& set = helper.GetSet();                              // the faces lie in the buffer: the set is free again
+    CHashTable<int>& set = helper.GetSet();                              // the faces stand in the buffer by now
     set.RemoveAll();
     for (int i = 0; i < faceCount; i++) {
         int n;
@@ -263,8 +264,9 @@ bool CFaceList::IsPointNeighbourg(CFaceGraphHelper& helper, int p, int q)
     return helper.GetSet().Find(q);
 }
 
-// --- Triangles around an edge -------------------------------------------------------------------------------------------------
+// --- Triangles around an edge ----------------------------------------------------------------------------------------
 
+// The sets are kept from call to call: a query costs no allocation.
 int CFaceList::GetFacesByOppositeEdges(CFaceGraphHelper& helper, int p1, int p2, _ConnectionInfoType options, EdgeGraph& out)
 {
     constexpr int FROM_FIRST = 1, FROM_SECOND = 2, WITHOUT_START = 4;
@@ -275,8 +277,11 @@ int CFaceList::GetFacesByOppositeEdges(CFaceGraphHelper& helper, int p1, int p2,
         return 0;
     out.Reserve(static_cast<unsigned int>(faceCount), 2);
 
-    CHashTable<C3DEdge> sides[2];
-    CHashTable<int> start;
+    static thread_local CHashTable<C3DEdge> sides[2];
+    static thread_local CHashTable<int> start, across;
+    sides[0].RemoveAll();
+    sides[1].RemoveAll();
+    start.RemoveAll();
     for (int i = 0; i < faceCount; i++) {
         int n;
         const int* corners = GetIndexes(static_cast<unsigned int>(faces[i]), n);
@@ -294,7 +299,6 @@ int CFaceList::GetFacesByOppositeEdges(CFaceGraphHelper& helper, int p1, int p2,
             sides[1].Insert(C3DEdge(p2, *third));
         start.Insert(faces[i]);
     }
-    CHashTable<int> across;
     for (const CHashTable<C3DEdge>& edges : sides)
         for (const C3DEdge& edge : edges) {
             GetFacesConnectedToPoints(across, edge.GetFirst(), edge.GetSecond(), CONNECT_BOTH, true);

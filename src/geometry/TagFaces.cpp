@@ -1,7 +1,7 @@
 // Flood fill over the faces of a list, breadth first.
 //
-// The tagger hears of every neighbour that no group has yet, as often as it is met. The queue takes each of them once: a second place
-// would find the face visited when its turn comes.
+// The tagger hears of every neighbour that no group has yet, as often as it is met. The queue takes each of them once:
+// a second place would find the face visited when its turn comes.
 
 #include "geometry/Edge.h"
 #include "geometry/FaceList.h"
@@ -66,7 +66,7 @@ void FaceFlood::Spread(int face)
             continue;
         for (const int neighbour : m_neighbours) {
             const unsigned int place = static_cast<unsigned int>(neighbour);
-            if (place >= m_queued.GetSize() || m_queued[place] || m_flags.IsDead(place))         // -1 too
+            if (place >= m_queued.GetSize() || m_queued[place] || m_flags.IsDead(place))      // -1 lies beyond
                 continue;
             m_queued.SetAt(place, true);
             m_queue.push_back(place);
@@ -74,7 +74,8 @@ void FaceFlood::Spread(int face)
     }
 }
 
-// Collects the neighbours at a corner that are in no group yet. False when there are none, or when the tagger refuses them.
+// Collects the neighbours at a corner that are in no group yet. False when there are none, or when the tagger refuses
+// them.
 bool FaceFlood::Ask(int face, int corner, int next)
 {
     C3DEdge edge(corner, next);

@@ -2,40 +2,44 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <type_traits>
 #include <vector>
 
 #include "tools/Hash.h"
+#include "tools/Memory.h"
 #include "tools/SimpleCollection.h"
 
 /// Map from a key to a list of values.
 ///
-/// Each key has an entry, numbered in the order in which the keys were first met; the values of all entries lie in one collection.
-/// The hash table over the keys holds entry numbers alone, four bytes a slot. Hashing, probing, growth and walks are those of
-/// tools/Hash.h, so that slot order is the same for the same keys in the same order. Keys are never removed one by one.
+/// Each key has an entry, numbered in the order in which the keys were first met; the values of all entries lie in one
+/// collection. The hash table over the keys holds entry numbers alone, four bytes a slot. Hashing, probing, growth and
+/// walks are those of tools/Hash.h, so that slot order is the same for the same keys in the same order. Keys are never
+/// removed one by one.
 ///
-/// `S` counts the values of an entry: with unsigned short an entry holds 65,535 of them, and what comes later is left out.
+/// `S` counts the values of an entry: with unsigned short an entry holds 65,535 of them, and what comes later is left
+/// out.
 template <class KEY, class VALUE, class S> class CAssociationMap {
 public:
     static constexpr unsigned int NO_ENTRY = 0xFFFFFFFF;
 
     CAssociationMap() = default;
 
-    /// Empties the map and makes room for `count` keys without growth. Entries will have room for `capacity` values.
+    /// Empties the map and makes room for `count` keys without growth. A new entry has room for `capacity` values.
     void Reserve(unsigned int count, unsigned int capacity)
     {
         RemoveAll();
-        const std::uint64_t slots = std::clamp<std::uint64_t>(std::uint64_t{2} * count + 1, 101, 0xFFFFFFF0);
-        InitSlots(NextPrime(static_cast<unsigned int>(slots)));
+        InitSlots(TableSize(std::uint64_t{2} * count + 1));
         m_keys.reserve(count);
         m_values.SetDefaultCapacity(capacity);
+        if (count && capacity)
+            m_values.ReserveCollection(count, std::uint64_t{count} * capacity - 1);
     }
     void RemoveAll()
     {
         m_slots = {};
         m_size = 0;
-        m_keys.clear();
+        m_keys = {};
         m_values.RemoveAll();
+        m_valueCount = 0;
     }
 
     unsigned int GetCount() const { return static_cast<unsigned int>(m_keys.size()); }
@@ -48,14 +52,21 @@ public:
     unsigned int Insert(const KEY& key)
     {
         if (m_size == 0)
-            InitSlots(NextPrime(101));
-        const unsigned int entry = InsertAt(key, Start(key));
-        if (entry == m_values.GetEntryCount())
-            m_values.AddEntry(m_values.GetDefaultCapacity());
-        return entry;
+            InitSlots(TableSize(0));
+        return InsertAt(key, Start(key));
     }
     /// Appends a value to the key's entry; false when the entry is full.
-    bool Add(const KEY& key, const VALUE& value) { return m_values.AddItem(Insert(key), value); }
+    bool Add(const KEY& key, const VALUE& value) { return AddValue(Insert(key), value); }
+    /// Add for each key, values[i] to keys[i], in order. For builds: the table, the keys and the entries are looked at
+    /// behind prefetches, a batch at a time, so that a table in memory of its own costs little more than one in the
+    /// cache.
+    void AddAll(const KEY* keys, const VALUE* values, unsigned int count)
+    {
+        if (m_size == 0)
+            InitSlots(TableSize(0));
+        for (unsigned int done = 0; done < count; done += BATCH)
+            AddBatch(keys + done, values + done, count - done < BATCH ? count - done : BATCH);
+    }
 
     const KEY& GetKey(unsigned int entry) const { return m_keys[entry]; }
     /// The values of an entry in place; null and 0 without any and for NO_ENTRY. They move when values are added.
@@ -78,51 +89,26 @@ public:
         return entry;
     }
 
-    // Bulk builds: insert all keys, lay the values out, push them.
-
-    /// Entries of `count` keys, new ones made in order. A table in memory of its own is probed a batch at a time, behind prefetches.
-    void InsertKeys(const KEY* keys, unsigned int count, unsigned int* entries)
-    {
-        constexpr unsigned int BATCH = 32;
-        if (m_size == 0)
-            InitSlots(NextPrime(101));
-        unsigned int starts[BATCH];
-        for (unsigned int done = 0; done < count; done += BATCH) {
-            const unsigned int batch = count - done < BATCH ? count - done : BATCH;
-            const unsigned int size = m_size;
-            for (unsigned int i = 0; i < batch; i++) {
-                starts[i] = Start(keys[done + i]);
-                __builtin_prefetch(&m_slots[starts[i]]);
-            }
-            for (unsigned int i = 0; i < batch; i++)
-                if (const unsigned int slot = m_slots[starts[i]])
-                    __builtin_prefetch(&m_keys[slot - 1]);
-            for (unsigned int i = 0; i < batch; i++)
-                entries[done + i] = InsertAt(keys[done + i], size == m_size ? starts[i] : Start(keys[done + i]));
-        }
-    }
-    /// Gives every entry room for exactly counts[entry] values; their values go.
-    void InitValues(std::vector<unsigned int> counts)
-    {
-        for (unsigned int& count : counts)
-            count = count < MAX_VALUES ? count : MAX_VALUES;
-        m_values.InitExact(static_cast<unsigned int>(counts.size()), counts.data());
-    }
-    /// Appends a value to an entry that has room; left out when it has none.
-    void PushValue(unsigned int entry, const VALUE& value)
-    {
-        if (m_values.GetItemCount(entry) < m_values.GetEntryCapacity(entry))
-            m_values.PushItem(entry, value);
-    }
-    /// Gives spare memory back; the slots stay.
+    /// Gives spare memory back; the slots stay. Entries close up where that saves memory: as long as all of them are of
+    /// one size their offsets take none, which is worth an unused value here and there.
     void FreeExtra()
     {
         m_keys.shrink_to_fit();
-        m_values.FreeExtra();
+        const std::uint64_t live = GetCount() * m_values.HEADER_SIZE + m_valueCount * sizeof(VALUE);
+        if (m_values.GetPoolUsed() - live >= std::uint64_t{GetCount()} * sizeof(std::uint32_t))
+            m_values.FreeExtra();
+        else
+            m_values.TrimPool();
+    }
+    /// Bytes on the heap.
+    std::uint64_t GetMemory() const
+    {
+        return m_slots.capacity() * sizeof(unsigned int) + m_keys.capacity() * sizeof(KEY) + m_values.GetMemory();
     }
 
 private:
-    static constexpr unsigned int MAX_VALUES = static_cast<S>(~S{0});
+    static constexpr unsigned int BATCH = 64;
+    static constexpr unsigned int MAX_SLOTS = 0xFFFFFFF0;
     static constexpr bool NARROW_HASH = requires(const KEY& key) { requires sizeof(key.GetHash()) == 4; };
 
     struct Place {
@@ -130,6 +116,32 @@ private:
         unsigned int entry;          ///< NO_ENTRY: the slot is free
     };
 
+    bool AddValue(unsigned int entry, const VALUE& value)
+    {
+        const bool added = m_values.AddItem(entry, value);
+        m_valueCount += added;
+        return added;
+    }
+    void AddBatch(const KEY* keys, const VALUE* values, unsigned int count)
+    {
+        unsigned int starts[BATCH];
+        for (unsigned int i = 0; i < count; i++) {
+            starts[i] = Start(keys[i]);
+            __builtin_prefetch(&m_slots[starts[i]], 1);
+        }
+        for (unsigned int i = 0; i < count; i++)
+            if (const unsigned int used = m_slots[starts[i]]) {
+                __builtin_prefetch(&m_keys[used - 1]);
+                m_values.Prefetch(used - 1);
+            }
+        const unsigned int size = m_size;
+        for (unsigned int i = 0; i < count; i++)
+            AddValue(InsertAt(keys[i], size == m_size ? starts[i] : Start(keys[i])), values[i]);
+    }
+    static unsigned int TableSize(std::uint64_t wanted)
+    {
+        return NextPrime(static_cast<unsigned int>(std::clamp<std::uint64_t>(wanted, 101, MAX_SLOTS)));
+    }
     void InitSlots(unsigned int size)
     {
         m_slots.assign(size, 0);
@@ -162,6 +174,7 @@ private:
             return place.entry;
         const unsigned int entry = GetCount();
         m_keys.push_back(key);
+        m_values.AddEntry(m_values.GetDefaultCapacity());
         m_slots[place.slot] = entry + 1;
         if (std::uint64_t{2} * m_keys.size() >= m_size)
             Rehash();
@@ -182,8 +195,8 @@ private:
     void Rehash()
     {
         const std::uint64_t six = std::uint64_t{6} * m_keys.size(), two = std::uint64_t{2} * m_size;
-        const std::vector<unsigned int> old = std::move(m_slots);
-        InitSlots(NextPrime(static_cast<unsigned int>(six < two ? six : two)));
+        const Block<unsigned int> old = std::move(m_slots);
+        InitSlots(TableSize(six < two ? six : two));
         for (const unsigned int entry : old) {
             if (entry == 0)
                 continue;
@@ -194,9 +207,12 @@ private:
         }
     }
 
-    std::vector<unsigned int> m_slots;                   // entry + 1; 0 is free
+    template <class T> using Block = std::vector<T, XBlockAllocator<T>>;
+
+    Block<unsigned int> m_slots;                         // entry + 1; 0 is free
     unsigned int m_size = 0;
     std::uint64_t m_inverse = 0;                         // 2^64 / size, rounded up
-    std::vector<KEY> m_keys;                             // by entry
+    Block<KEY> m_keys;                                   // by entry
     CSimpleCollection<VALUE, S> m_values;
+    std::uint64_t m_valueCount = 0;
 };

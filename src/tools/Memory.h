@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <new>
 
 #include "tools/Api.h"
 
@@ -17,3 +19,19 @@ ZEL_API void* XReallocBlock(void* block, std::size_t oldBytes, std::size_t bytes
 ZEL_API void XFreeBlock(void* block, std::size_t bytes);
 /// Gives the blocks that are kept for reuse back to the system.
 ZEL_API void XTrimBlocks();
+
+/// Gives containers their memory from these blocks.
+template <class T> struct XBlockAllocator {
+    using value_type = T;
+
+    XBlockAllocator() = default;
+    template <class U> XBlockAllocator(const XBlockAllocator<U>&) {}
+    T* allocate(std::size_t count)
+    {
+        if (count > SIZE_MAX / sizeof(T))
+            throw std::bad_array_new_length();
+        return static_cast<T*>(XAllocBlock(count * sizeof(T)));
+    }
+    void deallocate(T* block, std::size_t count) { XFreeBlock(block, count * sizeof(T)); }
+    bool operator==(const XBlockAllocator&) const { return true; }
+};

@@ -204,7 +204,8 @@ TEST(GraphQueries, EdgesAndLonelyFaces)
             const Ints& c = m.corners[static_cast<std::size_t>(face)];
             ASSERT_EQ(m.faces.IsIsolatedFace(face), std::all_of(c.begin(), c.end(), [&](int p) { return m.FacesOf(p).size() <= 1; }));
         }
-        ASSERT_TRUE(m.faces.IsIsolatedFace(m.FaceCount())) << "no corners, no neighbours";
+        ASSERT_FALSE(m.faces.IsIsolatedFace(m.FaceCount())) << "a query beyond the list answers empty";
+        ASSERT_FALSE(m.faces.IsIsolatedFace(-1));
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <random>
 
 #include "support/SlotOrder.h"
@@ -71,10 +72,14 @@ TEST(AssociationMap, KeysStandWhereTheRuleOfTheHashContainersPutsThem)
         Map bulk;
         if (reserve)
             bulk.Reserve(reserve, 1);
-        std::vector<unsigned int> entries(pairs.size());
-        bulk.InsertKeys(pairs.data(), static_cast<unsigned int>(pairs.size()), entries.data());
-        for (std::size_t i = 0; i < pairs.size(); i++)
-            ASSERT_EQ(entries[i], map.Find(pairs[i]));
+        std::vector<int> numbers(pairs.size());
+        std::iota(numbers.begin(), numbers.end(), 0);
+        bulk.AddAll(pairs.data(), numbers.data(), static_cast<unsigned int>(pairs.size()));
+        for (std::size_t i = 0; i < pairs.size(); i++) {
+            int count;
+            const int* values = bulk.GetValues(map.Find(pairs[i]), count);
+            ASSERT_TRUE(std::binary_search(values, values + count, numbers[i]));
+        }
         EXPECT_EQ(Walk(bulk), Walk(map)) << "a batch is entered as if one by one, growth in its middle included";
     }
 }
@@ -117,14 +122,47 @@ TEST(AssociationMap, AFullEntryLeavesLaterValuesOut)
     EXPECT_EQ(map.GetValueCount(0), 65535);
 
     CAssociationMap<int, int, unsigned short> bulk;
-    const int key = 3;
-    unsigned int entry;
-    bulk.InsertKeys(&key, 1, &entry);
-    bulk.InitValues({70000});
-    for (int i = 0; i < 70000; i++)
-        bulk.PushValue(entry, i);
+    const std::vector<int> keys(70000, 3);
+    std::vector<int> numbers(keys.size());
+    std::iota(numbers.begin(), numbers.end(), 0);
+    bulk.AddAll(keys.data(), numbers.data(), 70000);
     int count;
-    const int* values = bulk.GetValues(entry, count);
+    const int* values = bulk.GetValues(0, count);
     ASSERT_EQ(count, 65535);
     EXPECT_EQ(values[65534], 65534);
+}
+
+TEST(AssociationMap, SpareMemoryGoesBackAndEntriesCloseUpWhereThatSavesSome)
+{
+    // Two places an entry. With a few single values among pairs the offsets are worth more than the places; single values throughout,
+    // and entries that grew out of their place, close up.
+    struct {
+        const char* name;
+        int (*values)(int key);
+        std::uint64_t most;              // bytes of header and values a key, and of its offset
+    } const rows[] = {
+        {"pairs", [](int) { return 2; }, 12},
+        {"nearly all pairs", [](int key) { return key % 100 ? 2 : 1; }, 12},
+        {"single", [](int) { return 1; }, 8},
+        {"mixed", [](int key) { return key % 2 ? 1 : 9; }, 28},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        constexpr int COUNT = 1000;
+        Map map;
+        map.Reserve(2 * COUNT, 2);
+        for (int turn = 0; turn < 9; turn++)
+            for (int key = 0; key < COUNT; key++)
+                if (turn < row.values(key))
+                    map.Add(Pair(key, 7), 10 * key + turn);
+        map.FreeExtra();
+        for (int key = 0; key < COUNT; key++) {
+            int count;
+            const int* values = map.GetValues(map.Find(Pair(key, 7)), count);
+            ASSERT_EQ(count, row.values(key));
+            for (int turn = 0; turn < count; turn++)
+                ASSERT_EQ(values[turn], 10 * key + turn);
+        }
+        EXPECT_LE(map.GetMemory(), map.GetTableSize() * 4 + COUNT * (sizeof(Pair) + row.most));
+    }
 }
