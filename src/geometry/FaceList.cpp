@@ -469,20 +469,30 @@ std::uint64_t Mix(std::uint64_t key)
 
 }
 
+// Each step of the sum shifts it by four bits, so that the last eight corners are all that it still holds.
+unsigned int CFaceList::GetCornerChecksum() const
+{
+    constexpr int held = 8;
+    unsigned int last[held];
+    int found = 0;
+    const CFaceFlags flags(*this);
+    for (int i = m_size - 1; i >= 0 && found < held; i--) {
+        if (flags.IsDead(i))
+            continue;
+        int count;
+        const int* indexes = GetIndexes(i, count);
+        for (int k = count - 1; k >= 0 && found < held; k--)
+            last[found++] = static_cast<unsigned int>(indexes[k]);
+    }
+    unsigned int sum = 0;
+    while (found > 0)
+        sum = (sum + last[--found]) * 16;
+    return sum;
+}
+
 unsigned int CFaceList::GetChecksum(unsigned int mask) const
 {
-    unsigned int sum = 0;
-    if (mask & 4) {
-        const CFaceFlags flags(*this);
-        for (int i = 0; i < m_size; i++) {
-            if (flags.IsDead(i))
-                continue;
-            int count;
-            const int* indexes = GetIndexes(i, count);
-            for (int k = 0; k < count; k++)
-                sum = (sum + static_cast<unsigned int>(indexes[k])) * 16;
-        }
-    }
+    unsigned int sum = mask & 4 ? GetCornerChecksum() : 0;
     if (mask & 8) {
         for (unsigned int pos = m_chunks.GetFirstChunk(), id; pos != HASH_END;) {
             const CElementArray* array = m_chunks.GetNextChunk(pos, id);

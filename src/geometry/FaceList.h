@@ -321,6 +321,7 @@ protected:
     CDataChunk m_chunks;
 
 private:
+    unsigned int GetCornerChecksum() const;
     bool PrepareAppend(int count);
     void FinishAppend(int count);
     void ClearCorners(unsigned int first, unsigned int end);
