@@ -54,6 +54,22 @@ TEST(CreateFromArrays, EmptyAndBrokenInput)
     }
 }
 
+TEST(CreateFromArrays, TakesNoMoreMemoryThanItNeeds)
+{
+    // n triangles over n / 2 points: 40 bytes a triangle, that is 24 a point, 8 for flags and material, 20 for corners.
+    constexpr int TRIANGLES = 3000;
+    const std::vector<float> points(3 * TRIANGLES / 2);
+    const std::vector<int> corners(3 * TRIANGLES, 7);
+    const CRef<C3DObject> object(CreateObjectFromArrays(points.data(), points.size() * 4, corners.data(), corners.size() * 4, nullptr, 0));
+    const C3DFaceList& faces = *object->GetFaceList();
+    EXPECT_EQ(object->GetPointList()->GetCapacity(), TRIANGLES / 2);
+    EXPECT_EQ(object->GetPointList()->GetStride(), 24u);
+    EXPECT_LE(faces.GetIndexMemory(), 20u * TRIANGLES);
+    EXPECT_EQ(faces.GetDataChunkNbr(), 1u);
+    EXPECT_EQ(faces.GetDataChunks().GetMainArray()->GetCapacity(), TRIANGLES);
+    EXPECT_EQ(faces.GetDataChunks().GetMainArray()->GetStride(), 8u);
+}
+
 TEST(CreateFromArrays, InitMakesRoomForATextureChannel)
 {
     const CRef<C3DObject> object(new C3DObject);

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "channels/DependentChannels.h"
+#include "channels/FaceNormalChannel.h"
+#include "channels/PointNormalChannel.h"
+#include "geometry/3DVectorList.h"
 #include "scene/Camera.h"
 #include "scene/Curve.h"
 #include "scene/Dummy.h"
@@ -129,6 +132,23 @@ TEST(ObjectUpdate, GeometryReportsReachTheListsAndTheNormals)
             EXPECT_NE(object->GetChannelByIndex(0, CHANNEL_UVW, true), nullptr);
         }
     }
+}
+
+TEST(ObjectUpdate, NormalsAreMadeOnDemandAndFollowAChange)
+{
+    const CRef<C3DObject> object(CreateSquare());
+    CFaceNormalChannel* faces = object->GetFaceNormalChannel();
+    CPointNormalChannel* corners = object->GetPointNormalChannel();
+    ASSERT_TRUE(faces && corners);
+    EXPECT_EQ(object->GetFaceNormalChannel(), faces);
+    EXPECT_EQ(Values(*faces->GetNormalVectorList()->ElementAt(1)), (std::vector<float>{0, 0, 1}));
+    EXPECT_FALSE(corners->IsFlagSet(CHANNEL_STALE));
+    EXPECT_TRUE(object->FlipNormals());                      // drops both
+    EXPECT_EQ(object->GetChannels()->GetSize(), 0);
+    EXPECT_EQ(Values(*object->GetFaceNormalChannel()->GetNormalVectorList()->ElementAt(1)), (std::vector<float>{0, 0, -1}));
+    const CRef<C3DCurve> curve(new C3DCurve);
+    EXPECT_EQ(curve->GetFaceNormalChannel(), nullptr);
+    EXPECT_EQ(curve->GetPointNormalChannel(), nullptr);
 }
 
 TEST(ObjectUpdate, NewListsAreReportedAndTheOldOnesReleased)
