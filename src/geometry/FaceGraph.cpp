@@ -16,6 +16,7 @@
 #include "geometry/GeomInfo.h"
 #include "geometry/PointList.h"
 #include "tools/AssociationMap.h"
+#include "tools/Memory.h"
 
 namespace {
 
@@ -142,6 +143,22 @@ void CFaceList::DropGraphs()
 
 // --- Build -----------------------------------------------------------------------------------------------------------
 
+// Count, lay out, fill. PLACE counts the items of the pool.
+template <class PLACE> static void BuildPointGraph(const CFaceList& faces, unsigned int pointCount, CFaceList::PointGraph& graph)
+{
+    std::vector<PLACE, XBlockAllocator<PLACE>> table(pointCount, 0);
+    PLACE* const byPoint = table.data();                 // the number of its faces, then the place of its next one
+    DistinctCorners distinct(pointCount);
+    ForEachLiveFace(faces, [&](const int* corners, int count, int face) {
+        distinct.Visit(corners, count, face, [&](int point) { byPoint[point]++; });
+    });
+    int* const pool = graph.InitPlaces(pointCount, byPoint);
+    distinct = DistinctCorners(pointCount);
+    ForEachLiveFace(faces, [&](const int* corners, int count, int face) {
+        distinct.Visit(corners, count, face, [&](int point) { pool[byPoint[point]++] = face; });
+    });
+}
+
 void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
 {
     m_pointGraph.RemoveAll();
@@ -149,33 +166,11 @@ void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
     if (!points || m_size == 0)
         return;
     const unsigned int pointCount = static_cast<unsigned int>(points->GetSize());
-    DistinctCorners distinct(pointCount);
-    std::vector<unsigned int> faceCounts(pointCount, 0);
-    ForEachLiveFace(*this, [&](const int* corners, int count, int face) {
-        distinct.Visit(corners, count, face, [&](int point) { faceCounts[static_cast<unsigned int>(point)]++; });
-    });
-    m_pointGraph.InitExact(pointCount, faceCounts.data());
-
-    constexpr unsigned int BATCH = 64;                   // entries brought into the cache together
-    struct {
-        int point, face;
-    } batch[BATCH];
-    unsigned int pending = 0;
-    const auto flush = [&] {
-        for (unsigned int i = 0; i < pending; i++)
-            m_pointGraph.PushItem(static_cast<unsigned int>(batch[i].point), batch[i].face);
-        pending = 0;
-    };
-    distinct = DistinctCorners(pointCount);
-    ForEachLiveFace(*this, [&](const int* corners, int count, int face) {
-        distinct.Visit(corners, count, face, [&](int point) {
-            m_pointGraph.Prefetch(static_cast<unsigned int>(point));
-            batch[pending] = {point, face};
-            if (++pending == BATCH)
-                flush();
-        });
-    });
-    flush();
+    const std::uint64_t mostItems = m_indexes.GetPoolUsed() / sizeof(int) + std::uint64_t{pointCount} * PointGraph::HEADER_ITEMS;
+    if (mostItems <= 0xFFFFFFFF)
+        BuildPointGraph<std::uint32_t>(*this, pointCount, m_pointGraph);
+    else
+        BuildPointGraph<std::uint64_t>(*this, pointCount, m_pointGraph);
 }
 
 void CFaceList::CreateEdgeToFaceGraph()

@@ -34,6 +34,7 @@ public:
     using Item = T;
     static constexpr unsigned int MAX_ITEMS = std::numeric_limits<S>::max();
     static constexpr std::size_t HEADER_SIZE = 2 * sizeof(S);
+    static constexpr std::size_t HEADER_ITEMS = HEADER_SIZE / sizeof(T);         ///< see InitPlaces
 
     /// Options of SetCollectionSize.
     enum : unsigned int {
@@ -175,12 +176,6 @@ public:
         ItemsOf(header)[count] = copy;
         header->count = static_cast<S>(count + 1);
         return true;
-    }
-    /// Appends to an entry that has room, without looking: for fills with known capacities.
-    void PushItem(unsigned int entry, const T& item)
-    {
-        Header* header = HeaderAt(entry);
-        ItemsOf(header)[header->count++] = item;
     }
     /// Removes one item; the later ones move down. False out of range.
     bool RemoveItem(unsigned int entry, unsigned int index)
@@ -365,15 +360,32 @@ public:
         return true;
     }
 
-    /// Replaces everything by `count` empty entries, entry k with room for exactly `capacities[k]` items, side by side
-    /// without margin. For two-pass builds: count, lay out, PushItem. False, with nothing changed, above MAX_ITEMS.
-    bool InitExact(unsigned int count, const unsigned int* capacities)
+    /// Replaces everything by `count` entries with exactly sizes[k] items each, side by side without margin, and turns
+    /// sizes[k] into the place of entry k's first item in the pool that it returns. The items are undefined until the
+    /// caller has written each. For two-pass builds in any order: count, InitPlaces, then `pool[place[k]++] = item`, which
+    /// never waits for the entry to come from memory. Null, with nothing changed, above MAX_ITEMS.
+    ///
+    /// PLACE is wide enough for the sum of all sizes and of HEADER_ITEMS an entry.
+    template <class PLACE> T* InitPlaces(unsigned int count, PLACE* sizes)
     {
-        for (unsigned int k = 0; k < count; k++)
-            if (capacities[k] > MAX_ITEMS)
-                return false;
+        static_assert(HEADER_SIZE % sizeof(T) == 0);
+        std::uint64_t bytes = 0;
+        for (unsigned int k = 0; k < count; k++) {
+            if (sizes[k] > MAX_ITEMS)
+                return nullptr;
+            bytes += EntryBytes(sizes[k]);
+        }
         RemoveAll();
-        return SetCollectionSize(count, 0, ENTRIES_EMPTY | ESTIMATE_ADDED | NO_MARGIN, capacities);
+        SetPoolCapacity(bytes);
+        m_offsets.PreAllocate(count);
+        for (unsigned int k = 0; k < count; k++) {
+            const unsigned int size = static_cast<unsigned int>(sizes[k]);
+            const std::uint64_t offset = OpenEntry(size, size);
+            m_offsets.Append(offset);
+            sizes[k] = static_cast<PLACE>(offset / sizeof(T) + HEADER_ITEMS);
+        }
+        m_entryCount = count;
+        return reinterpret_cast<T*>(m_pool);
     }
 
     /// Puts the entry of source[i] at i, for a permutation of the first `count` entries; later entries are dropped. The

@@ -95,7 +95,6 @@ TEST(SimpleCollection, RefusesMoreItemsThanTheCountHolds)
     EXPECT_FALSE(collection.AppendEntries(1, 65536, [](int*, unsigned int) {}));
     const unsigned int tooLarge = 70000;
     EXPECT_FALSE(collection.AppendEntries(1, &tooLarge, [](int*, unsigned int) {}));
-    EXPECT_FALSE(collection.InitExact(1, &tooLarge));
     EXPECT_EQ(collection.AddEntry(70000), 0xFFFFFFFF);
     EXPECT_EQ(collection.GetEntryCount(), 1u);
     EXPECT_EQ(collection.GetPoolUsed(), used);
@@ -136,10 +135,43 @@ TEST(SimpleCollection, KeepsTheMarginsOfItsModes)
     EXPECT_EQ(reserved.GetPoolCapacity(), 250u);
     EXPECT_EQ(reserved.GetEntryCount(), 0u);
     const unsigned int capacities[] = {2, 0, 5};
-    reserved.InitExact(3, capacities);
+    reserved.RemoveAll();
+    reserved.SetCollectionSize(3, 0, EXACT, capacities);
     EXPECT_EQ(reserved.GetPoolCapacity(), 40u);
     EXPECT_EQ(reserved.GetEntryCapacity(2), 5u);
     EXPECT_EQ(reserved.GetItemCount(2), 0u);
+}
+
+TEST(SimpleCollection, FillsPlacesInAnyOrder)
+{
+    // Faults in mind: a place on a header; an empty entry shifts those behind it; counts of 64 bits cut to 32; capacities that the
+    // next item by item does not find.
+    const auto check = [](auto sizes) {
+        Collection collection;
+        Fill(collection, {{7, 7, 7}});
+        int* const pool = collection.InitPlaces(4, sizes);
+        ASSERT_TRUE(pool);
+        const int entries[] = {3, 0, 3, 2, 0};
+        for (int i = 0; i < 5; i++)
+            pool[sizes[entries[i]]++] = 10 + i;
+        EXPECT_EQ(Contents(collection), (Lists{{11, 14}, {}, {13}, {10, 12}}));
+        EXPECT_EQ(collection.GetPoolUsed(), 36u);
+        EXPECT_EQ(collection.GetPoolCapacity(), 36u);
+        CheckLayout(collection);
+        EXPECT_TRUE(collection.AddItem(1, 5));
+        EXPECT_EQ(Contents(collection), (Lists{{11, 14}, {5}, {13}, {10, 12}}));
+    };
+    unsigned int narrow[] = {2, 0, 1, 2};
+    std::uint64_t wide[] = {2, 0, 1, 2};
+    check(narrow);
+    check(wide);
+
+    Collection refused;
+    Fill(refused, {{1}});
+    unsigned int tooLarge[] = {1, 65536};
+    EXPECT_EQ(refused.InitPlaces(2, tooLarge), nullptr);
+    EXPECT_EQ(Contents(refused), (Lists{{1}}));
+    EXPECT_EQ(tooLarge[0], 1u);
 }
 
 TEST(SimpleCollection, AppendsAnotherOrItself)
