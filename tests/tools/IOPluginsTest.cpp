@@ -189,8 +189,10 @@ TEST_F(IOPlugins, AreLookedForInTheFoldersOfTheEnvironment)
     std::filesystem::copy_file(m_folder.Name("zel-io-good.so"), other.Name("zel-io-good.so"));
     std::filesystem::copy_file(std::string(TEST_PLUGINS) + "/zel-io-second.so", other.Name("zel-io-second.so"));
     const ScopedVariable path("ZEL_PLUGIN_PATH", ":" + m_folder.Name() + "::/none:" + other.Name());
-    EXPECT_EQ(RegisterIOPlugins(FILE_FAMILY_3D, L""), 2);          // the first "good" counts
-    EXPECT_EQ(GetIOPlugins()[0].path, m_folder.Wide("zel-io-good.so").Str().c_str());
+    ASSERT_GE(RegisterIOPlugins(FILE_FAMILY_3D, L""), 2);          // and those that the build has made already
+    const std::vector<CIoPluginInfo> plugins = GetIOPlugins();
+    EXPECT_EQ(plugins[0].path, m_folder.Wide("zel-io-good.so"));   // the first "good" counts
+    EXPECT_EQ(plugins[1].path, other.Wide("zel-io-second.so"));
 }
 
 TEST_F(IOPlugins, CanBePartOfTheProgram)
