@@ -126,20 +126,20 @@ void CChannel::CreateGraph(const CGeomInfo* info)
 
     const unsigned int pointCount = points->GetSize();
     const CCornerWalk walk(*geometry, pointCount, *this);
-    std::vector<unsigned int>& next = m_graph->starts;       // counts first, then the place of the next item
-    std::vector<int> references(pointCount, 0);
-    next.assign(pointCount + 1, 0);
+    m_graph->starts = CBlock<unsigned int>(pointCount + 1, 0);
+    unsigned int* next = m_graph->starts.GetData();          // counts first, then the place of the next item
+    CBlock<int> references(pointCount, 0);
     walk.Run([&](int point) { references[point]++; }, [&](int point, int, int) { next[point]++; });
 
     unsigned int size = 0;
-    for (unsigned int& entry : next) {
-        const unsigned int length = entry ? entry + 1 : 0;
-        entry = size;
+    for (unsigned int point = 0; point <= pointCount; point++) {
+        const unsigned int length = next[point] ? next[point] + 1 : 0;
+        next[point] = size;
         size += length;
     }
 
-    m_graph->items.resize(size);
-    _ChannelConnectionInfo* items = m_graph->items.data();
+    m_graph->items = CBlock<_ChannelConnectionInfo>(size);
+    _ChannelConnectionInfo* items = m_graph->items.GetData();
     for (unsigned int point = 0; point < pointCount; point++)
         if (next[point] != next[point + 1])
             items[next[point]++] = {-1, references[point]};
@@ -153,12 +153,12 @@ void CChannel::CreateGraph(const CGeomInfo* info)
 _ChannelConnectionInfo* CChannel::GetChannelPointsConnectedToPoint(int point, int& count, int& references)
 {
     count = references = 0;
-    if (!m_graph || point < 0 || static_cast<std::size_t>(point) + 1 >= m_graph->starts.size())
+    if (!m_graph || point < 0 || static_cast<std::size_t>(point) + 1 >= m_graph->starts.GetSize())
         return nullptr;
     const unsigned int start = m_graph->starts[point], end = m_graph->starts[point + 1];
     if (start == end)
         return nullptr;
-    _ChannelConnectionInfo* entry = m_graph->items.data() + start;
+    _ChannelConnectionInfo* entry = m_graph->items.GetData() + start;
     references = entry->face;
     count = static_cast<int>(end - start) - 1;
     return entry + 1;

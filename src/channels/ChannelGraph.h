@@ -1,7 +1,6 @@
 #pragma once
 
-#include <vector>
-
+#include "channels/Block.h"
 #include "channels/Channel.h"
 
 /// Geometry point -> channel points. The entry of point p are the items from starts[p] up to starts[p + 1].
@@ -9,6 +8,6 @@
 /// An entry that holds anything begins with a header {-1, number of corners that geometry faces have at the point}. Counts
 /// have 32 bits: the hub of a large fan holds more corners than 16 bits can count.
 struct CChannel::Graph {
-    std::vector<unsigned int> starts;
-    std::vector<_ChannelConnectionInfo> items;
+    CBlock<unsigned int> starts;
+    CBlock<_ChannelConnectionInfo> items;
 };

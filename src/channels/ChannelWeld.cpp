@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "channels/Block.h"
 #include "channels/Channel.h"
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
@@ -36,9 +37,9 @@ public:
 
     bool HasJoined() const { return m_joined; }
     /// Old channel point -> the one that stands for it; 0xFFFFFFFF where it stays.
-    const std::vector<unsigned int>& Finish()
+    const CBlock<unsigned int>& Finish()
     {
-        for (unsigned int i = 0; i < m_map.size(); i++)
+        for (unsigned int i = 0; i < m_map.GetSize(); i++)
             if (m_map[i] != NONE)
                 m_map[i] = Root(i);
         return m_map;
@@ -53,7 +54,7 @@ private:
     {
         m_candidates.clear();
         for (int i = 0; i < count; i++) {
-            if (static_cast<unsigned int>(items[i].channelPoint) >= m_map.size())
+            if (static_cast<unsigned int>(items[i].channelPoint) >= m_map.GetSize())
                 continue;                                    // a shared graph may be older than the point list
             const unsigned int point = Root(items[i].channelPoint);
             if (m_met[point] == geometryPoint || Point(point)->IsOneFlagSet(POINT_INVALID | POINT_UNSET))
@@ -135,8 +136,8 @@ private:
     const CPointList& m_points;
     const double m_tolerance;
     bool m_joined = false;
-    std::vector<unsigned int> m_map;
-    std::vector<unsigned int> m_met;                         ///< the geometry point that met a channel point last
+    CBlock<unsigned int> m_map;
+    CBlock<unsigned int> m_met;                              ///< the geometry point that met a channel point last
     std::vector<unsigned int> m_candidates;
     std::vector<unsigned int> m_table;
 };
@@ -160,8 +161,8 @@ bool CChannel::Weld(const CGeomInfo* info, double tolerance)
             weld.Join(point, items, count);
     }
     if (weld.HasJoined()) {
-        const std::vector<unsigned int>& map = weld.Finish();
-        m_faceList->UpdateIndex(map.data(), static_cast<unsigned int>(map.size()), false);
+        const CBlock<unsigned int>& map = weld.Finish();
+        m_faceList->UpdateIndex(map.GetData(), static_cast<unsigned int>(map.GetSize()), false);
         m_faceList->SetFlag(FACELIST_CHANGED, true);
         Clean(info, nullptr, nullptr);
     }

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <vector>
 
+#include "channels/Block.h"
 #include "channels/DependentChannels.h"
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
@@ -118,16 +119,15 @@ bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
     if (runs.GetKept() == static_cast<unsigned int>(m_size))
         return false;
 
-    std::vector<unsigned int> map(m_size);
-    runs.FillMap(map.data(), m_size);
-    if (faceMap) {
+    CBlock<unsigned int> own(faceMap ? 0 : m_size);
+    if (faceMap)
         faceMap->SetSize(m_size);
-        std::copy(map.begin(), map.end(), faceMap->GetData());
-    }
+    unsigned int* map = faceMap ? faceMap->GetData() : own.GetData();
+    runs.FillMap(map, m_size);
     if (runs.GetKept() == 0)
         RemoveAll();
     else
-        CompressFaces(map.data(), runs.GetKept());
+        CompressFaces(map, runs.GetKept());
     SetFlag(FACELIST_CHANGED, true);
     return true;
 }
