@@ -18,7 +18,10 @@ public:
     unsigned int GetSizeof() const override { return 24; }
     unsigned int GetType() const override { return 1; }
     unsigned int GetBaseType() const override { return 1; }
-    void ConstructElement(void* element) const override { std::fill_n(static_cast<unsigned char*>(element), 24, static_cast<unsigned char>(7)); }
+    void ConstructElement(void* element) const override
+    {
+        std::fill_n(static_cast<unsigned char*>(element), 24, static_cast<unsigned char>(7));
+    }
 };
 ZEL_IMPLEMENT_CREATABLE(CBenchPointMethods, CElementMethods)
 

@@ -10,8 +10,7 @@
 // Lists of triangles from 10,000 to 4 million. Watch: ns a face stays flat; AppendFaces near 10 and below, SetTriangle
 // within twice that; reordering a shuffled list within a few times the flip.
 
-namespace
-{
+namespace {
 
 C3DFaceList* Triangles(int count)
 {

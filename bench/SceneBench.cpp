@@ -32,7 +32,8 @@ struct Grid {
     }
     C3DObject* Create() const
     {
-        return CreateObjectFromArrays(points.data(), points.size() * sizeof(float), triangles.data(), triangles.size() * sizeof(int), nullptr, 0);
+        return CreateObjectFromArrays(points.data(), points.size() * sizeof(float), triangles.data(), triangles.size() * sizeof(int),
+                                      nullptr, 0);
     }
 };
 

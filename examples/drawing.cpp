@@ -132,7 +132,8 @@ std::vector<Shape> PlaceShapes(const C3DScene& scene)
         }
         shapes.push_back(shape);
     }
-    const float scale = std::min((WIDTH - 2 * MARGIN) / std::max(max.x - min.x, 1e-9f), (HEIGHT - 2 * MARGIN) / std::max(max.y - min.y, 1e-9f));
+    const float scale =
+        std::min((WIDTH - 2 * MARGIN) / std::max(max.x - min.x, 1e-9f), (HEIGHT - 2 * MARGIN) / std::max(max.y - min.y, 1e-9f));
     C4x4TMatrix<float> fit;
     for (int i = 0; i < 3; i++)
         fit.m[i][i] = scale;
@@ -187,7 +188,7 @@ void DrawShape(const Shape& shape, Canvas& canvas)
         }
         const C3DTVector<double> normal = NormalOf(corners);
         const double length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
-        if (std::fabs(normal.z) > 1e-9 * length)         // not seen edge on
+        if (std::fabs(normal.z) > 1e-9 * length)    // not seen edge on
             canvas.Fill(corners, normal, Shade(normal, length, faces.GetFaceMaterial(i)));
     }
 }
@@ -215,7 +216,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: drawing FILE PICTURE.png\n");
         return 2;
     }
-    Init3DZel(1);                                    // no viewer commands
+    Init3DZel(1);    // no viewer commands
     const int result = Draw(argv[1], argv[2]);
     Close3DZel(0);
     return result;

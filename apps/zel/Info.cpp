@@ -64,7 +64,8 @@ std::optional<FileInfo> ReadFile(const Console& console, const std::string& file
     const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
     CFileExt format;
     fileGetExtensionInfo(io.GetClass(), &format);
-    return FileInfo{file, WideToUtf8(fileGetClassText(io.GetClass())), WideToUtf8(format.description), elapsed.count(), SceneSummary(*scene)};
+    return FileInfo{file, WideToUtf8(fileGetClassText(io.GetClass())), WideToUtf8(format.description), elapsed.count(),
+                    SceneSummary(*scene)};
 }
 
 Json ToJson(const C3DTPoint<float>& point) { return {point.x, point.y, point.z}; }
@@ -76,7 +77,7 @@ Json ToJson(const FileInfo& info)
     Json byKind = Json::object();
     for (const auto& [kind, count] : summary.nodesByKind)
         byKind[GetKindName(kind)] = count;
-    Json bounds;                                     // null without geometry
+    Json bounds;    // null without geometry
     if (summary.hasBounds)
         bounds = {{"min", ToJson(summary.min)}, {"max", ToJson(summary.max)}};
     return {
@@ -132,7 +133,8 @@ void Print(const Console& console, const FileInfo& info)
     line("objects", number(summary.objects) + (summary.instances ? ", shown " + number(summary.instances) + " more times" : ""));
     line("points", drawn(summary.points, summary.storedPoints));
     line("faces", drawn(summary.faces, summary.storedFaces));
-    line("", number(summary.triangles) + " triangles, " + number(summary.quads) + " quadrangles, " + number(summary.largerFaces) + " larger");
+    line("",
+         number(summary.triangles) + " triangles, " + number(summary.quads) + " quadrangles, " + number(summary.largerFaces) + " larger");
     line("materials", number(summary.materials));
     if (summary.hasBounds)
         line("bounds", Text(summary.min) + " to " + Text(summary.max));

@@ -28,7 +28,7 @@ private:
 
 void OnInterrupt(int)
 {
-    _exit(EXIT_INTERRUPTED);                         // nothing that is read needs tidying up
+    _exit(EXIT_INTERRUPTED);    // nothing that is read needs tidying up
 }
 
 }

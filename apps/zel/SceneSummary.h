@@ -11,15 +11,15 @@ struct SceneSummary {
 
     std::uint64_t nodes = 0;
     std::uint64_t objects = 0;
-    std::uint64_t instances = 0;                     ///< nodes that show an object which an earlier node shows too
+    std::uint64_t instances = 0;    ///< nodes that show an object which an earlier node shows too
     std::map<_OBJECT_KINDOF, std::uint64_t> nodesByKind;
     std::uint64_t points = 0, faces = 0;
     std::uint64_t storedPoints = 0, storedFaces = 0, storedCorners = 0;
-    std::uint64_t triangles = 0, quads = 0, largerFaces = 0;             ///< stored
-    std::uint64_t uvwChannels = 0, colourChannels = 0, weightChannels = 0, specifiedNormalChannels = 0;   ///< stored
+    std::uint64_t triangles = 0, quads = 0, largerFaces = 0;                                               ///< stored
+    std::uint64_t uvwChannels = 0, colourChannels = 0, weightChannels = 0, specifiedNormalChannels = 0;    ///< stored
     std::uint64_t materials = 0;
     bool hasBounds = false;
-    C3DTPoint<float> min, max;                       ///< of what is drawn, in scene space
+    C3DTPoint<float> min, max;    ///< of what is drawn, in scene space
 
 private:
     void CountNode(C3DSceneNode& node);

@@ -41,9 +41,9 @@ private:
 
 void SetUp(Assimp::Importer& importer)
 {
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);              // no made-up geometry for bare skeletons
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);            // no helper nodes
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);       // names, not ids
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);           // no made-up geometry for bare skeletons
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);         // no helper nodes
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);    // names, not ids
 }
 
 }
@@ -76,10 +76,10 @@ C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOption
             scene = ImportScene(*source, GetFormatTraits(m_fileClass), CFileNameSpec(path).GetTitle(), options);
         else
             reason = Utf8ToWide(importer.GetErrorString());
-    } catch (const std::exception& error) {              // the library's own, such as a file that is too large for it
+    } catch (const std::exception& error) {    // the library's own, such as a file that is too large for it
         reason = Utf8ToWide(error.what());
     }
-    importer.SetProgressHandler(nullptr);                // the bridge is not the library's to delete
+    importer.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
     if (!reason.IsEmpty())
         options.AddLogInfo(IoLogInfo::FAILURE, reason);
     return scene;

@@ -15,8 +15,8 @@ struct {
     const char* extension;
     unsigned int fileClass;
 } const s_classes[] = {
-    {"md5anim", FourCC("MD5A")},   {"md5camera", FourCC("MD5C")}, {"md5mesh", FourCC("MD5M")}, {"mesh.xml", FourCC("MXML")},
-    {"irrmesh", FourCC("IRRM")},   {"ifczip", FourCC("IFCZ")},    {"assbin", FourCC("ASSB")},  {"x3db", FourCC("X3DB")},
+    {"md5anim", FourCC("MD5A")}, {"md5camera", FourCC("MD5C")}, {"md5mesh", FourCC("MD5M")}, {"mesh.xml", FourCC("MXML")},
+    {"irrmesh", FourCC("IRRM")}, {"ifczip", FourCC("IFCZ")},    {"assbin", FourCC("ASSB")},  {"x3db", FourCC("X3DB")},
 };
 
 unsigned int ClassOf(const std::string& extension)
@@ -63,12 +63,10 @@ FormatTraits GetFormatTraits(unsigned int fileClass)
     case FourCC("PLY "):
     case FourCC("OFF "):
         traits.yUp = false;
-        traits.joinPoints = false;                   // the file's own indices come through
+        traits.joinPoints = false;    // the file's own indices come through
         break;
     case FourCC("STL "):
-    case FourCC("RAW "):
-        traits.yUp = false;
-        break;
+    case FourCC("RAW "): traits.yUp = false; break;
     case FourCC("GLTF"):
     case FourCC("GLB "):
         traits.realRoot = true;
@@ -77,16 +75,13 @@ FormatTraits GetFormatTraits(unsigned int fileClass)
         break;
     case FourCC("DAE "):
     case FourCC("ZAE "):
-        traits.unit = UNIT_METER;                    // the importer scales to it
+        traits.unit = UNIT_METER;    // the importer scales to it
         traits.centimetres = 100;
         break;
     case FourCC("X   "):
     case FourCC("IFC "):
-    case FourCC("IFCZ"):
-        traits.realRoot = true;
-        break;
-    default:
-        break;
+    case FourCC("IFCZ"): traits.realRoot = true; break;
+    default: break;
     }
     return traits;
 }

@@ -59,12 +59,12 @@ private:
     const std::vector<const aiMesh*>& m_meshes;
     const std::vector<unsigned int>& m_materialIds;
     CSceneImportOptions& m_options;
-    std::size_t m_faceCount = 0;         // polygons that can be taken over
+    std::size_t m_faceCount = 0;    // polygons that can be taken over
     std::size_t m_vertexCount = 0;
     std::size_t m_refused = 0;
-    unsigned int m_smallest = ~0u;       // corners of the smallest and of the largest face
+    unsigned int m_smallest = ~0u;    // corners of the smallest and of the largest face
     unsigned int m_largest = 0;
-    std::vector<int> m_numbers;          // point of each vertex of all meshes; empty when it is its own number
+    std::vector<int> m_numbers;    // point of each vertex of all meshes; empty when it is its own number
 };
 
 void MeshBuilder::CountFaces()

@@ -19,8 +19,7 @@ bool operator==(const Position& a, const Position& b) { return a.x == b.x && a.y
 
 }
 
-PointJoin::PointJoin(std::size_t expected)
-    : m_slots(std::bit_ceil(std::max<std::size_t>(2 * expected, 64))), m_mask(m_slots.size() - 1)
+PointJoin::PointJoin(std::size_t expected) : m_slots(std::bit_ceil(std::max<std::size_t>(2 * expected, 64))), m_mask(m_slots.size() - 1)
 {
     m_positions.reserve(expected);
 }

@@ -29,7 +29,7 @@ private:
     int Find(const Position& position, std::size_t slot);
     void Grow();
 
-    std::vector<int> m_slots;            ///< number + 1; 0 is free
+    std::vector<int> m_slots;    ///< number + 1; 0 is free
     std::size_t m_mask;
     std::vector<Position> m_positions;
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double TEXT_VALUE = 2;         // bytes of the shortest value: a digit and what separates it from the next
+constexpr double TEXT_VALUE = 2;    // bytes of the shortest value: a digit and what separates it from the next
 
 // Least size of the content of an OFF file: three values a point.
 double LeastOffContent(std::istream& file)
@@ -60,7 +60,7 @@ bool EndsBeforeItsContent(unsigned int fileClass, const std::string& path)
         return false;
     const double least = fileClass == FourCC("OFF ") ? LeastOffContent(file) : LeastPlyContent(file);
     if (!file)
-        return false;                                    // no end of the head: the importer says what is wrong
+        return false;    // no end of the head: the importer says what is wrong
     const double left = static_cast<double>(size) - static_cast<double>(file.tellg());
-    return least > left + 1;                             // the last value may go without a separator
+    return least > left + 1;    // the last value may go without a separator
 }

@@ -62,8 +62,8 @@ private:
     const CXTString<wchar_t>& m_title;
     CSceneImportOptions& m_options;
     C3DScene* m_scene;
-    std::vector<unsigned int> m_materialIds;                             // by the library's index
-    std::map<std::vector<unsigned int>, C3DBaseObject*> m_objects;       // by the meshes that they were made of
+    std::vector<unsigned int> m_materialIds;                          // by the library's index
+    std::map<std::vector<unsigned int>, C3DBaseObject*> m_objects;    // by the meshes that they were made of
 };
 
 void SceneBuilder::TakeUnit()
@@ -84,7 +84,7 @@ void SceneBuilder::TakeMaterials()
     for (unsigned int i = 0; i < m_source.mNumMaterials; i++) {
         const aiString name = m_source.mMaterials[i]->GetName();
         if (name == aiString(AI_DEFAULT_MATERIAL_NAME))
-            continue;                                                    // no material in the file: the default one, id 0
+            continue;    // no material in the file: the default one, id 0
         C3DMaterial* material = m_scene->GetMaterialList().CreateNewMaterial(0xFFFFFFFF);
         material->SetName(Utf8ToWide(name.C_Str()));
         m_materialIds[i] = material->GetMaterialID();
@@ -107,12 +107,12 @@ void SceneBuilder::TakeNodes()
     struct Open {
         const aiNode* node;
         C3DSceneNode* parent;
-        C4x4TMatrix<float> above;                                        // of a dropped root
+        C4x4TMatrix<float> above;    // of a dropped root
     };
-    std::vector<Open> open;                                              // not recursive: trees can be deep
+    std::vector<Open> open;    // not recursive: trees can be deep
     const auto push = [&](const aiNode& node, C3DSceneNode* parent, const C4x4TMatrix<float>& above) {
         for (unsigned int i = node.mNumChildren; i-- > 0;)
-            if (node.mChildren[i])                                       // some importers leave places empty
+            if (node.mChildren[i])    // some importers leave places empty
                 open.push_back({node.mChildren[i], parent, above});
     };
     const aiNode& root = *m_source.mRootNode;
@@ -167,7 +167,7 @@ C3DBaseObject* SceneBuilder::ObjectOf(const aiNode& node, std::vector<C3DCurve*>
         sources.push_back(m_source.mMeshes[mesh]);
     if (C3DObject* object = ImportMeshes(sources, m_materialIds, m_traits.joinPoints, m_options)) {
         ImportLines(sources, m_materialIds, curves);
-        if (curves.empty())                                              // lines of their own are nodes, not part of the object
+        if (curves.empty())    // lines of their own are nodes, not part of the object
             m_objects.emplace(std::move(meshes), object);
         return object;
     }

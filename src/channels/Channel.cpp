@@ -50,27 +50,17 @@ CChannel::~CChannel()
 CChannel* CChannel::Create(_Channel3DType type, unsigned int id)
 {
     switch (type) {
-    case CHANNEL_UVW:
-        return new CUVWChannel(id);
-    case CHANNEL_VC:
-        return new CVCChannel(id);
-    case CHANNEL_WEIGHT:
-        return new CWeightChannel(id, true);
-    case CHANNEL_POINT_NORMAL:
-        return new CPointNormalChannel(id);
-    case CHANNEL_FACE_NORMAL:
-        return new CFaceNormalChannel(id);
-    case CHANNEL_SPEC_NORMAL:
-        return new CSpecNormalChannel(id);
-    default:
-        return nullptr;
+    case CHANNEL_UVW: return new CUVWChannel(id);
+    case CHANNEL_VC: return new CVCChannel(id);
+    case CHANNEL_WEIGHT: return new CWeightChannel(id, true);
+    case CHANNEL_POINT_NORMAL: return new CPointNormalChannel(id);
+    case CHANNEL_FACE_NORMAL: return new CFaceNormalChannel(id);
+    case CHANNEL_SPEC_NORMAL: return new CSpecNormalChannel(id);
+    default: return nullptr;
     }
 }
 
-void CChannel::SetChannelID(unsigned int id)
-{
-    m_id = id != NO_CHANNEL_ID ? id : CreateID();
-}
+void CChannel::SetChannelID(unsigned int id) { m_id = id != NO_CHANNEL_ID ? id : CreateID(); }
 
 CXTString<wchar_t> CChannel::GetTypeString() const
 {
@@ -88,25 +78,13 @@ CXTString<wchar_t> CChannel::GetTypeString() const
     return text;
 }
 
-bool CChannel::SwapCoordinates(unsigned int)
-{
-    return false;
-}
+bool CChannel::SwapCoordinates(unsigned int) { return false; }
 
-bool CChannel::MatrixTransform(const C4x4TMatrix<float>&)
-{
-    return false;
-}
+bool CChannel::MatrixTransform(const C4x4TMatrix<float>&) { return false; }
 
-bool CChannel::Compare(const CPt*, const CPt*, double) const
-{
-    return false;
-}
+bool CChannel::Compare(const CPt*, const CPt*, double) const { return false; }
 
-bool CChannel::CanBeRecomputed()
-{
-    return false;
-}
+bool CChannel::CanBeRecomputed() { return false; }
 
 void CChannel::SetPointList(_Channel3DType, CPointList* list, bool deleteOld)
 {
@@ -124,7 +102,7 @@ void CChannel::SetFaceList(_Channel3DType, CFaceList* list, bool deleteOld)
     if (deleteOld)
         DeleteMe(m_faceList);
     m_faceList = list;
-    m_graph.reset();                          // the stamps of two lists say nothing about each other
+    m_graph.reset();    // the stamps of two lists say nothing about each other
 }
 
 void CChannel::FreeExtra()
@@ -212,13 +190,13 @@ void CChannel::Load(CXArchive& ar)
 void CChannel::LoadFaces(CXArchive& ar)
 {
     if (!ReadPresence(ar)) {
-        if (m_type == CHANNEL_WEIGHT)                        // the points-only form
+        if (m_type == CHANNEL_WEIGHT)    // the points-only form
             SetFaceList(m_type, nullptr, true);
         else if (m_faceList)
             m_faceList->RemoveAll();
         return;
     }
-    if (!m_faceList && m_type == CHANNEL_WEIGHT)             // built points only, stored per corner
+    if (!m_faceList && m_type == CHANNEL_WEIGHT)    // built points only, stored per corner
         m_faceList = CWeightFaceList::Create();
     if (!m_faceList)
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE, L"face list of a channel that has none");

@@ -15,23 +15,23 @@ template <class T> class C4x4TMatrix;
 
 /// Kinds of channel, one bit each; kinds combine into masks.
 enum _Channel3DType : int {
-    CHANNEL_ANY = 0,                 ///< no kind; as an argument, any
-    CHANNEL_UVW = 1,                 ///< texture coordinates
-    CHANNEL_VC = 4,                  ///< vertex colours
+    CHANNEL_ANY = 0,    ///< no kind; as an argument, any
+    CHANNEL_UVW = 1,    ///< texture coordinates
+    CHANNEL_VC = 4,     ///< vertex colours
     CHANNEL_WEIGHT = 8,
-    CHANNEL_POINT_NORMAL = 16,       ///< smoothed normals, worked out
-    CHANNEL_FACE_NORMAL = 32,        ///< one normal a face, worked out
-    CHANNEL_SPEC_NORMAL = 64,        ///< normals that were given
+    CHANNEL_POINT_NORMAL = 16,    ///< smoothed normals, worked out
+    CHANNEL_FACE_NORMAL = 32,     ///< one normal a face, worked out
+    CHANNEL_SPEC_NORMAL = 64,     ///< normals that were given
     CHANNEL_ALL = 0xFFFF,
 };
 
 /// Flags of a channel.
 enum _CHANNEL_PROPERTIES : unsigned int {
-    CHANNEL_INVALID = 0x1,           ///< out of step with the geometry; to be removed
-    CHANNEL_DERIVED = 0x2,           ///< the data can be worked out from the geometry (of given normals the computed ones)
-    CHANNEL_STALE = 0x4,             ///< the data must be worked out before use
-    CHANNEL_UNFOLLOWED = 0x8,        ///< corner removal in the geometry does not reach this channel; not welded
-    CHANNEL_SKIP_UNSET = 0x10,       ///< the channel graph leaves out points with POINT_UNSET
+    CHANNEL_INVALID = 0x1,        ///< out of step with the geometry; to be removed
+    CHANNEL_DERIVED = 0x2,        ///< the data can be worked out from the geometry (of given normals the computed ones)
+    CHANNEL_STALE = 0x4,          ///< the data must be worked out before use
+    CHANNEL_UNFOLLOWED = 0x8,     ///< corner removal in the geometry does not reach this channel; not welded
+    CHANNEL_SKIP_UNSET = 0x10,    ///< the channel graph leaves out points with POINT_UNSET
 };
 
 /// Options of CChannel::Copy and CDependentChannels::CopyChannels.
@@ -40,7 +40,7 @@ enum _CHANNEL_COPY : unsigned int {
     CHANNEL_COPY_SKIP_INVALID = 2,
     CHANNEL_COPY_APPEND = 4,
     CHANNEL_COPY_NO_DATA = 8,
-    CHANNEL_COPY_SKIP_UNFOLLOWED = 16,   ///< and the point and face normal channels
+    CHANNEL_COPY_SKIP_UNFOLLOWED = 16,    ///< and the point and face normal channels
     CHANNEL_COPY_SHARE = 32,
 };
 
@@ -184,9 +184,9 @@ private:
     CPointList* m_pointList;
     CFaceList* m_faceList;
     CCustomData m_customData;
-    std::unique_ptr<Graph> m_graph;          ///< null while empty
-    unsigned int m_geometryStamp = 0;        ///< of the geometry's face list when the graph was built
-    unsigned int m_channelStamp = 0;         ///< of the channel's face list when the graph was built
+    std::unique_ptr<Graph> m_graph;      ///< null while empty
+    unsigned int m_geometryStamp = 0;    ///< of the geometry's face list when the graph was built
+    unsigned int m_channelStamp = 0;     ///< of the channel's face list when the graph was built
     unsigned int m_graphUsers = 0;
 };
 

@@ -67,7 +67,7 @@ private:
     struct CFaceData {
         const int* points;
         int count;
-        int stride;                          // 0: the same point at every corner
+        int stride;    // 0: the same point at every corner
         int operator[](int corner) const { return points[corner * stride]; }
     };
 
@@ -83,7 +83,7 @@ private:
 
         CFaceData OfFace(const int& face, const int* corners, int count) const
         {
-            if (!m_faces)                    // the place in the geometry names the point
+            if (!m_faces)    // the place in the geometry names the point
                 return m_ofFaces ? CFaceData{&face, count, 0} : CFaceData{corners, count, 1};
             if (face >= m_faces->GetSize() || m_flags->IsDead(face))
                 return {nullptr, 0, 0};
@@ -112,7 +112,7 @@ private:
     const CChannelData m_data;
 };
 
-} // namespace
+}    // namespace
 
 void CChannel::CreateGraph(const CGeomInfo* info)
 {
@@ -127,7 +127,7 @@ void CChannel::CreateGraph(const CGeomInfo* info)
     const unsigned int pointCount = points->GetSize();
     const CCornerWalk walk(*geometry, pointCount, *this);
     m_graph->starts = CBlock<unsigned int>(pointCount + 1, 0);
-    unsigned int* next = m_graph->starts.GetData();          // counts first, then the place of the next item
+    unsigned int* next = m_graph->starts.GetData();    // counts first, then the place of the next item
     CBlock<int> references(pointCount, 0);
     walk.Run([&](int point) { references[point]++; }, [&](int point, int, int) { next[point]++; });
 
@@ -145,7 +145,7 @@ void CChannel::CreateGraph(const CGeomInfo* info)
             items[next[point]++] = {-1, references[point]};
     walk.Run([](int) {}, [&](int point, int channelPoint, int face) { items[next[point]++] = {channelPoint, face}; });
 
-    for (unsigned int point = pointCount; point > 0; point--)      // each place has moved to the end of its entry
+    for (unsigned int point = pointCount; point > 0; point--)    // each place has moved to the end of its entry
         next[point] = next[point - 1];
     next[0] = 0;
 }

@@ -21,8 +21,7 @@ constexpr unsigned int NONE = 0xFFFFFFFF;
 class CChannelWeld {
 public:
     CChannelWeld(const CChannel& channel, const CPointList& points, double tolerance)
-        : m_channel(channel), m_points(points), m_tolerance(tolerance), m_map(points.GetSize(), NONE),
-          m_met(points.GetSize(), NONE)
+        : m_channel(channel), m_points(points), m_tolerance(tolerance), m_map(points.GetSize(), NONE), m_met(points.GetSize(), NONE)
     {
     }
 
@@ -46,7 +45,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t MANY = 8;                   // candidates from which a table beats comparing them all
+    static constexpr std::size_t MANY = 8;    // candidates from which a table beats comparing them all
 
     /// The distinct candidates in the order met. A point that was joined elsewhere is met as what stands for it: without
     /// that two points could each be sent to the other.
@@ -55,7 +54,7 @@ private:
         m_candidates.clear();
         for (int i = 0; i < count; i++) {
             if (static_cast<unsigned int>(items[i].channelPoint) >= m_map.GetSize())
-                continue;                                    // a shared graph may be older than the point list
+                continue;    // a shared graph may be older than the point list
             const unsigned int point = Root(items[i].channelPoint);
             if (m_met[point] == geometryPoint || Point(point)->IsOneFlagSet(POINT_INVALID | POINT_UNSET))
                 continue;
@@ -86,7 +85,7 @@ private:
         m_table.assign(size, NONE);
         for (const unsigned int candidate : m_candidates) {
             if (!Equal(candidate, candidate))
-                continue;                                    // not a number: equal to nothing
+                continue;    // not a number: equal to nothing
             std::size_t slot = Hash(candidate) & (size - 1);
             while (m_table[slot] != NONE && !Equal(m_table[slot], candidate))
                 slot = (slot + 1) & (size - 1);
@@ -103,7 +102,7 @@ private:
         Point(point)->To4DPoint(value);
         std::uint64_t hash = 0;
         for (int i = 0; i < value.dimension; i++) {
-            const double coordinate = value.values[i] + 0.0;             // -0 equals 0
+            const double coordinate = value.values[i] + 0.0;    // -0 equals 0
             std::uint64_t bits;
             std::memcpy(&bits, &coordinate, sizeof bits);
             hash = (hash ^ bits) * 0x9E3779B97F4A7C15u;
@@ -137,12 +136,12 @@ private:
     const double m_tolerance;
     bool m_joined = false;
     CBlock<unsigned int> m_map;
-    CBlock<unsigned int> m_met;                              ///< the geometry point that met a channel point last
+    CBlock<unsigned int> m_met;    ///< the geometry point that met a channel point last
     std::vector<unsigned int> m_candidates;
     std::vector<unsigned int> m_table;
 };
 
-} // namespace
+}    // namespace
 
 bool CChannel::Weld(const CGeomInfo* info, double tolerance)
 {

@@ -24,7 +24,7 @@ bool CFaceList::Clean(const CGeomInfo* info)
     CRemap faceMap, pointMap;
     const unsigned int stamp = m_changedStamp;
     Clean(info, true, &faceMap);
-    bool facesChanged = m_changedStamp != stamp;             // faces that went, or corners alone
+    bool facesChanged = m_changedStamp != stamp;    // faces that went, or corners alone
 
     CPointList* points = info ? info->GetSrcPointList() : nullptr;
     const bool pointsChanged = points && points->Clean(this, &pointMap);
@@ -106,7 +106,7 @@ private:
     unsigned int m_kept = 0;
 };
 
-} // namespace
+}    // namespace
 
 bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
 {
@@ -135,7 +135,7 @@ bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
 bool CPointList::Clean(CFaceList* faces, CRemap* pointMap)
 {
     if (faces)
-        SetInvalidPoints(*faces, false);                     // a mark on a point that a live face uses does not count
+        SetInvalidPoints(*faces, false);    // a mark on a point that a live face uses does not count
     if (pointMap)
         pointMap->RemoveAll();
     const unsigned int size = GetSize();
@@ -155,7 +155,7 @@ bool CPointList::Clean(CFaceList* faces, CRemap* pointMap)
         SetSize(runs.GetKept(), true, -1);
         FreeExtra();
     }
-    SetFlag(POINTLIST_CHANGED, true);                        // last: RemoveAll clears it
+    SetFlag(POINTLIST_CHANGED, true);    // last: RemoveAll clears it
     return true;
 }
 
@@ -211,7 +211,7 @@ public:
     }
 
 private:
-    std::vector<int> m_gone;                                 ///< positions before the walk, ascending
+    std::vector<int> m_gone;    ///< positions before the walk, ascending
 };
 
 /// The face lists of the channels that lose the corners which the geometry loses.
@@ -234,10 +234,10 @@ void CutFollower(CFaceList& follower, int face, const CRepetitionWalk& walk)
         return;
     int count;
     int* corners = view.GetData(count);
-    view.CCollectionElement::SetSize(walk.Take(corners, count));     // the flags stay: the geometry decides what is dead
+    view.CCollectionElement::SetSize(walk.Take(corners, count));    // the flags stay: the geometry decides what is dead
 }
 
-} // namespace
+}    // namespace
 
 void CFaceList::CleanPointsIndex(const CGeomInfo* info)
 {
@@ -285,10 +285,7 @@ int CDependentChannels::CleanChannels(const CGeomInfo* info, CRemap* faceMap, CR
     return unchanged;
 }
 
-bool CChannel::CleanRemoveDuplicateIndex()
-{
-    return false;
-}
+bool CChannel::CleanRemoveDuplicateIndex() { return false; }
 
 bool CChannel::Clean(const CGeomInfo* info, CRemap* faceMap, CRemap* pointMap)
 {
@@ -320,7 +317,7 @@ bool CChannel::CleanFaces(const CRemap* faceMap)
         if (flags[i] & FACE_INVALID && !gone) {
             CFace face;
             m_faceList->GetFace(i, face);
-            face.RemoveAll();                                // data that nobody reads would keep its points alive
+            face.RemoveAll();    // data that nobody reads would keep its points alive
         }
         if (flags[i] & FACE_INVALID)
             flags[i] |= FACE_EMPTY;

@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    static constexpr double OFF_UNIT = 1e-6;             ///< of squared lengths: twice what rounding to float leaves, and more
+    static constexpr double OFF_UNIT = 1e-6;    ///< of squared lengths: twice what rounding to float leaves, and more
     static constexpr double DOUBT = 4 * OFF_UNIT;
 
     static bool IsNearlyUnit(const C3DTVector<float>& v) { return std::abs(v.LengthSquared() - 1) < OFF_UNIT; }

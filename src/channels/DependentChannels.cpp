@@ -11,25 +11,13 @@
 
 using Channels = CXArray<CChannel*, CChannel*>;
 
-static bool IsOfType(CChannel* channel, unsigned int typeMask)
-{
-    return (channel->GetType() & typeMask) != 0;
-}
+static bool IsOfType(CChannel* channel, unsigned int typeMask) { return (channel->GetType() & typeMask) != 0; }
 
-static bool IsPassedOver(CChannel* channel, bool skipInvalid)
-{
-    return skipInvalid && channel->IsFlagSet(CHANNEL_INVALID);
-}
+static bool IsPassedOver(CChannel* channel, bool skipInvalid) { return skipInvalid && channel->IsFlagSet(CHANNEL_INVALID); }
 
-CDependentChannels* CDependentChannels::Create()
-{
-    return new CDependentChannels;
-}
+CDependentChannels* CDependentChannels::Create() { return new CDependentChannels; }
 
-CDependentChannels::~CDependentChannels()
-{
-    RemoveAll();
-}
+CDependentChannels::~CDependentChannels() { RemoveAll(); }
 
 CDependentChannels& CDependentChannels::operator=(CDependentChannels& source)
 {
@@ -37,15 +25,9 @@ CDependentChannels& CDependentChannels::operator=(CDependentChannels& source)
     return *this;
 }
 
-int CDependentChannels::GetSize() const
-{
-    return this ? Channels::GetSize() : 0;
-}
+int CDependentChannels::GetSize() const { return this ? Channels::GetSize() : 0; }
 
-int CDependentChannels::AddChannel(CChannel* channel)
-{
-    return this && channel ? Add(channel) : -1;
-}
+int CDependentChannels::AddChannel(CChannel* channel) { return this && channel ? Add(channel) : -1; }
 
 void CDependentChannels::RemoveAll()
 {
@@ -133,10 +115,7 @@ CSpecNormalChannel* CDependentChannels::GetSpecNormalChannel(CNormalFaceList*& f
     return HandOut<CSpecNormalChannel>(GetSpecNormalChannel(), faces, vectors);
 }
 
-CFaceNormalChannel* CDependentChannels::GetFaceNormalChannel()
-{
-    return static_cast<CFaceNormalChannel*>(FirstOrNew(CHANNEL_FACE_NORMAL));
-}
+CFaceNormalChannel* CDependentChannels::GetFaceNormalChannel() { return static_cast<CFaceNormalChannel*>(FirstOrNew(CHANNEL_FACE_NORMAL)); }
 
 CPointNormalChannel* CDependentChannels::GetPointNormalChannel()
 {
@@ -238,9 +217,7 @@ bool CDependentChannels::RemoveChannelByIndex(int index, _Channel3DType typeMask
 
 int CDependentChannels::RemoveChannels(unsigned int typeMask, unsigned int flag, bool wanted)
 {
-    return RemoveIf([=](CChannel* channel) {
-        return IsOfType(channel, typeMask) && (flag == 0 || channel->IsFlagSet(flag) == wanted);
-    });
+    return RemoveIf([=](CChannel* channel) { return IsOfType(channel, typeMask) && (flag == 0 || channel->IsFlagSet(flag) == wanted); });
 }
 
 bool CDependentChannels::RemoveChannelsByFlag(_CHANNEL_PROPERTIES flag, _Channel3DType)
@@ -261,7 +238,7 @@ int CDependentChannels::CopyChannels(const CDependentChannels& source, unsigned 
         return follows || !(options & CHANNEL_COPY_SKIP_UNFOLLOWED);
     };
 
-    Channels added;                             // first, since the source may be this array
+    Channels added;    // first, since the source may be this array
     for (int i = 0; i < source.GetSize(); i++) {
         CChannel* channel = source.GetAt(i);
         if (!isWanted(channel))
@@ -276,10 +253,7 @@ int CDependentChannels::CopyChannels(const CDependentChannels& source, unsigned 
     return added.GetSize();
 }
 
-void CDependentChannels::Invalidate(unsigned int typeMask)
-{
-    SetFlag(typeMask, CHANNEL_STALE, true);
-}
+void CDependentChannels::Invalidate(unsigned int typeMask) { SetFlag(typeMask, CHANNEL_STALE, true); }
 
 void CDependentChannels::SetFlag(unsigned int typeMask, _CHANNEL_PROPERTIES flag, bool set)
 {
@@ -345,7 +319,7 @@ void CDependentChannels::Serialize(CXArchive& ar)
         CXObject* object = type ? type->CreateObject() : nullptr;
         if (!object)
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_CLASS, L"class of a channel");
-        AddChannel(static_cast<CChannel*>(object));          // at once: a damaged stream must not lose it
+        AddChannel(static_cast<CChannel*>(object));    // at once: a damaged stream must not lose it
         GetAt(static_cast<int>(i))->Serialize(ar);
     }
 }

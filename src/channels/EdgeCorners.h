@@ -34,7 +34,7 @@ private:
     const CFaceList* m_faces;
     const CPointList* m_points;
     const int m_face[2];
-    int m_corner[2][2] = {};         ///< by face and end
+    int m_corner[2][2] = {};    ///< by face and end
     bool m_decided = false;
     bool m_frontier = false;
 };

@@ -36,7 +36,7 @@ public:
             });
             return;
         }
-        for (int k = 0; k < count; k++)              // which corner it is nobody can predict: no branch on it
+        for (int k = 0; k < count; k++)    // which corner it is nobody can predict: no branch on it
             to[k] = corners[k] == point ? value : to[k];
     }
 
@@ -55,7 +55,8 @@ private:
         const int* corners = m_faces.GetIndexes(face, count);
         if (count > MANY) {
             const Sorted& sorted = GetSorted(face, corners, count);
-            for (auto at = std::lower_bound(sorted.begin(), sorted.end(), PointCorner{point, 0}); at != sorted.end() && at->point == point; ++at)
+            for (auto at = std::lower_bound(sorted.begin(), sorted.end(), PointCorner{point, 0}); at != sorted.end() && at->point == point;
+                 ++at)
                 if (!body(at->corner))
                     return;
             return;

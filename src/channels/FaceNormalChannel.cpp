@@ -11,15 +11,9 @@ CFaceNormalChannel::CFaceNormalChannel(unsigned int id)
 
 CFaceNormalChannel::~CFaceNormalChannel() = default;
 
-C3DVectorList* CFaceNormalChannel::GetNormalVectorList() const
-{
-    return static_cast<C3DVectorList*>(GetPointList());
-}
+C3DVectorList* CFaceNormalChannel::GetNormalVectorList() const { return static_cast<C3DVectorList*>(GetPointList()); }
 
-bool CFaceNormalChannel::SwapCoordinates(unsigned int code)
-{
-    return GetPointList() && GetNormalVectorList()->SwapCoordinates(code);
-}
+bool CFaceNormalChannel::SwapCoordinates(unsigned int code) { return GetPointList() && GetNormalVectorList()->SwapCoordinates(code); }
 
 bool CFaceNormalChannel::MatrixTransform(const C4x4TMatrix<float>& matrix)
 {
@@ -32,10 +26,7 @@ bool CFaceNormalChannel::Clean(const CGeomInfo*, CXArray<unsigned int, unsigned 
     return false;
 }
 
-bool CFaceNormalChannel::CanBeRecomputed()
-{
-    return true;
-}
+bool CFaceNormalChannel::CanBeRecomputed() { return true; }
 
 CFaceNormalChannel* CFaceNormalChannel::Duplicate(bool inherit) const
 {

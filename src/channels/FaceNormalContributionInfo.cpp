@@ -15,31 +15,22 @@ static _NormalSmoothMode ModeOf(const CGeomInfo* info)
 }
 
 CFaceNormalContributionInfo::CFaceNormalContributionInfo(const CGeomInfo* info)
-    : m_info(info), m_faces(info ? info->GetSrc3DFaceList() : nullptr), m_points(info ? info->GetSrc3DPointList() : nullptr), m_mode(ModeOf(info))
+    : m_info(info), m_faces(info ? info->GetSrc3DFaceList() : nullptr), m_points(info ? info->GetSrc3DPointList() : nullptr),
+      m_mode(ModeOf(info))
 {
     InitNormalCallback(m_mode);
     InitUnormalizedNormal(m_mode);
 }
 
-CFaceNormalContributionInfo::~CFaceNormalContributionInfo()
-{
-    DeleteMe(m_rawNormals);
-}
+CFaceNormalContributionInfo::~CFaceNormalContributionInfo() { DeleteMe(m_rawNormals); }
 
 void CFaceNormalContributionInfo::InitNormalCallback(_NormalSmoothMode mode)
 {
     switch (mode) {
-    case NORMAL_UNWEIGHTED:
-        m_callback = NormalUnweight;
-        break;
-    case NORMAL_EDGE_LENGTH:
-        m_callback = NormalEdgeWeight;
-        break;
-    case NORMAL_ANGLE:
-        m_callback = NormalAngleWeight;
-        break;
-    default:
-        m_callback = NormalAreaWeight;
+    case NORMAL_UNWEIGHTED: m_callback = NormalUnweight; break;
+    case NORMAL_EDGE_LENGTH: m_callback = NormalEdgeWeight; break;
+    case NORMAL_ANGLE: m_callback = NormalAngleWeight; break;
+    default: m_callback = NormalAreaWeight;
     }
 }
 

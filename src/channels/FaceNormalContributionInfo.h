@@ -66,13 +66,13 @@ private:
     C3DFaceList* m_faces;
     C3DPointList* m_points;
     _NormalSmoothMode m_mode;
-    C3DVectorList* m_rawNormals = nullptr;               ///< owned
-    const C3DTVector<float>* m_raw = nullptr;            ///< the first of these
+    C3DVectorList* m_rawNormals = nullptr;       ///< owned
+    const C3DTVector<float>* m_raw = nullptr;    ///< the first of these
     int m_point = -1;
     int m_face = -1;
-    C3DFace m_view;                                      ///< of the current face, once its corners were asked for
+    C3DFace m_view;    ///< of the current face, once its corners were asked for
     const C3DTVector<float>* m_unitNormal = nullptr;
     Callback m_callback = nullptr;
     int m_corner = NO_CORNER;
-    C3DTVector<float> m_edge1, m_edge2, m_part;          ///< from the point to its neighbours in the face; the contribution
+    C3DTVector<float> m_edge1, m_edge2, m_part;    ///< from the point to its neighbours in the face; the contribution
 };

@@ -52,7 +52,4 @@ CFaceNormals::CFaceNormals(const CGeomInfo* info, const C3DVectorList* rawNormal
     m_first = units.GetFirst();
 }
 
-CFaceNormals::~CFaceNormals()
-{
-    DeleteMe(m_channel);
-}
+CFaceNormals::~CFaceNormals() { DeleteMe(m_channel); }

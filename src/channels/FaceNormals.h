@@ -19,6 +19,6 @@ public:
     const C3DTVector<float>& operator[](int face) const { return m_first[face]; }
 
 private:
-    CFaceNormalChannel* m_channel;                       ///< holds a reference
+    CFaceNormalChannel* m_channel;    ///< holds a reference
     const C3DTVector<float>* m_first;
 };

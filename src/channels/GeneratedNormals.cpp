@@ -164,12 +164,12 @@ private:
     CFaceNormalContributionInfo m_context;
     const CFaceNormals m_unitNormals;
     CFaceCorners m_faceCorners;
-    int m_used;                                          // vectors; those behind are room
-    CHashMap<int, int> m_shared;                         // by point: the vector for all its corners
-    std::vector<int> m_corners;                          // of the current face, to be filled
+    int m_used;                     // vectors; those behind are room
+    CHashMap<int, int> m_shared;    // by point: the vector for all its corners
+    std::vector<int> m_corners;     // of the current face, to be filled
 };
 
-} // namespace
+}    // namespace
 
 void CSpecNormalChannel::GenerateNormals(const CGeomInfo* info, unsigned int options, double angle, _NormalSmoothMode mode)
 {

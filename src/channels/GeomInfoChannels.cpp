@@ -23,10 +23,7 @@ void CGeomInfo::SetChannels(CDependentChannels* source, CDependentChannels* dest
         m_owned |= OWNS_DST_CHANNELS;
 }
 
-int CGeomInfo::GetChannelSize() const
-{
-    return m_srcChannels->GetSize();
-}
+int CGeomInfo::GetChannelSize() const { return m_srcChannels->GetSize(); }
 
 void CGeomInfo::GetChannelFaceList(int i, CFaceList*& source, CFaceList*& destination) const
 {
@@ -46,42 +43,18 @@ void CGeomInfo::GetChannelPointList(int i, CPointList*& source, CPointList*& des
 
 // The source lists under the types of a channel's lists. The caller knows what the record was built on.
 
-CNormalFaceList* CGeomInfo::GetSrcNormalFaceList() const
-{
-    return static_cast<CNormalFaceList*>(m_srcFaces);
-}
+CNormalFaceList* CGeomInfo::GetSrcNormalFaceList() const { return static_cast<CNormalFaceList*>(m_srcFaces); }
 
-C3DVectorList* CGeomInfo::GetSrcNormalPointList() const
-{
-    return static_cast<C3DVectorList*>(m_srcPoints);
-}
+C3DVectorList* CGeomInfo::GetSrcNormalPointList() const { return static_cast<C3DVectorList*>(m_srcPoints); }
 
-CUVWFaceList* CGeomInfo::GetSrcUVWFaceList() const
-{
-    return static_cast<CUVWFaceList*>(m_srcFaces);
-}
+CUVWFaceList* CGeomInfo::GetSrcUVWFaceList() const { return static_cast<CUVWFaceList*>(m_srcFaces); }
 
-CUVWPointList* CGeomInfo::GetSrcUVWPointList() const
-{
-    return static_cast<CUVWPointList*>(m_srcPoints);
-}
+CUVWPointList* CGeomInfo::GetSrcUVWPointList() const { return static_cast<CUVWPointList*>(m_srcPoints); }
 
-CVCFaceList* CGeomInfo::GetSrcVCFaceList() const
-{
-    return static_cast<CVCFaceList*>(m_srcFaces);
-}
+CVCFaceList* CGeomInfo::GetSrcVCFaceList() const { return static_cast<CVCFaceList*>(m_srcFaces); }
 
-CVCPointList* CGeomInfo::GetSrcVCPointList() const
-{
-    return static_cast<CVCPointList*>(m_srcPoints);
-}
+CVCPointList* CGeomInfo::GetSrcVCPointList() const { return static_cast<CVCPointList*>(m_srcPoints); }
 
-CWeightFaceList* CGeomInfo::GetSrcWeightFaceList() const
-{
-    return static_cast<CWeightFaceList*>(m_srcFaces);
-}
+CWeightFaceList* CGeomInfo::GetSrcWeightFaceList() const { return static_cast<CWeightFaceList*>(m_srcFaces); }
 
-CWeightPointList* CGeomInfo::GetSrcWeightPointList() const
-{
-    return static_cast<CWeightPointList*>(m_srcPoints);
-}
+CWeightPointList* CGeomInfo::GetSrcWeightPointList() const { return static_cast<CWeightPointList*>(m_srcPoints); }

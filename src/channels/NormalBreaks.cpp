@@ -54,7 +54,7 @@ void MarkBreaksInFace(CPointList& points, C3DVectorList& vectors, const int* cor
     }
 }
 
-} // namespace
+}    // namespace
 
 void CSpecNormalChannel::InitNormalBreakFlag(const CGeomInfo* info, double angle, bool alsoSource, _NormalSmoothMode mode)
 {

@@ -12,12 +12,6 @@ CNormalFaceList::CNormalFaceList(const CNormalFaceList* model) : CFaceList(model
 
 CNormalFaceList::~CNormalFaceList() = default;
 
-CNormalFaceList* CNormalFaceList::Create(const CNormalFaceList* model)
-{
-    return new CNormalFaceList(model);
-}
+CNormalFaceList* CNormalFaceList::Create(const CNormalFaceList* model) { return new CNormalFaceList(model); }
 
-CNormalFace* CNormalFaceList::CreateFace()
-{
-    return new CNormalFace;
-}
+CNormalFace* CNormalFaceList::CreateFace() { return new CNormalFace; }

@@ -13,20 +13,11 @@ CPointNormalChannel::CPointNormalChannel(unsigned int id)
 
 CPointNormalChannel::~CPointNormalChannel() = default;
 
-C3DVectorList* CPointNormalChannel::GetNormalVectorList() const
-{
-    return static_cast<C3DVectorList*>(GetPointList());
-}
+C3DVectorList* CPointNormalChannel::GetNormalVectorList() const { return static_cast<C3DVectorList*>(GetPointList()); }
 
-CNormalFaceList* CPointNormalChannel::GetNormalFaceList() const
-{
-    return static_cast<CNormalFaceList*>(GetFaceList());
-}
+CNormalFaceList* CPointNormalChannel::GetNormalFaceList() const { return static_cast<CNormalFaceList*>(GetFaceList()); }
 
-bool CPointNormalChannel::SwapCoordinates(unsigned int code)
-{
-    return GetPointList() && GetNormalVectorList()->SwapCoordinates(code);
-}
+bool CPointNormalChannel::SwapCoordinates(unsigned int code) { return GetPointList() && GetNormalVectorList()->SwapCoordinates(code); }
 
 bool CPointNormalChannel::MatrixTransform(const C4x4TMatrix<float>& matrix)
 {
@@ -39,10 +30,7 @@ bool CPointNormalChannel::Clean(const CGeomInfo*, CXArray<unsigned int, unsigned
     return false;
 }
 
-bool CPointNormalChannel::CanBeRecomputed()
-{
-    return true;
-}
+bool CPointNormalChannel::CanBeRecomputed() { return true; }
 
 CPointNormalChannel* CPointNormalChannel::Duplicate(bool inherit) const
 {

@@ -55,7 +55,7 @@ protected:
 
 private:
     float m_smoothAngle = 1.0f;
-    CNormalFaceList* m_specFaces = nullptr;          ///< the three are set by PrepareSmoothing, not owned
+    CNormalFaceList* m_specFaces = nullptr;    ///< the three are set by PrepareSmoothing, not owned
     C3DVectorList* m_specVectors = nullptr;
     CFaceList* m_geometryFaces = nullptr;
 };

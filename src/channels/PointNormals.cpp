@@ -67,14 +67,10 @@ public:
     {
         using Context = CFaceNormalContributionInfo;
         switch (m_context.GetMode()) {
-        case NORMAL_UNWEIGHTED:
-            return Run<Context::NormalUnweight, false>();
-        case NORMAL_EDGE_LENGTH:
-            return Run<Context::NormalEdgeWeight, true>();
-        case NORMAL_ANGLE:
-            return Run<Context::NormalAngleWeight, true>();
-        default:
-            return Run<Context::NormalAreaWeight, false>();
+        case NORMAL_UNWEIGHTED: return Run<Context::NormalUnweight, false>();
+        case NORMAL_EDGE_LENGTH: return Run<Context::NormalEdgeWeight, true>();
+        case NORMAL_ANGLE: return Run<Context::NormalAngleWeight, true>();
+        default: return Run<Context::NormalAreaWeight, false>();
         }
     }
 
@@ -92,8 +88,8 @@ public:
 private:
     using Contribution = CFaceNormalContributionInfo::Callback;
 
-    static constexpr std::size_t BATCH = 128;            // groups
-    static constexpr std::size_t MANY_GROUPS = 32;       // of one point: from here on seeds are looked up
+    static constexpr std::size_t BATCH = 128;         // groups
+    static constexpr std::size_t MANY_GROUPS = 32;    // of one point: from here on seeds are looked up
     static constexpr unsigned int NONE = 0xFFFFFFFF;
 
     template <Contribution CONTRIBUTE, bool LOOKS_AT_CORNER> void Run()
@@ -204,18 +200,18 @@ private:
     const CFaceNormals m_unitNormals;
     CFaceCorners m_faceCorners;
     CSeedGrid m_grid;
-    bool m_hasGrid = false;                              // of the current point
+    bool m_hasGrid = false;    // of the current point
     CVectorIndex m_vectors;
 
     // Of the batch.
-    std::vector<const C3DTVector<float>*> m_seeds;       // by group
-    std::vector<C3DTVector<float>> m_sums;               // by group
-    std::vector<CVectorIndex::Hash> m_hashes;            // by group
-    std::vector<unsigned int> m_numbers;                 // by group
-    std::vector<unsigned int> m_groups;                  // point by point, of each of its faces
+    std::vector<const C3DTVector<float>*> m_seeds;    // by group
+    std::vector<C3DTVector<float>> m_sums;            // by group
+    std::vector<CVectorIndex::Hash> m_hashes;         // by group
+    std::vector<unsigned int> m_numbers;              // by group
+    std::vector<unsigned int> m_groups;               // point by point, of each of its faces
 };
 
-} // namespace
+}    // namespace
 
 void CPointNormalChannel::InitNormals(const CGeomInfo* info, float angle)
 {

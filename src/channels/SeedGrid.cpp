@@ -30,7 +30,7 @@ void CSeedGrid::Add(const C3DTVector<float>& seed)
     m_seeds.push_back({&seed, NONE});
     const double length = seed.Length();
     if (!(length > 0) || !std::isfinite(length))
-        return;                          // nothing is within the angle of no direction; see FindFirst for what is not a number
+        return;    // nothing is within the angle of no direction; see FindFirst for what is not a number
     const Cell cell = CellOf(seed, length);
     const int* former = m_lastInCell.Find(cell);
     m_seeds.back().next = former ? *former : NONE;

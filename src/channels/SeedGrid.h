@@ -35,7 +35,7 @@ private:
     };
     struct Seed {
         const C3DTVector<float>* vector;
-        int next;                        // in the same cell, or NONE
+        int next;    // in the same cell, or NONE
     };
 
     Cell CellOf(const C3DTVector<float>& v, double length) const;

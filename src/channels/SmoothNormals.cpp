@@ -20,7 +20,7 @@ C3DTVector<float>* VectorOfCorner(CFaceList* faces, C3DVectorList* vectors, int 
     return static_cast<unsigned int>(corner) < static_cast<unsigned int>(count) ? vectors->ElementAt(corners[corner]) : nullptr;
 }
 
-} // namespace
+}    // namespace
 
 void CPointNormalChannel::PrepareSmoothing(const CGeomInfo* info, CSpecNormalChannel* given)
 {

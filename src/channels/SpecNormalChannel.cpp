@@ -16,20 +16,11 @@ CSpecNormalChannel::CSpecNormalChannel(unsigned int id)
 
 CSpecNormalChannel::~CSpecNormalChannel() = default;
 
-C3DVectorList* CSpecNormalChannel::GetNormalVectorList() const
-{
-    return static_cast<C3DVectorList*>(GetPointList());
-}
+C3DVectorList* CSpecNormalChannel::GetNormalVectorList() const { return static_cast<C3DVectorList*>(GetPointList()); }
 
-CNormalFaceList* CSpecNormalChannel::GetNormalFaceList() const
-{
-    return static_cast<CNormalFaceList*>(GetFaceList());
-}
+CNormalFaceList* CSpecNormalChannel::GetNormalFaceList() const { return static_cast<CNormalFaceList*>(GetFaceList()); }
 
-bool CSpecNormalChannel::SwapCoordinates(unsigned int code)
-{
-    return GetPointList() && GetNormalVectorList()->SwapCoordinates(code);
-}
+bool CSpecNormalChannel::SwapCoordinates(unsigned int code) { return GetPointList() && GetNormalVectorList()->SwapCoordinates(code); }
 
 bool CSpecNormalChannel::MatrixTransform(const C4x4TMatrix<float>& matrix)
 {

@@ -72,7 +72,7 @@ static bool NormalizeGiven(C3DTVector<float>& v)
         return true;
     }
     if (!std::isfinite(length))
-        v.x = v.y = v.z = 0;             // from a broken file: no sum may meet it
+        v.x = v.y = v.z = 0;    // from a broken file: no sum may meet it
     v.SetFlag(POINT_UNSET, true);
     return false;
 }

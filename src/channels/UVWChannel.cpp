@@ -15,15 +15,9 @@ CUVWChannel::CUVWChannel(unsigned int id) : CChannel(CHANNEL_UVW, id, 0, CUVWPoi
 
 CUVWChannel::~CUVWChannel() = default;
 
-CUVWFaceList* CUVWChannel::GetUVWFaceList() const
-{
-    return static_cast<CUVWFaceList*>(GetFaceList());
-}
+CUVWFaceList* CUVWChannel::GetUVWFaceList() const { return static_cast<CUVWFaceList*>(GetFaceList()); }
 
-CUVWPointList* CUVWChannel::GetUVWPointList() const
-{
-    return static_cast<CUVWPointList*>(GetPointList());
-}
+CUVWPointList* CUVWChannel::GetUVWPointList() const { return static_cast<CUVWPointList*>(GetPointList()); }
 
 CUVWChannel* CUVWChannel::Duplicate(bool inherit) const
 {
@@ -75,7 +69,7 @@ private:
     int m_count = 0;
 };
 
-} // namespace
+}    // namespace
 
 void CUVWChannel::InitShareUVFlag(const CGeomInfo* info, float tolerance, bool alsoSource)
 {

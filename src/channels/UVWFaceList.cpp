@@ -12,12 +12,6 @@ CUVWFaceList::CUVWFaceList(const CUVWFaceList* model) : CFaceList(model)
 
 CUVWFaceList::~CUVWFaceList() = default;
 
-CUVWFaceList* CUVWFaceList::Create(const CUVWFaceList* model)
-{
-    return new CUVWFaceList(model);
-}
+CUVWFaceList* CUVWFaceList::Create(const CUVWFaceList* model) { return new CUVWFaceList(model); }
 
-CUVWFace* CUVWFaceList::CreateFace()
-{
-    return new CUVWFace;
-}
+CUVWFace* CUVWFaceList::CreateFace() { return new CUVWFace; }

@@ -10,7 +10,7 @@ public:
     CUVWPoint(const CUVWPoint&) = default;
     CUVWPoint& operator=(const CUVWPoint&) = default;
 
-    void To4DPoint(C4DPoint& point) const override;                // dimension 3
+    void To4DPoint(C4DPoint& point) const override;    // dimension 3
     /// Coordinates and flags of another texture coordinate; of another kind of element, its first three coordinates.
     CUVWPoint& operator=(const CPt& other) override;
     CUVWPoint& operator=(const C4DPoint& point) override;
@@ -43,7 +43,7 @@ public:
     }
     CUVWPoint& operator*=(const float& factor)
     {
-        const float f = factor;                          // may be a coordinate of this point
+        const float f = factor;    // may be a coordinate of this point
         u *= f, v *= f, w *= f;
         return *this;
     }
@@ -52,18 +52,9 @@ public:
 };
 
 /// Coordinates exactly equal; flags do not count.
-inline bool operator==(const CUVWPoint& a, const CUVWPoint& b)
-{
-    return a.u == b.u && a.v == b.v && a.w == b.w;
-}
-inline CUVWPoint operator+(const CUVWPoint& a, const CUVWPoint& b)
-{
-    return {a.u + b.u, a.v + b.v, a.w + b.w};
-}
-inline CUVWPoint operator-(const CUVWPoint& a, const CUVWPoint& b)
-{
-    return {a.u - b.u, a.v - b.v, a.w - b.w};
-}
+inline bool operator==(const CUVWPoint& a, const CUVWPoint& b) { return a.u == b.u && a.v == b.v && a.w == b.w; }
+inline CUVWPoint operator+(const CUVWPoint& a, const CUVWPoint& b) { return {a.u + b.u, a.v + b.v, a.w + b.w}; }
+inline CUVWPoint operator-(const CUVWPoint& a, const CUVWPoint& b) { return {a.u - b.u, a.v - b.v, a.w - b.w}; }
 /// Squared distance over u, v and w, in float.
 inline float DistanceSquared(const CUVWPoint& a, const CUVWPoint& b)
 {

@@ -15,17 +15,11 @@ void CUVWPointMethods::ConstructElement(void* element) const
         new (element) CUVWPoint;
 }
 
-CUVWPointList* CUVWPointList::Create(CUVWPointList* model)
-{
-    return new CUVWPointList(model);
-}
+CUVWPointList* CUVWPointList::Create(CUVWPointList* model) { return new CUVWPointList(model); }
 
 CUVWPointList::CUVWPointList() : CUVWPointList(nullptr) {}
 
-CUVWPointList::CUVWPointList(const CUVWPointList* model)
-{
-    Init(new CUVWPointMethods, model);
-}
+CUVWPointList::CUVWPointList(const CUVWPointList* model) { Init(new CUVWPointMethods, model); }
 
 CUVWPointList::~CUVWPointList() = default;
 

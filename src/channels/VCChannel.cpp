@@ -12,15 +12,9 @@ CVCChannel::CVCChannel(unsigned int id) : CChannel(CHANNEL_VC, id, 0, CVCPointLi
 
 CVCChannel::~CVCChannel() = default;
 
-CVCFaceList* CVCChannel::GetVCFaceList() const
-{
-    return static_cast<CVCFaceList*>(GetFaceList());
-}
+CVCFaceList* CVCChannel::GetVCFaceList() const { return static_cast<CVCFaceList*>(GetFaceList()); }
 
-CVCPointList* CVCChannel::GetVCPointList() const
-{
-    return static_cast<CVCPointList*>(GetPointList());
-}
+CVCPointList* CVCChannel::GetVCPointList() const { return static_cast<CVCPointList*>(GetPointList()); }
 
 CVCChannel* CVCChannel::Duplicate(bool inherit) const
 {
@@ -38,10 +32,7 @@ bool CVCChannel::Compare(const CPt* a, const CPt* b, double tolerance) const
     return bytes == 0 ? first == second : &first == &second || !first.DiffersFrom(second, bytes);
 }
 
-static bool Differ(const CVCPoint* a, const CVCPoint* b, int tolerance)
-{
-    return a != b && a->DiffersFrom(*b, tolerance);
-}
+static bool Differ(const CVCPoint* a, const CVCPoint* b, int tolerance) { return a != b && a->DiffersFrom(*b, tolerance); }
 
 void CVCChannel::InitVCFrontierFlag(const CGeomInfo* info, int tolerance, bool alsoSource)
 {
@@ -109,7 +100,7 @@ bool CVCChannel::IsVCFrontier(const CGeomInfo* info, int tolerance, const C3DEdg
     const CEdgeCorners corners(info, *this, edge, face1, face2);
     if (corners.IsDecided())
         return corners.IsFrontier();
-    const auto breaks = [=](const CPt* a, const CPt* b) {      // a missing corner breaks too
+    const auto breaks = [=](const CPt* a, const CPt* b) {    // a missing corner breaks too
         return !a || !b || Differ(static_cast<const CVCPoint*>(a), static_cast<const CVCPoint*>(b), tolerance);
     };
     for (int end = 0; end < 2; end++)

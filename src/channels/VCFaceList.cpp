@@ -12,12 +12,6 @@ CVCFaceList::CVCFaceList(const CVCFaceList* model) : CFaceList(model)
 
 CVCFaceList::~CVCFaceList() = default;
 
-CVCFaceList* CVCFaceList::Create(const CVCFaceList* model)
-{
-    return new CVCFaceList(model);
-}
+CVCFaceList* CVCFaceList::Create(const CVCFaceList* model) { return new CVCFaceList(model); }
 
-CVCFace* CVCFaceList::CreateFace()
-{
-    return new CVCFace;
-}
+CVCFace* CVCFaceList::CreateFace() { return new CVCFace; }

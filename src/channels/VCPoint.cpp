@@ -23,7 +23,7 @@ CVCPoint& CVCPoint::operator=(const CPt& other)
 
 static unsigned char ToByte(double value)
 {
-    return value >= 255 ? 255 : value > 0 ? static_cast<unsigned char>(value) : 0;     // not a number: 0
+    return value >= 255 ? 255 : value > 0 ? static_cast<unsigned char>(value) : 0;    // not a number: 0
 }
 
 CVCPoint& CVCPoint::operator=(const C4DPoint& point)

@@ -13,17 +13,11 @@ void CVCPointMethods::ConstructElement(void* element) const
         new (element) CVCPoint;
 }
 
-CVCPointList* CVCPointList::Create(CVCPointList* model)
-{
-    return new CVCPointList(model);
-}
+CVCPointList* CVCPointList::Create(CVCPointList* model) { return new CVCPointList(model); }
 
 CVCPointList::CVCPointList() : CVCPointList(nullptr) {}
 
-CVCPointList::CVCPointList(const CVCPointList* model)
-{
-    Init(new CVCPointMethods, model);
-}
+CVCPointList::CVCPointList(const CVCPointList* model) { Init(new CVCPointMethods, model); }
 
 CVCPointList::~CVCPointList() = default;
 

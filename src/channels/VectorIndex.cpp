@@ -27,7 +27,7 @@ void CVectorIndex::MakeSlots(std::size_t count)
 
 CVectorIndex::Hash CVectorIndex::GetHash(const C3DTVector<float>& v)
 {
-    const auto bits = [](float value) { return std::uint64_t{std::bit_cast<std::uint32_t>(value + 0.0f)}; };      // -0 equals 0
+    const auto bits = [](float value) { return std::uint64_t{std::bit_cast<std::uint32_t>(value + 0.0f)}; };    // -0 equals 0
     return {HashMix64((bits(v.x) << 32 | bits(v.y)) ^ HashMix64(bits(v.z)))};
 }
 

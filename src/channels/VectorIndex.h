@@ -37,7 +37,7 @@ public:
 private:
     struct Slot {
         std::uint32_t tag;
-        std::uint32_t number;            // counted from 1; 0 in a free slot
+        std::uint32_t number;    // counted from 1; 0 in a free slot
     };
 
     std::size_t SlotOf(Hash hash) const { return hash.value & (m_slotCount - 1); }
@@ -49,5 +49,5 @@ private:
     unsigned int m_count = 0;
     unsigned int m_capacity = 0;
     Slot* m_slots = nullptr;
-    std::size_t m_slotCount = 0;         // a power of two, three quarters of which are filled at most
+    std::size_t m_slotCount = 0;    // a power of two, three quarters of which are filled at most
 };

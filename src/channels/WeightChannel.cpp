@@ -16,15 +16,9 @@ CWeightChannel::CWeightChannel(unsigned int id, bool pointsOnly)
 
 CWeightChannel::~CWeightChannel() = default;
 
-CWeightFaceList* CWeightChannel::GetWeightFaceList() const
-{
-    return static_cast<CWeightFaceList*>(GetFaceList());
-}
+CWeightFaceList* CWeightChannel::GetWeightFaceList() const { return static_cast<CWeightFaceList*>(GetFaceList()); }
 
-CWeightPointList* CWeightChannel::GetWeightPointList() const
-{
-    return static_cast<CWeightPointList*>(GetPointList());
-}
+CWeightPointList* CWeightChannel::GetWeightPointList() const { return static_cast<CWeightPointList*>(GetPointList()); }
 
 CWeightChannel* CWeightChannel::Duplicate(bool inherit) const
 {

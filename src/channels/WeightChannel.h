@@ -14,7 +14,7 @@ class ZEL_API CWeightChannel : public CChannel {
 public:
     explicit CWeightChannel(unsigned int id = NO_CHANNEL_ID, bool pointsOnly = true);
 
-    CWeightFaceList* GetWeightFaceList() const;              // null in the points-only form
+    CWeightFaceList* GetWeightFaceList() const;    // null in the points-only form
     CWeightPointList* GetWeightPointList() const;
 
     /// Difference of at most `tolerance`.

@@ -12,12 +12,6 @@ CWeightFaceList::CWeightFaceList(const CWeightFaceList* model) : CFaceList(model
 
 CWeightFaceList::~CWeightFaceList() = default;
 
-CWeightFaceList* CWeightFaceList::Create(const CWeightFaceList* model)
-{
-    return new CWeightFaceList(model);
-}
+CWeightFaceList* CWeightFaceList::Create(const CWeightFaceList* model) { return new CWeightFaceList(model); }
 
-CWeightFace* CWeightFaceList::CreateFace()
-{
-    return new CWeightFace;
-}
+CWeightFace* CWeightFaceList::CreateFace() { return new CWeightFace; }

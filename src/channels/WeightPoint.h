@@ -10,7 +10,7 @@ public:
     CWeightPoint(const CWeightPoint&) = default;
     CWeightPoint& operator=(const CWeightPoint&) = default;
 
-    void To4DPoint(C4DPoint& point) const override;                // dimension 1
+    void To4DPoint(C4DPoint& point) const override;    // dimension 1
     /// Weight and flags of another weight; of another kind of element, its first coordinate.
     CWeightPoint& operator=(const CPt& other) override;
     CWeightPoint& operator=(const C4DPoint& point) override;

@@ -15,17 +15,11 @@ void CWeightPointMethods::ConstructElement(void* element) const
         new (element) CWeightPoint;
 }
 
-CWeightPointList* CWeightPointList::Create(CWeightPointList* model)
-{
-    return new CWeightPointList(model);
-}
+CWeightPointList* CWeightPointList::Create(CWeightPointList* model) { return new CWeightPointList(model); }
 
 CWeightPointList::CWeightPointList() : CWeightPointList(nullptr) {}
 
-CWeightPointList::CWeightPointList(const CWeightPointList* model)
-{
-    Init(new CWeightPointMethods, model);
-}
+CWeightPointList::CWeightPointList(const CWeightPointList* model) { Init(new CWeightPointMethods, model); }
 
 CWeightPointList::~CWeightPointList() = default;
 

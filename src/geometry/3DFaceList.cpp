@@ -13,17 +13,11 @@ constexpr unsigned int FACE_DATA_SIZE = sizeof(C3DFacePropertyData);
 
 }
 
-C3DFaceList* C3DFaceList::Create(C3DFaceList* model)
-{
-    return new C3DFaceList(model);
-}
+C3DFaceList* C3DFaceList::Create(C3DFaceList* model) { return new C3DFaceList(model); }
 
 C3DFaceList::C3DFaceList() : C3DFaceList(nullptr) {}
 
-C3DFaceList::C3DFaceList(const C3DFaceList* model) : CFaceList(model)
-{
-    EnsureMaterials();
-}
+C3DFaceList::C3DFaceList(const C3DFaceList* model) : CFaceList(model) { EnsureMaterials(); }
 
 C3DFaceList::~C3DFaceList() = default;
 

@@ -12,7 +12,7 @@ enum _FACE_SORT_MODE : int {
     FACE_SORT_MATERIAL_2 = 2,
 };
 
-constexpr unsigned int CHUNK_BACK_MATERIAL = FourCC("BKMT");         ///< present once a back material was set
+constexpr unsigned int CHUNK_BACK_MATERIAL = FourCC("BKMT");    ///< present once a back material was set
 constexpr unsigned int NO_MATERIAL = 0xFFFFFFFF;
 
 /// Face list of geometry: corners are positions in a C3DPointList, and each face has a material.

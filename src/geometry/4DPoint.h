@@ -31,12 +31,30 @@ public:
     double operator[](int index) const { return values[index]; }
 
     // Componentwise over the dimension of the left operand, which these leave as it is.
-    C4DPoint& operator+=(const C4DPoint& other) { return Apply(other, [](double a, double b) { return a + b; }); }
-    C4DPoint& operator-=(const C4DPoint& other) { return Apply(other, [](double a, double b) { return a - b; }); }
-    C4DPoint& operator*=(const C4DPoint& other) { return Apply(other, [](double a, double b) { return a * b; }); }
-    C4DPoint& operator/=(const C4DPoint& other) { return Apply(other, [](double a, double b) { return a / b; }); }
-    C4DPoint& operator*=(double factor) { return Apply(*this, [=](double a, double) { return a * factor; }); }
-    C4DPoint& operator/=(double divisor) { return Apply(*this, [=](double a, double) { return a / divisor; }); }
+    C4DPoint& operator+=(const C4DPoint& other)
+    {
+        return Apply(other, [](double a, double b) { return a + b; });
+    }
+    C4DPoint& operator-=(const C4DPoint& other)
+    {
+        return Apply(other, [](double a, double b) { return a - b; });
+    }
+    C4DPoint& operator*=(const C4DPoint& other)
+    {
+        return Apply(other, [](double a, double b) { return a * b; });
+    }
+    C4DPoint& operator/=(const C4DPoint& other)
+    {
+        return Apply(other, [](double a, double b) { return a / b; });
+    }
+    C4DPoint& operator*=(double factor)
+    {
+        return Apply(*this, [=](double a, double) { return a * factor; });
+    }
+    C4DPoint& operator/=(double divisor)
+    {
+        return Apply(*this, [=](double a, double) { return a / divisor; });
+    }
 
     // The same values, under the dimension of the right operand; what the left operand lacks is 0.
     friend C4DPoint operator+(const C4DPoint& a, const C4DPoint& b) { return Shaped(C4DPoint(a) += b, b); }

@@ -2,10 +2,7 @@
 
 #include "tools/Archive.h"
 
-C4DVector& C4DVector::operator=(const C3DTVector<float>& v)
-{
-    return *this = C4DVector(v.x, v.y, v.z);
-}
+C4DVector& C4DVector::operator=(const C3DTVector<float>& v) { return *this = C4DVector(v.x, v.y, v.z); }
 
 void C4DVector::Serialize(CXArchive& ar)
 {
@@ -13,15 +10,9 @@ void C4DVector::Serialize(CXArchive& ar)
         Move(ar, *value);
 }
 
-void C4DVector::InitFromPoints(const C3DTPoint<float>& a, const C3DTPoint<float>& b)
-{
-    *this = b - a;
-}
+void C4DVector::InitFromPoints(const C3DTPoint<float>& a, const C3DTPoint<float>& b) { *this = b - a; }
 
-void C4DVector::InitFromPoint(const C3DTPoint<float>& point)
-{
-    *this = C4DVector(point.x, point.y, point.z);
-}
+void C4DVector::InitFromPoint(const C3DTPoint<float>& point) { *this = C4DVector(point.x, point.y, point.z); }
 
 void C4DVector::Normalize()
 {

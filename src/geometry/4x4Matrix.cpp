@@ -6,15 +6,9 @@
 #include "geometry/Quaternion.h"
 #include "tools/Archive.h"
 
-template <class T> C4x4TMatrix<T>::C4x4TMatrix()
-{
-    SetIdentity();
-}
+template <class T> C4x4TMatrix<T>::C4x4TMatrix() { SetIdentity(); }
 
-template <class T> void C4x4TMatrix<T>::Serialize(CXArchive& ar)
-{
-    ar.MoveNumbers(ValPtr(), 16);
-}
+template <class T> void C4x4TMatrix<T>::Serialize(CXArchive& ar) { ar.MoveNumbers(ValPtr(), 16); }
 
 template <class T> C4x4TMatrix<T>& C4x4TMatrix<T>::operator=(const C4x4TMatrix& other)
 {
@@ -56,7 +50,7 @@ template <class T> bool C4x4TMatrix<T>::GetInverse(const C4x4TMatrix& src, C4x4T
         (term >= 0 ? positive : negative) += term;
     const double determinant = positive + negative;
     if (determinant == 0 || !(std::fabs(determinant / (positive - negative)) >= 1e-15))
-        return false;                                    // values that are no numbers come here too
+        return false;    // values that are no numbers come here too
 
     double inverse[3][4];
     for (int i = 0; i < 3; i++)
@@ -127,10 +121,7 @@ template <class T> C4x4TMatrix<T> C4x4TMatrix<T>::operator*(const C4x4TMatrix& r
     return product;
 }
 
-template <class T> C4x4TMatrix<T>& C4x4TMatrix<T>::operator*=(const C4x4TMatrix& right)
-{
-    return *this = *this * right;
-}
+template <class T> C4x4TMatrix<T>& C4x4TMatrix<T>::operator*=(const C4x4TMatrix& right) { return *this = *this * right; }
 
 template <class T> bool C4x4TMatrix<T>::operator==(const C4x4TMatrix& other) const
 {

@@ -45,7 +45,7 @@ using Lanes [[gnu::vector_size(16)]] = float;
 
 template <class POINT> Lanes LoadLanes(const POINT& p)
 {
-    Lanes lanes;                                         // flags, x, y, z
+    Lanes lanes;    // flags, x, y, z
     static_assert(sizeof(POINT) == 24);
     __builtin_memcpy(&lanes, reinterpret_cast<const unsigned char*>(&p) + sizeof(void*), sizeof(lanes));
     return lanes;

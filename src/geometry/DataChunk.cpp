@@ -35,7 +35,7 @@ unsigned int CDataChunk::AddDataChunk(unsigned int id, CElementMethods* methods,
             return GetChunksNbr();
         }
     }
-    auto* array = new CElementArray(methods);            // first: `methods` may be those of the chunk that goes
+    auto* array = new CElementArray(methods);    // first: `methods` may be those of the chunk that goes
     RemoveDataChunk(id);
     ApplyPreAllocation(*array);
     array->SetSize(static_cast<int>(m_size), true, m_grow);
@@ -273,7 +273,7 @@ void CDataChunk::Serialize(CXArchive& ar)
         return Load(ar);
     ar << GetChunksNbr() << m_size << static_cast<unsigned int>(m_grow);
     for (const Chunk& chunk : m_chunks) {
-        ar << chunk.id << chunk.flags << 1u;             // an array always has a class of its own
+        ar << chunk.id << chunk.flags << 1u;    // an array always has a class of its own
         ar.WriteClass(chunk.array->GetRuntimeClassDescriptor());
         chunk.array->Serialize(ar);
     }
@@ -297,7 +297,7 @@ void CDataChunk::Load(CXArchive& ar)
         if (!ids.Insert(id))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         auto* array = new CElementArray;
-        m_chunks.push_back({id, flags & STORED_FLAGS, m_sequence++, array});     // owned from here on
+        m_chunks.push_back({id, flags & STORED_FLAGS, m_sequence++, array});    // owned from here on
         array->Serialize(ar);
         if (!array->GetMethods() || array->GetSize() != static_cast<int>(size))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);

@@ -6,9 +6,9 @@
 
 /// What AddDataChunk is told about a chunk.
 enum _CHUNK_FLAGS : unsigned int {
-    CHUNK_INHERITED = 0x1,           ///< lists made after this one's model have the chunk too
-    CHUNK_MAIN = 0x2,                ///< found through GetMainData
-    CHUNK_REPLACE = 0x100,           ///< an instruction: a chunk that is there starts anew. Not kept
+    CHUNK_INHERITED = 0x1,    ///< lists made after this one's model have the chunk too
+    CHUNK_MAIN = 0x2,         ///< found through GetMainData
+    CHUNK_REPLACE = 0x100,    ///< an instruction: a chunk that is there starts anew. Not kept
 };
 
 /// Typed side arrays of a list: every element of the list has one element in each chunk.
@@ -79,7 +79,7 @@ private:
     struct Chunk {
         unsigned int id;
         unsigned int flags;
-        unsigned int sequence;       ///< order of addition
+        unsigned int sequence;    ///< order of addition
         CElementArray* array;
     };
 
@@ -96,6 +96,6 @@ private:
     int m_grow = -1;
     unsigned int m_mainId = 0xFFFFFFFF;
     unsigned int m_sequence = 0;
-    std::vector<Chunk> m_chunks;     ///< by slot
+    std::vector<Chunk> m_chunks;    ///< by slot
     CElementArray* m_main = nullptr;
 };

@@ -6,13 +6,13 @@
 
 /// Main data of a face.
 struct CFacePropertyData {
-    unsigned int flags = 0;          ///< _FACE_PROPERTIES
+    unsigned int flags = 0;    ///< _FACE_PROPERTIES
 };
 
 /// Main data of a face of geometry.
 struct C3DFacePropertyData {
-    unsigned int flags = 0;          ///< _FACE_PROPERTIES
-    unsigned int material = 0;       ///< material id
+    unsigned int flags = 0;       ///< _FACE_PROPERTIES
+    unsigned int material = 0;    ///< material id
 };
 
 /// Base of the plain methods: a new element is `defaultByte` repeated.

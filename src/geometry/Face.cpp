@@ -101,14 +101,10 @@ bool CFace::CompareIndexes(const CFace& other, bool rotate) const
     if (start < 0)
         return false;
     const int untilEnd = size - start;
-    return std::equal(m_items, m_items + untilEnd, other.m_items + start) &&
-           std::equal(m_items + untilEnd, m_items + size, other.m_items);
+    return std::equal(m_items, m_items + untilEnd, other.m_items + start) && std::equal(m_items + untilEnd, m_items + size, other.m_items);
 }
 
-void CFace::Flip()
-{
-    std::reverse(m_items, m_items + GetSize());
-}
+void CFace::Flip() { std::reverse(m_items, m_items + GetSize()); }
 
 void CFace::RemoveAll()
 {
@@ -137,12 +133,6 @@ void CFace::Inherit(const CFace& other)
         m_list->GetDataChunks().CopyData(m_entry, other.m_entry, other.m_list->GetDataChunks());
 }
 
-void* CFace::GetData(unsigned int id) const
-{
-    return m_list ? m_list->GetData(id, m_entry) : nullptr;
-}
+void* CFace::GetData(unsigned int id) const { return m_list ? m_list->GetData(id, m_entry) : nullptr; }
 
-unsigned int CFace::GetSizeOfData(unsigned int id) const
-{
-    return m_list ? m_list->GetSizeOfData(id) : 0;
-}
+unsigned int CFace::GetSizeOfData(unsigned int id) const { return m_list ? m_list->GetSizeOfData(id) : 0; }

@@ -8,9 +8,9 @@ class CGeomInfo;
 
 /// Bits of the first word of a face's main data. A face with FACE_INVALID or FACE_EMPTY is dead: loops skip it.
 enum _FACE_PROPERTIES : unsigned int {
-    FACE_INVALID = 0x1,              ///< Clean removes it
-    FACE_EMPTY = 0x2,                ///< keeps its place without a value: in a channel, a geometry face without data
-    FACE_BORDER = 0x1000,            ///< has an edge that no other face shares
+    FACE_INVALID = 0x1,      ///< Clean removes it
+    FACE_EMPTY = 0x2,        ///< keeps its place without a value: in a channel, a geometry face without data
+    FACE_BORDER = 0x1000,    ///< has an edge that no other face shares
 };
 constexpr unsigned int FACE_DEAD = FACE_INVALID | FACE_EMPTY;
 
@@ -122,5 +122,5 @@ protected:
     int* Resize(int size);
 
     CFaceList* m_list = nullptr;
-    unsigned int* m_words = nullptr;     // main chunk element: flags, then what the list's own face class adds
+    unsigned int* m_words = nullptr;    // main chunk element: flags, then what the list's own face class adds
 };

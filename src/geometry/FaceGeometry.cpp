@@ -205,8 +205,8 @@ void C3DFace::Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const
 
 // --- The list -------------------------------------------------------------------------------------------------------
 
-bool C3DFaceList::GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask,
-                                 bool wanted, C4x4TMatrix<float>* m) const
+bool C3DFaceList::GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask, bool wanted,
+                                 C4x4TMatrix<float>* m) const
 {
     min.x = min.y = min.z = max.x = max.y = max.z = 0;
     const C3DPointList* points = info ? info->GetSrc3DPointList(false) : nullptr;

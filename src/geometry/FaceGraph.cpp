@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr unsigned int FEW = 16;         // up to here a search costs less than memory
+constexpr unsigned int FEW = 16;    // up to here a search costs less than memory
 
 // Calls `body(corners, count, face)` for each live face.
 template <class BODY> void ForEachLiveFace(const CFaceList& faces, BODY body)
@@ -71,7 +71,7 @@ private:
     }
 
     unsigned int m_pointCount;
-    std::vector<int> m_lastFace;         // by point, for faces with many corners
+    std::vector<int> m_lastFace;    // by point, for faces with many corners
 };
 
 }
@@ -147,7 +147,7 @@ void CFaceList::DropGraphs()
 template <class PLACE> static void BuildPointGraph(const CFaceList& faces, unsigned int pointCount, CFaceList::PointGraph& graph)
 {
     std::vector<PLACE, XBlockAllocator<PLACE>> table(pointCount, 0);
-    PLACE* const byPoint = table.data();                 // the number of its faces, then the place of its next one
+    PLACE* const byPoint = table.data();    // the number of its faces, then the place of its next one
     DistinctCorners distinct(pointCount);
     ForEachLiveFace(faces, [&](const int* corners, int count, int face) {
         distinct.Visit(corners, count, face, [&](int point) { byPoint[point]++; });
@@ -175,7 +175,7 @@ void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
 
 void CFaceList::CreateEdgeToFaceGraph()
 {
-    constexpr unsigned int BATCH = 256;                  // edges handed over together
+    constexpr unsigned int BATCH = 256;    // edges handed over together
     EdgeGraph& graph = GetEdgeGraph();
     graph.RemoveAll();
     if (m_size == 0)
@@ -261,7 +261,7 @@ int CFaceList::GraphMergePointConnectivity(int p1, int p2)
             m_scratch.Insert(faces[i]);
     }
     for (unsigned int i = 0; i < added; i++) {
-        const int face = m_pointGraph.GetItems(from, count)[i];         // anew each time: adding moves the pool
+        const int face = m_pointGraph.GetItems(from, count)[i];    // anew each time: adding moves the pool
         if (!isOwn(face))
             m_pointGraph.AddItem(to, face);
     }

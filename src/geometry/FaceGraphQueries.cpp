@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int FEW = 16;                  // lists up to this length are searched without a table
+constexpr int FEW = 16;    // lists up to this length are searched without a table
 
 // Items of a list, for many "is it in there".
 class ItemSet {
@@ -47,8 +47,7 @@ void InsertWhere(CHashTable<int>& set, CHashTable<int>& scratch, const int* item
 }
 
 // Items of the first list are entered first, each list in its order.
-int CFaceList::GetConnectionSet(CHashTable<int>& set, const int* a, int countA, const int* b, int countB,
-                                _ConnectionInfoType type) const
+int CFaceList::GetConnectionSet(CHashTable<int>& set, const int* a, int countA, const int* b, int countB, _ConnectionInfoType type) const
 {
     switch (type) {
     case CONNECT_ANY:
@@ -57,21 +56,14 @@ int CFaceList::GetConnectionSet(CHashTable<int>& set, const int* a, int countA, 
         for (int i = 0; i < countB; i++)
             set.Insert(b[i]);
         break;
-    case CONNECT_BOTH:
-        InsertWhere(set, m_scratch, a, countA, b, countB, true);
-        break;
-    case CONNECT_FIRST_ONLY:
-        InsertWhere(set, m_scratch, a, countA, b, countB, false);
-        break;
-    case CONNECT_SECOND_ONLY:
-        InsertWhere(set, m_scratch, b, countB, a, countA, false);
-        break;
+    case CONNECT_BOTH: InsertWhere(set, m_scratch, a, countA, b, countB, true); break;
+    case CONNECT_FIRST_ONLY: InsertWhere(set, m_scratch, a, countA, b, countB, false); break;
+    case CONNECT_SECOND_ONLY: InsertWhere(set, m_scratch, b, countB, a, countA, false); break;
     case CONNECT_ONE_ONLY:
         InsertWhere(set, m_scratch, a, countA, b, countB, false);
         InsertWhere(set, m_scratch, b, countB, a, countA, false);
         break;
-    default:
-        return 0;
+    default: return 0;
     }
     return set.GetSize();
 }
@@ -162,7 +154,7 @@ bool CFaceList::DoesEdgeExists(const C3DEdge& edge, int face) const
 bool CFaceList::AreFacesConnected(const CGeomInfo* info, CHashTable<int>& faces)
 {
     InitPointToFaceGraph(info);
-    CHashTable<int> visited, spreadFrom;                 // a point passes its faces on once, however many of them ask
+    CHashTable<int> visited, spreadFrom;    // a point passes its faces on once, however many of them ask
     std::vector<int> stack;
     if (!faces.IsEmpty())
         stack.push_back(*faces.begin());
@@ -217,7 +209,7 @@ const int* CFaceList::GetPointsNeighbourg(CFaceGraphHelper& helper, int point, i
 
 int CFaceList::GetPointsConnectedToPoints(CHashTable<int>& set, int p1, int p2, _ConnectionInfoType type)
 {
-    static thread_local CFaceGraphHelper helper1, helper2;               // kept: a query costs no allocation
+    static thread_local CFaceGraphHelper helper1, helper2;    // kept: a query costs no allocation
     int count1, count2;
     const int* points1 = GetPointsNeighbourg(helper1, p1, count1, CONNECT_BOTH);
     const int* points2 = GetPointsNeighbourg(helper2, p2, count2, CONNECT_BOTH);
@@ -240,7 +232,7 @@ const int* CFaceList::GetPointsConnectedToEdge(CFaceGraphHelper& helper, int p1,
         return nullptr;
     int faceCount;
     const int* faces = GetFacesConnectedToPoints(helper, p1, p2, CONNECT_BOTH, faceCount);
-    CHashTable<int>& set = helper.GetSet();                              // the faces stand in the buffer by now
+    CHashTable<int>& set = helper.GetSet();    // the faces stand in the buffer by now
     set.RemoveAll();
     for (int i = 0; i < faceCount; i++) {
         int n;

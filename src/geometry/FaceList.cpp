@@ -80,10 +80,7 @@ void CFaceList::ClearCorners(unsigned int first, unsigned int end)
 }
 
 // Entries that SIZE_KEEP left behind go.
-void CFaceList::DropSurplus()
-{
-    m_indexes.DropEntries(m_size);
-}
+void CFaceList::DropSurplus() { m_indexes.DropEntries(m_size); }
 
 bool CFaceList::SetSize(int count, const unsigned int* capacities, int capacity, int grow)
 {
@@ -181,7 +178,7 @@ void CFaceList::RemoveAll()
 
 void CFaceList::CompressFaces(const unsigned int* target, unsigned int kept)
 {
-    std::vector<unsigned int> order(m_size);                  // the faces that stay, then the others
+    std::vector<unsigned int> order(m_size);    // the faces that stay, then the others
     for (unsigned int i = 0, dropped = kept; i < order.size(); i++)
         order[target[i] != 0xFFFFFFFF ? target[i] : dropped++] = i;
     m_chunks.Reorder(order.data(), order.size(), false);
@@ -210,11 +207,9 @@ void CFaceList::FinishAppend(int count)
 
 bool CFaceList::AppendFaces(int count, int corners, const int* indexes)
 {
-    if (corners == 3)                                          // a constant size copies without a call
+    if (corners == 3)    // a constant size copies without a call
         return AppendFaces(count, 3, [indexes](int* to, std::size_t k) { std::memcpy(to, indexes + k * 3, 3 * sizeof(int)); });
-    return AppendFaces(count, corners, [indexes, corners](int* to, std::size_t k) {
-        std::copy_n(indexes + k * corners, corners, to);
-    });
+    return AppendFaces(count, corners, [indexes, corners](int* to, std::size_t k) { std::copy_n(indexes + k * corners, corners, to); });
 }
 
 bool CFaceList::AppendFaces(int count, const unsigned int* sizes, const int* indexes)
@@ -253,10 +248,7 @@ CFaceList& CFaceList::operator=(const CFaceList& model)
     return *this;
 }
 
-bool CFaceList::CopyFace(unsigned int to, unsigned int from, bool dataOnly)
-{
-    return to == from || CopyFace(to, from, *this, dataOnly);
-}
+bool CFaceList::CopyFace(unsigned int to, unsigned int from, bool dataOnly) { return to == from || CopyFace(to, from, *this, dataOnly); }
 
 bool CFaceList::CopyFace(unsigned int to, const CFace& from, bool dataOnly)
 {
@@ -283,7 +275,7 @@ bool CFaceList::CopyTo(int i, CSingleFace& scratch) const
         scratch.GetDataChunks().RemoveAll();
         return false;
     }
-    if (scratch.GetDataChunks().GetDataSize() == 0)            // never shaped, or emptied by an earlier call
+    if (scratch.GetDataChunks().GetDataSize() == 0)    // never shaped, or emptied by an earlier call
         scratch.SetList(*this);
     int count;
     const int* indexes = GetIndexes(i, count);
@@ -338,10 +330,7 @@ unsigned int CFaceList::GetOriginalIndex(unsigned int i) const
 
 // --- Flags ----------------------------------------------------------------------------------------------------------
 
-void CFaceList::SetFaceFlags(unsigned int i, unsigned int mask, bool set)
-{
-    SetFacesFlags(i, i + 1, mask, set);
-}
+void CFaceList::SetFaceFlags(unsigned int i, unsigned int mask, bool set) { SetFacesFlags(i, i + 1, mask, set); }
 
 bool CFaceList::IsFaceFlagsSet(unsigned int i, unsigned int mask) const
 {

@@ -20,13 +20,13 @@ template <class T, class ARG> class CXArray;
 
 /// Bits of a face list's flags.
 enum _FACELIST_PROPERTIES : unsigned int {
-    FACELIST_STORED = 0x100000,      ///< the only bit that goes to files
-    FACELIST_BACK_CHANGED = 0x200000,///< removing the back materials drops the materials map
-    FACELIST_CHANGED = 0x400000,     ///< graphs and maps are out of date; UpdateList drops them
+    FACELIST_STORED = 0x100000,          ///< the only bit that goes to files
+    FACELIST_BACK_CHANGED = 0x200000,    ///< removing the back materials drops the materials map
+    FACELIST_CHANGED = 0x400000,         ///< graphs and maps are out of date; UpdateList drops them
 };
 
-constexpr unsigned int CHUNK_FACE_PROPERTIES = FourCC("FCPR");       ///< main chunk of every face list
-constexpr unsigned int CHUNK_FACE_ORIGINAL_INDEX = FourCC("FAOI");   ///< see SaveFacesIndex
+constexpr unsigned int CHUNK_FACE_PROPERTIES = FourCC("FCPR");        ///< main chunk of every face list
+constexpr unsigned int CHUNK_FACE_ORIGINAL_INDEX = FourCC("FAOI");    ///< see SaveFacesIndex
 
 /// Faces of any size over a point list: corners in one pool, flags and other per-face values in data chunks beside it.
 ///
@@ -44,9 +44,9 @@ public:
 
     /// What SetSize does to the pool. New faces have no corners in each of them.
     enum SetSizeMode {
-        SIZE_GROW = 0,               ///< room to grow stays; shrinking drops the faces and compacts the pool
-        SIZE_EXACT = 1,              ///< the pool is sized to what is used
-        SIZE_KEEP = 2,               ///< shrinking leaves the pool alone and drops only the chunk data
+        SIZE_GROW = 0,     ///< room to grow stays; shrinking drops the faces and compacts the pool
+        SIZE_EXACT = 1,    ///< the pool is sized to what is used
+        SIZE_KEEP = 2,     ///< shrinking leaves the pool alone and drops only the chunk data
     };
 
     /// Face count, flag word, corners, chunks. Loading replaces everything and throws unless the pool is sound and the
@@ -181,7 +181,9 @@ public:
 
     /// `count` faces of `corners` corners each. `fill(int* indexes, unsigned int k)` writes the corners of the k-th new
     /// face; it leaves the list alone. Each corner is written once; memory is exact when the list was empty.
-    template <class FILL> requires std::invocable<FILL&, int*, unsigned int> bool AppendFaces(int count, int corners, FILL&& fill)
+    template <class FILL>
+    requires std::invocable<FILL&, int*, unsigned int>
+    bool AppendFaces(int count, int corners, FILL&& fill)
     {
         if (!PrepareAppend(count) || corners < 0 || !m_indexes.AppendEntries(count, static_cast<unsigned int>(corners), fill))
             return false;
@@ -316,7 +318,7 @@ protected:
                          _ConnectionInfoType type) const;
 
     int m_size = 0;
-    mutable CHashTable<int> m_scratch;                   // of graph queries
+    mutable CHashTable<int> m_scratch;    // of graph queries
     IndexCollection m_indexes;
     CDataChunk m_chunks;
 
@@ -333,7 +335,7 @@ private:
     friend class CSingleFace;
 
     PointGraph m_pointGraph;
-    std::unique_ptr<EdgeGraph> m_edgeGraph;              // null without entries
+    std::unique_ptr<EdgeGraph> m_edgeGraph;    // null without entries
     unsigned int m_pointGraphUse = 0;
     unsigned int m_edgeGraphUse = 0;
     unsigned int m_changedStamp = 0;
@@ -349,5 +351,5 @@ public:
 
 private:
     unsigned char* m_words;
-    std::size_t m_stride;                                // 0 when the list has no main chunk: all faces are dead then
+    std::size_t m_stride;    // 0 when the list has no main chunk: all faces are dead then
 };

@@ -24,15 +24,9 @@ private:
     std::size_t m_stride;
 };
 
-CWords FrontMaterials(const C3DFaceList& faces)
-{
-    return {faces.GetDataChunks().GetMainArray(), sizeof(unsigned int)};
-}
+CWords FrontMaterials(const C3DFaceList& faces) { return {faces.GetDataChunks().GetMainArray(), sizeof(unsigned int)}; }
 
-CWords BackMaterials(const C3DFaceList& faces)
-{
-    return {faces.GetDataChunks().GetData(CHUNK_BACK_MATERIAL), 0};
-}
+CWords BackMaterials(const C3DFaceList& faces) { return {faces.GetDataChunks().GetData(CHUNK_BACK_MATERIAL), 0}; }
 
 unsigned int Replace(const CWords& materials, int count, unsigned int from, unsigned int to)
 {
@@ -78,10 +72,7 @@ void C3DFaceList::SetBackFaceMaterial(unsigned int i, unsigned int id)
     *static_cast<unsigned int*>(GetData(CHUNK_BACK_MATERIAL, i)) = id;
 }
 
-bool C3DFaceList::HasBackFaceMaterials() const
-{
-    return m_chunks.HasDataChunk(CHUNK_BACK_MATERIAL);
-}
+bool C3DFaceList::HasBackFaceMaterials() const { return m_chunks.HasDataChunk(CHUNK_BACK_MATERIAL); }
 
 bool C3DFaceList::RemoveBackFaceMaterials()
 {

@@ -26,10 +26,7 @@ void CFace::GetCenter(const CGeomInfo* info, C4DPoint& center) const
 
 namespace {
 
-bool MeetsTest(const CPt* point, unsigned int mask, bool wanted)
-{
-    return ((point ? point->GetFlags() & mask : 0) != 0) == wanted;
-}
+bool MeetsTest(const CPt* point, unsigned int mask, bool wanted) { return ((point ? point->GetFlags() & mask : 0) != 0) == wanted; }
 
 }
 

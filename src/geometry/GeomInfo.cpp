@@ -6,9 +6,9 @@
 
 CGeomInfo::CGeomInfo(const CGeomInfo& other)
     : m_scene(other.m_scene), m_node(other.m_node), m_object(other.m_object), m_srcPoints(other.m_srcPoints),
-      m_dstPoints(other.m_dstPoints), m_srcFaces(other.m_srcFaces), m_dstFaces(other.m_dstFaces),
-      m_srcChannels(other.m_srcChannels), m_dstChannels(other.m_dstChannels), m_srcChannelsOwner(other.m_srcChannelsOwner),
-      m_dstChannelsOwner(other.m_dstChannelsOwner), m_smoothMode(other.m_smoothMode), m_smoothAngle(other.m_smoothAngle)
+      m_dstPoints(other.m_dstPoints), m_srcFaces(other.m_srcFaces), m_dstFaces(other.m_dstFaces), m_srcChannels(other.m_srcChannels),
+      m_dstChannels(other.m_dstChannels), m_srcChannelsOwner(other.m_srcChannelsOwner), m_dstChannelsOwner(other.m_dstChannelsOwner),
+      m_smoothMode(other.m_smoothMode), m_smoothAngle(other.m_smoothAngle)
 {
 }
 

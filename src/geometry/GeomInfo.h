@@ -105,7 +105,7 @@ private:
         return given;
     }
 
-    mutable unsigned int m_owned = 0;                    // Owned
+    mutable unsigned int m_owned = 0;    // Owned
     C3DScene* m_scene = nullptr;
     C3DSceneNode* m_node = nullptr;
     C3DBaseObject* m_object = nullptr;
@@ -115,7 +115,7 @@ private:
     mutable CFaceList* m_dstFaces = nullptr;
     mutable CDependentChannels* m_srcChannels = nullptr;
     mutable CDependentChannels* m_dstChannels = nullptr;
-    CInstanciatedObject* m_srcChannelsOwner = nullptr;   // the same objects: their class is not known here
+    CInstanciatedObject* m_srcChannelsOwner = nullptr;    // the same objects: their class is not known here
     CInstanciatedObject* m_dstChannelsOwner = nullptr;
     int m_smoothMode = 2;
     float m_smoothAngle = 0.5235988f;

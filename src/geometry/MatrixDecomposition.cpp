@@ -13,8 +13,7 @@
 //
 // All of it works on the transposed block, in the usual quaternions for columns: CQuaternion means the transposed rotation.
 
-namespace
-{
+namespace {
 using Vector = std::array<double, 3>;
 
 struct Matrix {
@@ -30,20 +29,11 @@ struct Matrix {
     }
 };
 
-double Dot(const Vector& a, const Vector& b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
+double Dot(const Vector& a, const Vector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
-Vector Cross(const Vector& a, const Vector& b)
-{
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
+Vector Cross(const Vector& a, const Vector& b) { return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]}; }
 
-Vector operator*(const Vector& v, double factor)
-{
-    return {v[0] * factor, v[1] * factor, v[2] * factor};
-}
+Vector operator*(const Vector& v, double factor) { return {v[0] * factor, v[1] * factor, v[2] * factor}; }
 
 Matrix Transposed(const Matrix& a)
 {
@@ -63,15 +53,9 @@ Matrix operator*(const Matrix& a, const Matrix& b)
 }
 
 /// The cofactors: determinant times the transposed inverse.
-Matrix Cofactors(const Matrix& a)
-{
-    return {{Cross(a.rows[1], a.rows[2]), Cross(a.rows[2], a.rows[0]), Cross(a.rows[0], a.rows[1])}};
-}
+Matrix Cofactors(const Matrix& a) { return {{Cross(a.rows[1], a.rows[2]), Cross(a.rows[2], a.rows[0]), Cross(a.rows[0], a.rows[1])}}; }
 
-double Determinant(const Matrix& a)
-{
-    return Dot(a.rows[0], Cross(a.rows[1], a.rows[2]));
-}
+double Determinant(const Matrix& a) { return Dot(a.rows[0], Cross(a.rows[1], a.rows[2])); }
 
 /// Largest sum of absolute values in a row.
 double RowNorm(const Matrix& a)
@@ -82,10 +66,7 @@ double RowNorm(const Matrix& a)
     return norm;
 }
 
-double ColumnNorm(const Matrix& a)
-{
-    return RowNorm(Transposed(a));
-}
+double ColumnNorm(const Matrix& a) { return RowNorm(Transposed(a)); }
 
 // ---- rotations as quaternions
 
@@ -99,10 +80,7 @@ Quaternion operator*(const Quaternion& a, const Quaternion& b)
             a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
 }
 
-double& Component(Quaternion& q, int axis)
-{
-    return axis == 0 ? q.x : axis == 1 ? q.y : q.z;
-}
+double& Component(Quaternion& q, int axis) { return axis == 0 ? q.x : axis == 1 ? q.y : q.z; }
 
 /// Image of a unit axis.
 Vector RotateAxis(const Quaternion& q, int axis)
@@ -174,7 +152,7 @@ Vector Perpendicular(const Vector& u, const Vector& wish)
 /// mirror comes in.
 Matrix SingularPolar(const Matrix& block)
 {
-    Matrix images = block, axes;                         // images = block * axes, with columns at right angles in the end
+    Matrix images = block, axes;    // images = block * axes, with columns at right angles in the end
     for (int sweep = 0; sweep < 30; sweep++) {
         bool turned = false;
         for (const auto [p, q] : {std::array{0, 1}, std::array{1, 2}, std::array{2, 0}}) {
@@ -220,7 +198,7 @@ Matrix SingularPolar(const Matrix& block)
 /// Nearest orthogonal matrix of the block, mirror included.
 Matrix Polar(const Matrix& block)
 {
-    constexpr double TOLERANCE = 1e-6;                   // the step is quadratic: what is left lies far below
+    constexpr double TOLERANCE = 1e-6;    // the step is quadratic: what is left lies far below
     Matrix q = block;
     for (int step = 0; step < 100; step++) {
         const Matrix cofactors = Cofactors(q);
@@ -273,20 +251,20 @@ void Spectrum(Matrix s, Matrix& axes, Vector& factors)
 std::array<Quaternion, 24> AxisRotations()
 {
     std::array<Quaternion, 24> rotations;
-    int count = 1;                                       // the first one is no rotation
+    int count = 1;    // the first one is no rotation
     const auto add = [&](double x, double y, double z, double w) {
         const double length = std::sqrt(x * x + y * y + z * z + w * w);
         rotations[count++] = {x / length, y / length, z / length, w / length};
     };
     for (int axis = 0; axis < 3; axis++) {
         const double x = axis == 0, y = axis == 1, z = axis == 2;
-        add(x, y, z, 0);                                 // half a turn
-        add(x, y, z, 1);                                 // quarter turns
+        add(x, y, z, 0);    // half a turn
+        add(x, y, z, 1);    // quarter turns
         add(-x, -y, -z, 1);
-        add(1 - x, 1 - y, 1 - z, 0);                     // half a turn about the middle of two axes
+        add(1 - x, 1 - y, 1 - z, 0);    // half a turn about the middle of two axes
         add((1 - x) * (axis == 2 ? -1 : 1), (1 - y) * (axis == 0 ? -1 : 1), (1 - z) * (axis == 1 ? -1 : 1), 0);
     }
-    for (int signs = 0; signs < 8; signs++)              // thirds of a turn about the diagonals
+    for (int signs = 0; signs < 8; signs++)    // thirds of a turn about the diagonals
         add(signs & 1 ? -1 : 1, signs & 2 ? -1 : 1, signs & 4 ? -1 : 1, 1);
     return rotations;
 }
@@ -320,7 +298,7 @@ void Snuggle(Quaternion& u, Vector& factors)
     static const std::array<Quaternion, 24> rotations = AxisRotations();
     const int odd = GetOddAxis(factors);
     if (odd == 3) {
-        u = {};                                          // the same stretch in all directions
+        u = {};    // the same stretch in all directions
         return;
     }
 
@@ -343,7 +321,7 @@ void Snuggle(Quaternion& u, Vector& factors)
             candidate = candidate * twist;
         }
         if (nearness <= best + 1e-9)
-            continue;                                    // of equals, the first one
+            continue;    // of equals, the first one
         best = nearness;
         bestU = candidate;
         for (int j = 0; j < 3; j++)

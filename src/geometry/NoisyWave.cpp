@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-C3DTPoint<float> NoisyWaveFunc(const C3DTPoint<float>& p, const C3DTPoint<float>& origin, const C3DTVector<float>& dir,
-                               double amplitude, double frequency, double phase)
+C3DTPoint<float> NoisyWaveFunc(const C3DTPoint<float>& p, const C3DTPoint<float>& origin, const C3DTVector<float>& dir, double amplitude,
+                               double frequency, double phase)
 {
     const double height = dir.Length() * amplitude;
     C3DTPoint<float> result;

@@ -2,10 +2,7 @@
 
 #include "tools/Archive.h"
 
-void CPt::Serialize(CXArchive& ar)
-{
-    Move(ar, flags);
-}
+void CPt::Serialize(CXArchive& ar) { Move(ar, flags); }
 
 template <class T> void C2DTPoint<T>::Serialize(CXArchive& ar)
 {

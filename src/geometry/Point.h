@@ -10,12 +10,12 @@ class CXArchive;
 
 /// Bits of a point's flags.
 enum _POINT_PROPERTIES : unsigned int {
-    POINT_INVALID = 0x2,             ///< no live face uses it; Clean drops it
-    POINT_UNSET = 0x4,               ///< channel point without a value
-    POINT_COMPUTED = 0x8,            ///< normal that is computed from the faces around, not given
-    POINT_BORDER = 0x10,             ///< on an edge of one face
-    POINT_INNER_EDGE = 0x20,         ///< on an edge of other than one face
-    POINT_BORDER_LINK = 0x40,        ///< off the border, but an edge leads there
+    POINT_INVALID = 0x2,         ///< no live face uses it; Clean drops it
+    POINT_UNSET = 0x4,           ///< channel point without a value
+    POINT_COMPUTED = 0x8,        ///< normal that is computed from the faces around, not given
+    POINT_BORDER = 0x10,         ///< on an edge of one face
+    POINT_INNER_EDGE = 0x20,     ///< on an edge of other than one face
+    POINT_BORDER_LINK = 0x40,    ///< off the border, but an edge leads there
     POINT_3D_CORNER = 0x100,
     POINT_2D_CORNER = 0x200,
     POINT_SHARE_UV = 0x1000,
@@ -24,14 +24,14 @@ enum _POINT_PROPERTIES : unsigned int {
     POINT_SMOOTH_SPLIT = 0x8000,
     POINT_UV_SEAM = 0x10000,
     POINT_SHARE_COPLANAR = 0x20000,
-    POINT_SHARE_MATERIALS = 0x40000, ///< faces of several materials meet here
+    POINT_SHARE_MATERIALS = 0x40000,    ///< faces of several materials meet here
     POINT_SLICED = 0x1000000,
 };
 
 /// Base of every element of a point list: one word of flags, 0 on construction.
 class ZEL_API CPt {
 public:
-    virtual ~CPt() = default;                        // inline: a temporary point must cost nothing to destroy
+    virtual ~CPt() = default;    // inline: a temporary point must cost nothing to destroy
     /// Dimension and coordinates as doubles.
     virtual void To4DPoint(C4DPoint& point) const = 0;
     /// The other point's flags, and in derived classes its coordinates.
@@ -218,30 +218,12 @@ public:
 
 // Operators work in the element type except where a double takes part, and allocate nothing.
 
-template <class T> C3DTVector<T> operator-(const C3DTPoint<T>& a, const C3DTPoint<T>& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-template <class T> C3DTPoint<T> operator+(const C3DTPoint<T>& p, const C3DTVector<T>& v)
-{
-    return {p.x + v.x, p.y + v.y, p.z + v.z};
-}
-template <class T> C3DTPoint<T> operator-(const C3DTPoint<T>& p, const C3DTVector<T>& v)
-{
-    return {p.x - v.x, p.y - v.y, p.z - v.z};
-}
-template <class T> C3DTVector<T> operator+(const C3DTVector<T>& a, const C3DTVector<T>& b)
-{
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-template <class T> C3DTVector<T> operator-(const C3DTVector<T>& a, const C3DTVector<T>& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-template <class T> C3DTVector<T> operator-(const C3DTVector<T>& v)
-{
-    return {-v.x, -v.y, -v.z};
-}
+template <class T> C3DTVector<T> operator-(const C3DTPoint<T>& a, const C3DTPoint<T>& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+template <class T> C3DTPoint<T> operator+(const C3DTPoint<T>& p, const C3DTVector<T>& v) { return {p.x + v.x, p.y + v.y, p.z + v.z}; }
+template <class T> C3DTPoint<T> operator-(const C3DTPoint<T>& p, const C3DTVector<T>& v) { return {p.x - v.x, p.y - v.y, p.z - v.z}; }
+template <class T> C3DTVector<T> operator+(const C3DTVector<T>& a, const C3DTVector<T>& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+template <class T> C3DTVector<T> operator-(const C3DTVector<T>& a, const C3DTVector<T>& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+template <class T> C3DTVector<T> operator-(const C3DTVector<T>& v) { return {-v.x, -v.y, -v.z}; }
 /// Each component in double, rounded to T.
 template <class T> C3DTVector<T> operator*(const C3DTVector<T>& v, double factor)
 {
@@ -252,14 +234,8 @@ template <class T> C3DTVector<T> operator/(const C3DTVector<T>& v, double diviso
     return {static_cast<T>(v.x / divisor), static_cast<T>(v.y / divisor), static_cast<T>(v.z / divisor)};
 }
 /// Coordinates exactly equal; flags do not count.
-template <class T> bool operator==(const C3DTPoint<T>& a, const C3DTPoint<T>& b)
-{
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-template <class T> bool operator==(const C3DTVector<T>& a, const C3DTVector<T>& b)
-{
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
+template <class T> bool operator==(const C3DTPoint<T>& a, const C3DTPoint<T>& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
+template <class T> bool operator==(const C3DTVector<T>& a, const C3DTVector<T>& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 /// (a.y b.z - a.z b.y, a.z b.x - a.x b.z, a.x b.y - a.y b.x).
 template <class T> C3DTVector<T> Cross(const C3DTVector<T>& a, const C3DTVector<T>& b)
 {

@@ -28,7 +28,7 @@ void CPointList::Serialize(CXArchive& ar)
     RemoveAll();
     try {
         m_chunks.Serialize(ar);
-        CElementArray::Serialize(ar);                    // takes only elements of this list's kind
+        CElementArray::Serialize(ar);    // takes only elements of this list's kind
         if (m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize()))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     } catch (...) {

@@ -13,10 +13,10 @@ template <class T, class ARG> class CXArray;
 
 /// Bits of a point list's flags.
 enum _POINTLIST_PROPERTIES : unsigned int {
-    POINTLIST_CHANGED = 0x1,         ///< maps and caches are out of date; UpdateList drops them
+    POINTLIST_CHANGED = 0x1,    ///< maps and caches are out of date; UpdateList drops them
 };
 
-constexpr unsigned int CHUNK_POINT_ORIGINAL_INDEX = FourCC("POOI");  ///< see SavePointsIndex
+constexpr unsigned int CHUNK_POINT_ORIGINAL_INDEX = FourCC("POOI");    ///< see SavePointsIndex
 
 /// Points of one element class in one block, with data chunks beside it.
 ///
@@ -66,7 +66,10 @@ public:
     CPt* GetFirst() { return static_cast<CPt*>(GetBase()); }
     const CPt* GetFirst() const { return static_cast<const CPt*>(GetBase()); }
     CPt* GetNext(CPt* point) { return reinterpret_cast<CPt*>(reinterpret_cast<unsigned char*>(point) + GetStride()); }
-    const CPt* GetNext(const CPt* point) const { return reinterpret_cast<const CPt*>(reinterpret_cast<const unsigned char*>(point) + GetStride()); }
+    const CPt* GetNext(const CPt* point) const
+    {
+        return reinterpret_cast<const CPt*>(reinterpret_cast<const unsigned char*>(point) + GetStride());
+    }
     /// Element and chunk data. True at once when the indices are equal.
     bool CopyPoint(int to, int from);
     bool CopyPoint(int to, int from, const CPointList& source);

@@ -32,7 +32,7 @@ void C3DPointList::CreatePointMaterialGraph(const CGeomInfo* info)
         int count;
         const int* around = faces->GetFacesConnectedToPoint(point, count);
         const auto materialOf = [&](int i) { return faces->GetFaceMaterial(static_cast<unsigned int>(around[i])); };
-        int alike = 1;                                   // faces of the first one's material, before any other
+        int alike = 1;    // faces of the first one's material, before any other
         while (alike < count && materialOf(alike) == materialOf(0))
             alike++;
         if (alike >= count)

@@ -24,10 +24,7 @@ void CPointMethods::CopyElement(void* to, const CElementMethods*, const void* fr
         CopyElement(to, from);
 }
 
-void CPointMethods::CopyElement(void* to, const void* from) const
-{
-    *static_cast<CPt*>(to) = *static_cast<const CPt*>(from);
-}
+void CPointMethods::CopyElement(void* to, const void* from) const { *static_cast<CPt*>(to) = *static_cast<const CPt*>(from); }
 
 void CPointMethods::SerializeElement(CXArchive& ar, void* element) const { static_cast<CPt*>(element)->Serialize(ar); }
 

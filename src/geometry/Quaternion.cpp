@@ -9,10 +9,7 @@ CQuaternion::CQuaternion(double heading, double pitch, double bank)
     *this = CQuaternion(zAxis, bank) * CQuaternion(xAxis, pitch) * CQuaternion(yAxis, heading);
 }
 
-CQuaternion& CQuaternion::operator=(const C3DTVector<float>& v)
-{
-    return *this = CQuaternion(v.x, v.y, v.z, 0);
-}
+CQuaternion& CQuaternion::operator=(const C3DTVector<float>& v) { return *this = CQuaternion(v.x, v.y, v.z, 0); }
 
 CQuaternion& CQuaternion::operator=(const C4x4TMatrix<float>& matrix)
 {
@@ -60,16 +57,13 @@ bool CQuaternion::operator==(const CQuaternion& other) const
 CQuaternion CQuaternion::operator*(const CQuaternion& other) const
 {
     const double ax = x, ay = y, az = z, aw = w, bx = other.x, by = other.y, bz = other.z, bw = other.w;
-    return {static_cast<float>(aw * bx + ax * bw + ay * bz - az * by),
-            static_cast<float>(aw * by - ax * bz + ay * bw + az * bx),
-            static_cast<float>(aw * bz + ax * by - ay * bx + az * bw),
-            static_cast<float>(aw * bw - ax * bx - ay * by - az * bz)};
+    return {static_cast<float>(aw * bx + ax * bw + ay * bz - az * by), static_cast<float>(aw * by - ax * bz + ay * bw + az * bx),
+            static_cast<float>(aw * bz + ax * by - ay * bx + az * bw), static_cast<float>(aw * bw - ax * bx - ay * by - az * bz)};
 }
 
 CQuaternion CQuaternion::operator*(double factor) const
 {
-    return {static_cast<float>(x * factor), static_cast<float>(y * factor), static_cast<float>(z * factor),
-            static_cast<float>(w * factor)};
+    return {static_cast<float>(x * factor), static_cast<float>(y * factor), static_cast<float>(z * factor), static_cast<float>(w * factor)};
 }
 
 CQuaternion CQuaternion::operator/(double divisor) const
@@ -78,10 +72,7 @@ CQuaternion CQuaternion::operator/(double divisor) const
             static_cast<float>(w / divisor)};
 }
 
-CQuaternion CQuaternion::operator+(const CQuaternion& other) const
-{
-    return {x + other.x, y + other.y, z + other.z, w + other.w};
-}
+CQuaternion CQuaternion::operator+(const CQuaternion& other) const { return {x + other.x, y + other.y, z + other.z, w + other.w}; }
 
 double CQuaternion::MagnitudeSquared() const
 {
@@ -153,6 +144,6 @@ CQuaternion CQuaternion::Slerp(const CQuaternion& a, const CQuaternion& b, float
     }
     if (cosine < 0)
         s2 = -s2;
-    return {static_cast<float>(s1 * a.x + s2 * b.x), static_cast<float>(s1 * a.y + s2 * b.y),
-            static_cast<float>(s1 * a.z + s2 * b.z), static_cast<float>(s1 * a.w + s2 * b.w)};
+    return {static_cast<float>(s1 * a.x + s2 * b.x), static_cast<float>(s1 * a.y + s2 * b.y), static_cast<float>(s1 * a.z + s2 * b.z),
+            static_cast<float>(s1 * a.w + s2 * b.w)};
 }

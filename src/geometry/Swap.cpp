@@ -2,23 +2,15 @@
 
 #include <utility>
 
-namespace
-{
+namespace {
 /// Axes that the pair bits exchange; false for none or several.
 bool GetPair(unsigned int code, int& a, int& b)
 {
     switch (code & SWAP_PAIR_MASK) {
-    case SWAP_XY:
-        a = 0, b = 1;
-        return true;
-    case SWAP_XZ:
-        a = 0, b = 2;
-        return true;
-    case SWAP_YZ:
-        a = 1, b = 2;
-        return true;
-    default:
-        return false;
+    case SWAP_XY: a = 0, b = 1; return true;
+    case SWAP_XZ: a = 0, b = 2; return true;
+    case SWAP_YZ: a = 1, b = 2; return true;
+    default: return false;
     }
 }
 
@@ -26,14 +18,10 @@ bool GetPair(unsigned int code, int& a, int& b)
 int GetMirror(unsigned int code)
 {
     switch (code & MIRROR_MASK) {
-    case MIRROR_X:
-        return 0;
-    case MIRROR_Y:
-        return 1;
-    case MIRROR_Z:
-        return 2;
-    default:
-        return -1;
+    case MIRROR_X: return 0;
+    case MIRROR_Y: return 1;
+    case MIRROR_Z: return 2;
+    default: return -1;
     }
 }
 
@@ -60,7 +48,7 @@ C4x4TMatrix<float> AdjustMatrix(unsigned int code, const C4x4TMatrix<float>& mat
     C4x4TMatrix<float> result = matrix;
     int a, b;
     if (GetPair(code, a, b)) {
-        std::swap(result.m[a], result.m[b]);             // rows, with the translation
+        std::swap(result.m[a], result.m[b]);    // rows, with the translation
         for (int i = 0; i < 3; i++)
             std::swap(result.m[i][a], result.m[i][b]);
     }

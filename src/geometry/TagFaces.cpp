@@ -15,8 +15,8 @@ namespace {
 class FaceFlood {
 public:
     FaceFlood(CFaceList& faces, CFaceTagger& tagger, bool byEdge)
-        : m_faces(faces), m_tagger(tagger), m_byEdge(byEdge), m_flags(faces),
-          m_visited(static_cast<unsigned int>(faces.GetSize()), false), m_queued(static_cast<unsigned int>(faces.GetSize()), false)
+        : m_faces(faces), m_tagger(tagger), m_byEdge(byEdge), m_flags(faces), m_visited(static_cast<unsigned int>(faces.GetSize()), false),
+          m_queued(static_cast<unsigned int>(faces.GetSize()), false)
     {
     }
 
@@ -38,9 +38,9 @@ private:
     CFaceTagger& m_tagger;
     const bool m_byEdge;
     const CFaceFlags m_flags;
-    CBitArray m_visited;                 // in a group
-    CBitArray m_queued;                  // in the queue, now or earlier
-    std::vector<unsigned int> m_queue;   // what has been taken out of it is the group
+    CBitArray m_visited;                  // in a group
+    CBitArray m_queued;                   // in the queue, now or earlier
+    std::vector<unsigned int> m_queue;    // what has been taken out of it is the group
     std::vector<int> m_neighbours;
 };
 
@@ -61,12 +61,12 @@ void FaceFlood::Spread(int face)
     int count;
     m_faces.GetIndexes(static_cast<unsigned int>(face), count);
     for (int k = 0; k < count; k++) {
-        const int* corners = m_faces.GetIndexes(static_cast<unsigned int>(face), count);     // a tagger may edit faces
+        const int* corners = m_faces.GetIndexes(static_cast<unsigned int>(face), count);    // a tagger may edit faces
         if (k >= count || !Ask(face, corners[k], corners[(k + 1) % count]))
             continue;
         for (const int neighbour : m_neighbours) {
             const unsigned int place = static_cast<unsigned int>(neighbour);
-            if (place >= m_queued.GetSize() || m_queued[place] || m_flags.IsDead(place))      // -1 lies beyond
+            if (place >= m_queued.GetSize() || m_queued[place] || m_flags.IsDead(place))    // -1 lies beyond
                 continue;
             m_queued.SetAt(place, true);
             m_queue.push_back(place);
@@ -88,8 +88,9 @@ bool FaceFlood::Ask(int face, int corner, int next)
     if (m_neighbours.empty())
         return false;
     const unsigned int number = static_cast<unsigned int>(m_neighbours.size());
-    return m_byEdge ? m_tagger.BelongToGroup(static_cast<unsigned int>(face), edge, m_neighbours.data(), number)
-                    : m_tagger.BelongToGroup(static_cast<unsigned int>(face), static_cast<unsigned int>(corner), m_neighbours.data(), number);
+    return m_byEdge
+               ? m_tagger.BelongToGroup(static_cast<unsigned int>(face), edge, m_neighbours.data(), number)
+               : m_tagger.BelongToGroup(static_cast<unsigned int>(face), static_cast<unsigned int>(corner), m_neighbours.data(), number);
 }
 
 }

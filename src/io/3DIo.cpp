@@ -16,7 +16,7 @@ using Text = CXTString<wchar_t>;
 
 constexpr unsigned int CLASS_XSI = FourCC("XSI ");
 constexpr unsigned int NOTICE_XSI = 2007;
-constexpr unsigned int SHAPES = 7;                   // polymeshes, curves, patches
+constexpr unsigned int SHAPES = 7;    // polymeshes, curves, patches
 constexpr unsigned int FAILURE_LEVELS = IoLogInfo::WARNING | IoLogInfo::FAILURE;
 
 void ShowXsiNotice(CWnd* parent)
@@ -73,19 +73,11 @@ bool IsSceneClass(unsigned int fileClass)
 
 }
 
-C3DIo::C3DIo(const CFileNameSpec& name, unsigned int flags, CWnd* parent) : CFileIo(name, flags, parent)
-{
-    RegisterBuiltInFormats();
-}
+C3DIo::C3DIo(const CFileNameSpec& name, unsigned int flags, CWnd* parent) : CFileIo(name, flags, parent) { RegisterBuiltInFormats(); }
 
-C3DIo::C3DIo(unsigned int fileClass, unsigned int flags, CWnd* parent) : CFileIo(fileClass, flags, parent)
-{
-    RegisterBuiltInFormats();
-}
+C3DIo::C3DIo(unsigned int fileClass, unsigned int flags, CWnd* parent) : CFileIo(fileClass, flags, parent) { RegisterBuiltInFormats(); }
 
-C3DIo::C3DIo(const C3DIo& other) : CFileIo(other)
-{
-}
+C3DIo::C3DIo(const C3DIo& other) : CFileIo(other) {}
 
 C3DIo::~C3DIo() = default;
 
@@ -97,7 +89,7 @@ CFileParser* C3DIo::InitParser()
             SetFileParser(CreateBuiltInParser(GetClass(), this));
         if (GetParser())
             return GetFileParser();
-        CFileIo::CloseParser();                      // a parser of another family
+        CFileIo::CloseParser();    // a parser of another family
     } while (TryNextParser());
     if (firstClass == CLASS_XSI && !IsSilent())
         ShowXsiNotice(GetParent());
@@ -111,10 +103,7 @@ void C3DIo::CloseParser()
     CFileIo::CloseParser();
 }
 
-C3DParser* C3DIo::GetParser()
-{
-    return dynamic_cast<C3DParser*>(GetFileParser());
-}
+C3DParser* C3DIo::GetParser() { return dynamic_cast<C3DParser*>(GetFileParser()); }
 
 bool C3DIo::PrepareReading()
 {
@@ -212,7 +201,7 @@ C3DScene* C3DIo::FinishReading(C3DScene* scene, CSceneImportOptions& options)
         scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
     CheckoutImport(*scene, options);
     if (scene->GetChildCount(nullptr, SHAPES) > 0) {
-        SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);      // whatever a parser before this one had to say
+        SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);    // whatever a parser before this one had to say
         return scene;
     }
     SetIoError(IORESULT_EMPTY, &options, IoLogInfo::WARNING);
@@ -258,7 +247,7 @@ bool C3DIo::Save(bool showDialog, C3DScene* scene, CSceneExportOptions* options)
     ShowUnlessSilent(cursor, *this);
     const CFileNameSpec formerName = scene->GetFilename();
     if (!WriteFile(scene, record)) {
-        scene->SetFilename(formerName);              // a parser may drop it from the scene that it writes
+        scene->SetFilename(formerName);    // a parser may drop it from the scene that it writes
         return FailSaving(record);
     }
     scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
@@ -365,10 +354,12 @@ bool C3DIo::DisplayFormatDialog(unsigned int fileClass, bool reading, CCustomDat
     };
     if (reading) {
         CSceneImportOptions options;
-        return edit(options, [&](auto& o) { io.GetParser()->LoadDefaultOptions(o); }, [&](auto& o) { return io.LoadOptionsDialog(o); });
+        return edit(
+            options, [&](auto& o) { io.GetParser()->LoadDefaultOptions(o); }, [&](auto& o) { return io.LoadOptionsDialog(o); });
     }
     CSceneExportOptions options;
-    return edit(options, [&](auto& o) { io.GetParser()->SaveDefaultOptions(o); }, [&](auto& o) { return io.SaveOptionsDialog(o); });
+    return edit(
+        options, [&](auto& o) { io.GetParser()->SaveDefaultOptions(o); }, [&](auto& o) { return io.SaveOptionsDialog(o); });
 }
 
 CXTString<wchar_t> C3DIo::GetParametersInfo(const CCustomData& parameters, unsigned int fileClass, bool reading)
@@ -387,8 +378,10 @@ CXTString<wchar_t> C3DIo::GetParametersInfo(const CCustomData& parameters, unsig
     C3DParser& parser = *io.GetParser();
     if (reading) {
         CSceneImportOptions options;
-        return describe(options, [&](auto& o) { parser.LoadDefaultOptions(o); }, [&](auto& o) { return parser.GetLoadParametersInfo(o); });
+        return describe(
+            options, [&](auto& o) { parser.LoadDefaultOptions(o); }, [&](auto& o) { return parser.GetLoadParametersInfo(o); });
     }
     CSceneExportOptions options;
-    return describe(options, [&](auto& o) { parser.SaveDefaultOptions(o); }, [&](auto& o) { return parser.GetSaveParametersInfo(o); });
+    return describe(
+        options, [&](auto& o) { parser.SaveDefaultOptions(o); }, [&](auto& o) { return parser.GetSaveParametersInfo(o); });
 }

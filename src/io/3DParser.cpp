@@ -11,25 +11,15 @@ constexpr const wchar_t* CUSTOM_PARAMETERS = L"using custom parameters\n";
 
 }
 
-C3DParser::C3DParser(CFileIo* fileIo) : CFileParser(fileIo)
-{
-}
+C3DParser::C3DParser(CFileIo* fileIo) : CFileParser(fileIo) {}
 
 C3DParser::~C3DParser() = default;
 
-IoShowDialog C3DParser::MustShowDialog()
-{
-    return CFileParser::MustShowDialog();
-}
+IoShowDialog C3DParser::MustShowDialog() { return CFileParser::MustShowDialog(); }
 
-void C3DParser::LoadDefaultOptions(CSceneImportOptions&)
-{
-}
+void C3DParser::LoadDefaultOptions(CSceneImportOptions&) {}
 
-bool C3DParser::LoadOptionsDialog(CSceneImportOptions&)
-{
-    return true;
-}
+bool C3DParser::LoadOptionsDialog(CSceneImportOptions&) { return true; }
 
 CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&)
 {
@@ -38,19 +28,11 @@ CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&)
     return text;
 }
 
-C3DScene* C3DParser::Read(const CXTString<wchar_t>&, CSceneImportOptions&)
-{
-    return nullptr;
-}
+C3DScene* C3DParser::Read(const CXTString<wchar_t>&, CSceneImportOptions&) { return nullptr; }
 
-void C3DParser::SaveDefaultOptions(CSceneExportOptions&)
-{
-}
+void C3DParser::SaveDefaultOptions(CSceneExportOptions&) {}
 
-bool C3DParser::SaveOptionsDialog(CSceneExportOptions& options)
-{
-    return ShowExportSheet(*this, options);
-}
+bool C3DParser::SaveOptionsDialog(CSceneExportOptions& options) { return ShowExportSheet(*this, options); }
 
 CXTString<wchar_t> C3DParser::GetSaveParametersInfo(CSceneExportOptions& options)
 {
@@ -63,10 +45,7 @@ bool C3DParser::Save(const CXTString<wchar_t>&, C3DScene*, CSceneExportOptions& 
     return false;
 }
 
-bool C3DParser::CanUpdate(void*) const
-{
-    return false;
-}
+bool C3DParser::CanUpdate(void*) const { return false; }
 
 bool C3DParser::Update(const CXTString<wchar_t>&, C3DScene*, void*, CSceneExportOptions& options)
 {
@@ -74,7 +53,4 @@ bool C3DParser::Update(const CXTString<wchar_t>&, C3DScene*, void*, CSceneExport
     return false;
 }
 
-bool C3DParser::ReleaseParser(bool, void*)
-{
-    return false;
-}
+bool C3DParser::ReleaseParser(bool, void*) { return false; }

@@ -8,8 +8,8 @@ namespace {
 
 struct BuiltIn {
     unsigned int fileClass;
-    CParserFactory factory;              ///< null: the class is known, but its parser is not part of this build
-    const wchar_t* extensions;           ///< null: none that this library registers
+    CParserFactory factory;       ///< null: the class is known, but its parser is not part of this build
+    const wchar_t* extensions;    ///< null: none that this library registers
     const wchar_t* description;
 };
 
@@ -21,16 +21,14 @@ constexpr BuiltIn BUILT_IN[] = {
 
 const BuiltIn* Find(unsigned int fileClass)
 {
-    const auto found = std::find_if(std::begin(BUILT_IN), std::end(BUILT_IN), [&](const BuiltIn& row) { return row.fileClass == fileClass; });
+    const auto found =
+        std::find_if(std::begin(BUILT_IN), std::end(BUILT_IN), [&](const BuiltIn& row) { return row.fileClass == fileClass; });
     return found != std::end(BUILT_IN) ? found : nullptr;
 }
 
 }
 
-bool IsBuiltInClass(unsigned int fileClass)
-{
-    return Find(fileClass) != nullptr;
-}
+bool IsBuiltInClass(unsigned int fileClass) { return Find(fileClass) != nullptr; }
 
 CFileParser* CreateBuiltInParser(unsigned int fileClass, CFileIo* fileIo)
 {

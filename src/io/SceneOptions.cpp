@@ -10,9 +10,7 @@ constexpr const wchar_t* DEFAULT_TEXTURE_FOLDER = L".\\Textures\\";
 
 }
 
-CSceneImportOptions::CSceneImportOptions(unsigned int importFlags) : CIoOptions(true), flags(importFlags)
-{
-}
+CSceneImportOptions::CSceneImportOptions(unsigned int importFlags) : CIoOptions(true), flags(importFlags) {}
 
 CSceneImportOptions::~CSceneImportOptions() = default;
 
@@ -29,21 +27,13 @@ const CCustomData& CSceneImportOptions::SaveToSavedPrefs()
     return GetCustomData();
 }
 
-CSceneExportOptions::CSceneExportOptions(unsigned int exportFlags) : CIoOptions(false), flags(exportFlags)
-{
-}
+CSceneExportOptions::CSceneExportOptions(unsigned int exportFlags) : CIoOptions(false), flags(exportFlags) {}
 
 CSceneExportOptions::~CSceneExportOptions() = default;
 
-CSceneExportOptions* CSceneExportOptions::Create(unsigned int flags)
-{
-    return new CSceneExportOptions(flags);
-}
+CSceneExportOptions* CSceneExportOptions::Create(unsigned int flags) { return new CSceneExportOptions(flags); }
 
-void CSceneExportOptions::Delete()
-{
-    delete this;
-}
+void CSceneExportOptions::Delete() { delete this; }
 
 void CSceneExportOptions::InitFromSavedPrefs(const CCustomData& prefs)
 {

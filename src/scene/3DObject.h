@@ -31,5 +31,5 @@ protected:
 ///                   elements of a kind
 ///
 /// A null array counts as empty. Cost: linear, in memory bandwidth; the lists are exactly as large as needed.
-ZEL_API C3DObject* CreateObjectFromArrays(const float* points, unsigned int pointBytes, const int* triangles,
-                                          unsigned int triangleBytes, const int* quads, unsigned int quadBytes);
+ZEL_API C3DObject* CreateObjectFromArrays(const float* points, unsigned int pointBytes, const int* triangles, unsigned int triangleBytes,
+                                          const int* quads, unsigned int quadBytes);

@@ -17,15 +17,9 @@ C3DScene::C3DScene()
     SetRoot(root);
 }
 
-C3DScene::~C3DScene()
-{
-    ReleaseParserInfo();
-}
+C3DScene::~C3DScene() { ReleaseParserInfo(); }
 
-C3DScene* C3DScene::Create()
-{
-    return new C3DScene;
-}
+C3DScene* C3DScene::Create() { return new C3DScene; }
 
 void C3DScene::SetBranchScene(C3DSceneNode* node, C3DScene* scene)
 {
@@ -42,10 +36,7 @@ bool C3DScene::AddNode(C3DSceneNode* parent, C3DSceneNode* node)
     return CTree::AddChild(parent, node, true);
 }
 
-C3DSceneNode* C3DScene::GetParent(const C3DSceneNode* node) const
-{
-    return node ? node->GetParent() : nullptr;
-}
+C3DSceneNode* C3DScene::GetParent(const C3DSceneNode* node) const { return node ? node->GetParent() : nullptr; }
 
 C3DSceneNode* C3DScene::GetChildNode(const C3DSceneNode* node) const
 {
@@ -57,10 +48,7 @@ C3DSceneNode* C3DScene::GetRightNode(const C3DSceneNode* node) const
     return node ? static_cast<C3DSceneNode*>(node->GetNextSibling()) : nullptr;
 }
 
-unsigned int C3DScene::GetChildDepth(const C3DSceneNode* node) const
-{
-    return node ? CTree::GetDepth(node) - 1 : 0xFFFFFFFF;
-}
+unsigned int C3DScene::GetChildDepth(const C3DSceneNode* node) const { return node ? CTree::GetDepth(node) - 1 : 0xFFFFFFFF; }
 
 int C3DScene::GetChildCount(const C3DSceneNode* node, unsigned int kindMask) const
 {
@@ -79,10 +67,7 @@ int C3DScene::GetDirectChildCount(const C3DSceneNode* node, unsigned int) const
     return count;
 }
 
-bool C3DScene::IsNodeInScene(const C3DSceneNode* node) const
-{
-    return node && IsBelow(node, GetRoot());
-}
+bool C3DScene::IsNodeInScene(const C3DSceneNode* node) const { return node && IsBelow(node, GetRoot()); }
 
 bool C3DScene::IsChildNode(const C3DSceneNode* parent, const C3DSceneNode* node) const
 {

@@ -40,9 +40,9 @@ public:
     bool AddNode(C3DSceneNode* parent, C3DSceneNode* node);
     C3DSceneNode* GetRoot() const { return static_cast<C3DSceneNode*>(CTree::GetRoot()); }
     bool IsSceneRoot(const C3DSceneNode* node) const { return node && node == GetRoot(); }
-    C3DSceneNode* GetParent(const C3DSceneNode* node) const;         // null for null
-    C3DSceneNode* GetChildNode(const C3DSceneNode* node) const;      // first child
-    C3DSceneNode* GetRightNode(const C3DSceneNode* node) const;      // next sibling; null for null
+    C3DSceneNode* GetParent(const C3DSceneNode* node) const;       // null for null
+    C3DSceneNode* GetChildNode(const C3DSceneNode* node) const;    // first child
+    C3DSceneNode* GetRightNode(const C3DSceneNode* node) const;    // next sibling; null for null
     /// 0 for a child of the root; 0xFFFFFFFF for the root and for null.
     unsigned int GetChildDepth(const C3DSceneNode* node) const;
     CTree* GetTree() { return this; }
@@ -145,7 +145,7 @@ public:
     static double GetUnitFactor(_UNIT_MODE unit);
     /// Centimetres in a scene length of 1; 1 unless set.
     double GetScaleFactor() const;
-    void SetScaleFactor(double factor);                              // 0 is ignored
+    void SetScaleFactor(double factor);    // 0 is ignored
     /// A scene length in the scene's unit.
     double ConvertToUnit(double value) const;
     CXTString<wchar_t> GetUnitText(bool abbreviated) const;

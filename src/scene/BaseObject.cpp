@@ -47,20 +47,11 @@ void C3DBaseObject::DeleteFromNode()
 
 void C3DBaseObject::PreSerialize(CXArchive&, bool) {}
 
-void C3DBaseObject::PostSerialize(CXArchive&, bool)
-{
-    Invalidate(0xFFFF, true);
-}
+void C3DBaseObject::PostSerialize(CXArchive&, bool) { Invalidate(0xFFFF, true); }
 
-bool C3DBaseObject::NeedUpdate() const
-{
-    return (m_updateFlags & OBJECT_UPDATE_REGENERATED) != 0;
-}
+bool C3DBaseObject::NeedUpdate() const { return (m_updateFlags & OBJECT_UPDATE_REGENERATED) != 0; }
 
-unsigned int C3DBaseObject::GetChecksum(unsigned int) const
-{
-    return m_kind << 4;
-}
+unsigned int C3DBaseObject::GetChecksum(unsigned int) const { return m_kind << 4; }
 
 bool C3DBaseObject::Update(C3DScene*, unsigned int flags)
 {
@@ -68,15 +59,9 @@ bool C3DBaseObject::Update(C3DScene*, unsigned int flags)
     return false;
 }
 
-void C3DBaseObject::Invalidate(unsigned int flags, bool set)
-{
-    SetUpdateFlags(flags & (OBJECT_UPDATE_DISPLAY | 0xFFFF), set);
-}
+void C3DBaseObject::Invalidate(unsigned int flags, bool set) { SetUpdateFlags(flags & (OBJECT_UPDATE_DISPLAY | 0xFFFF), set); }
 
-C3DBaseObject* C3DBaseObject::GetFinalObject(bool)
-{
-    return this;
-}
+C3DBaseObject* C3DBaseObject::GetFinalObject(bool) { return this; }
 
 void C3DBaseObject::InheritFlags(const C3DBaseObject& from, int copyFlags)
 {
@@ -86,10 +71,7 @@ void C3DBaseObject::InheritFlags(const C3DBaseObject& from, int copyFlags)
         m_objectID = from.m_objectID;
 }
 
-bool C3DBaseObject::MatrixTransform(const C4x4TMatrix<float>&)
-{
-    return false;
-}
+bool C3DBaseObject::MatrixTransform(const C4x4TMatrix<float>&) { return false; }
 
 bool C3DBaseObject::InternalCopy(C3DBaseObject*& target, int copyFlags, C3DObjectCreator* creator) const
 {
@@ -144,8 +126,9 @@ CXTString<wchar_t> C3DBaseObject::GetTypeString() const
         const wchar_t* fallback;
     };
     static constexpr KindText TEXTS[] = {
-        {OBJECT_POLYGONAL, 9405, L"Polymesh"}, {OBJECT_CURVE, 9357, L"Curve"},   {OBJECT_PATCH, 9404, L"Patch"}, {OBJECT_GROUP, 9362, L"Group"},
-        {OBJECT_DUMMY, 9360, L"Dummy"},        {OBJECT_CAMERA, 9349, L"Camera"}, {OBJECT_LIGHT, 9363, L"Light"},
+        {OBJECT_POLYGONAL, 9405, L"Polymesh"}, {OBJECT_CURVE, 9357, L"Curve"}, {OBJECT_PATCH, 9404, L"Patch"},
+        {OBJECT_GROUP, 9362, L"Group"},        {OBJECT_DUMMY, 9360, L"Dummy"}, {OBJECT_CAMERA, 9349, L"Camera"},
+        {OBJECT_LIGHT, 9363, L"Light"},
     };
     for (const KindText& entry : TEXTS) {
         if (entry.kind != m_kind)

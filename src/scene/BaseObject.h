@@ -29,9 +29,9 @@ enum _OBJECT_PROPERTIES : unsigned int {
 
 /// Flags of C3DBaseObject::Copy, C3DSceneNode::Copy and CopyBranch.
 enum _COPY_FLAGS : int {
-    COPY_INSTANCE = 0x10,            ///< share the object in place of copying it
-    COPY_NO_OBJECT = 0x100,          ///< a node copy without object
-    COPY_FOREIGN_SCENE = 0x200,      ///< for another scene: no scene pointer, same object id
+    COPY_INSTANCE = 0x10,          ///< share the object in place of copying it
+    COPY_NO_OBJECT = 0x100,        ///< a node copy without object
+    COPY_FOREIGN_SCENE = 0x200,    ///< for another scene: no scene pointer, same object id
 };
 
 /// What a scene node holds: root of the object family.
@@ -139,7 +139,7 @@ protected:
     void SetUpdateWord(unsigned int word) { m_updateFlags = word; }
 
 private:
-    static constexpr int STAMPS = 4;         ///< 0x10000 to 0x80000 alone are ever stamped
+    static constexpr int STAMPS = 4;    ///< 0x10000 to 0x80000 alone are ever stamped
 
     _OBJECT_KINDOF m_kind = {};
     unsigned int m_flags = 0;

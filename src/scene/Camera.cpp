@@ -2,9 +2,6 @@
 
 ZEL_IMPLEMENT_CREATABLE(C3DCamera, C3DBaseObject)
 
-C3DCamera::C3DCamera() : C3DBaseObject(OBJECT_CAMERA)
-{
-    SetFlag(OBJECT_WIREFRAME_ONLY, true);
-}
+C3DCamera::C3DCamera() : C3DBaseObject(OBJECT_CAMERA) { SetFlag(OBJECT_WIREFRAME_ONLY, true); }
 
 C3DCamera::~C3DCamera() = default;

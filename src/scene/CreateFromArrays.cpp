@@ -6,14 +6,14 @@
 /// True when all `count` indices are points of a list of `points`.
 static bool AreInside(const int* indexes, std::size_t count, unsigned int points)
 {
-    unsigned int largest = 0;                            // a negative index is a very large one
+    unsigned int largest = 0;    // a negative index is a very large one
     for (std::size_t i = 0; i < count; i++)
         largest = static_cast<unsigned int>(indexes[i]) > largest ? static_cast<unsigned int>(indexes[i]) : largest;
     return count == 0 || largest < points;
 }
 
-C3DObject* CreateObjectFromArrays(const float* points, unsigned int pointBytes, const int* triangles, unsigned int triangleBytes, const int* quads,
-                                  unsigned int quadBytes)
+C3DObject* CreateObjectFromArrays(const float* points, unsigned int pointBytes, const int* triangles, unsigned int triangleBytes,
+                                  const int* quads, unsigned int quadBytes)
 {
     const unsigned int pointNbr = points ? pointBytes / 12 : 0;
     const unsigned int triangleNbr = triangles ? triangleBytes / 12 : 0;

@@ -6,7 +6,4 @@ C3DDummy::C3DDummy() : C3DBaseObject(OBJECT_DUMMY) {}
 
 C3DDummy::~C3DDummy() = default;
 
-unsigned int C3DDummy::GetChecksum(unsigned int) const
-{
-    return 0;
-}
+unsigned int C3DDummy::GetChecksum(unsigned int) const { return 0; }

@@ -8,7 +8,7 @@ class ZEL_API C3DDummy : public C3DBaseObject {
 public:
     C3DDummy();
 
-    unsigned int GetChecksum(unsigned int mode) const override;      // 0
+    unsigned int GetChecksum(unsigned int mode) const override;    // 0
 
 protected:
     ~C3DDummy() override;

@@ -18,20 +18,11 @@ bool C3DFilter::ProcessNode(unsigned int mode, const C3DSceneNode* node)
     return !(mode & FILTER_UNSELECTED) || node->IsFlagSet(NODE_SELECTED);
 }
 
-bool C3DFilter::ProcessNode(const C3DSceneNode* node) const
-{
-    return ProcessNode(m_mode, node);
-}
+bool C3DFilter::ProcessNode(const C3DSceneNode* node) const { return ProcessNode(m_mode, node); }
 
-bool C3DFilter::ProcessFace(const C3DBaseObject*, const C3DFace*) const
-{
-    return true;
-}
+bool C3DFilter::ProcessFace(const C3DBaseObject*, const C3DFace*) const { return true; }
 
-bool C3DFilter::ProcessPoint(const C3DBaseObject*, const C3DTPoint<float>*) const
-{
-    return true;
-}
+bool C3DFilter::ProcessPoint(const C3DBaseObject*, const C3DTPoint<float>*) const { return true; }
 
 C3DFilterByMaterial::~C3DFilterByMaterial() = default;
 

@@ -7,9 +7,9 @@ class C3DFace;
 
 /// What a C3DFilter refuses.
 enum _FILTER_MODE : unsigned int {
-    FILTER_EMPTY = 1,            ///< nodes whose object is flagged OBJECT_EMPTY
-    FILTER_HIDDEN = 2,           ///< hidden nodes
-    FILTER_UNSELECTED = 4,       ///< nodes that are not selected
+    FILTER_EMPTY = 1,         ///< nodes whose object is flagged OBJECT_EMPTY
+    FILTER_HIDDEN = 2,        ///< hidden nodes
+    FILTER_UNSELECTED = 4,    ///< nodes that are not selected
 };
 
 /// Says which nodes, faces and points take part in a walk or an operation. The base looks at nodes alone.

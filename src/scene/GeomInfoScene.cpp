@@ -19,7 +19,4 @@ CGeomInfo::CGeomInfo(C3DSceneNode* node, C3DBaseObject* object) : m_node(node), 
     m_smoothAngle = geometry->GetSmoothAngle();
 }
 
-C3DGeomObject* CGeomInfo::GetGeomObject() const
-{
-    return XDynamicCast<C3DGeomObject>(m_object);
-}
+C3DGeomObject* CGeomInfo::GetGeomObject() const { return XDynamicCast<C3DGeomObject>(m_object); }

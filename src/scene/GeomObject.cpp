@@ -23,8 +23,9 @@ C3DGeomObject::C3DGeomObject(_OBJECT_KINDOF kind, C3DPointList* points, C3DFaceL
 
 C3DGeomObject::C3DGeomObject(const C3DGeomObject& other)
     : C3DBaseObject(other), m_hasFaceBox(other.m_hasFaceBox), m_pointBox(other.m_pointBox), m_faceBox(other.m_faceBox),
-      m_smoothAngle(other.m_smoothAngle), m_smoothMode(other.m_smoothMode), m_faceMode(other.m_faceMode), m_channels(CDependentChannels::Create()),
-      m_globalUVW(other.m_globalUVW), m_globalVC(other.m_globalVC), m_vcStrength(other.m_vcStrength)
+      m_smoothAngle(other.m_smoothAngle), m_smoothMode(other.m_smoothMode), m_faceMode(other.m_faceMode),
+      m_channels(CDependentChannels::Create()), m_globalUVW(other.m_globalUVW), m_globalVC(other.m_globalVC),
+      m_vcStrength(other.m_vcStrength)
 {
     C3DObjectCreator creator;
     other.CopyGeometry(*this, creator);
@@ -81,10 +82,7 @@ bool C3DGeomObject::Update(C3DScene* scene, unsigned int flags)
 
 /// Texture coordinates for materials whose maps ask for a projection. There are no projections yet, so there is nothing to
 /// generate: the object is up to date as it stands.
-bool C3DGeomObject::GenerateMissingUVW(C3DScene*)
-{
-    return false;
-}
+bool C3DGeomObject::GenerateMissingUVW(C3DScene*) { return false; }
 
 // Copies
 
@@ -191,15 +189,9 @@ void C3DGeomObject::SetChannels(CDependentChannels* channels, bool deleteOld)
     SetUpdateFlags(OBJECT_UPDATE_DISPLAY, true);
 }
 
-int C3DGeomObject::GetPointNbr() const
-{
-    return m_points ? m_points->GetSize() : 0;
-}
+int C3DGeomObject::GetPointNbr() const { return m_points ? m_points->GetSize() : 0; }
 
-int C3DGeomObject::GetFaceNbr() const
-{
-    return m_faces ? m_faces->GetSize() : 0;
-}
+int C3DGeomObject::GetFaceNbr() const { return m_faces ? m_faces->GetSize() : 0; }
 
 void C3DGeomObject::FreeExtra()
 {

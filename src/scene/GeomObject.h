@@ -3,7 +3,6 @@
 #include "channels/Channel.h"
 #include "channels/NormalMode.h"
 #include "geometry/3DFaceList.h"
-#include "geometry/3DFaceList.h"
 #include "scene/BaseObject.h"
 
 class C3DPointList;
@@ -13,22 +12,22 @@ class CPointNormalChannel;
 
 /// How the faces of an object are culled.
 enum _faceModeEnum : unsigned int {
-    FACE_MODE_VIEW = 0,          ///< as the view says
-    FACE_MODE_ONE_SIDED = 1,     ///< back faces are culled
-    FACE_MODE_TWO_SIDED = 2,     ///< nothing is culled
+    FACE_MODE_VIEW = 0,         ///< as the view says
+    FACE_MODE_ONE_SIDED = 1,    ///< back faces are culled
+    FACE_MODE_TWO_SIDED = 2,    ///< nothing is culled
 };
 
 /// Flags of the bounding boxes of objects and nodes.
 enum _BOX_FLAGS : unsigned int {
-    BOX_FACES = 0x1,             ///< the points that live faces use
-    BOX_POINTS = 0x2,            ///< the whole point list
-    BOX_SKIP_HIDDEN = 0x4,       ///< no hidden nodes below
-    BOX_SELECTED_ONLY = 0x8,     ///< only selected nodes below
-    BOX_NODE_ONLY = 0x10,        ///< nothing below
-    BOX_NODE_FLAGS = 0x20,       ///< value1 is a set of node flags that each node below must have; cancels BOX_NODE_ONLY
-    BOX_KINDS = 0x40,            ///< value2 is the kind mask of the nodes below
-    BOX_NOT_KINDS = 0x80,        ///< the kind mask is ~value2; BOX_KINDS goes first
-    BOX_IN_NODE_SPACE = 0x100,   ///< object boxes: measured in scene coordinates, through the node given
+    BOX_FACES = 0x1,              ///< the points that live faces use
+    BOX_POINTS = 0x2,             ///< the whole point list
+    BOX_SKIP_HIDDEN = 0x4,        ///< no hidden nodes below
+    BOX_SELECTED_ONLY = 0x8,      ///< only selected nodes below
+    BOX_NODE_ONLY = 0x10,         ///< nothing below
+    BOX_NODE_FLAGS = 0x20,        ///< value1 is a set of node flags that each node below must have; cancels BOX_NODE_ONLY
+    BOX_KINDS = 0x40,             ///< value2 is the kind mask of the nodes below
+    BOX_NOT_KINDS = 0x80,         ///< the kind mask is ~value2; BOX_KINDS goes first
+    BOX_IN_NODE_SPACE = 0x100,    ///< object boxes: measured in scene coordinates, through the node given
 };
 
 /// Scene angle in place of an own one.
@@ -85,7 +84,7 @@ public:
     C3DPointList* GetPointList() const { return m_points; }
     C3DFaceList* GetFaceList() const { return m_faces; }
     CDependentChannels* GetChannels() const { return m_channels; }
-    int GetPointNbr() const;                         // 0 without a list
+    int GetPointNbr() const;    // 0 without a list
     int GetFaceNbr() const;
     void FreeExtra();
     /// Takes the structure (side data, list flags) of the other's lists without elements, and by CopyChannels the channels

@@ -17,8 +17,8 @@ void C3DGeomObject::Box::Set(const C3DTPoint<float>& inMin, const C3DTPoint<floa
     }
 }
 
-bool C3DGeomObject::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int boxFlags, unsigned int pointFilter, bool wanted,
-                                   const C3DSceneNode* node)
+bool C3DGeomObject::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int boxFlags, unsigned int pointFilter,
+                                   bool wanted, const C3DSceneNode* node)
 {
     if (IsFlagSet(OBJECT_EMPTY) || !(boxFlags & (BOX_FACES | BOX_POINTS)))
         return false;
@@ -35,7 +35,8 @@ bool C3DGeomObject::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max,
             m_faceBox.Get(min, max);
             return m_hasFaceBox;
         }
-        m_hasFaceBox = m_faces ? MeasureFaces(min, max, pointFilter, wanted, nullptr) : GetBoundingBox(min, max, BOX_POINTS, pointFilter, wanted);
+        m_hasFaceBox =
+            m_faces ? MeasureFaces(min, max, pointFilter, wanted, nullptr) : GetBoundingBox(min, max, BOX_POINTS, pointFilter, wanted);
         m_faceBox.Set(min, max);
         SetUpdateFlags(OBJECT_UPDATE_FACE_BOX, false);
         return m_hasFaceBox;
@@ -51,7 +52,8 @@ bool C3DGeomObject::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max,
 }
 
 /// Always true; zeros for no points.
-bool C3DGeomObject::MeasurePoints(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted, C4x4TMatrix<float>* matrix)
+bool C3DGeomObject::MeasurePoints(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted,
+                                  C4x4TMatrix<float>* matrix)
 {
     min = max = C3DTPoint<float>();
     if (m_points)

@@ -1,15 +1,9 @@
 #include "channels/DependentChannels.h"
 #include "scene/GeomObject.h"
 
-unsigned int C3DGeomObject::AddChannel(CChannel* channel)
-{
-    return static_cast<unsigned int>(m_channels->AddChannel(channel));
-}
+unsigned int C3DGeomObject::AddChannel(CChannel* channel) { return static_cast<unsigned int>(m_channels->AddChannel(channel)); }
 
-CChannel* C3DGeomObject::GetChannelByID(unsigned int id, _Channel3DType type) const
-{
-    return m_channels->GetChannelByID(id, type);
-}
+CChannel* C3DGeomObject::GetChannelByID(unsigned int id, _Channel3DType type) const { return m_channels->GetChannelByID(id, type); }
 
 CChannel* C3DGeomObject::GetChannelByIndex(int index, _Channel3DType type, bool skipInvalid) const
 {

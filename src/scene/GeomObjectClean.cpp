@@ -23,7 +23,8 @@ void C3DGeomObject::Clean()
 /// The channel has nothing to say about the faces: it is out of step with them, or every face lacks data.
 static bool IsWithoutFaces(CFaceList& faces, const C3DFaceList* geometry)
 {
-    return !geometry || faces.GetSize() != geometry->GetSize() || faces.GetNumberOfFaces(static_cast<unsigned int>(FACE_DEAD), true) == faces.GetSize();
+    return !geometry || faces.GetSize() != geometry->GetSize() ||
+           faces.GetNumberOfFaces(static_cast<unsigned int>(FACE_DEAD), true) == faces.GetSize();
 }
 
 void C3DGeomObject::CleanChannels(unsigned int typeMask, bool keepTypes)
@@ -32,8 +33,8 @@ void C3DGeomObject::CleanChannels(unsigned int typeMask, bool keepTypes)
     for (CChannel* channel : *m_channels) {
         const bool inMask = (channel->GetType() & typeMask) != 0;
         CFaceList* faces = channel->GetFaceList();
-        if (channel->IsFlagSet(CHANNEL_INVALID) || (typeMask != 0xFFFFFFFF && inMask != keepTypes) || (faces && IsWithoutFaces(*faces, m_faces)) ||
-            (!faces && !channel->GetPointList()))
+        if (channel->IsFlagSet(CHANNEL_INVALID) || (typeMask != 0xFFFFFFFF && inMask != keepTypes) ||
+            (faces && IsWithoutFaces(*faces, m_faces)) || (!faces && !channel->GetPointList()))
             dead.Insert(channel);
     }
     for (CChannel* channel : dead)

@@ -17,7 +17,7 @@ void C3DGeomObject::SetSmoothAngle(float angle)
 {
     if (angle != SMOOTH_ANGLE_INHERITED) {
         const double degrees = angle * (180 / 3.14159265358979323846);
-        if (!(degrees >= 0))                             // NaN too
+        if (!(degrees >= 0))    // NaN too
             angle = 0;
         else if (degrees > 180)
             angle = 3.1415927f;

@@ -4,9 +4,9 @@
 
 /// What Init3DZel and Close3DZel leave alone.
 enum _INIT_FLAGS : unsigned int {
-    INIT_NO_COMMANDS = 1,              ///< no names of command groups and categories
-    INIT_NO_PLUGINS = 2,               ///< no IO plug-ins
-    INIT_LINK_RESOURCES = 0x100,       ///< the caller's module sees the library's resources
+    INIT_NO_COMMANDS = 1,           ///< no names of command groups and categories
+    INIT_NO_PLUGINS = 2,            ///< no IO plug-ins
+    INIT_LINK_RESOURCES = 0x100,    ///< the caller's module sees the library's resources
 };
 
 /// Handle of a resource module. On this system resources are part of the library; the handle only tells it apart.

@@ -6,22 +6,13 @@
 
 C3DKeyCurve::~C3DKeyCurve() = default;
 
-void C3DKeyCurve::Serialize(CXArchive&) {}              // the key stores the class id, to know what to create
+void C3DKeyCurve::Serialize(CXArchive&) {}    // the key stores the class id, to know what to create
 
-bool C3DKeyCurve::operator==(const C3DKeyCurve& other) const
-{
-    return m_classId == other.m_classId;
-}
+bool C3DKeyCurve::operator==(const C3DKeyCurve& other) const { return m_classId == other.m_classId; }
 
-bool C3DKeyCurve::operator=(const C3DKeyCurve& other)
-{
-    return m_classId == other.m_classId;
-}
+bool C3DKeyCurve::operator=(const C3DKeyCurve& other) { return m_classId == other.m_classId; }
 
-unsigned int C3DKeyCurve::GetClassID() const
-{
-    return this ? m_classId : 0;
-}
+unsigned int C3DKeyCurve::GetClassID() const { return this ? m_classId : 0; }
 
 C3DKeyCurve* C3DKeyCurve::Copy() const
 {
@@ -31,10 +22,7 @@ C3DKeyCurve* C3DKeyCurve::Copy() const
     return copy;
 }
 
-C3DKeyCurve* C3DKeyCurve::CreateCurve(unsigned int curveId)
-{
-    return curveId == CURVE_TCB ? new C3DTCBCurve : nullptr;
-}
+C3DKeyCurve* C3DKeyCurve::CreateCurve(unsigned int curveId) { return curveId == CURVE_TCB ? new C3DTCBCurve : nullptr; }
 
 C3DTCBCurve::~C3DTCBCurve() = default;
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/FourCC.h"
 #include "tools/Api.h"
+#include "tools/FourCC.h"
 
 class CXArchive;
 
@@ -12,7 +12,7 @@ class ZEL_API C3DKeyCurve {
 public:
     virtual ~C3DKeyCurve();
     virtual void Serialize(CXArchive& ar);
-    virtual bool operator==(const C3DKeyCurve& other) const;       // the class ids
+    virtual bool operator==(const C3DKeyCurve& other) const;    // the class ids
     /// False, with nothing changed, for a curve of another class id.
     virtual bool operator=(const C3DKeyCurve& other);
     bool operator!=(const C3DKeyCurve& other) const { return !(*this == other); }

@@ -5,12 +5,8 @@
 
 #include "tools/Archive.h"
 
-namespace
-{
-bool Matches(const _KeyframeInfo& info, std::uint64_t classId)
-{
-    return classId == KEY_ANY || info.key->GetClassID() == classId;
-}
+namespace {
+bool Matches(const _KeyframeInfo& info, std::uint64_t classId) { return classId == KEY_ANY || info.key->GetClassID() == classId; }
 }
 
 C3DAnimatable::~C3DAnimatable() = default;
@@ -21,15 +17,9 @@ int C3DAnimatable::GetKeyTime(int time, unsigned int mode, std::uint64_t classId
     return GetConstKey(time, mode, classId, &keyTime) ? keyTime : time;
 }
 
-C3DKeyframable::C3DKeyframable(const C3DKeyframable& other) : C3DAnimatable(other)
-{
-    *this = other;
-}
+C3DKeyframable::C3DKeyframable(const C3DKeyframable& other) : C3DAnimatable(other) { *this = other; }
 
-C3DKeyframable::~C3DKeyframable()
-{
-    DeleteAllKeys();
-}
+C3DKeyframable::~C3DKeyframable() { DeleteAllKeys(); }
 
 CTimeRange C3DKeyframable::GetTimeRange(std::uint64_t classId)
 {
@@ -93,10 +83,7 @@ int C3DKeyframable::AddKey(int time, C3DKeyframe* key)
     return behind;
 }
 
-int C3DKeyframable::AddKey(int time, const C3DKeyframe& key)
-{
-    return AddKey(time, key.Copy());
-}
+int C3DKeyframable::AddKey(int time, const C3DKeyframe& key) { return AddKey(time, key.Copy()); }
 
 C3DKeyframe* C3DKeyframable::CreateKey(int time, std::uint64_t classId, unsigned int flags)
 {
@@ -173,10 +160,7 @@ void C3DKeyframable::DeleteAllKeys()
     m_keys.RemoveAll();
 }
 
-int C3DKeyframable::DeleteKey(int)
-{
-    return 0;
-}
+int C3DKeyframable::DeleteKey(int) { return 0; }
 
 bool C3DKeyframable::Evaluate(int time, C3DKeyframe& key) const
 {
@@ -220,15 +204,13 @@ bool C3DKeyframable::operator==(const C3DKeyframable& other) const
 /// Index of the first key at or after the time.
 int C3DKeyframable::FindFirst(int time) const
 {
-    const auto place = std::lower_bound(m_keys.begin(), m_keys.end(), time,
-                                        [](const _KeyframeInfo& info, int t) { return info.time < t; });
+    const auto place = std::lower_bound(m_keys.begin(), m_keys.end(), time, [](const _KeyframeInfo& info, int t) { return info.time < t; });
     return static_cast<int>(place - m_keys.begin());
 }
 
 /// Index of the first key after the time.
 int C3DKeyframable::FindBehind(int time) const
 {
-    const auto place = std::upper_bound(m_keys.begin(), m_keys.end(), time,
-                                        [](int t, const _KeyframeInfo& info) { return t < info.time; });
+    const auto place = std::upper_bound(m_keys.begin(), m_keys.end(), time, [](int t, const _KeyframeInfo& info) { return t < info.time; });
     return static_cast<int>(place - m_keys.begin());
 }

@@ -12,8 +12,8 @@ enum _KEY_LOOKUP : unsigned int {
 
 /// Bits of C3DKeyframable::CreateKey.
 enum _KEY_CREATION : unsigned int {
-    KEY_ALWAYS_NEW = 1,       ///< replaces a key of that time and class
-    KEY_KEEP_DEFAULT = 2,     ///< leaves the class's default value, instead of the animation's value at that time
+    KEY_ALWAYS_NEW = 1,      ///< replaces a key of that time and class
+    KEY_KEEP_DEFAULT = 2,    ///< leaves the class's default value, instead of the animation's value at that time
 };
 
 /// Whatever can answer for keys.
@@ -32,7 +32,7 @@ public:
 /// One place of a key list.
 struct _KeyframeInfo {
     int time;
-    C3DKeyframe* key;         ///< owned by the list
+    C3DKeyframe* key;    ///< owned by the list
 };
 
 /// A list of keys, sorted by time. At one time there is at most one key of a class id; keys of different class ids at one

@@ -8,8 +8,7 @@
 #include "geometry/Swap.h"
 #include "tools/Archive.h"
 
-namespace
-{
+namespace {
 /// `key` as a K, or null: a class id does not vouch for the class. A key of the class of `self` is told without a cast
 /// through the class tree.
 template <class K> const K* As(const C3DKeyframe& key, const K& self)
@@ -31,27 +30,21 @@ C3DTVector<float> Interpolate(const C3DTVector<float>& a, const C3DTVector<float
 /// What a value beyond the type's range becomes is its nearest number.
 template <class T> T Truncate(float value)
 {
-    constexpr float limit = static_cast<float>(std::numeric_limits<T>::max());           // rounds up, to a power of 2
+    constexpr float limit = static_cast<float>(std::numeric_limits<T>::max());    // rounds up, to a power of 2
     if (value >= limit)
         return std::numeric_limits<T>::max();
     constexpr float least = static_cast<float>(std::numeric_limits<T>::min());
     return value > least ? static_cast<T>(value) : std::numeric_limits<T>::min();
 }
 
-int Interpolate(int a, int b, float f)
-{
-    return Truncate<int>(static_cast<float>(a) * (1 - f) + static_cast<float>(b) * f);
-}
+int Interpolate(int a, int b, float f) { return Truncate<int>(static_cast<float>(a) * (1 - f) + static_cast<float>(b) * f); }
 
 unsigned int Interpolate(unsigned int a, unsigned int b, float f)
 {
     return Truncate<unsigned int>(static_cast<float>(a) * (1 - f) + static_cast<float>(b) * f);
 }
 
-float Interpolate(float a, float b, float f)
-{
-    return (1 - f) * a + f * b;
-}
+float Interpolate(float a, float b, float f) { return (1 - f) * a + f * b; }
 
 double Interpolate(double a, double b, float f)
 {
@@ -59,10 +52,7 @@ double Interpolate(double a, double b, float f)
     return (1 - wide) * a + wide * b;
 }
 
-CRGBColor Interpolate(const CRGBColor& a, const CRGBColor& b, float f)
-{
-    return a * (1 - f) + b * f;
-}
+CRGBColor Interpolate(const CRGBColor& a, const CRGBColor& b, float f) { return a * (1 - f) + b * f; }
 
 /// Rotation of a transform as axis and angle, made anew: no rotation is a turn of 0 about x.
 CQuaternion GetCleanRotation(const C4x4TMatrix<float>& matrix)
@@ -106,10 +96,7 @@ bool C3DKeyframe::Evaluate(const C3DKeyframe& prev, const C3DKeyframe& next, int
     return range.IsInInterval(time) && prev.m_classId == m_classId && next.m_classId == m_classId;
 }
 
-bool C3DKeyframe::operator==(const C3DKeyframe& other) const
-{
-    return m_classId == other.m_classId;
-}
+bool C3DKeyframe::operator==(const C3DKeyframe& other) const { return m_classId == other.m_classId; }
 
 bool C3DKeyframe::operator=(const C3DKeyframe& other)
 {
@@ -124,38 +111,17 @@ C3DKeyframe* C3DKeyframe::CreateKey(std::uint64_t classId, unsigned int curveId)
 {
     C3DKeyframe* key = nullptr;
     switch (static_cast<unsigned int>(classId >> 32)) {
-    case KEY_TYPE_MATRIX:
-        key = new C3DMatrixKey(classId);
-        break;
-    case KEY_TYPE_ROTATE:
-        key = new C3DRotateKey(classId);
-        break;
-    case KEY_TYPE_SCALE:
-        key = new C3DScaleKey(classId);
-        break;
-    case KEY_TYPE_TRANSLATE:
-        key = new C3DTranslateKey(classId);
-        break;
-    case KEY_TYPE_VECTOR:
-        key = new C3DVectorKey(classId);
-        break;
-    case KEY_TYPE_INT:
-        key = new C3DTypeKey<int>(classId);
-        break;
-    case KEY_TYPE_UNSIGNED:
-        key = new C3DTypeKey<unsigned int>(classId);
-        break;
-    case KEY_TYPE_FLOAT:
-        key = new C3DTypeKey<float>(classId);
-        break;
-    case KEY_TYPE_DOUBLE:
-        key = new C3DTypeKey<double>(classId);
-        break;
-    case KEY_TYPE_COLOR:
-        key = new C3DTypeKey<CRGBColor>(classId);
-        break;
-    default:
-        return nullptr;
+    case KEY_TYPE_MATRIX: key = new C3DMatrixKey(classId); break;
+    case KEY_TYPE_ROTATE: key = new C3DRotateKey(classId); break;
+    case KEY_TYPE_SCALE: key = new C3DScaleKey(classId); break;
+    case KEY_TYPE_TRANSLATE: key = new C3DTranslateKey(classId); break;
+    case KEY_TYPE_VECTOR: key = new C3DVectorKey(classId); break;
+    case KEY_TYPE_INT: key = new C3DTypeKey<int>(classId); break;
+    case KEY_TYPE_UNSIGNED: key = new C3DTypeKey<unsigned int>(classId); break;
+    case KEY_TYPE_FLOAT: key = new C3DTypeKey<float>(classId); break;
+    case KEY_TYPE_DOUBLE: key = new C3DTypeKey<double>(classId); break;
+    case KEY_TYPE_COLOR: key = new C3DTypeKey<CRGBColor>(classId); break;
+    default: return nullptr;
     }
     if (curveId)
         key->CreateCurve(curveId);
@@ -170,10 +136,7 @@ C3DKeyframe* C3DKeyframe::Copy() const
     return copy;
 }
 
-void C3DKeyframe::SetKeyCurve(const C3DKeyCurve& curve)
-{
-    m_curve.reset(curve.Copy());
-}
+void C3DKeyframe::SetKeyCurve(const C3DKeyCurve& curve) { m_curve.reset(curve.Copy()); }
 
 void C3DKeyframe::SetKeyCurve(C3DKeyCurve* curve)
 {
@@ -232,10 +195,7 @@ bool C3DMatrixKey::operator=(const C3DKeyframe& other)
     return true;
 }
 
-const C4x4TMatrix<float>& C3DMatrixKey::ToMatrix() const
-{
-    return m_matrix;
-}
+const C4x4TMatrix<float>& C3DMatrixKey::ToMatrix() const { return m_matrix; }
 
 void C3DMatrixKey::SwapCoordinates(unsigned int code, bool adjust)
 {
@@ -298,7 +258,7 @@ void C3DVectorKey::SwapCoordinates(unsigned int code)
 
 C3DScaleKey::C3DScaleKey(std::uint64_t classId) : C3DVectorKey(classId)
 {
-    m_vector = C3DTVector<float>(1, 1, 1);               // as the matrix says already
+    m_vector = C3DTVector<float>(1, 1, 1);    // as the matrix says already
 }
 
 C3DScaleKey::~C3DScaleKey() = default;
@@ -311,17 +271,11 @@ void C3DScaleKey::UpdateMatrix()
 
 C3DTranslateKey::~C3DTranslateKey() = default;
 
-void C3DTranslateKey::UpdateMatrix()
-{
-    C3DVectorKey::UpdateMatrix();
-}
+void C3DTranslateKey::UpdateMatrix() { C3DVectorKey::UpdateMatrix(); }
 
 // ---- C3DRotateKey
 
-C3DRotateKey::C3DRotateKey(float angle, const C3DTVector<float>& axis) : C3DMatrixKey(KEY_ROTATE)
-{
-    SetRotation(angle, axis);
-}
+C3DRotateKey::C3DRotateKey(float angle, const C3DTVector<float>& axis) : C3DMatrixKey(KEY_ROTATE) { SetRotation(angle, axis); }
 
 C3DRotateKey::~C3DRotateKey() = default;
 
@@ -394,8 +348,7 @@ void C3DRotateKey::UpdateMatrix()
     constexpr double ZERO = 1e-15;
     m_matrix.SetIdentity();
     C3DTVector<double> axis(m_axis);
-    if (std::fabs(m_angle) < ZERO ||
-        (std::fabs(axis.x) < ZERO && std::fabs(axis.y) < ZERO && std::fabs(axis.z) < ZERO))
+    if (std::fabs(m_angle) < ZERO || (std::fabs(axis.x) < ZERO && std::fabs(axis.y) < ZERO && std::fabs(axis.z) < ZERO))
         return;
     axis.Normalize();
 
@@ -419,8 +372,7 @@ template <class T> void C3DTypeKey<T>::Serialize(CXArchive& ar)
     Move(ar, value);
 }
 
-template <class T>
-bool C3DTypeKey<T>::Evaluate(const C3DKeyframe& prev, const C3DKeyframe& next, int time, const CTimeRange& range)
+template <class T> bool C3DTypeKey<T>::Evaluate(const C3DKeyframe& prev, const C3DKeyframe& next, int time, const CTimeRange& range)
 {
     const auto *a = As<C3DTypeKey>(prev, *this), *b = As<C3DTypeKey>(next, *this);
     if (!a || !b)

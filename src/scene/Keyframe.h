@@ -21,10 +21,7 @@ public:
     /// The nearest time of the range.
     int AdjustTime(int time) const { return time < start ? start : time > end ? end : time; }
     /// end - start, and 1 for a range of one frame.
-    unsigned int GetLength() const
-    {
-        return start == end ? 1 : static_cast<unsigned int>(end) - static_cast<unsigned int>(start);
-    }
+    unsigned int GetLength() const { return start == end ? 1 : static_cast<unsigned int>(end) - static_cast<unsigned int>(start); }
     /// Not 0 when the range holds the time.
     int IsInInterval(int time) const { return start <= time && time <= end; }
     /// Intersection. Of ranges apart from each other the result holds no time: its end lies before its start.
@@ -66,7 +63,7 @@ constexpr std::uint64_t KeyClassID(unsigned int typeId, unsigned int contentId)
     return static_cast<std::uint64_t>(typeId) << 32 | contentId;
 }
 
-inline constexpr std::uint64_t KEY_ANY = 0;                ///< in a lookup: every key
+inline constexpr std::uint64_t KEY_ANY = 0;    ///< in a lookup: every key
 inline constexpr std::uint64_t KEY_MATRIX = KeyClassID(KEY_TYPE_MATRIX, 0);
 inline constexpr std::uint64_t KEY_ROTATE = KeyClassID(KEY_TYPE_ROTATE, 0);
 inline constexpr std::uint64_t KEY_SCALE = KeyClassID(KEY_TYPE_SCALE, 0);
@@ -108,7 +105,7 @@ public:
 
     /// The curve or null.
     const C3DKeyCurve* GetKeyCurve() const { return m_curve.get(); }
-    void SetKeyCurve(const C3DKeyCurve& curve);          // a copy
+    void SetKeyCurve(const C3DKeyCurve& curve);    // a copy
     /// Takes ownership; null removes the curve.
     void SetKeyCurve(C3DKeyCurve* curve);
     /// Replaces the curve by a new one; null, and no curve, for an unknown id.
@@ -116,7 +113,7 @@ public:
 
 protected:
     explicit C3DKeyframe(std::uint64_t classId) : m_classId(classId) {}
-    C3DKeyframe(const C3DKeyframe& other);               // custom data too
+    C3DKeyframe(const C3DKeyframe& other);    // custom data too
 
 private:
     std::uint64_t m_classId;

@@ -2,9 +2,6 @@
 
 ZEL_IMPLEMENT_CREATABLE(C3DLight, C3DBaseObject)
 
-C3DLight::C3DLight() : C3DBaseObject(OBJECT_LIGHT)
-{
-    SetFlag(OBJECT_WIREFRAME_ONLY, true);
-}
+C3DLight::C3DLight() : C3DBaseObject(OBJECT_LIGHT) { SetFlag(OBJECT_WIREFRAME_ONLY, true); }
 
 C3DLight::~C3DLight() = default;

@@ -6,10 +6,7 @@ ZEL_IMPLEMENT_CREATABLE(CMaterials, CXObject)
 
 static constexpr unsigned int DEFAULT_MATERIAL = 9358;
 
-CMaterials::~CMaterials()
-{
-    RemoveAll();
-}
+CMaterials::~CMaterials() { RemoveAll(); }
 
 C3DMaterial* CMaterials::CreateNewMaterial(unsigned int id)
 {

@@ -31,7 +31,8 @@ bool C3DSceneNode::GetInternalBox(const C4x4TMatrix<float>& matrix, C3DTPoint<fl
         return false;
     CBoxUnion box{min, max};
     for (int corner = 0; corner < 8; corner++) {
-        const C3DTPoint<float> p = matrix * C3DTPoint<float>(corner & 1 ? high.x : low.x, corner & 2 ? high.y : low.y, corner & 4 ? high.z : low.z);
+        const C3DTPoint<float> p =
+            matrix * C3DTPoint<float>(corner & 1 ? high.x : low.x, corner & 2 ? high.y : low.y, corner & 4 ? high.z : low.z);
         box.Add(p, p);
     }
     return true;

@@ -27,10 +27,7 @@ C3DNodePos& C3DNodePos::operator=(const C3DNodePos& other)
     return *this;
 }
 
-C3DNodePos::~C3DNodePos()
-{
-    DeleteMe(m_visited);
-}
+C3DNodePos::~C3DNodePos() { DeleteMe(m_visited); }
 
 bool C3DNodePos::TakesKind(const C3DSceneNode* node) const
 {
@@ -53,10 +50,7 @@ void C3DNodePos::AddObjectID(unsigned int id)
         m_scene->GetNextNode(*this);
 }
 
-bool C3DNodePos::CheckObjectID(unsigned int id) const
-{
-    return m_visited && m_visited->Find(id);
-}
+bool C3DNodePos::CheckObjectID(unsigned int id) const { return m_visited && m_visited->Find(id); }
 
 C3DNodePos C3DScene::GetFirstNode(const C3DSceneNode* start, unsigned int iterFlags, const C3DSceneNode* stop) const
 {

@@ -6,10 +6,10 @@
 
 /// Flags of C3DScene::GetFirstNode.
 enum _ITER_FLAGS : unsigned int {
-    ITER_UNIQUE_OBJECTS = 1,     ///< of the nodes that share an object only the first
-    ITER_INCLUDE_START = 2,      ///< the start node comes first (never the root)
-    ITER_SUBTREE = 4,            ///< only below the start node
-    ITER_EMPTY_NODES = 8,        ///< nodes without object too, whatever the mask
+    ITER_UNIQUE_OBJECTS = 1,    ///< of the nodes that share an object only the first
+    ITER_INCLUDE_START = 2,     ///< the start node comes first (never the root)
+    ITER_SUBTREE = 4,           ///< only below the start node
+    ITER_EMPTY_NODES = 8,       ///< nodes without object too, whatever the mask
 };
 
 /// Set of object ids that a walk has visited, shared by the copies of a position.

@@ -6,15 +6,9 @@
 #include "scene/GeomObject.h"
 #include "scene/NodeWalkTM.h"
 
-static bool IsRoot(const C3DSceneNode* node)
-{
-    return node->GetScene() && node->GetScene()->IsSceneRoot(node);
-}
+static bool IsRoot(const C3DSceneNode* node) { return node->GetScene() && node->GetScene()->IsSceneRoot(node); }
 
-static bool IsZero(const C3DTCoordinates<float>& v)
-{
-    return std::fabs(v.x) < 1e-15 && std::fabs(v.y) < 1e-15 && std::fabs(v.z) < 1e-15;
-}
+static bool IsZero(const C3DTCoordinates<float>& v) { return std::fabs(v.x) < 1e-15 && std::fabs(v.y) < 1e-15 && std::fabs(v.z) < 1e-15; }
 
 void C3DSceneNode::GetObjectLocalTM(int time, C4x4TMatrix<float>& matrix) const
 {
@@ -72,7 +66,7 @@ void C3DSceneNode::GetNodeLocalTM(int time, C4x4TMatrix<float>& matrix) const
         return;
     C4x4TMatrix<float> parentTM, inverse;
     parent->GetNodeTM(time, parentTM, true);
-    C4x4TMatrix<float>::GetInverse(parentTM, inverse);       // a singular parent counts as the identity
+    C4x4TMatrix<float>::GetInverse(parentTM, inverse);    // a singular parent counts as the identity
     matrix = inverse * matrix;
 }
 

@@ -18,7 +18,7 @@ public:
 private:
     struct Level {
         const C3DSceneNode* node;
-        C4x4TMatrix<float> matrix;           ///< of the node's children, without pivots
+        C4x4TMatrix<float> matrix;    ///< of the node's children, without pivots
     };
     void Enter(const C3DSceneNode* parent);
 

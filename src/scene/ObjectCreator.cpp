@@ -32,20 +32,11 @@ C3DBaseObject* C3DObjectCreator::GetNewObjectFrom(const C3DBaseObject* object, b
     return nullptr;
 }
 
-bool C3DObjectCreator::CanProcess(const C3DSceneNode*, const C3DBaseObject*)
-{
-    return true;
-}
+bool C3DObjectCreator::CanProcess(const C3DSceneNode*, const C3DBaseObject*) { return true; }
 
-C3DFaceList* C3DObjectCreator::GetNewFaceList()
-{
-    return C3DFaceList::Create(nullptr);
-}
+C3DFaceList* C3DObjectCreator::GetNewFaceList() { return C3DFaceList::Create(nullptr); }
 
-C3DPointList* C3DObjectCreator::GetNewPointList()
-{
-    return C3DPointList::Create(nullptr);
-}
+C3DPointList* C3DObjectCreator::GetNewPointList() { return C3DPointList::Create(nullptr); }
 
 C3DObject* C3DObjectCreator::GetNewPolygonalObject()
 {
@@ -53,10 +44,7 @@ C3DObject* C3DObjectCreator::GetNewPolygonalObject()
     return new C3DObject(GetNewPointList(), faces, nullptr);
 }
 
-C3DCurve* C3DObjectCreator::GetNewCurveObject()
-{
-    return new C3DCurve(GetNewPointList(), nullptr, nullptr);
-}
+C3DCurve* C3DObjectCreator::GetNewCurveObject() { return new C3DCurve(GetNewPointList(), nullptr, nullptr); }
 
 C3DPatch* C3DObjectCreator::GetNewPatchObject()
 {
@@ -64,22 +52,10 @@ C3DPatch* C3DObjectCreator::GetNewPatchObject()
     return new C3DPatch(GetNewPointList(), faces, nullptr);
 }
 
-C3DGroup* C3DObjectCreator::GetNewGroupObject()
-{
-    return new C3DGroup;
-}
+C3DGroup* C3DObjectCreator::GetNewGroupObject() { return new C3DGroup; }
 
-C3DDummy* C3DObjectCreator::GetNewDummy()
-{
-    return new C3DDummy;
-}
+C3DDummy* C3DObjectCreator::GetNewDummy() { return new C3DDummy; }
 
-C3DCamera* C3DObjectCreator::GetNewCamera()
-{
-    return new C3DCamera;
-}
+C3DCamera* C3DObjectCreator::GetNewCamera() { return new C3DCamera; }
 
-C3DLight* C3DObjectCreator::GetNewLight()
-{
-    return new C3DLight;
-}
+C3DLight* C3DObjectCreator::GetNewLight() { return new C3DLight; }

@@ -27,9 +27,9 @@ public:
     virtual bool CanProcess(const C3DSceneNode* node, const C3DBaseObject* object);
     virtual C3DFaceList* GetNewFaceList();
     virtual C3DPointList* GetNewPointList();
-    virtual C3DObject* GetNewPolygonalObject();      // with both lists
-    virtual C3DCurve* GetNewCurveObject();           // with a point list
-    virtual C3DPatch* GetNewPatchObject();           // with both lists
+    virtual C3DObject* GetNewPolygonalObject();    // with both lists
+    virtual C3DCurve* GetNewCurveObject();         // with a point list
+    virtual C3DPatch* GetNewPatchObject();         // with both lists
     virtual C3DGroup* GetNewGroupObject();
     virtual C3DDummy* GetNewDummy();
     virtual C3DCamera* GetNewCamera();

@@ -30,7 +30,4 @@ void CParserSceneInfo::ReleaseInfo(CParserSceneInfo* info)
         s_release(owner, size, data);
 }
 
-void CParserSceneInfo::SetRelease(Release release)
-{
-    s_release = release;
-}
+void CParserSceneInfo::SetRelease(Release release) { s_release = release; }

@@ -49,7 +49,7 @@ float C3DPreferences::GetSmoothAngle() const
 void C3DPreferences::SetSmoothAngle(float angle)
 {
     const double degrees = angle * (180 / 3.14159265358979323846);
-    if (!(degrees >= 0 && degrees <= 180.005))           // refuses NaN too
+    if (!(degrees >= 0 && degrees <= 180.005))    // refuses NaN too
         return;
     const std::lock_guard<std::mutex> guard(m_lock);
     m_bag.SetFloat(SMOOTH_ANGLE, angle);

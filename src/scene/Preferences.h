@@ -6,7 +6,6 @@
 #include "tools/CustomData.h"
 #include "tools/String.h"
 
-
 /// Process-wide settings, kept in 3dprefs.prefs in the user's settings folder.
 ///
 /// One instance, loaded at first use. Every accessor holds the lock for its whole length and may be called on any thread.

@@ -16,15 +16,9 @@ C3DSceneNode::~C3DSceneNode()
         m_object->DeleteFromNode();
 }
 
-C3DSceneNode* C3DSceneNode::Create()
-{
-    return new C3DSceneNode;
-}
+C3DSceneNode* C3DSceneNode::Create() { return new C3DSceneNode; }
 
-CXTString<wchar_t> C3DSceneNode::GetDisplayName() const
-{
-    return GetName();
-}
+CXTString<wchar_t> C3DSceneNode::GetDisplayName() const { return GetName(); }
 
 bool C3DSceneNode::Delete()
 {
@@ -40,10 +34,7 @@ void C3DSceneNode::PreSerialize(CXArchive& ar, bool first)
         m_object->PreSerialize(ar, first);
 }
 
-C3DSceneNode& C3DSceneNode::operator=(const C3DSceneNode&)
-{
-    return *this;
-}
+C3DSceneNode& C3DSceneNode::operator=(const C3DSceneNode&) { return *this; }
 
 const CXTString<wchar_t>& C3DSceneNode::GetName() const
 {
@@ -67,10 +58,7 @@ void C3DSceneNode::SetScene(C3DScene* scene)
         m_object->SetScene(scene);
 }
 
-void C3DSceneNode::Invalidate(unsigned int flags, bool set)
-{
-    SetInvalidateFlag(flags & (NODE_UPDATE_DISPLAY | 0xFFFF), set);
-}
+void C3DSceneNode::Invalidate(unsigned int flags, bool set) { SetInvalidateFlag(flags & (NODE_UPDATE_DISPLAY | 0xFFFF), set); }
 
 void C3DSceneNode::SetInvalidateFlag(unsigned int flags, bool set)
 {
@@ -90,17 +78,8 @@ void C3DSceneNode::SetObject(C3DBaseObject* object, bool deleteOld)
         old->DeleteFromNode();
 }
 
-C3DBaseObject* C3DSceneNode::GetBaseObject(int) const
-{
-    return m_object;
-}
+C3DBaseObject* C3DSceneNode::GetBaseObject(int) const { return m_object; }
 
-C3DBaseObject* C3DSceneNode::GetFinalObject(int) const
-{
-    return m_object ? m_object->GetFinalObject(false) : nullptr;
-}
+C3DBaseObject* C3DSceneNode::GetFinalObject(int) const { return m_object ? m_object->GetFinalObject(false) : nullptr; }
 
-C3DGeomObject* C3DSceneNode::GetGeomObject(int) const
-{
-    return m_object ? static_cast<C3DGeomObject*>(*m_object) : nullptr;
-}
+C3DGeomObject* C3DSceneNode::GetGeomObject(int) const { return m_object ? static_cast<C3DGeomObject*>(*m_object) : nullptr; }

@@ -139,6 +139,6 @@ private:
     unsigned int m_nodeID;
     unsigned int m_flags = 0;
     unsigned int m_updateFlags = 0;
-    bool m_named = false;                    ///< false: still has the default name, which costs nothing
+    bool m_named = false;    ///< false: still has the default name, which costs nothing
     CXTString<wchar_t> m_name;
 };

@@ -7,8 +7,8 @@
 #include "tools/FourCC.h"
 
 // Ids of the scene's parameters in its custom data.
-static constexpr unsigned int UNIT = FourCC("SCUT"), SCALE_FACTOR = FourCC("SCLF"), SMOOTH_ANGLE = FourCC("SMAN"), SMOOTH_MODE = FourCC("SMMO"),
-                              FILE_NAME = FourCC("SNFL"), FILE_CLASS = FourCC("SNFC");
+static constexpr unsigned int UNIT = FourCC("SCUT"), SCALE_FACTOR = FourCC("SCLF"), SMOOTH_ANGLE = FourCC("SMAN"),
+                              SMOOTH_MODE = FourCC("SMMO"), FILE_NAME = FourCC("SNFL"), FILE_CLASS = FourCC("SNFC");
 
 // Units
 
@@ -19,15 +19,9 @@ _UNIT_MODE C3DScene::GetUnit() const
     return static_cast<_UNIT_MODE>(unit);
 }
 
-void C3DScene::SetUnit(_UNIT_MODE unit)
-{
-    m_customData.SetUnsigned(UNIT, unit);
-}
+void C3DScene::SetUnit(_UNIT_MODE unit) { m_customData.SetUnsigned(UNIT, unit); }
 
-bool C3DScene::IsUnitDefined() const
-{
-    return m_customData.HasData(SCALE_FACTOR);
-}
+bool C3DScene::IsUnitDefined() const { return m_customData.HasData(SCALE_FACTOR); }
 
 double C3DScene::GetUnitFactor(_UNIT_MODE unit)
 {
@@ -58,15 +52,9 @@ void C3DScene::SetScaleFactor(double factor)
         m_customData.SetDouble(SCALE_FACTOR, factor);
 }
 
-double C3DScene::ConvertToUnit(double value) const
-{
-    return value * GetScaleFactor() / GetUnitFactor(GetUnit());
-}
+double C3DScene::ConvertToUnit(double value) const { return value * GetScaleFactor() / GetUnitFactor(GetUnit()); }
 
-CXTString<wchar_t> C3DScene::GetUnitText(bool abbreviated) const
-{
-    return ::GetUnitText(GetUnit(), abbreviated);
-}
+CXTString<wchar_t> C3DScene::GetUnitText(bool abbreviated) const { return ::GetUnitText(GetUnit(), abbreviated); }
 
 // Smooth settings
 
@@ -93,7 +81,7 @@ void C3DScene::SetSmoothAngle(float angle, bool alsoPreferences)
 {
     if (angle == SMOOTH_ANGLE_INHERITED)
         angle = C3DPreferences::Get3DPreferences().GetSmoothAngle();
-    else if (!(angle >= 0 && angle <= 180.01f))          // refuses NaN too
+    else if (!(angle >= 0 && angle <= 180.01f))    // refuses NaN too
         return;
     if (angle == GetSmoothAngle())
         return;
@@ -151,10 +139,7 @@ CFileNameSpec C3DScene::GetFilename() const
     return CFileNameSpec(name, fileClass);
 }
 
-CXTString<wchar_t> C3DScene::GetFilepath() const
-{
-    return GetFilename().GetPath();
-}
+CXTString<wchar_t> C3DScene::GetFilepath() const { return GetFilename().GetPath(); }
 
 void C3DScene::SetFilename(const CFileNameSpec& spec)
 {

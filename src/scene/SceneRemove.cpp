@@ -71,10 +71,7 @@ void C3DScene::RemoveAll()
     ReleaseParserInfo();
 }
 
-void C3DScene::RemoveAllNodes()
-{
-    CTree::DeleteAll();
-}
+void C3DScene::RemoveAllNodes() { CTree::DeleteAll(); }
 
 /// Times at which there is a key of any class, ascending.
 static std::vector<int> GetKeyTimes(const C3DKeyframable& keys)

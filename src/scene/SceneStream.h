@@ -10,12 +10,12 @@ struct CSceneStreamContext {
     explicit CSceneStreamContext(C3DScene* scene_) : scene(scene_) {}
 
     C3DScene* scene;
-    CCustomData scratch;                                 ///< free for whoever streams
+    CCustomData scratch;    ///< free for whoever streams
 
     // Shared objects: those whose full record is in the stream, and how to find one of them again.
     CHashTable<unsigned int> storedObjects;
     CHashMap<unsigned int, C3DBaseObject*> loadedObjects;
-    bool indexed = false;                                ///< loadedObjects follows the tree
+    bool indexed = false;    ///< loadedObjects follows the tree
 
     /// Every object that was read. Costs nothing until somebody asks.
     void ObjectLoaded(C3DBaseObject* object);

@@ -9,15 +9,14 @@
 namespace {
 
 constexpr std::uint64_t LENGTH_UNKNOWN = ~std::uint64_t{0};
-constexpr std::uint32_t COUNT_IS_LONG = 0xFFFFFFFF;      // a 64-bit count follows
-constexpr std::uint32_t NO_CLASS = 0;                    // class n of the stream is told as n + 1
+constexpr std::uint32_t COUNT_IS_LONG = 0xFFFFFFFF;    // a 64-bit count follows
+constexpr std::uint32_t NO_CLASS = 0;                  // class n of the stream is told as n + 1
 constexpr std::size_t MOST_CLASS_NAME = 255;
 constexpr int MOST_DEPTH = 256;
 
 }
 
-CXArchive::CXArchive(IoFile* file, Mode mode, unsigned int bufferSize)
-    : m_file(file), m_mode(mode), m_buffer(std::max(bufferSize, 64u))
+CXArchive::CXArchive(IoFile* file, Mode mode, unsigned int bufferSize) : m_file(file), m_mode(mode), m_buffer(std::max(bufferSize, 64u))
 {
     if (IsLoading() && file) {
         const std::uint64_t length = file->GetLength(), position = file->GetPosition();
@@ -59,7 +58,7 @@ void CXArchive::Write(const void* bytes, std::size_t size)
         XThrowArchive(CXArchiveException::ARCHIVE_WRITE);
     if (size > m_buffer.size() - m_position)
         FlushBuffer();
-    if (size >= m_buffer.size()) {                       // large blocks take no detour
+    if (size >= m_buffer.size()) {    // large blocks take no detour
         if (!m_file->WriteBytes(bytes, size))
             XThrowArchive(CXArchiveException::ARCHIVE_WRITE);
     } else if (size) {

@@ -70,12 +70,14 @@ public:
             Read(values, count * sizeof(T));
     }
 
-    template <class T> requires std::is_arithmetic_v<T> CXArchive& operator<<(T value)
+    template <class T>
+    requires std::is_arithmetic_v<T> CXArchive& operator<<(T value)
     {
         Write(&value, sizeof(T));
         return *this;
     }
-    template <class T> requires std::is_arithmetic_v<T> CXArchive& operator>>(T& value)
+    template <class T>
+    requires std::is_arithmetic_v<T> CXArchive& operator>>(T& value)
     {
         if constexpr (std::is_same_v<T, bool>) {
             unsigned char byte;
@@ -96,10 +98,10 @@ private:
     Mode m_mode;
     void* m_data = nullptr;
     std::vector<std::byte> m_buffer;
-    std::size_t m_position = 0;        ///< next byte of the buffer
-    std::size_t m_filled = 0;          ///< bytes of the buffer that were read
-    std::uint64_t m_left = 0;          ///< bytes of the file behind the buffer
-    int m_depth = 0;                   ///< objects being read inside each other
+    std::size_t m_position = 0;    ///< next byte of the buffer
+    std::size_t m_filled = 0;      ///< bytes of the buffer that were read
+    std::uint64_t m_left = 0;      ///< bytes of the file behind the buffer
+    int m_depth = 0;               ///< objects being read inside each other
     std::vector<const CXRuntimeClass*> m_classes;
 };
 

@@ -50,7 +50,7 @@ public:
         if (index < GetSize())
             m_items[index] = item;
         else {
-            T copy = item;                       // `item` may lie in the block that moves
+            T copy = item;    // `item` may lie in the block that moves
             m_items.resize(static_cast<size_t>(index) + 1);
             m_items[index] = std::move(copy);
         }

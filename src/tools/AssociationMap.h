@@ -113,7 +113,7 @@ private:
 
     struct Place {
         unsigned int slot;
-        unsigned int entry;          ///< NO_ENTRY: the slot is free
+        unsigned int entry;    ///< NO_ENTRY: the slot is free
     };
 
     bool AddValue(unsigned int entry, const VALUE& value)
@@ -209,10 +209,10 @@ private:
 
     template <class T> using Block = std::vector<T, XBlockAllocator<T>>;
 
-    Block<unsigned int> m_slots;                         // entry + 1; 0 is free
+    Block<unsigned int> m_slots;    // entry + 1; 0 is free
     unsigned int m_size = 0;
-    std::uint64_t m_inverse = 0;                         // 2^64 / size, rounded up
-    Block<KEY> m_keys;                                   // by entry
+    std::uint64_t m_inverse = 0;    // 2^64 / size, rounded up
+    Block<KEY> m_keys;              // by entry
     CSimpleCollection<VALUE, S> m_values;
     std::uint64_t m_valueCount = 0;
 };

@@ -17,7 +17,7 @@ public:
         m_size = size;
         m_words.assign((static_cast<std::size_t>(size) + 63) / 64, value ? ~std::uint64_t{0} : 0);
         if (value && size % 64)
-            m_words.back() >>= 64 - size % 64;   // no stray bits behind the end: GetCount counts whole words
+            m_words.back() >>= 64 - size % 64;    // no stray bits behind the end: GetCount counts whole words
     }
     unsigned int GetSize() const { return m_size; }
     bool GetAt(unsigned int index) const { return m_words[index >> 6] >> (index & 63) & 1; }

@@ -84,25 +84,16 @@ Bitmap::~Bitmap() = default;
 rgbBitmap::~rgbBitmap() = default;
 rgbaBitmap::~rgbaBitmap() = default;
 
-rgbBitmap* rgbBitmap::Create(int width, int height)
-{
-    return IsPossibleSize(width, height) ? new rgbBitmap(width, height) : nullptr;
-}
+rgbBitmap* rgbBitmap::Create(int width, int height) { return IsPossibleSize(width, height) ? new rgbBitmap(width, height) : nullptr; }
 
-rgbaBitmap* rgbaBitmap::Create(int width, int height)
-{
-    return IsPossibleSize(width, height) ? new rgbaBitmap(width, height) : nullptr;
-}
+rgbaBitmap* rgbaBitmap::Create(int width, int height) { return IsPossibleSize(width, height) ? new rgbaBitmap(width, height) : nullptr; }
 
 unsigned char* Bitmap::GetLine(int y)
 {
     return y >= 0 && y < m_height ? m_pixels.get() + static_cast<size_t>(y) * m_width * GetBytesPerPixel() : nullptr;
 }
 
-const unsigned char* Bitmap::GetLine(int y) const
-{
-    return const_cast<Bitmap*>(this)->GetLine(y);
-}
+const unsigned char* Bitmap::GetLine(int y) const { return const_cast<Bitmap*>(this)->GetLine(y); }
 
 bool Bitmap::Resize(int width, int height, int mode)
 {
@@ -183,7 +174,4 @@ void Bitmap::InvertAlpha()
         m_pixels[i * 4 + 3] = static_cast<unsigned char>(255 - m_pixels[i * 4 + 3]);
 }
 
-void Bitmap::DeleteBitmap(Bitmap* bitmap)
-{
-    delete bitmap;
-}
+void Bitmap::DeleteBitmap(Bitmap* bitmap) { delete bitmap; }

@@ -9,7 +9,7 @@ namespace {
 
 unsigned char ToByte(double value)
 {
-    return static_cast<unsigned char>(std::lround(value > 0 ? std::min(value, 255.0) : 0.0));       // a NaN is 0 too
+    return static_cast<unsigned char>(std::lround(value > 0 ? std::min(value, 255.0) : 0.0));    // a NaN is 0 too
 }
 
 }
@@ -30,10 +30,7 @@ void CRGBColor::Serialize(CXArchive& ar)
     ar.MoveNumbers(ValPtr(), 4);
 }
 
-double CRGBColor::GetLuminance() const
-{
-    return (std::max({red, green, blue}) + std::min({red, green, blue})) / 510.0;
-}
+double CRGBColor::GetLuminance() const { return (std::max({red, green, blue}) + std::min({red, green, blue})) / 510.0; }
 
 void CRGBColor::SetLuminance(double luminance)
 {

@@ -36,11 +36,13 @@ void SetName(std::vector<CCommandMgr::Name>& names, unsigned int id, const CXTSt
 CXTString<wchar_t> KeyName(unsigned int key)
 {
     constexpr unsigned int F1 = 0x70, F24 = 0x87;
-    static constexpr struct { unsigned int key; const wchar_t* name; } names[] = {
-        {0x08, L"Backspace"}, {0x09, L"Tab"},    {0x0D, L"Enter"}, {0x1B, L"Esc"},   {0x20, L"Space"}, {0x21, L"Page Up"},
-        {0x22, L"Page Down"}, {0x23, L"End"},    {0x24, L"Home"},  {0x25, L"Left"},  {0x26, L"Up"},    {0x27, L"Right"},
-        {0x28, L"Down"},      {0x2D, L"Insert"}, {0x2E, L"Del"},   {0x6A, L"*"},     {0x6B, L"+"},     {0x6D, L"-"},
-        {0x6F, L"/"},
+    static constexpr struct {
+        unsigned int key;
+        const wchar_t* name;
+    } names[] = {
+        {0x08, L"Backspace"}, {0x09, L"Tab"},  {0x0D, L"Enter"}, {0x1B, L"Esc"}, {0x20, L"Space"}, {0x21, L"Page Up"}, {0x22, L"Page Down"},
+        {0x23, L"End"},       {0x24, L"Home"}, {0x25, L"Left"},  {0x26, L"Up"},  {0x27, L"Right"}, {0x28, L"Down"},    {0x2D, L"Insert"},
+        {0x2E, L"Del"},       {0x6A, L"*"},    {0x6B, L"+"},     {0x6D, L"-"},   {0x6F, L"/"},
     };
     CXTString<wchar_t> text;
     if (key >= F1 && key <= F24)
@@ -169,15 +171,9 @@ bool CZelCommand::AreParametersValid(const CCustomData& parameters)
     return id == own;
 }
 
-void CZelCommand::StampParameters(CCustomData& parameters)
-{
-    parameters.SetUnsigned(COMMAND_OF_PARAMETERS, GetCommandID().identifier);
-}
+void CZelCommand::StampParameters(CCustomData& parameters) { parameters.SetUnsigned(COMMAND_OF_PARAMETERS, GetCommandID().identifier); }
 
-bool CZelCommand::IsScripting() const
-{
-    return m_manager && m_manager->GetScriptMode() != 0;
-}
+bool CZelCommand::IsScripting() const { return m_manager && m_manager->GetScriptMode() != 0; }
 
 CXTString<wchar_t> CZelCommand::GetCommandHelp(unsigned int id)
 {
@@ -212,8 +208,8 @@ void CCommandMgr::RemoveCommand(CZelCommand* command)
 
 CZelCommand* CCommandMgr::GetCommandById(unsigned int id) const
 {
-    const auto found = std::find_if(m_commands.begin(), m_commands.end(),
-                                    [&](CZelCommand* command) { return command->GetCommandID().identifier == id; });
+    const auto found =
+        std::find_if(m_commands.begin(), m_commands.end(), [&](CZelCommand* command) { return command->GetCommandID().identifier == id; });
     return found != m_commands.end() ? *found : nullptr;
 }
 
@@ -251,22 +247,10 @@ CommandResult CCommandMgr::StackCommand(CZelCommand* command, unsigned int mode,
     return result;
 }
 
-void CCommandMgr::RegisterGroupName(unsigned int id, const CXTString<wchar_t>& name)
-{
-    SetName(GroupNames(), id, name);
-}
+void CCommandMgr::RegisterGroupName(unsigned int id, const CXTString<wchar_t>& name) { SetName(GroupNames(), id, name); }
 
-void CCommandMgr::RegisterCategoryName(unsigned int id, const CXTString<wchar_t>& name)
-{
-    SetName(CategoryNames(), id, name);
-}
+void CCommandMgr::RegisterCategoryName(unsigned int id, const CXTString<wchar_t>& name) { SetName(CategoryNames(), id, name); }
 
-const std::vector<CCommandMgr::Name>& CCommandMgr::GetGroupNames()
-{
-    return GroupNames();
-}
+const std::vector<CCommandMgr::Name>& CCommandMgr::GetGroupNames() { return GroupNames(); }
 
-const std::vector<CCommandMgr::Name>& CCommandMgr::GetCategoryNames()
-{
-    return CategoryNames();
-}
+const std::vector<CCommandMgr::Name>& CCommandMgr::GetCategoryNames() { return CategoryNames(); }

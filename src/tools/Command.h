@@ -16,7 +16,7 @@ class CZelCommand;
 
 enum CommandResult : int {
     COMMAND_DONE = 0,
-    COMMAND_DECLINED = 7,           ///< or failed
+    COMMAND_DECLINED = 7,    ///< or failed
     COMMAND_NO_SCENE = 8,
     COMMAND_CANCELLED = 11,
 };
@@ -34,7 +34,7 @@ enum HelpInfo { HELP_DESCRIPTION = 1, HELP_MOUSE = 4, HELP_KEYS = 5, HELP_CONTEN
 struct CCommandID {
     unsigned int owner = 0;
     unsigned int ownerGroup = 0;
-    unsigned int type = 0;          ///< 'SIMP' runs once, 'INTE' stays current, 'DIAL' opens a dialog
+    unsigned int type = 0;    ///< 'SIMP' runs once, 'INTE' stays current, 'DIAL' opens a dialog
     unsigned int group = 0;
     unsigned int identifier = 0;
     unsigned int version = 1;

@@ -31,8 +31,8 @@ struct Nested {
 };
 
 // In the order of _CUSTOM_DATA_TYPE, so that the index gives the type.
-using Value = std::variant<std::monostate, bool, int, unsigned int, std::int64_t, std::uint64_t, float, double, Text, CXArray<Text>,
-                           Bytes, Nested, void*>;
+using Value = std::variant<std::monostate, bool, int, unsigned int, std::int64_t, std::uint64_t, float, double, Text, CXArray<Text>, Bytes,
+                           Nested, void*>;
 static_assert(std::variant_size_v<Value> == CUSTOM_POINTER + 1);
 
 // A fresh value of a type that is known at run time only.
@@ -71,41 +71,45 @@ unsigned int HashValue(const Value& value)
 {
     const unsigned char type = static_cast<unsigned char>(value.index());
     const unsigned int start = HashBytes(&type, 1, 2166136261u);
-    return std::visit([&](const auto& v) -> unsigned int {
-        using T = std::decay_t<decltype(v)>;
-        if constexpr (IsBits<T>)
-            return HashBytes(&v, sizeof v, start);
-        else if constexpr (std::is_same_v<T, Text>)
-            return HashText(v, start);
-        else if constexpr (std::is_same_v<T, CXArray<Text>>) {
-            unsigned int hash = start;
-            for (const Text& text : v)
-                hash = HashText(text, hash);
-            return hash;
-        } else if constexpr (std::is_same_v<T, Bytes>)
-            return HashBytes(v.data(), v.size(), start);
-        else if constexpr (std::is_same_v<T, Nested>) {
-            const unsigned int sum = v.bag->GetChecksum();
-            return HashBytes(&sum, sizeof sum, start);
-        } else
-            return 0;
-    }, value);
+    return std::visit(
+        [&](const auto& v) -> unsigned int {
+            using T = std::decay_t<decltype(v)>;
+            if constexpr (IsBits<T>)
+                return HashBytes(&v, sizeof v, start);
+            else if constexpr (std::is_same_v<T, Text>)
+                return HashText(v, start);
+            else if constexpr (std::is_same_v<T, CXArray<Text>>) {
+                unsigned int hash = start;
+                for (const Text& text : v)
+                    hash = HashText(text, hash);
+                return hash;
+            } else if constexpr (std::is_same_v<T, Bytes>)
+                return HashBytes(v.data(), v.size(), start);
+            else if constexpr (std::is_same_v<T, Nested>) {
+                const unsigned int sum = v.bag->GetChecksum();
+                return HashBytes(&sum, sizeof sum, start);
+            } else
+                return 0;
+        },
+        value);
 }
 
 bool IsEqual(const Value& a, const Value& b)
 {
-    return a.index() == b.index() && std::visit([&](const auto& v) {
-        using T = std::decay_t<decltype(v)>;
-        const T& w = std::get<T>(b);
-        if constexpr (IsBits<T>)
-            return std::memcmp(&v, &w, sizeof v) == 0;                   // a NaN equals itself, as checksums see it
-        else if constexpr (std::is_same_v<T, CXArray<Text>>)
-            return std::equal(v.begin(), v.end(), w.begin(), w.end());
-        else if constexpr (std::is_same_v<T, Nested>)
-            return *v.bag == *w.bag;
-        else
-            return v == w;
-    }, a);
+    return a.index() == b.index() && std::visit(
+                                         [&](const auto& v) {
+                                             using T = std::decay_t<decltype(v)>;
+                                             const T& w = std::get<T>(b);
+                                             if constexpr (IsBits<T>)
+                                                 return std::memcmp(&v, &w, sizeof v) == 0;    // a NaN equals itself, as checksums see it
+                                             else if constexpr (std::is_same_v<T, CXArray<Text>>)
+                                                 return std::equal(v.begin(), v.end(), w.begin(), w.end());
+                                             else if constexpr (std::is_same_v<T, Nested>)
+                                                 return *v.bag == *w.bag;
+                                             else
+                                                 return v == w;
+                                         },
+                                         a);
 }
 
 }
@@ -119,7 +123,7 @@ struct CCustomData::Values {
         bool IsStored() const { return Type() != CUSTOM_POINTER; }
     };
 
-    std::vector<Entry> entries;              // ascending by id, then by type
+    std::vector<Entry> entries;    // ascending by id, then by type
 
     static bool IsBefore(const Entry& entry, unsigned int id, unsigned int type)
     {
@@ -154,13 +158,13 @@ CCustomData::~CCustomData() = default;
 
 CCustomData& CCustomData::operator=(const CCustomData& other)
 {
-    return *this = CCustomData(other);       // copied first: `other` may lie inside
+    return *this = CCustomData(other);    // copied first: `other` may lie inside
 }
 
 CCustomData& CCustomData::operator=(CCustomData&& other) noexcept
 {
     std::unique_ptr<Values> taken = std::move(other.m_values);
-    m_values.swap(taken);                    // the old values go last: `other` may be one of them
+    m_values.swap(taken);    // the old values go last: `other` may be one of them
     return *this;
 }
 
@@ -190,7 +194,7 @@ template <class T> bool CCustomData::GetValue(unsigned int id, T& out, const T& 
 {
     const Values* const values = ValuesOf(this);
     const Value* const found = values ? values->Find(id, TypeOf<T>) : nullptr;
-    const T copy = found ? std::get<T>(*found) : def;                    // `out` may be `def`
+    const T copy = found ? std::get<T>(*found) : def;    // `out` may be `def`
     out = copy;
     return found != nullptr;
 }
@@ -362,7 +366,7 @@ unsigned int CCustomData::GetChecksum(unsigned int id) const
 
 namespace {
 
-constexpr std::size_t LEAST_STORED = 6;      // id, type and one byte
+constexpr std::size_t LEAST_STORED = 6;    // id, type and one byte
 
 void MoveValue(CXArchive& ar, Bytes& bytes)
 {
@@ -406,18 +410,21 @@ void CCustomData::Store(CXArchive& ar, unsigned int depth) const
         return;
     }
     auto& entries = m_values->entries;
-    ar.WriteCount(static_cast<std::uint64_t>(std::count_if(entries.begin(), entries.end(), [](const Values::Entry& e) { return e.IsStored(); })));
+    ar.WriteCount(
+        static_cast<std::uint64_t>(std::count_if(entries.begin(), entries.end(), [](const Values::Entry& e) { return e.IsStored(); })));
     for (Values::Entry& entry : entries) {
         if (!entry.IsStored())
             continue;
         ar << entry.id << static_cast<unsigned char>(entry.Type());
-        std::visit([&](auto& value) {
-            using T = std::decay_t<decltype(value)>;
-            if constexpr (std::is_same_v<T, Nested>)
-                value.bag->Store(ar, depth + 1);
-            else if constexpr (!std::is_same_v<T, std::monostate> && !std::is_same_v<T, void*>)
-                MoveValue(ar, value);
-        }, entry.value);
+        std::visit(
+            [&](auto& value) {
+                using T = std::decay_t<decltype(value)>;
+                if constexpr (std::is_same_v<T, Nested>)
+                    value.bag->Store(ar, depth + 1);
+                else if constexpr (!std::is_same_v<T, std::monostate> && !std::is_same_v<T, void*>)
+                    MoveValue(ar, value);
+            },
+            entry.value);
     }
 }
 
@@ -438,13 +445,15 @@ void CCustomData::Load(CXArchive& ar, unsigned int depth)
         if (!entries.empty() && !Values::IsBefore(entries.back(), id, type))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         entries.push_back({id, MakeValue(type, std::make_index_sequence<CUSTOM_POINTER + 1>())});
-        std::visit([&](auto& value) {
-            using T = std::decay_t<decltype(value)>;
-            if constexpr (std::is_same_v<T, Nested>)
-                value.bag->Load(ar, depth + 1);
-            else if constexpr (!std::is_same_v<T, std::monostate> && !std::is_same_v<T, void*>)
-                MoveValue(ar, value);
-        }, entries.back().value);
+        std::visit(
+            [&](auto& value) {
+                using T = std::decay_t<decltype(value)>;
+                if constexpr (std::is_same_v<T, Nested>)
+                    value.bag->Load(ar, depth + 1);
+                else if constexpr (!std::is_same_v<T, std::monostate> && !std::is_same_v<T, void*>)
+                    MoveValue(ar, value);
+            },
+            entries.back().value);
     }
 }
 
@@ -454,7 +463,7 @@ namespace {
 
 struct PrefsHeader {
     std::uint32_t magic, version, fileID, kindID;
-    std::uint64_t size, sum;                 // of the stream behind
+    std::uint64_t size, sum;    // of the stream behind
 };
 static_assert(sizeof(PrefsHeader) == 32);
 
@@ -508,8 +517,8 @@ bool CCustomData::SaveToPrefs(const Text& path, unsigned int fileID, unsigned in
         const std::size_t size = memory.GetLength();
         const PrefsHeader header = {PREFS_MAGIC, PREFS_VERSION, fileID, kindID, size, SumOfPrefs(memory.GetBytes(), size)};
         IoFile file;
-        return file.OpenFile(path, 0, nullptr) && file.WriteBytes(&header, sizeof header) &&
-               file.WriteBytes(memory.GetBytes(), size) && file.CloseFile(true);
+        return file.OpenFile(path, 0, nullptr) && file.WriteBytes(&header, sizeof header) && file.WriteBytes(memory.GetBytes(), size) &&
+               file.CloseFile(true);
     } catch (CXException* exception) {
         XDeleteThreadException(exception);
         return false;
@@ -520,10 +529,10 @@ bool CCustomData::SaveToPrefs(const Text& path, unsigned int fileID, unsigned in
 
 namespace {
 
-constexpr std::size_t MOST_SHOWN = 16;       // bytes of a binary value
+constexpr std::size_t MOST_SHOWN = 16;    // bytes of a binary value
 
-constexpr const wchar_t* TYPE_NAMES[] = {L"none", L"bool", L"int", L"unsigned", L"int64", L"unsigned64", L"float", L"double",
-                                         L"string", L"strings", L"binary", L"bag", L"pointer"};
+constexpr const wchar_t* TYPE_NAMES[] = {L"none",   L"bool",   L"int",     L"unsigned", L"int64", L"unsigned64", L"float",
+                                         L"double", L"string", L"strings", L"binary",   L"bag",   L"pointer"};
 
 Text NameOfID(unsigned int id)
 {
@@ -542,7 +551,7 @@ Text NameOfID(unsigned int id)
 template <class T> Text NumberText(T number)
 {
     char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;      // the shortest that reads back the same
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;    // the shortest that reads back the same
     return Utf8ToWide(std::string_view(digits, end - digits));
 }
 
@@ -569,28 +578,30 @@ Text BytesText(const Bytes& bytes)
 
 Text ValueText(const Value& value)
 {
-    return std::visit([](const auto& v) -> Text {
-        using T = std::decay_t<decltype(v)>;
-        if constexpr (std::is_same_v<T, bool>)
-            return v ? L"true" : L"false";
-        else if constexpr (std::is_arithmetic_v<T>)
-            return NumberText(v);
-        else if constexpr (std::is_same_v<T, Text>)
-            return Quoted(v);
-        else if constexpr (std::is_same_v<T, CXArray<Text>>) {
-            Text list;
-            for (const Text& text : v)
-                list += (list.IsEmpty() ? L"" : L", ") + Quoted(text);
-            return list;
-        } else if constexpr (std::is_same_v<T, Bytes>)
-            return BytesText(v);
-        else if constexpr (std::is_same_v<T, Nested>)
-            return NumberText(v.bag->GetCount()) + (v.bag->GetCount() == 1 ? L" value" : L" values");
-        else if constexpr (std::is_same_v<T, void*>)
-            return v ? L"set" : L"null";
-        else
-            return {};
-    }, value);
+    return std::visit(
+        [](const auto& v) -> Text {
+            using T = std::decay_t<decltype(v)>;
+            if constexpr (std::is_same_v<T, bool>)
+                return v ? L"true" : L"false";
+            else if constexpr (std::is_arithmetic_v<T>)
+                return NumberText(v);
+            else if constexpr (std::is_same_v<T, Text>)
+                return Quoted(v);
+            else if constexpr (std::is_same_v<T, CXArray<Text>>) {
+                Text list;
+                for (const Text& text : v)
+                    list += (list.IsEmpty() ? L"" : L", ") + Quoted(text);
+                return list;
+            } else if constexpr (std::is_same_v<T, Bytes>)
+                return BytesText(v);
+            else if constexpr (std::is_same_v<T, Nested>)
+                return NumberText(v.bag->GetCount()) + (v.bag->GetCount() == 1 ? L" value" : L" values");
+            else if constexpr (std::is_same_v<T, void*>)
+                return v ? L"set" : L"null";
+            else
+                return {};
+        },
+        value);
 }
 
 }
@@ -620,7 +631,4 @@ struct CCustomData::Dump {
     }
 };
 
-void CCustomData::DumpCustomData(Text& out, unsigned int indent, bool html) const
-{
-    Dump{out, std::min(indent, 8u), html}.Lines(this, 0);
-}
+void CCustomData::DumpCustomData(Text& out, unsigned int indent, bool html) const { Dump{out, std::min(indent, 8u), html}.Lines(this, 0); }

@@ -23,7 +23,7 @@ enum _CUSTOM_DATA_TYPE {
     CUSTOM_STRING_ARRAY = 9,
     CUSTOM_BINARY = 10,
     CUSTOM_BAG = 11,
-    CUSTOM_POINTER = 12,       ///< never stored, not part of checksums
+    CUSTOM_POINTER = 12,    ///< never stored, not part of checksums
 };
 
 /// Levels of bags in bags, the outermost counted.
@@ -42,9 +42,9 @@ public:
     CCustomData(const CCustomData& other);
     CCustomData(CCustomData&& other) noexcept;
     ~CCustomData() override;
-    CCustomData& operator=(const CCustomData& other);          // deep
+    CCustomData& operator=(const CCustomData& other);    // deep
     CCustomData& operator=(CCustomData&& other) noexcept;
-    bool operator==(const CCustomData& other) const;           // pointers left out
+    bool operator==(const CCustomData& other) const;    // pointers left out
     /// Number of values, then id, type and value of each, by id and type. Pointer values are left out. A damaged stream
     /// leaves the bag as it was. Throws ARCHIVE_BAD_VALUE, either way, for bags nested too deep.
     void Serialize(CXArchive& ar) override;
@@ -85,14 +85,14 @@ public:
     void SetPointer(unsigned int id, void* value);
     void SetColor(unsigned int id, const CRGBColor& value);
 
-    bool HasData(unsigned int id) const;                               // of any type
+    bool HasData(unsigned int id) const;    // of any type
     bool HasData(unsigned int id, _CUSTOM_DATA_TYPE type) const;
     bool IsEmpty() const { return GetCount() == 0; }
     /// Number of values; an id with values of two types counts twice.
     unsigned int GetCount() const;
     /// Id and type of value `index`, in ascending order of id and type; false when there is none.
     bool GetIDByIndex(unsigned int index, unsigned int& id, unsigned int& type) const;
-    bool Remove(unsigned int id);                                      // all types
+    bool Remove(unsigned int id);    // all types
     bool Remove(unsigned int id, _CUSTOM_DATA_TYPE type);
     void RemoveAll();
 
@@ -120,5 +120,5 @@ private:
     void Store(CXArchive& ar, unsigned int depth) const;
     void Load(CXArchive& ar, unsigned int depth);
 
-    std::unique_ptr<Values> m_values;        ///< null when empty
+    std::unique_ptr<Values> m_values;    ///< null when empty
 };

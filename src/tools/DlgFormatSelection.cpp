@@ -40,11 +40,6 @@ void CDlgFormatSelection::OnControl(unsigned int id)
     }
 }
 
-void CDlgFormatSelection::ShowFormatProperty(int, CCustomData&)
-{
-}
+void CDlgFormatSelection::ShowFormatProperty(int, CCustomData&) {}
 
-bool CDlgFormatSelection::DoModal()
-{
-    return RunDialog(m_parent, title, {this});
-}
+bool CDlgFormatSelection::DoModal() { return RunDialog(m_parent, title, {this}); }

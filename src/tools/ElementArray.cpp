@@ -21,8 +21,7 @@ bool CElementMethods::IsObject() const { return false; }
 bool CElementMethods::IsKindOf(const CElementMethods* other) const { return other && other->GetBaseType() == GetBaseType(); }
 void CElementMethods::DestructElement(void*) const {}
 
-void CElementMethods::CopyElement(void* to, const CElementMethods* toMethods, const void* from,
-                                  const CElementMethods* fromMethods) const
+void CElementMethods::CopyElement(void* to, const CElementMethods* toMethods, const void* from, const CElementMethods* fromMethods) const
 {
     std::memcpy(to, from, std::min(toMethods->GetSizeof(), fromMethods->GetSizeof()));
 }
@@ -36,7 +35,7 @@ void CElementMethods::SerializeElement(CXArchive& ar, void* element) const
 
 namespace {
 
-constexpr std::size_t CACHED_BYTES = 32 << 10;       // blocks that are gone over twice stay in the first cache
+constexpr std::size_t CACHED_BYTES = 32 << 10;    // blocks that are gone over twice stay in the first cache
 
 // Copies the element at `block` over the `count - 1` places behind it.
 void Replicate(unsigned char* block, std::size_t stride, std::size_t count)
@@ -180,7 +179,7 @@ bool CElementArray::SetSize(int size, bool keep, int grow)
             grow = m_grow >= 0 ? m_grow : size / 4;
         const bool first = m_capacity == 0;
         if (m_built == 0)
-            Free();                                      // nothing to carry over
+            Free();    // nothing to carry over
         Reallocate(first ? size : static_cast<int>(std::min<long long>(INT_MAX, static_cast<long long>(size) + grow)));
     }
     Build(m_construct ? m_capacity : size);
@@ -225,7 +224,7 @@ void CElementArray::SetAtGrow(int index, const void* element)
     if (index >= m_size)
         SetSize(index + 1);
     if (inside)
-        from = m_base + offset;                          // the block may have moved
+        from = m_base + offset;    // the block may have moved
     if (from && from != At(index))
         m_methods->CopyElement(At(index), from);
 }
@@ -254,10 +253,10 @@ bool CElementArray::Copy(const CElementArray& source, bool append)
     if (added > INT_MAX - first)
         return false;
     if (!m_methods)
-        return true;                                     // neither has any: both are empty
+        return true;    // neither has any: both are empty
     const bool overwritten = HasSameElements(source) && m_methods->IsBitwise();
     if (overwritten)
-        Unbuild(first);                                  // no need to build what whole bytes replace
+        Unbuild(first);    // no need to build what whole bytes replace
     if (first + added > m_capacity) {
         if (m_built == 0)
             Free();

@@ -126,7 +126,7 @@ private:
     unsigned int m_stride = 0;
     int m_size = 0;
     int m_capacity = 0;
-    int m_built = 0;               ///< elements that are constructed: at least the size, at most the capacity
+    int m_built = 0;    ///< elements that are constructed: at least the size, at most the capacity
     int m_grow = -1;
     bool m_construct = false;
     CElementMethods* m_methods = nullptr;

@@ -5,7 +5,7 @@
 
 class CWnd;
 
-constexpr unsigned int FILTER_ALL = 0x414C4C46;      ///< 'ALLF': all formats together come first
+constexpr unsigned int FILTER_ALL = 0x414C4C46;    ///< 'ALLF': all formats together come first
 
 /// Lets the user choose a file to read of the families in `kind`; `name` is the present one, and receives the choice.
 /// `filter` is the class that the dialog starts with, or FILTER_ALL. False when cancelled.

@@ -26,10 +26,7 @@ Registry& GetRegistry()
     return registry;
 }
 
-Text WithPoint(const Text& extension)
-{
-    return extension.IsEmpty() || extension[0] == L'.' ? extension : L"." + extension;
-}
+Text WithPoint(const Text& extension) { return extension.IsEmpty() || extension[0] == L'.' ? extension : L"." + extension; }
 
 void AddExtensions(CFileExt& to, const CFileExt& from)
 {
@@ -77,10 +74,7 @@ CFileExt::CFileExt(const Text& text, const Text& list, unsigned int fileClass, u
     }
 }
 
-Text CFileExt::GetMainExtension() const
-{
-    return extensions.empty() ? Text() : extensions.front();
-}
+Text CFileExt::GetMainExtension() const { return extensions.empty() ? Text() : extensions.front(); }
 
 bool CFileExt::HasExtension(const Text& extension) const
 {

@@ -13,10 +13,10 @@
 enum _FILE_KIND : unsigned int {
     FILE_KIND_READ = 0x1,
     FILE_KIND_WRITE = 0x2,
-    FILE_KIND_LISTED = 0x10,              ///< file dialogs offer it
-    FILE_KIND_FAMILY = 0xFF000,           ///< mask of the family
+    FILE_KIND_LISTED = 0x10,       ///< file dialogs offer it
+    FILE_KIND_FAMILY = 0xFF000,    ///< mask of the family
     FILE_FAMILY_3D = 0x4000,
-    FILE_FAMILY_BITMAP = 0x13000,         ///< any of these: an image
+    FILE_FAMILY_BITMAP = 0x13000,    ///< any of these: an image
 };
 
 /// A file class: what fileRegisterFile takes.
@@ -36,7 +36,7 @@ public:
     bool CanWrite() const { return kind & FILE_KIND_WRITE; }
 
     CXTString<wchar_t> description;
-    std::vector<CXTString<wchar_t>> extensions;     ///< each with its point
+    std::vector<CXTString<wchar_t>> extensions;    ///< each with its point
     unsigned int fileClass = 0;
     unsigned int kind = 0;
     unsigned int creator = 0;

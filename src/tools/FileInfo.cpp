@@ -42,7 +42,7 @@ Text DecodePercents(const Text& text)
     for (size_t i = 0; i < bytes.size(); i++) {
         const int high = bytes[i] == '%' && i + 2 < bytes.size() ? HexDigit(bytes[i + 1]) : -1;
         const int low = high >= 0 ? HexDigit(bytes[i + 2]) : -1;
-        if (low >= 0 && (high | low) != 0) {            // a NUL would cut the name short
+        if (low >= 0 && (high | low) != 0) {    // a NUL would cut the name short
             decoded += static_cast<char>(high << 4 | low);
             i += 2;
         } else
@@ -53,9 +53,7 @@ Text DecodePercents(const Text& text)
 
 }
 
-CFileInfo::CFileInfo(const CFileNameSpec& name, unsigned int ability) : CFileNameSpec(name), m_ability(ability)
-{
-}
+CFileInfo::CFileInfo(const CFileNameSpec& name, unsigned int ability) : CFileNameSpec(name), m_ability(ability) {}
 
 unsigned int CFileInfo::GetClass() const
 {
@@ -63,10 +61,7 @@ unsigned int CFileInfo::GetClass() const
     return m_current < candidates.size() ? candidates[m_current].fileClass : CFileNameSpec::GetClass();
 }
 
-bool CFileInfo::CanTryAnotherParser() const
-{
-    return m_current + 1 < GetCandidates().size();
-}
+bool CFileInfo::CanTryAnotherParser() const { return m_current + 1 < GetCandidates().size(); }
 
 bool CFileInfo::TryNextParser()
 {

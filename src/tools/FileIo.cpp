@@ -18,10 +18,7 @@ constexpr unsigned int SAVE_SETTINGS = FourCC("SAVE");
 constexpr unsigned int SETTINGS_FILE = FourCC("ZLIO");
 constexpr unsigned int SETTINGS_KIND = FourCC("PREF");
 
-unsigned int AbilityFor(unsigned int flags)
-{
-    return flags & FILEIO_READ ? FILE_KIND_READ : FILE_KIND_WRITE;
-}
+unsigned int AbilityFor(unsigned int flags) { return flags & FILEIO_READ ? FILE_KIND_READ : FILE_KIND_WRITE; }
 
 std::mutex& SettingsLock()
 {
@@ -55,20 +52,13 @@ unsigned int MeaningOf(int result, bool reading)
 {
     switch (result) {
     case IORESULT_OK:
-    case IORESULT_CANCELLED:
-        return STRING_NONE;
-    case IORESULT_NO_FILE:
-        return reading ? STRING_CANNOT_OPEN : STRING_CANNOT_CREATE;
-    case IORESULT_NO_PARSER:
-        return reading ? STRING_CANNOT_READ_FORMAT : STRING_CANNOT_WRITE_FORMAT;
-    case IORESULT_NOTHING_TO_SAVE:
-        return STRING_NOTHING_TO_SAVE;
-    case IORESULT_NO_BRIDGE:
-        return STRING_NO_BRIDGE;
-    case IORESULT_EMPTY:
-        return STRING_NO_OBJECT;
-    default:
-        return reading ? STRING_READING_FAILED : STRING_SAVING_FAILED;
+    case IORESULT_CANCELLED: return STRING_NONE;
+    case IORESULT_NO_FILE: return reading ? STRING_CANNOT_OPEN : STRING_CANNOT_CREATE;
+    case IORESULT_NO_PARSER: return reading ? STRING_CANNOT_READ_FORMAT : STRING_CANNOT_WRITE_FORMAT;
+    case IORESULT_NOTHING_TO_SAVE: return STRING_NOTHING_TO_SAVE;
+    case IORESULT_NO_BRIDGE: return STRING_NO_BRIDGE;
+    case IORESULT_EMPTY: return STRING_NO_OBJECT;
+    default: return reading ? STRING_READING_FAILED : STRING_SAVING_FAILED;
     }
 }
 
@@ -79,19 +69,11 @@ CFileIo::CFileIo(const CFileNameSpec& name, unsigned int flags, CWnd* parent)
 {
 }
 
-CFileIo::CFileIo(unsigned int fileClass, unsigned int flags, CWnd* parent)
-    : CFileIo(CFileNameSpec(Text(), fileClass), flags, parent)
-{
-}
+CFileIo::CFileIo(unsigned int fileClass, unsigned int flags, CWnd* parent) : CFileIo(CFileNameSpec(Text(), fileClass), flags, parent) {}
 
-CFileIo::CFileIo(const CFileIo& other) : CFileInfo(other), m_parent(other.m_parent), m_flags(other.m_flags)
-{
-}
+CFileIo::CFileIo(const CFileIo& other) : CFileInfo(other), m_parent(other.m_parent), m_flags(other.m_flags) {}
 
-CFileIo::~CFileIo()
-{
-    CFileIo::CloseParser();
-}
+CFileIo::~CFileIo() { CFileIo::CloseParser(); }
 
 CFileParser* CFileIo::InitParser()
 {
@@ -107,7 +89,7 @@ void CFileIo::CloseParser()
 {
     delete m_parser;
     m_parser = nullptr;
-    ReleaseIOModule(m_module);           // only now: the parser's code lies in it
+    ReleaseIOModule(m_module);    // only now: the parser's code lies in it
     m_module = nullptr;
 }
 

@@ -8,22 +8,22 @@ class CCustomData;
 class CWnd;
 
 enum FILE_PARSER_FLAGS : unsigned int {
-    FILEIO_READ = 1,                ///< the object reads; clear: it writes
-    FILEIO_SILENT = 2,              ///< no dialog, no wait cursor, no notice
-    FILEIO_FORCE_DIALOG = 4,        ///< options are asked for in any case
-    FILEIO_NO_FILE = 8,             ///< no file is involved: the parser only answers for its options
+    FILEIO_READ = 1,            ///< the object reads; clear: it writes
+    FILEIO_SILENT = 2,          ///< no dialog, no wait cursor, no notice
+    FILEIO_FORCE_DIALOG = 4,    ///< options are asked for in any case
+    FILEIO_NO_FILE = 8,         ///< no file is involved: the parser only answers for its options
 };
 
 /// Results of reading and saving, as SetIoError takes them.
 enum IO_FILE_RESULT : int {
     IORESULT_OK = 1,
     IORESULT_FAILED = 0,
-    IORESULT_NO_FILE = -1,              ///< missing, cannot be opened, or the partner of an exchange is absent
-    IORESULT_NO_PARSER = -2,            ///< no parser for the class, or it lacks the operation
+    IORESULT_NO_FILE = -1,      ///< missing, cannot be opened, or the partner of an exchange is absent
+    IORESULT_NO_PARSER = -2,    ///< no parser for the class, or it lacks the operation
     IORESULT_EXCEPTION = -5,
     IORESULT_NOTHING_TO_SAVE = -8,
     IORESULT_NO_BRIDGE = -9,
-    IORESULT_EMPTY = -10,               ///< the file holds no polymesh, curve or patch
+    IORESULT_EMPTY = -10,    ///< the file holds no polymesh, curve or patch
     IORESULT_CANCELLED = -11,
 };
 
@@ -78,7 +78,7 @@ protected:
 
 private:
     CFileParser* m_parser = nullptr;
-    void* m_module = nullptr;           ///< plug-in of the parser, held until it is destroyed
+    void* m_module = nullptr;    ///< plug-in of the parser, held until it is destroyed
     CWnd* m_parent;
     unsigned int m_flags;
     int m_result = IORESULT_OK;

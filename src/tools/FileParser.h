@@ -10,7 +10,7 @@ class CWnd;
 enum IoShowDialog {
     IODIALOG_NONE = 0,
     IODIALOG_SHOW = 1,
-    IODIALOG_FROM_FILE = 2,      ///< yes, and the dialog needs the file itself
+    IODIALOG_FROM_FILE = 2,    ///< yes, and the dialog needs the file itself
 };
 
 /// Reads or writes one file format. Made for a CFileIo, which owns it until CloseParser.

@@ -20,15 +20,9 @@ using View = std::wstring_view;
 constexpr size_t MAX_PART_BYTES = 255;
 constexpr size_t MAX_NAME_BYTES = 4095;
 
-bool IsSlash(wchar_t c)
-{
-    return c == L'/' || c == L'\\';
-}
+bool IsSlash(wchar_t c) { return c == L'/' || c == L'\\'; }
 
-bool IsDriveLetter(wchar_t c)
-{
-    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
-}
+bool IsDriveLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 
 size_t RootLength(View path)
 {
@@ -119,15 +113,9 @@ std::wstring Join(const std::vector<View>& parts, size_t first = 0)
     return text;
 }
 
-bool Stat(const Text& path, struct stat& info)
-{
-    return !path.IsEmpty() && stat(fileToDisk(path).c_str(), &info) == 0;
-}
+bool Stat(const Text& path, struct stat& info) { return !path.IsEmpty() && stat(fileToDisk(path).c_str(), &info) == 0; }
 
-Text AbsoluteOnDisk(const Text& path)
-{
-    return fileMakeAbsolutePath(fileGetCurrentDirectory(), path);
-}
+Text AbsoluteOnDisk(const Text& path) { return fileMakeAbsolutePath(fileGetCurrentDirectory(), path); }
 
 bool SameOnDisk(const Text& a, const Text& b)
 {
@@ -173,7 +161,7 @@ bool CopyBeside(int from, const struct stat& info, const std::string& target, bo
     bool good = CopyBytes(from, to) && fchmod(to, info.st_mode & 0777) == 0;
     good &= close(to) == 0;
     if (good && failIfExists)
-        good = link(temporary.c_str(), target.c_str()) == 0;       // refuses an existing name in one step
+        good = link(temporary.c_str(), target.c_str()) == 0;    // refuses an existing name in one step
     else if (good && rename(temporary.c_str(), target.c_str()) == 0)
         return true;
     else
@@ -206,35 +194,17 @@ Text NumberedName(const Text& path, int number, int limit)
 
 }
 
-Text fileGetRoot(const Text& path)
-{
-    return path.Left(static_cast<int>(RootLength(path.Str())));
-}
+Text fileGetRoot(const Text& path) { return path.Left(static_cast<int>(RootLength(path.Str()))); }
 
-Text fileGetPath(const Text& path)
-{
-    return path.Left(static_cast<int>(NameStart(path.Str())));
-}
+Text fileGetPath(const Text& path) { return path.Left(static_cast<int>(NameStart(path.Str()))); }
 
-Text fileStripPath(const Text& path)
-{
-    return path.Mid(static_cast<int>(NameStart(path.Str())));
-}
+Text fileStripPath(const Text& path) { return path.Mid(static_cast<int>(NameStart(path.Str()))); }
 
-Text fileGetExtension(const Text& path)
-{
-    return path.Mid(static_cast<int>(ExtensionStart(path.Str())));
-}
+Text fileGetExtension(const Text& path) { return path.Mid(static_cast<int>(ExtensionStart(path.Str()))); }
 
-Text fileStripExtension(const Text& path)
-{
-    return path.Left(static_cast<int>(ExtensionStart(path.Str())));
-}
+Text fileStripExtension(const Text& path) { return path.Left(static_cast<int>(ExtensionStart(path.Str()))); }
 
-bool fileIsAbsolute(const Text& path)
-{
-    return RootLength(path.Str()) > 0;
-}
+bool fileIsAbsolute(const Text& path) { return RootLength(path.Str()) > 0; }
 
 Text fileNormalize(const Text& path)
 {
@@ -246,10 +216,7 @@ Text fileNormalize(const Text& path)
     return text.empty() ? Text(L".") : Text(std::move(text));
 }
 
-Text fileAddSlash(const Text& folder)
-{
-    return folder.IsEmpty() || IsSlash(folder.Str().back()) ? folder : folder + L"/";
-}
+Text fileAddSlash(const Text& folder) { return folder.IsEmpty() || IsSlash(folder.Str().back()) ? folder : folder + L"/"; }
 
 Text fileMakeAbsolutePath(const Text& base, const Text& path)
 {
@@ -337,15 +304,9 @@ bool fileIsDirectory(const Text& path)
     return Stat(path, info) && S_ISDIR(info.st_mode);
 }
 
-bool fileIsSameFile(const Text& a, const Text& b)
-{
-    return !a.IsEmpty() && !b.IsEmpty() && SameOnDisk(a, b);
-}
+bool fileIsSameFile(const Text& a, const Text& b) { return !a.IsEmpty() && !b.IsEmpty() && SameOnDisk(a, b); }
 
-bool fileCompareDirectory(const Text& a, const Text& b)
-{
-    return SameOnDisk(fileAddSlash(a), fileAddSlash(b));
-}
+bool fileCompareDirectory(const Text& a, const Text& b) { return SameOnDisk(fileAddSlash(a), fileAddSlash(b)); }
 
 bool fileCopy(const Text& source, const Text& target, bool failIfExists)
 {
@@ -360,10 +321,7 @@ bool fileCopy(const Text& source, const Text& target, bool failIfExists)
     return good;
 }
 
-bool fileDelete(const Text& path)
-{
-    return !path.IsEmpty() && unlink(fileToDisk(path).c_str()) == 0;
-}
+bool fileDelete(const Text& path) { return !path.IsEmpty() && unlink(fileToDisk(path).c_str()) == 0; }
 
 bool fileCreateDirectory(const Text& folder, bool parents)
 {
@@ -376,7 +334,7 @@ bool fileCreateDirectory(const Text& folder, bool parents)
         made += WideToUtf8(parts[i]) + '/';
         const bool last = i + 1 == parts.size();
         if (parents || last)
-            mkdir(made.c_str(), 0777);              // one that is there, or nobody may see, shows below
+            mkdir(made.c_str(), 0777);    // one that is there, or nobody may see, shows below
     }
     return fileIsDirectory(name);
 }
@@ -434,7 +392,7 @@ bool GetUserPreferencesPath(Text& path, bool create)
     const char* const config = std::getenv("XDG_CONFIG_HOME");
     const char* const home = std::getenv("HOME");
     std::string folder;
-    if (config && *config == '/')                    // a relative one is to be ignored
+    if (config && *config == '/')    // a relative one is to be ignored
         folder = config;
     else if (home && *home)
         folder = std::string(home) + "/.config";

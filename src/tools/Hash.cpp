@@ -4,9 +4,9 @@
 
 namespace {
 
-constexpr unsigned char SMALL_PRIMES[] = {2,  3,  5,  7,  11, 13, 17, 19, 23, 29, 31, 37, 41, 43, 47, 53, 59, 61,
-                                          67, 71, 73, 79, 83, 89, 97, 101, 103, 107, 109, 113, 127, 131};
-constexpr unsigned int LARGEST_PRIME = 4294967291u;      // of 32 bits
+constexpr unsigned char SMALL_PRIMES[] = {2,  3,  5,  7,  11, 13, 17, 19, 23, 29,  31,  37,  41,  43,  47,  53,
+                                          59, 61, 67, 71, 73, 79, 83, 89, 97, 101, 103, 107, 109, 113, 127, 131};
+constexpr unsigned int LARGEST_PRIME = 4294967291u;    // of 32 bits
 
 std::uint32_t PowerMod(std::uint32_t base, std::uint32_t exponent, std::uint32_t modulus)
 {
@@ -42,7 +42,7 @@ bool IsPrime(std::uint32_t n)
         return n > 1;
     const unsigned int shift = static_cast<unsigned int>(std::countr_zero(n - 1));
     const std::uint32_t odd = (n - 1) >> shift;
-    return PassesRound(n, 2, odd, shift) && PassesRound(n, 7, odd, shift) && PassesRound(n, 61, odd, shift);   // exact below 2^32
+    return PassesRound(n, 2, odd, shift) && PassesRound(n, 7, odd, shift) && PassesRound(n, 61, odd, shift);    // exact below 2^32
 }
 
 }

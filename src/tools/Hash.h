@@ -26,12 +26,16 @@
 /// The smallest prime at or above `n` (2 for less); the largest prime of 32 bits when there is none.
 ZEL_API unsigned int NextPrime(unsigned int n);
 
-constexpr unsigned int HASH_END = 0xFFFFFFFF;      ///< position behind the last slot of a walk
+constexpr unsigned int HASH_END = 0xFFFFFFFF;    ///< position behind the last slot of a walk
 
 /// Start of the probe before the division by the table size. A key class brings its own rule as `GetHash() const`.
 template <class KEY> std::uint64_t HashKey(const KEY& key)
 {
-    if constexpr (requires { { key.GetHash() } -> std::convertible_to<std::uint64_t>; })
+    if constexpr (requires {
+                      {
+                          key.GetHash()
+                          } -> std::convertible_to<std::uint64_t>;
+                  })
         return key.GetHash();
     else if constexpr (std::is_pointer_v<KEY>)
         return reinterpret_cast<std::uintptr_t>(key) << 4;
@@ -48,7 +52,7 @@ public:
     CHashSlots(const CHashSlots& other) : CHashSlots() { *this = other; }
     CHashSlots(CHashSlots&& other) noexcept : CHashSlots() { Swap(other); }
     ~CHashSlots() { Free(); }
-    CHashSlots& operator=(const CHashSlots& other)          // slot for slot
+    CHashSlots& operator=(const CHashSlots& other)    // slot for slot
     {
         if (this == &other)
             return *this;
@@ -275,8 +279,7 @@ template <class T> class CHashTable : private CHashSlots<T, T> {
 
 public:
     using Base::Base;
-    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst,
-        Base::end;
+    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst, Base::end;
     int GetSize() const { return static_cast<int>(GetCount()); }
 
     bool Find(const T& value) const { return this->FindEntry(value) != nullptr; }
@@ -311,8 +314,8 @@ private:
 
 public:
     using Base::Base;
-    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst,
-        Base::begin, Base::end;
+    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst, Base::begin,
+        Base::end;
     int GetSize() const { return static_cast<int>(GetCount()); }
 
     /// The value of the key in place, or null; lives until the next insertion.

@@ -52,8 +52,8 @@ ZEL_API void FreeIOPlugins(unsigned int family);
 
 /// A plug-in, as the listing shows it.
 struct CIoPluginInfo {
-    CXTString<wchar_t> name;            ///< NAME of zel-io-NAME.so
-    CXTString<wchar_t> path;            ///< empty for what the program brings
+    CXTString<wchar_t> name;    ///< NAME of zel-io-NAME.so
+    CXTString<wchar_t> path;    ///< empty for what the program brings
     bool loaded;
     std::vector<CFileExt> formats;
 };

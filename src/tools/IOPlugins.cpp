@@ -30,21 +30,21 @@ constexpr size_t MAX_LOG_LINES = 1000;
 
 struct Format {
     CFileExt extension;
-    CParserFactory factory;              ///< null until the module is loaded
+    CParserFactory factory;    ///< null until the module is loaded
 };
 
 struct Module {
     Text name;
-    std::string path;                    ///< empty for what the program brings
-    unsigned int family = 0;             ///< families asked for
+    std::string path;           ///< empty for what the program brings
+    unsigned int family = 0;    ///< families asked for
     std::vector<Format> formats;
     void* handle = nullptr;
     bool loaded = false, failed = false, freed = false;
-    int parsers = 0;                     ///< that live
+    int parsers = 0;    ///< that live
 };
 
 struct Manager {
-    std::recursive_mutex lock;           // a module may call in while it registers
+    std::recursive_mutex lock;    // a module may call in while it registers
     std::vector<std::unique_ptr<Module>> modules;
     std::vector<Text> log;
 };
@@ -144,9 +144,8 @@ bool LoadModule(Module& module)
     module.loaded = true;
     KeepFamily(formats, module.family);
     for (Format& known : module.formats) {
-        const auto found = std::find_if(formats.begin(), formats.end(), [&](const Format& format) {
-            return format.extension.fileClass == known.extension.fileClass;
-        });
+        const auto found = std::find_if(formats.begin(), formats.end(),
+                                        [&](const Format& format) { return format.extension.fileClass == known.extension.fileClass; });
         if (found == formats.end()) {
             Log(module.name, L"doesn't handle \"" + fileGetClassText(known.extension.fileClass) + L"\", which its manifest names");
             continue;
@@ -266,7 +265,8 @@ std::string WriteManifest(const std::vector<Format>& formats)
         for (size_t i = 0; i < extension.extensions.size(); i++)
             text << (i ? ";" : "") << WideToUtf8(extension.extensions[i]);
         std::string description = WideToUtf8(extension.description);
-        std::replace_if(description.begin(), description.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
+        std::replace_if(
+            description.begin(), description.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
         text << '\t' << description << '\n';
     }
     return text.str();
@@ -377,7 +377,7 @@ void Destroy(Module* module)
 bool CanDo(const Format& format, unsigned int abilities)
 {
     const unsigned int own = format.extension.kind & (FILE_KIND_READ | FILE_KIND_WRITE);
-    return own == 0 || (own & abilities) == abilities;           // a format that doesn't tell is asked
+    return own == 0 || (own & abilities) == abilities;    // a format that doesn't tell is asked
 }
 
 const Format* FindFormat(const Module& module, unsigned int fileClass, unsigned int abilities)
@@ -428,9 +428,8 @@ bool RegisterIOParser(const Text& name, const CFileExt& format, CParserFactory f
         return false;
     Manager& manager = GetManager();
     const std::lock_guard guard(manager.lock);
-    const auto found = std::find_if(manager.modules.begin(), manager.modules.end(), [&](const auto& module) {
-        return !module->freed && module->path.empty() && module->name == name;
-    });
+    const auto found = std::find_if(manager.modules.begin(), manager.modules.end(),
+                                    [&](const auto& module) { return !module->freed && module->path.empty() && module->name == name; });
     Module* module = found != manager.modules.end() ? found->get() : nullptr;
     if (!module) {
         manager.modules.push_back(std::make_unique<Module>());
@@ -497,7 +496,7 @@ bool WriteIOPluginManifest(const Text& module)
     void* handle = nullptr;
     std::vector<Format> formats;
     if (path.find('/') == std::string::npos)
-        path = "./" + path;                                      // else it would be searched for among the libraries
+        path = "./" + path;    // else it would be searched for among the libraries
     if (name.IsEmpty() || !OpenModule(name, path, handle, formats))
         return false;
     const std::string text = WriteManifest(formats);

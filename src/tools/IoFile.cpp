@@ -15,7 +15,7 @@
 namespace {
 
 constexpr std::uint64_t LENGTH_UNKNOWN = ~std::uint64_t{0};
-constexpr std::size_t MOST_AT_ONCE = std::size_t{1} << 30;       // the system moves less than 2 GiB a call
+constexpr std::size_t MOST_AT_ONCE = std::size_t{1} << 30;    // the system moves less than 2 GiB a call
 constexpr int MOST_LINKS = 40;
 
 std::string FolderOf(const std::string& path)
@@ -94,12 +94,12 @@ bool IoFile::OpenForWriting(const std::string& path)
     const bool exists = !target.empty() && stat(target.c_str(), &old) == 0;
     if (target.empty() || target.back() == '/' || (exists && S_ISDIR(old.st_mode)))
         return false;
-    if (exists && !S_ISREG(old.st_mode)) {               // a device or pipe cannot be replaced: it takes the bytes as they come
+    if (exists && !S_ISREG(old.st_mode)) {    // a device or pipe cannot be replaced: it takes the bytes as they come
         m_handle = open(target.c_str(), O_WRONLY | O_CLOEXEC);
         m_writing = m_handle >= 0;
         return m_writing;
     }
-    if (exists && access(target.c_str(), W_OK) != 0)     // renaming would pass over a write protection
+    if (exists && access(target.c_str(), W_OK) != 0)    // renaming would pass over a write protection
         return false;
     std::string temporary = FolderOf(target) + "/.zel-XXXXXX";
     m_handle = mkostemp(temporary.data(), O_CLOEXEC);
@@ -169,7 +169,7 @@ bool IoFile::WriteBytes(const void* bytes, std::size_t size)
         if (put < 0 && errno == EINTR)
             continue;
         if (put <= 0) {
-            m_failed = true;                             // a hole inside: this file must not replace the old one
+            m_failed = true;    // a hole inside: this file must not replace the old one
             return false;
         }
         done += static_cast<std::size_t>(put);

@@ -15,7 +15,7 @@ class ZEL_API IoFile {
 public:
     /// `silent`: no message on failure. `options` are kept and not looked at.
     explicit IoFile(bool silent = true, unsigned int options = 0);
-    virtual ~IoFile();                                  // an open write is dropped
+    virtual ~IoFile();    // an open write is dropped
     IoFile(const IoFile&) = delete;
     IoFile& operator=(const IoFile&) = delete;
 
@@ -44,10 +44,10 @@ private:
     int m_handle = -1;
     bool m_silent;
     bool m_writing = false;
-    bool m_failed = false;             ///< some bytes did not go in
+    bool m_failed = false;    ///< some bytes did not go in
     unsigned int m_options;
     std::string m_target;
-    std::string m_temporary;           ///< empty where bytes go straight to the target: a device or pipe
+    std::string m_temporary;    ///< empty where bytes go straight to the target: a device or pipe
 };
 
 /// File in memory: owned and growing, or over somebody else's bytes (reading only).

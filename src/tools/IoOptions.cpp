@@ -4,13 +4,11 @@
 
 namespace {
 
-constexpr size_t MAX_LOG_LINES = 10000;      // a broken file can be wrong in each of its million faces
+constexpr size_t MAX_LOG_LINES = 10000;    // a broken file can be wrong in each of its million faces
 
 }
 
-CIoOptions::CIoOptions(bool reading) : m_reading(reading)
-{
-}
+CIoOptions::CIoOptions(bool reading) : m_reading(reading) {}
 
 CIoOptions::~CIoOptions() = default;
 

@@ -12,7 +12,7 @@ struct IoLogInfo {
         INFORMATION = 1,
         WARNING = 2,
         FAILURE = 4,
-        ALL = 255,           ///< a mask, as the levels are
+        ALL = 255,    ///< a mask, as the levels are
     };
 
     loglevel level;
@@ -20,9 +20,9 @@ struct IoLogInfo {
 };
 
 enum IoOptionsFlags : unsigned int {
-    IOOPT_SETTINGS_ONLY = 2,          ///< a dialog edits settings; nothing is read or written
-    IOOPT_INTERACTIVE = 4,            ///< an options dialog shows
-    IOOPT_SHOW_REPORT = 0x10000,      ///< the user wants to see the report
+    IOOPT_SETTINGS_ONLY = 2,        ///< a dialog edits settings; nothing is read or written
+    IOOPT_INTERACTIVE = 4,          ///< an options dialog shows
+    IOOPT_SHOW_REPORT = 0x10000,    ///< the user wants to see the report
 };
 
 /// What goes with every reading and saving: a bag of settings, a log, flags.

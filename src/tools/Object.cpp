@@ -24,8 +24,7 @@ Registry& GetRegistry()
 
 }
 
-CXRuntimeClass::CXRuntimeClass(const char* name, const CXRuntimeClass* base, Creator create)
-    : m_name(name), m_base(base), m_create(create)
+CXRuntimeClass::CXRuntimeClass(const char* name, const CXRuntimeClass* base, Creator create) : m_name(name), m_base(base), m_create(create)
 {
     Registry& registry = GetRegistry();
     const std::lock_guard guard(registry.lock);
@@ -59,7 +58,7 @@ const CXRuntimeClass* CXRuntimeClass::Find(const char* name)
     Registry& registry = GetRegistry();
     const std::lock_guard guard(registry.lock);
     const auto found = registry.classes.find(name);
-    return found == registry.classes.end() ? nullptr : found->second.front();   // a plug-in cannot replace a class
+    return found == registry.classes.end() ? nullptr : found->second.front();    // a plug-in cannot replace a class
 }
 
 CXObject::~CXObject() = default;

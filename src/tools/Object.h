@@ -67,7 +67,7 @@ public:
 
 protected:
     CInstanciatedObject() = default;
-    CInstanciatedObject(const CInstanciatedObject&) {}                                // a copy has its own owners
+    CInstanciatedObject(const CInstanciatedObject&) {}    // a copy has its own owners
     CInstanciatedObject& operator=(const CInstanciatedObject&) { return *this; }
     virtual ~CInstanciatedObject();
 
@@ -88,22 +88,22 @@ template <class T> T* XDynamicCast(CXObject* object)
 }
 
 /// In a class: it can be named in a stream. Put it first in the class body.
-#define ZEL_DECLARE_DYNAMIC(Class)                                            \
-public:                                                                       \
-    const CXRuntimeClass* GetRuntimeClassDescriptor() const override;         \
+#define ZEL_DECLARE_DYNAMIC(Class)                                    \
+public:                                                               \
+    const CXRuntimeClass* GetRuntimeClassDescriptor() const override; \
     static const CXRuntimeClass* GetThisRuntimeClassDescriptor();
 
 /// The same for a class that a stream can also create.
-#define ZEL_DECLARE_CREATABLE(Class)                                          \
-    ZEL_DECLARE_DYNAMIC(Class)                                                \
+#define ZEL_DECLARE_CREATABLE(Class) \
+    ZEL_DECLARE_DYNAMIC(Class)       \
     static CXObject* CreateObject();
 
-#define ZEL_IMPLEMENT_RUNTIME_CLASS_(Class, Base, Create)                                     \
-    const CXRuntimeClass* Class::GetThisRuntimeClassDescriptor()                              \
-    {                                                                                         \
-        static const CXRuntimeClass type(#Class, Base::GetThisRuntimeClassDescriptor(), Create); \
-        return &type;                                                                         \
-    }                                                                                         \
+#define ZEL_IMPLEMENT_RUNTIME_CLASS_(Class, Base, Create)                                                      \
+    const CXRuntimeClass* Class::GetThisRuntimeClassDescriptor()                                               \
+    {                                                                                                          \
+        static const CXRuntimeClass type(#Class, Base::GetThisRuntimeClassDescriptor(), Create);               \
+        return &type;                                                                                          \
+    }                                                                                                          \
     const CXRuntimeClass* Class::GetRuntimeClassDescriptor() const { return GetThisRuntimeClassDescriptor(); } \
     [[maybe_unused]] static const CXRuntimeClass* const s_registered##Class = Class::GetThisRuntimeClassDescriptor();
 
@@ -111,6 +111,6 @@ public:                                                                       \
 #define ZEL_IMPLEMENT_DYNAMIC(Class, Base) ZEL_IMPLEMENT_RUNTIME_CLASS_(Class, Base, nullptr)
 
 /// In one .cpp, for ZEL_DECLARE_CREATABLE; the class has a default constructor.
-#define ZEL_IMPLEMENT_CREATABLE(Class, Base)                    \
+#define ZEL_IMPLEMENT_CREATABLE(Class, Base)                         \
     CXObject* Class::CreateObject() { return (CXObject*)new Class; } \
     ZEL_IMPLEMENT_RUNTIME_CLASS_(Class, Base, &Class::CreateObject)

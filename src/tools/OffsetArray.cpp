@@ -7,10 +7,7 @@
 #include "tools/Archive.h"
 #include "tools/Memory.h"
 
-COffsetArray::COffsetArray(const COffsetArray& other)
-{
-    *this = other;
-}
+COffsetArray::COffsetArray(const COffsetArray& other) { *this = other; }
 
 COffsetArray& COffsetArray::operator=(const COffsetArray& other)
 {
@@ -63,7 +60,7 @@ void COffsetArray::SetAt(unsigned int index, std::uint64_t offset)
         XThrowInvalidIndex();
     if ((*this)[index] == offset)
         return;
-    if (m_form == PROGRESSION && m_size <= 2) {              // two offsets are a progression whatever they are
+    if (m_form == PROGRESSION && m_size <= 2) {    // two offsets are a progression whatever they are
         const std::uint64_t other = m_size == 2 ? (*this)[1 - index] : offset;
         m_base = index == 0 ? offset : other;
         m_stride = index == 0 ? other - offset : offset - other;
@@ -209,9 +206,8 @@ bool IsSoundProgression(std::uint64_t count, std::uint64_t base, std::uint64_t s
     if (base > static_cast<std::uint64_t>(top))
         return false;
     std::int64_t last, steps;
-    return count == 0 ||
-           (!__builtin_mul_overflow(static_cast<std::int64_t>(stride), static_cast<std::int64_t>(count - 1), &steps) &&
-            !__builtin_add_overflow(static_cast<std::int64_t>(base), steps, &last) && last >= 0);
+    return count == 0 || (!__builtin_mul_overflow(static_cast<std::int64_t>(stride), static_cast<std::int64_t>(count - 1), &steps) &&
+                          !__builtin_add_overflow(static_cast<std::int64_t>(base), steps, &last) && last >= 0);
 }
 
 }

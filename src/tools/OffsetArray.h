@@ -93,11 +93,11 @@ private:
     bool FindProgression(std::uint64_t& base, std::uint64_t& stride) const;
     void Free();
 
-    void* m_block = nullptr;             // none for a progression
+    void* m_block = nullptr;    // none for a progression
     unsigned int m_size = 0;
-    unsigned int m_capacity = 0;         // places in the block
-    unsigned int m_reserved = 0;         // places wanted as soon as there is a block
+    unsigned int m_capacity = 0;    // places in the block
+    unsigned int m_reserved = 0;    // places wanted as soon as there is a block
     Form m_form = PROGRESSION;
-    std::uint64_t m_base = 0;            // of the progression; steps down wrap around
+    std::uint64_t m_base = 0;    // of the progression; steps down wrap around
     std::uint64_t m_stride = 0;
 };

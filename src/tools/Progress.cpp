@@ -15,7 +15,7 @@ struct ProgressState {
 
 namespace {
 
-constexpr double GRAIN = 0.001;          // of the whole operation: what a sink hears of
+constexpr double GRAIN = 0.001;    // of the whole operation: what a sink hears of
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
 thread_local ProgressState* t_state = nullptr;
@@ -35,10 +35,7 @@ CProgressScope::~CProgressScope()
     delete m_state;
 }
 
-IProgressSink* CProgressScope::GetCurrentSink()
-{
-    return t_state ? t_state->sink : nullptr;
-}
+IProgressSink* CProgressScope::GetCurrentSink() { return t_state ? t_state->sink : nullptr; }
 
 CProgress::CProgress(const CXTString<wchar_t>& text, std::uint64_t range)
     : m_text(text), m_range(std::max<std::uint64_t>(range, 1)), m_next(NEVER), m_state(t_state)
@@ -75,15 +72,9 @@ bool CProgress::SetText(const CXTString<wchar_t>& text)
     return Update();
 }
 
-bool CProgress::Update()
-{
-    return m_state ? Tell() : true;
-}
+bool CProgress::Update() { return m_state ? Tell() : true; }
 
-bool CProgress::IsCancelled() const
-{
-    return m_cancelled || (m_state && m_state->cancelled);
-}
+bool CProgress::IsCancelled() const { return m_cancelled || (m_state && m_state->cancelled); }
 
 bool CProgress::Notify()
 {
@@ -134,10 +125,7 @@ void CProgressDlg::SetRange(int lower, int upper)
     m_progress->SetRange(static_cast<std::uint64_t>(std::max(static_cast<long long>(upper) - lower, 1LL)));
 }
 
-void CProgressDlg::SetStatus(const CXTString<wchar_t>& text)
-{
-    m_progress->SetText(text);
-}
+void CProgressDlg::SetStatus(const CXTString<wchar_t>& text) { m_progress->SetText(text); }
 
 void CProgressDlg::SetPos(int position, bool update)
 {
@@ -147,12 +135,6 @@ void CProgressDlg::SetPos(int position, bool update)
         m_progress->Update();
 }
 
-void CProgressDlg::StepIt()
-{
-    SetPos(m_position + m_step);
-}
+void CProgressDlg::StepIt() { SetPos(m_position + m_step); }
 
-bool CProgressDlg::CheckCancelButton()
-{
-    return !m_progress->Update();
-}
+bool CProgressDlg::CheckCancelButton() { return !m_progress->Update(); }

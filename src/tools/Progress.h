@@ -67,7 +67,7 @@ private:
     CXTString<wchar_t> m_text;
     std::uint64_t m_range, m_position = 0, m_next;
     bool m_cancelled = false;
-    double m_base = 0, m_share = 1;          ///< its part of the whole operation
+    double m_base = 0, m_share = 1;    ///< its part of the whole operation
     CProgress* m_outer = nullptr;
     struct ProgressState* m_state = nullptr;
 };

@@ -89,10 +89,7 @@ void CScriptWindowSystem::ShowNotice(CWnd*, unsigned int id, const Text& title, 
     shown.push_back(line + title);
 }
 
-void CScriptWindowSystem::ShowReport(CWnd*, const Text&, const Text& text)
-{
-    shown.push_back(L"report: " + text);
-}
+void CScriptWindowSystem::ShowReport(CWnd*, const Text&, const Text& text) { shown.push_back(L"report: " + text); }
 
 bool CScriptWindowSystem::ChooseFiles(CWnd*, const CFileDialogRequest& request, std::vector<CFileNameSpec>& chosen)
 {

@@ -18,7 +18,7 @@ public:
     using DialogUser = std::function<bool(const std::vector<CDialogTable*>& pages)>;
 
     std::deque<MessageAnswer> messageAnswers;
-    std::deque<std::vector<CFileNameSpec>> fileAnswers;      ///< an empty one cancels
+    std::deque<std::vector<CFileNameSpec>> fileAnswers;    ///< an empty one cancels
     std::deque<CXTString<wchar_t>> folderAnswers;
     std::deque<CRGBColor> colorAnswers;
     std::deque<DialogUser> dialogUsers;
@@ -26,8 +26,8 @@ public:
     /// Everything that was asked or shown, in order: "message: …", "notice 2007: …", "report: …", "files: read 4000",
     /// "dialog: title".
     std::vector<CXTString<wchar_t>> shown;
-    int waitCursors = 0;                                      ///< shown now
-    int waitCursorCount = 0;                                  ///< shown ever
+    int waitCursors = 0;        ///< shown now
+    int waitCursorCount = 0;    ///< shown ever
     CXTString<wchar_t> clipboard;
 
     /// Ticks or unticks a box and tells the page; false when no page has the control, or it cannot be used.
@@ -36,7 +36,8 @@ public:
     static bool Enter(const std::vector<CDialogTable*>& pages, unsigned int id, const CXTString<wchar_t>& value);
 
     bool CreateWindowPeer(CWnd* window, CWnd* parent, const CXTString<wchar_t>& title, const CRect& rect) override;
-    MessageAnswer ShowMessage(CWnd* parent, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text, MessageButtons buttons) override;
+    MessageAnswer ShowMessage(CWnd* parent, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text,
+                              MessageButtons buttons) override;
     void ShowNotice(CWnd* parent, unsigned int id, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text) override;
     void ShowReport(CWnd* parent, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text) override;
     bool ChooseFiles(CWnd* parent, const CFileDialogRequest& request, std::vector<CFileNameSpec>& chosen) override;

@@ -34,14 +34,14 @@ public:
     using Item = T;
     static constexpr unsigned int MAX_ITEMS = std::numeric_limits<S>::max();
     static constexpr std::size_t HEADER_SIZE = 2 * sizeof(S);
-    static constexpr std::size_t HEADER_ITEMS = HEADER_SIZE / sizeof(T);         ///< see InitPlaces
+    static constexpr std::size_t HEADER_ITEMS = HEADER_SIZE / sizeof(T);    ///< see InitPlaces
 
     /// Options of SetCollectionSize.
     enum : unsigned int {
-        ENTRIES_EMPTY = 0x1,         ///< new entries have no items; without it as many as their capacity, undefined
-        ESTIMATE_ADDED = 0x4,        ///< room is made for the added entries only; without it for all entries at the default capacity
-        KEEP_POOL = 0x10,            ///< entries beyond the new size stay, nothing is compacted
-        NO_MARGIN = 0x20,            ///< the pool is sized to what is used
+        ENTRIES_EMPTY = 0x1,     ///< new entries have no items; without it as many as their capacity, undefined
+        ESTIMATE_ADDED = 0x4,    ///< room is made for the added entries only; without it for all entries at the default capacity
+        KEEP_POOL = 0x10,        ///< entries beyond the new size stay, nothing is compacted
+        NO_MARGIN = 0x20,        ///< the pool is sized to what is used
     };
 
     CSimpleCollection() = default;
@@ -100,7 +100,10 @@ public:
         }
         return ItemsAt(entry);
     }
-    const T* GetItems(unsigned int entry, unsigned int& count) const { return const_cast<CSimpleCollection*>(this)->GetItems(entry, count); }
+    const T* GetItems(unsigned int entry, unsigned int& count) const
+    {
+        return const_cast<CSimpleCollection*>(this)->GetItems(entry, count);
+    }
     /// 0 outside the collection.
     unsigned int GetItemCount(unsigned int entry) const { return entry < m_entryCount ? HeaderAt(entry)->count : 0; }
     unsigned int GetEntryCapacity(unsigned int entry) const { return entry < m_entryCount ? HeaderAt(entry)->capacity : 0; }
@@ -164,7 +167,7 @@ public:
     {
         if (entry >= m_entryCount)
             return false;
-        const T copy = item;                                     // `item` may lie in the pool that moves
+        const T copy = item;    // `item` may lie in the pool that moves
         Header* header = HeaderAt(entry);
         const unsigned int count = header->count;
         if (count == header->capacity) {
@@ -394,7 +397,8 @@ public:
     {
         // In an ascending progression each entry but the last one fits into its stride for sure.
         std::uint64_t base, stride;
-        if (count > 1 && m_offsets.IsProgression(base, stride) && m_offsets[1] > base && EntryBytes(HeaderAt(count - 1)->capacity) <= stride)
+        if (count > 1 && m_offsets.IsProgression(base, stride) && m_offsets[1] > base &&
+            EntryBytes(HeaderAt(count - 1)->capacity) <= stride)
             ReorderBlocks(source, count, base, stride);
         else
             ReorderEntries(source, count);
@@ -442,10 +446,7 @@ private:
     const Header* HeaderAt(unsigned int entry) const { return reinterpret_cast<const Header*>(m_pool + m_offsets[entry]); }
     T* ItemsAt(unsigned int entry) { return ItemsOf(HeaderAt(entry)); }
 
-    std::uint64_t Margin(std::uint64_t required) const
-    {
-        return std::max<std::uint64_t>(required / 4, EntryBytes(m_defaultCapacity));
-    }
+    std::uint64_t Margin(std::uint64_t required) const { return std::max<std::uint64_t>(required / 4, EntryBytes(m_defaultCapacity)); }
 
     // The header of a new entry, at the top of the pool, which has room for it.
     std::uint64_t OpenEntry(unsigned int count, unsigned int capacity)
@@ -596,7 +597,7 @@ private:
 
     void ReorderEntries(const unsigned int* source, unsigned int count)
     {
-        constexpr unsigned int ahead = 16;                   // entries on their way from memory
+        constexpr unsigned int ahead = 16;    // entries on their way from memory
         std::uint64_t size = 0;
         for (unsigned int i = 0; i < count; i++)
             size += EntryBytes(HeaderAt(i)->capacity);
@@ -771,10 +772,7 @@ protected:
         m_items = items;
     }
     // After anything that may have moved the pool.
-    void Refresh()
-    {
-        m_items = m_collection && m_entry < m_collection->m_entryCount ? m_collection->ItemsAt(m_entry) : nullptr;
-    }
+    void Refresh() { m_items = m_collection && m_entry < m_collection->m_entryCount ? m_collection->ItemsAt(m_entry) : nullptr; }
 
     CSimpleCollection<T, S>* m_collection = nullptr;
     unsigned int m_entry = 0;

@@ -87,8 +87,8 @@ private:
     struct Spec {
         std::string flags;
         int width = 0;
-        int precision = -1;          // -1: not given
-        std::string size;            // hh, h, l, ll, j, z, t, L
+        int precision = -1;    // -1: not given
+        std::string size;      // hh, h, l, ll, j, z, t, L
         bool left = false;
     };
 
@@ -130,29 +130,32 @@ private:
     void Convert(const Spec& spec, char kind)
     {
         switch (kind) {
-        case 'd': case 'i':
-            Number(spec, "j", kind, ReadSigned(spec.size));
-            break;
-        case 'u': case 'o': case 'x': case 'X':
-            Number(spec, "j", kind, ReadUnsigned(spec.size));
-            break;
-        case 'e': case 'E': case 'f': case 'F': case 'g': case 'G': case 'a': case 'A':
+        case 'd':
+        case 'i': Number(spec, "j", kind, ReadSigned(spec.size)); break;
+        case 'u':
+        case 'o':
+        case 'x':
+        case 'X': Number(spec, "j", kind, ReadUnsigned(spec.size)); break;
+        case 'e':
+        case 'E':
+        case 'f':
+        case 'F':
+        case 'g':
+        case 'G':
+        case 'a':
+        case 'A':
             if (spec.size == "L")
                 Number(spec, "L", kind, va_arg(m_arguments, long double));
             else
                 Number(spec, "", kind, va_arg(m_arguments, double));
             break;
-        case 'p':
-            Number(spec, "", kind, va_arg(m_arguments, void*));
-            break;
-        case 's': case 'S':
-            Text(spec, IsWide(spec, kind == 'S'));
-            break;
-        case 'c': case 'C':
-            Character(spec, IsWide(spec, kind == 'C'));
-            break;
+        case 'p': Number(spec, "", kind, va_arg(m_arguments, void*)); break;
+        case 's':
+        case 'S': Text(spec, IsWide(spec, kind == 'S')); break;
+        case 'c':
+        case 'C': Character(spec, IsWide(spec, kind == 'C')); break;
         default:
-            m_out += '%';            // no conversion: shown, so that the fault is seen
+            m_out += '%';    // no conversion: shown, so that the fault is seen
             m_out += static_cast<T>(kind);
         }
     }
@@ -246,8 +249,11 @@ int Decode(std::string_view text, char32_t& character)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byte(0);
-    const int length = first < 0x80 ? 1 : first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3
-                     : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+    const int length = first < 0x80                    ? 1
+                       : first >= 0xC2 && first < 0xE0 ? 2
+                       : first >= 0xE0 && first < 0xF0 ? 3
+                       : first >= 0xF0 && first < 0xF5 ? 4
+                                                       : 0;
     if (length == 0 || text.size() < static_cast<std::size_t>(length))
         return 0;
     character = length == 1 ? first : first & (0x7F >> length);

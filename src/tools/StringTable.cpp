@@ -52,7 +52,7 @@ Table Parse(std::string_view lines)
 
 const Table& GetTable(_LANGUAGE language)
 {
-    static const Table* const english = new Table(Parse(g_englishStrings));      // texts outlive whatever ends the process
+    static const Table* const english = new Table(Parse(g_englishStrings));    // texts outlive whatever ends the process
     static const Table* const french = new Table(Parse(g_frenchStrings));
     return language == LANGUAGE_FRENCH ? *french : *english;
 }

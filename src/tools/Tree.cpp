@@ -58,7 +58,7 @@ bool CTree::IsBelow(const CTreeNode* node, const CTreeNode* ancestor)
 {
     if (!ancestor)
         return false;
-    if (!ancestor->m_firstChild)                         // nothing is below a leaf: no need to climb
+    if (!ancestor->m_firstChild)    // nothing is below a leaf: no need to climb
         return node == ancestor;
     while (node && node != ancestor)
         node = node->m_parent;
@@ -129,7 +129,7 @@ void CTree::DeleteBranch(CTreeNode* top)
     for (CTreeNode* node = top; node;) {
         while (node->m_firstChild)
             node = node->m_firstChild;
-        CTreeNode* const parent = node->m_parent;        // null for the top, which goes last
+        CTreeNode* const parent = node->m_parent;    // null for the top, which goes last
         node->Unlink();
         node->DeleteNode();
         node = parent;

@@ -10,7 +10,10 @@ namespace {
 class CNoWindowSystem : public IWindowSystem {
 public:
     bool CreateWindowPeer(CWnd*, CWnd*, const CXTString<wchar_t>&, const CRect&) override { return false; }
-    MessageAnswer ShowMessage(CWnd*, const CXTString<wchar_t>&, const CXTString<wchar_t>&, MessageButtons) override { return ANSWER_CANCEL; }
+    MessageAnswer ShowMessage(CWnd*, const CXTString<wchar_t>&, const CXTString<wchar_t>&, MessageButtons) override
+    {
+        return ANSWER_CANCEL;
+    }
     void ShowNotice(CWnd*, unsigned int, const CXTString<wchar_t>&, const CXTString<wchar_t>&) override {}
     void ShowReport(CWnd*, const CXTString<wchar_t>&, const CXTString<wchar_t>&) override {}
     bool ChooseFiles(CWnd*, const CFileDialogRequest&, std::vector<CFileNameSpec>&) override { return false; }
@@ -30,10 +33,7 @@ std::atomic<IWindowSystem*> g_system{nullptr};
 IWindowPeer::~IWindowPeer() = default;
 IWindowSystem::~IWindowSystem() = default;
 
-CWnd::~CWnd()
-{
-    delete m_peer;
-}
+CWnd::~CWnd() { delete m_peer; }
 
 void CWnd::OnPaint() {}
 void CWnd::OnSize(int, int) {}
@@ -61,10 +61,7 @@ void CWnd::Invalidate(const CRect* area)
         m_peer->Invalidate(area);
 }
 
-CRect CWnd::GetClientRect() const
-{
-    return m_peer ? m_peer->GetClientRect() : CRect();
-}
+CRect CWnd::GetClientRect() const { return m_peer ? m_peer->GetClientRect() : CRect(); }
 
 void CWnd::SetTimer(unsigned int id, unsigned int milliseconds)
 {
@@ -141,10 +138,7 @@ IWindowSystem& GetWindowSystem()
     return system ? *system : none;
 }
 
-IWindowSystem* SetWindowSystem(IWindowSystem* system)
-{
-    return g_system.exchange(system);
-}
+IWindowSystem* SetWindowSystem(IWindowSystem* system) { return g_system.exchange(system); }
 
 bool RunDialog(CWnd* parent, const CXTString<wchar_t>& title, const std::vector<CDialogTable*>& pages)
 {
@@ -163,10 +157,7 @@ CWaitCursor::CWaitCursor(bool show)
         Show();
 }
 
-CWaitCursor::~CWaitCursor()
-{
-    Hide();
-}
+CWaitCursor::~CWaitCursor() { Hide(); }
 
 void CWaitCursor::Show()
 {

@@ -30,7 +30,7 @@ enum InputState : unsigned int {
 class ZEL_API IWindowPeer {
 public:
     virtual ~IWindowPeer();
-    virtual void Invalidate(const CRect* area) = 0;              // null: all of it
+    virtual void Invalidate(const CRect* area) = 0;    // null: all of it
     virtual CRect GetClientRect() const = 0;
     virtual void SetTimer(unsigned int id, unsigned int milliseconds) = 0;
     virtual void KillTimer(unsigned int id) = 0;
@@ -47,7 +47,7 @@ public:
 class ZEL_API CWnd {
 public:
     CWnd() = default;
-    virtual ~CWnd();                                              // the peer goes with it
+    virtual ~CWnd();    // the peer goes with it
     CWnd(const CWnd&) = delete;
     CWnd& operator=(const CWnd&) = delete;
 
@@ -67,7 +67,7 @@ public:
     bool HasPeer() const { return m_peer != nullptr; }
 
     void Invalidate(const CRect* area = nullptr);
-    CRect GetClientRect() const;                                  // empty without a peer
+    CRect GetClientRect() const;    // empty without a peer
     void SetTimer(unsigned int id, unsigned int milliseconds);
     void KillTimer(unsigned int id);
     void SetCapture();
@@ -87,8 +87,8 @@ enum MessageAnswer { ANSWER_CANCEL = 0, ANSWER_OK = 1, ANSWER_YES = 2, ANSWER_NO
 struct CFileDialogRequest {
     bool reading = true;
     bool several = false;
-    unsigned int kind = 0;                 ///< families of file classes
-    unsigned int filter = 0;               ///< class to start with, or FILTER_ALL
+    unsigned int kind = 0;      ///< families of file classes
+    unsigned int filter = 0;    ///< class to start with, or FILTER_ALL
     CFileNameSpec start;
 };
 
@@ -98,14 +98,14 @@ enum ControlKind { CONTROL_LABEL, CONTROL_CHECK, CONTROL_RADIO, CONTROL_EDIT, CO
 struct CControl {
     unsigned int id = 0;
     ControlKind kind = CONTROL_LABEL;
-    CXTString<wchar_t> text;               ///< of an edit field and a list: what stands in front
+    CXTString<wchar_t> text;    ///< of an edit field and a list: what stands in front
     int row = 0;
-    unsigned int group = 0;                ///< radio buttons of one group exclude each other
+    unsigned int group = 0;    ///< radio buttons of one group exclude each other
     bool visible = true, enabled = true;
-    bool checked = false;                  ///< check box, radio button
-    CXTString<wchar_t> value;              ///< edit field
-    std::vector<CXTString<wchar_t>> items; ///< list
-    int selected = -1;                     ///< list
+    bool checked = false;                     ///< check box, radio button
+    CXTString<wchar_t> value;                 ///< edit field
+    std::vector<CXTString<wchar_t>> items;    ///< list
+    int selected = -1;                        ///< list
 };
 
 /// A dialog, or a page of a property sheet: a table of controls and the logic behind them. The window system shows it, writes
@@ -138,7 +138,8 @@ public:
 
     /// Gives `window` a peer; false when there is no screen.
     virtual bool CreateWindowPeer(CWnd* window, CWnd* parent, const CXTString<wchar_t>& title, const CRect& rect) = 0;
-    virtual MessageAnswer ShowMessage(CWnd* parent, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text, MessageButtons buttons) = 0;
+    virtual MessageAnswer ShowMessage(CWnd* parent, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text,
+                                      MessageButtons buttons) = 0;
     /// A notice that the user may choose not to see again; `id` tells which one. `text` has the help mark-up.
     virtual void ShowNotice(CWnd* parent, unsigned int id, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text) = 0;
     /// A longer text, as the report of a conversion.

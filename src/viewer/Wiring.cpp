@@ -29,10 +29,7 @@ Text StringOf(unsigned int id)
     return text;
 }
 
-void GiveDataBack(bool reading, unsigned int fileClass, void* data)
-{
-    C3DIo::ReleaseParser(reading, fileClass, data);
-}
+void GiveDataBack(bool reading, unsigned int fileClass, void* data) { C3DIo::ReleaseParser(reading, fileClass, data); }
 
 void RegisterFormats()
 {
@@ -45,7 +42,9 @@ void RegisterFormats()
 
 void RegisterCommandNames()
 {
-    constexpr struct { unsigned int id, text; } categories[] = {
+    constexpr struct {
+        unsigned int id, text;
+    } categories[] = {
         {FourCC("TOOL"), 9312}, {FourCC("VIEW"), 9339}, {FourCC("LIGH"), 9209}, {FourCC("POVW"), 9239}, {FourCC("POV2"), 9238},
         {FourCC("VCAM"), 9326}, {FourCC("REND"), 9248}, {FourCC("FILE"), 9197}, {FourCC("HELP"), 9205},
     };
@@ -78,7 +77,4 @@ void Close3DZel(unsigned int flags)
         FreeIOPlugins(FILE_FAMILY_3D);
 }
 
-HINSTANCE Zel3DResourceHandle()
-{
-    return &RESOURCES;
-}
+HINSTANCE Zel3DResourceHandle() { return &RESOURCES; }

@@ -28,7 +28,7 @@ struct CFan {
     CUVWChannel* channel;
 };
 
-} // namespace
+}    // namespace
 
 TEST(BreakFlags, CountGroupsOfTextureCoordinates)
 {
@@ -70,7 +70,7 @@ TEST(BreakFlags, TextureFrontiers)
     CUVWChannel* channel = mesh.AddUVW({1, 2, 3, 1, 3.5f, 4}, {{0, 1, 2}, {3, 4, 5}, {}, {0, 1, 2}, {}});
     const CGeomInfo info = mesh.Info();
     const C3DEdge edge(0, 2), away(5, 6);
-    EXPECT_FALSE(channel->IsUVFrontier(&info, 0, edge, 0, 1));      // tolerance 0 finds no difference
+    EXPECT_FALSE(channel->IsUVFrontier(&info, 0, edge, 0, 1));    // tolerance 0 finds no difference
     EXPECT_FALSE(channel->IsUVFrontier(&info, 0.5f, edge, 0, 1));
     EXPECT_TRUE(channel->IsUVFrontier(&info, 0.4f, edge, 0, 1));
     EXPECT_TRUE(channel->IsUVFrontier(&info, 0.5f, C3DEdge(0, 3), 1, 2));
@@ -101,7 +101,7 @@ TEST(BreakFlags, ColoursBreakAtPointsAndAlongEdges)
         return numbers;
     };
     channel->InitVCFrontierFlag(&info, 9, true);
-    EXPECT_EQ(marked(*mesh.points), (std::vector<int>{0, 2, 3}));   // 0 at the point, 2 and 3 along edges from it
+    EXPECT_EQ(marked(*mesh.points), (std::vector<int>{0, 2, 3}));    // 0 at the point, 2 and 3 along edges from it
     EXPECT_EQ(marked(points), (std::vector<int>{0, 1, 2}));
     channel->InitVCFrontierFlag(&info, 10, true);
     EXPECT_TRUE(marked(*mesh.points).empty());
@@ -111,7 +111,7 @@ TEST(BreakFlags, ColoursBreakAtPointsAndAlongEdges)
     EXPECT_FALSE(channel->IsVCFrontier(&info, 10, C3DEdge(0, 2), 0, 1));
     channel->GetFaceList()->SetFaceFlags(2, FACE_EMPTY, true);
     channel->InitVCFrontierFlag(&info, 10, true);
-    EXPECT_TRUE(marked(*mesh.points).empty());                      // no data at all is no frontier
+    EXPECT_TRUE(marked(*mesh.points).empty());    // no data at all is no frontier
     EXPECT_TRUE(channel->IsVCFrontier(&info, 10, C3DEdge(0, 2), 0, 2));
 }
 

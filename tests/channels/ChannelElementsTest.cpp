@@ -38,7 +38,7 @@ TEST(ChannelElements, CopyAndConvert)
     static_cast<CPt&>(colour) = value;
     EXPECT_EQ(colour.GetColor(), CRGBColor(255, 0, 12, 0));
     CWeightPoint weight;
-    static_cast<CPt&>(weight) = static_cast<const CPt&>(other);      // another kind: what it has in common
+    static_cast<CPt&>(weight) = static_cast<const CPt&>(other);    // another kind: what it has in common
     EXPECT_EQ(weight.GetWeight(), 1);
     static_cast<CPt&>(colour) = static_cast<const CPt&>(weight);
     EXPECT_EQ(colour.GetColor(), CRGBColor(1, 0, 0, 255));
@@ -48,14 +48,14 @@ TEST(ChannelElements, Checksums)
 {
     CUVWPointList* uvw = CUVWPointList::Create();
     uvw->SetSize(3, false, 0);
-    (*uvw)[0]->u = 1;                                       // 0x3F800000
+    (*uvw)[0]->u = 1;    // 0x3F800000
     (*uvw)[1]->SetFlag(POINT_INVALID, true);
-    (*uvw)[2]->v = 2;                                       // 0x40000000
+    (*uvw)[2]->v = 2;    // 0x40000000
     const unsigned int first = 0x3F800000u, sum = (first + 2) * 16 + 0x40000000u;
     EXPECT_EQ(uvw->GetChecksum(1), sum);
     (*uvw)[2]->w = -0.0f;
     EXPECT_EQ(uvw->GetChecksum(1), sum);
-    EXPECT_EQ(uvw->GetChecksum(3), sum + 2 * 16);           // flags: (0 + 0) * 16, then (0 + 2) * 16
+    EXPECT_EQ(uvw->GetChecksum(3), sum + 2 * 16);    // flags: (0 + 0) * 16, then (0 + 2) * 16
     EXPECT_EQ(uvw->GetChecksum(4), 0u);
     DeleteMe(uvw);
 

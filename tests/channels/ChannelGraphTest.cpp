@@ -62,20 +62,20 @@ TEST(ChannelGraph, IsSharedByItsUsersAndRebuiltAfterAnEdit)
     channel->InitGraph(&info);
     channel->DeleteGraph();
     EXPECT_EQ(channel->GetChannelPointIndex(1, 0), channel->GetPointList()->ElementAt(3));
-    EXPECT_EQ(channel->GetChannelPointIndex(1, 1), nullptr);        // face 1 does not use point 1
+    EXPECT_EQ(channel->GetChannelPointIndex(1, 1), nullptr);    // face 1 does not use point 1
     EXPECT_EQ(channel->GetChannelPointIndex(1, 77), nullptr);
     EXPECT_EQ(channel->GetChannelPointIndex(1, -1), nullptr);
 
     int count;
     channel->GetFaceList()->GetIndexes(1, count)[0] = 0;
     channel->GetFaceList()->SetFlag(FACELIST_CHANGED, true);
-    channel->InitGraph(&info);                                      // the edit is seen although the graph is in use
+    channel->InitGraph(&info);    // the edit is seen although the graph is in use
     EXPECT_EQ(channel->GetChannelPointIndex(1, 0), channel->GetPointList()->ElementAt(0));
     channel->DeleteGraph();
     channel->DeleteGraph();
     EXPECT_EQ(channel->GetChannelPointIndex(1, 0), nullptr);
     channel->DeleteGraph();
-    channel->InitGraph(&info);                                      // one too many has taken nothing from the next user
+    channel->InitGraph(&info);    // one too many has taken nothing from the next user
     EXPECT_NE(channel->GetChannelPointIndex(1, 0), nullptr);
     channel->DeleteGraph();
 }
@@ -119,7 +119,7 @@ TEST(ChannelGraph, HoldsAHubOfMoreCornersThan16BitsCount)
     EXPECT_EQ(references, spokes);
     EXPECT_EQ(items[spokes - 1].face, spokes - 1);
     channel->DeleteGraph();
-    EXPECT_TRUE(channel->Weld(&info, 0));                           // all have u 0
+    EXPECT_TRUE(channel->Weld(&info, 0));    // all have u 0
     EXPECT_EQ(channel->GetPointList()->GetSize(), 1);
 }
 

@@ -22,7 +22,7 @@ void FillAllKinds(CMesh& mesh)
     (*colours->GetVCPointList())[0]->SetColor(CRGBColor(1, 2, 3, 4));
     SetFaces(*colours->GetFaceList(), {{0, 0, 0}, {0, 0, 0}});
     mesh.channels->AddChannel(colours);
-    mesh.channels->GetPointNormalChannel();                 // not stored
+    mesh.channels->GetPointNormalChannel();    // not stored
     CSpecNormalChannel* normals = new CSpecNormalChannel(6);
     normals->SetFlag(CHANNEL_STALE, false);
     mesh.channels->AddChannel(normals);
@@ -36,7 +36,7 @@ void FillAllKinds(CMesh& mesh)
     }
 }
 
-} // namespace
+}    // namespace
 
 TEST(ChannelStream, BringsChannelsBack)
 {
@@ -44,7 +44,7 @@ TEST(ChannelStream, BringsChannelsBack)
     FillAllKinds(mesh);
     const std::vector<unsigned char> bytes = Stored(*mesh.channels);
     CDependentChannels* loaded = CDependentChannels::Create();
-    loaded->AddChannel(new CUVWChannel);                    // goes
+    loaded->AddChannel(new CUVWChannel);    // goes
     ASSERT_TRUE(Load(*loaded, bytes));
     ASSERT_EQ(loaded->GetSize(), 5);
 
@@ -88,7 +88,7 @@ TEST(ChannelStream, MovesTheIdCounterPastWhatItReads)
     EXPECT_EQ(channel->GetChannelID(), 5u);
     EXPECT_EQ(CChannel::CreateID(), 20002u);
     DeleteMe(channel);
-    DeleteMe(channel = new CUVWChannel);                    // the last one gone: back to the start
+    DeleteMe(channel = new CUVWChannel);    // the last one gone: back to the start
     EXPECT_EQ(CChannel::CreateID(), 10000u);
     DeleteMe(new CUVWChannel);
 }
@@ -133,10 +133,10 @@ TEST(ChannelStream, RefusesWhatIsNotTheChannel)
     EXPECT_EQ(colours->GetChannelID(), 6u);
 
     std::vector<unsigned char> other = bytes;
-    other[8] = other[9] = other[10] = other[11] = 0xFF;   // the id
+    other[8] = other[9] = other[10] = other[11] = 0xFF;    // the id
     EXPECT_FALSE(Load(*uvw, other));
     other = bytes;
-    other[12] = 2;                                          // has face list
+    other[12] = 2;    // has face list
     EXPECT_FALSE(Load(*uvw, other));
 
     // the points of another kind under this channel's name

@@ -21,7 +21,7 @@ TEST(Channel, IdsCountFrom10000WhileChannelsLive)
     EXPECT_EQ(CChannel::CreateID(), 10002u);
     DeleteMe(named);
     EXPECT_EQ(CChannel::CreateID(), 10000u);
-    CChannel::Create(CHANNEL_UVW, 1)->Delete();             // back to the start for the tests that follow
+    CChannel::Create(CHANNEL_UVW, 1)->Delete();    // back to the start for the tests that follow
 }
 
 TEST(Channel, EachKindComesWithItsListsAndFlags)
@@ -80,7 +80,8 @@ TEST(Channel, CopiesTakeWhatTheirOptionsSay)
     copy = static_cast<CUVWChannel*>(channel->Copy(CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_NO_DATA));
     EXPECT_EQ(copy->GetChannelID(), channel->GetChannelID());
     EXPECT_EQ(copy->GetFaceList()->GetSize(), 0);
-    EXPECT_EQ(copy->GetPointList()->GetSize(), channel->GetPointList()->GetDataChunks().GetDataSize() ? copy->GetPointList()->GetSize() : 0);
+    EXPECT_EQ(copy->GetPointList()->GetSize(),
+              channel->GetPointList()->GetDataChunks().GetDataSize() ? copy->GetPointList()->GetSize() : 0);
     DeleteMe(copy);
 }
 
@@ -102,7 +103,11 @@ TEST(Channel, WeightsNormalize)
         bool invert;
         std::vector<float> expected;
     } rows[] = {
-        {{-1, 0, 1}, false, {0, 0.5f, 1}}, {{-1, 0, 1}, true, {1, 0.5f, 0}}, {{3, 3}, false, {0, 0}}, {{3, 3}, true, {1, 1}}, {{}, false, {}},
+        {{-1, 0, 1}, false, {0, 0.5f, 1}},
+        {{-1, 0, 1}, true, {1, 0.5f, 0}},
+        {{3, 3}, false, {0, 0}},
+        {{3, 3}, true, {1, 1}},
+        {{}, false, {}},
     };
     for (const auto& row : rows) {
         CWeightChannel* channel = new CWeightChannel;
@@ -142,7 +147,7 @@ TEST(Channel, WeightsPerCornerGiveMeansPerPoint)
     means = simple->GetWeightPointOnlyList(&info);
     EXPECT_EQ(means, simple->GetWeightPointList());
     DeleteMe(simple);
-    EXPECT_EQ(means->GetSize(), 0);                         // the reference keeps it alive
+    EXPECT_EQ(means->GetSize(), 0);    // the reference keeps it alive
     DeleteMe(means);
 }
 

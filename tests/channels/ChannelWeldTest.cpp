@@ -35,7 +35,8 @@ TEST(ChannelWeld, JoinsWhatMeetsAtOnePoint)
         {"not a number", {nan, 2, 3, nan, 3, 4}, {{0, 1, 2}, {3, 4, 5}}, 0, true, {nan, 2, 3}, {nan, 3, 4}, 5},
     };
     const auto same = [](const std::vector<float>& a, const std::vector<float>& b) {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](float x, float y) { return x == y || (std::isnan(x) && std::isnan(y)); });
+        return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                          [](float x, float y) { return x == y || (std::isnan(x) && std::isnan(y)); });
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -92,7 +93,7 @@ TEST(ChannelWeld, TableAndPairsGiveTheSame)
         CheckConsistent(mesh);
     }
     EXPECT_EQ(results[0], results[1]);
-    EXPECT_TRUE(std::signbit(results[0][10 / 2]) == std::signbit(results[0][20 / 2]));     // -0 and 0 were joined
+    EXPECT_TRUE(std::signbit(results[0][10 / 2]) == std::signbit(results[0][20 / 2]));    // -0 and 0 were joined
 }
 
 TEST(ChannelWeld, EachKindComparesInItsOwnWay)
@@ -105,10 +106,10 @@ TEST(ChannelWeld, EachKindComparesInItsOwnWay)
 
     const CVCPoint grey(CRGBColor(100, 100, 100)), lighter(CRGBColor(100, 227, 100)), lightest(CRGBColor(100, 228, 100)),
         clear(CRGBColor(100, 100, 100, 0)), next(CRGBColor(100, 101, 100));
-    EXPECT_TRUE(colours->Compare(&grey, &lighter, 0.5));            // 127 bytes
+    EXPECT_TRUE(colours->Compare(&grey, &lighter, 0.5));    // 127 bytes
     EXPECT_FALSE(colours->Compare(&grey, &lightest, 0.5));
     EXPECT_TRUE(colours->Compare(&grey, &clear, 0.5));
-    EXPECT_FALSE(colours->Compare(&grey, &clear, 0.001));           // less than a byte: all four equal
+    EXPECT_FALSE(colours->Compare(&grey, &clear, 0.001));    // less than a byte: all four equal
     EXPECT_FALSE(colours->Compare(&grey, &next, 0.001));
 
     C3DTVector<float> x(1, 0, 0), y(0, 1, 0), back(-1, 0, 0), unset(0, 0, 0), unset2(1, 0, 0);

@@ -11,10 +11,7 @@ namespace {
 using CRemap = CXArray<unsigned int, unsigned int>;
 constexpr unsigned int GONE = 0xFFFFFFFF;
 
-std::vector<unsigned int> Values(const CRemap& map)
-{
-    return {map.begin(), map.end()};
-}
+std::vector<unsigned int> Values(const CRemap& map) { return {map.begin(), map.end()}; }
 
 /// The corner walk as it is told, one removal at a time.
 std::vector<int> SlowWalk(std::vector<int> corners)
@@ -29,7 +26,7 @@ std::vector<int> SlowWalk(std::vector<int> corners)
     return corners;
 }
 
-} // namespace
+}    // namespace
 
 TEST(Clean, RepairsAFaceAndItsChannelCornersTogether)
 {
@@ -112,7 +109,7 @@ TEST(Clean, AFaceOfManyEqualCornersCostsOneWalk)
     CUVWChannel* channel = mesh.AddUVW({0}, {std::vector<int>(60000, 0)});
     const CGeomInfo info = mesh.Info();
     EXPECT_TRUE(mesh.faces->Clean(&info));
-    EXPECT_EQ(CornersOf(*mesh.faces, 0), (std::vector<int>{0, 1, 2}));      // 1, 2, 7
+    EXPECT_EQ(CornersOf(*mesh.faces, 0), (std::vector<int>{0, 1, 2}));    // 1, 2, 7
     EXPECT_EQ(CornersOf(*channel->GetFaceList(), 0).size(), 3u);
 }
 
@@ -175,7 +172,7 @@ TEST(Clean, LeavesACleanMeshAlone)
     EXPECT_EQ(mesh.faces->GetChangedStamp(), stamp);
     EXPECT_FALSE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
 
-    mesh.channels->AddChannel(new CPointNormalChannel);     // a derived channel always answers false
+    mesh.channels->AddChannel(new CPointNormalChannel);    // a derived channel always answers false
     EXPECT_TRUE(mesh.faces->Clean(&info));
     EXPECT_EQ(mesh.faces->GetChangedStamp(), stamp);
 }
@@ -200,7 +197,7 @@ TEST(Clean, KeepsAMarkedPointThatALiveFaceUses)
 
     CMesh cloud(4, {});
     cloud.points->ElementAt(1)->SetFlag(POINT_INVALID, true);
-    EXPECT_TRUE(cloud.points->Clean(nullptr, nullptr));     // without faces the marks decide
+    EXPECT_TRUE(cloud.points->Clean(nullptr, nullptr));    // without faces the marks decide
     EXPECT_EQ(cloud.points->GetSize(), 3);
 }
 
@@ -245,7 +242,7 @@ TEST(Clean, WeightsOfPointsFollowThePoints)
     channel->GetPointList()->SetSize(4, false, 0);
     for (int i = 0; i < 4; i++)
         (*channel->GetWeightPointList())[i]->SetWeight(static_cast<float>(i));
-    (*channel->GetWeightPointList())[2]->SetFlag(POINT_INVALID, true);      // its geometry point stays: so does it
+    (*channel->GetWeightPointList())[2]->SetFlag(POINT_INVALID, true);    // its geometry point stays: so does it
     const CGeomInfo info = mesh.Info();
     mesh.faces->Clean(&info);
     ASSERT_EQ(channel->GetPointList()->GetSize(), 3);

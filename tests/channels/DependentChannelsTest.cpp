@@ -33,11 +33,11 @@ std::vector<unsigned int> Ids(const CDependentChannels& channels)
     return ids;
 }
 
-} // namespace
+}    // namespace
 
 TEST(DependentChannels, AnswerOnNull)
 {
-    CDependentChannels* volatile none = nullptr;            // volatile: the compiler would warn of a null it sees
+    CDependentChannels* volatile none = nullptr;    // volatile: the compiler would warn of a null it sees
     CFaceList* faces;
     CPointList* points;
     CUVWFaceList* uvwFaces;
@@ -88,7 +88,7 @@ TEST(DependentChannels, QueriesCountAmongWhatTheyAskFor)
 
     EXPECT_EQ(channels.GetPointNormalChannel(), channels[3]);
     channels[3]->SetFlag(CHANNEL_INVALID, true);
-    CChannel* points = channels.GetPointNormalChannel();            // made by the query
+    CChannel* points = channels.GetPointNormalChannel();    // made by the query
     CChannel* faces = channels.GetFaceNormalChannel();
     EXPECT_EQ(points, channels[5]);
     EXPECT_EQ(faces, channels[6]);
@@ -111,8 +111,14 @@ TEST(DependentChannels, RemovalTakesWhatItNames)
         {"by mask", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, 0, false); }, 3, {5, 7}},
         {"by mask and flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, true); }, 1, {5, 6, 7, 5}},
         {"by mask and no flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, false); }, 2, {5, 5, 7}},
-        {"by flag, any type", [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(CHANNEL_DERIVED, CHANNEL_UVW)); }, 1, {5, 5, 6, 5}},
-        {"by no flag", [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(_CHANNEL_PROPERTIES(0), CHANNEL_ALL)); }, 0, {5, 5, 6, 7, 5}},
+        {"by flag, any type",
+         [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(CHANNEL_DERIVED, CHANNEL_UVW)); },
+         1,
+         {5, 5, 6, 5}},
+        {"by no flag",
+         [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(_CHANNEL_PROPERTIES(0), CHANNEL_ALL)); },
+         0,
+         {5, 5, 6, 7, 5}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -128,7 +134,7 @@ TEST(DependentChannels, CopyingFollowsItsOptions)
     const struct {
         const char* name;
         unsigned int mask, options;
-        std::vector<unsigned int> ids;         // 0: a new one
+        std::vector<unsigned int> ids;    // 0: a new one
     } rows[] = {
         {"all, new ids", CHANNEL_ALL, 0, {0, 0, 0, 0, 0}},
         {"keep ids", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID, {5, 5, 6, 7, 5}},

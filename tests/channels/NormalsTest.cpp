@@ -40,7 +40,8 @@ private:
     {
         std::vector<int> around;
         for (int f = 0; f < m_faces.GetSize(); f++)
-            if (const std::vector<int> c = Corners(m_faces, f); !m_faces.IsFaceOneFlagSet(f, FACE_DEAD) && std::find(c.begin(), c.end(), point) != c.end())
+            if (const std::vector<int> c = Corners(m_faces, f);
+                !m_faces.IsFaceOneFlagSet(f, FACE_DEAD) && std::find(c.begin(), c.end(), point) != c.end())
                 around.push_back(f);
         std::vector<int> state(around.size(), 0);
         bool isSplit = false;
@@ -122,7 +123,8 @@ void ExpectSameAsSlow(NormalMesh& mesh, float angle)
     for (int p = 0; p < mesh.mesh.points->GetSize(); p++)
         ASSERT_EQ(mesh.HasPointFlag(p, POINT_SMOOTH_SPLIT), slow.split[p]) << "point " << p;
     for (int f = 0; f < mesh.mesh.faces->GetSize(); f++)
-        EXPECT_EQ(channel.GetNormalFaceList()->IsFaceOneFlagSet(f, FACE_DEAD), mesh.mesh.faces->IsFaceFlagSet(f, FACE_INVALID)) << "face " << f;
+        EXPECT_EQ(channel.GetNormalFaceList()->IsFaceOneFlagSet(f, FACE_DEAD), mesh.mesh.faces->IsFaceFlagSet(f, FACE_INVALID))
+            << "face " << f;
     CheckConsistent(*channel.GetNormalFaceList());
 }
 
@@ -148,11 +150,15 @@ Mesh Leaves(const std::vector<double>& degrees)
     return MakeMesh(points, corners);
 }
 
-} // namespace
+}    // namespace
 
 TEST(Normals, OfACubeBreakOrJoinByTheAngle)
 {
-    struct { const char* name; float angle; int vectors, split; } const rows[] = {
+    struct {
+        const char* name;
+        float angle;
+        int vectors, split;
+    } const rows[] = {
         {"0 degrees", 0, 6, 8},
         {"30 degrees", Degrees(30), 6, 8},
         {"100 degrees", Degrees(100), 8, 0},
@@ -173,7 +179,7 @@ TEST(Normals, OfACubeBreakOrJoinByTheAngle)
                     if (row.split)
                         ExpectDirection(AtCorner(channel, face, k), n.x, n.y, n.z);
                     else
-                        ExpectDirection(AtCorner(channel, face, k), p.x, p.y, p.z);     // the three sides weigh the same
+                        ExpectDirection(AtCorner(channel, face, k), p.x, p.y, p.z);    // the three sides weigh the same
                 }
         }
 }
@@ -182,13 +188,12 @@ TEST(Normals, WeighFacesByTheMode)
 {
     // At point 0 a side of area 6 that looks to z, with edges 3 and 4 at 90 degrees, and one of area 2 that looks to x, with edges 2 and
     // the root of 8 at 45 degrees.
-    struct { int mode; double x, z; } const rows[] = {
-        {NORMAL_UNWEIGHTED, 1, 1},
-        {NORMAL_AREA, 4, 12},
-        {NORMAL_EDGE_LENGTH, 4 / (4.0 * 8), 12 / (9.0 * 16)},
-        {NORMAL_ANGLE, 1, 2},
-        {0, 4, 12},
-        {99, 4, 12},
+    struct {
+        int mode;
+        double x, z;
+    } const rows[] = {
+        {NORMAL_UNWEIGHTED, 1, 1}, {NORMAL_AREA, 4, 12}, {NORMAL_EDGE_LENGTH, 4 / (4.0 * 8), 12 / (9.0 * 16)},
+        {NORMAL_ANGLE, 1, 2},      {0, 4, 12},           {99, 4, 12},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mode);
@@ -204,7 +209,11 @@ TEST(Normals, WeighFacesByTheMode)
 
 TEST(Normals, FacesJoinTheFirstSeedWithinTheAngle)
 {
-    struct { const char* name; std::vector<double> angles; std::vector<int> groups; } const rows[] = {
+    struct {
+        const char* name;
+        std::vector<double> angles;
+        std::vector<int> groups;
+    } const rows[] = {
         {"one face", {10}, {0}},
         {"within the angle of the seed, not of each other", {0, 25, -25}, {0, 0, 0}},
         {"the order makes the seeds", {25, 0, -25}, {0, 0, 1}},
@@ -290,7 +299,7 @@ TEST(Normals, AreBuiltAgainOnlyWhenNeeded)
     NormalMesh mesh(Leaves({0, 20}));
     CPointNormalChannel& channel = mesh.Smooth(Degrees(30));
     EXPECT_EQ(AtCorner(channel, 0, 0), AtCorner(channel, 1, 0));
-    AtCorner(channel, 0, 0)->x = 7;                      // tells whether the work was done again
+    AtCorner(channel, 0, 0)->x = 7;    // tells whether the work was done again
     mesh.Smooth(Degrees(30));
     EXPECT_EQ(AtCorner(channel, 0, 0)->x, 7);
     mesh.Smooth(Degrees(10));
@@ -349,7 +358,12 @@ TEST(Normals, OfACornerComeFromTheGivenOnesFirst)
     CPointNormalChannel& channel = cube.Smooth(Degrees(30));
     channel.PrepareSmoothing(&cube.info, &given);
 
-    struct { const char* name; int face, point; unsigned int status; double x, y, z; } const rows[] = {
+    struct {
+        const char* name;
+        int face, point;
+        unsigned int status;
+        double x, y, z;
+    } const rows[] = {
         {"given", 0, 0, 2, 0, 0, 1},
         {"computed", 0, 2, 5, 0, 0, -1},
         {"unset", 0, 3, 9, 0, 0, -1},

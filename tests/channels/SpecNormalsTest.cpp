@@ -13,20 +13,18 @@ void SetVectorFlags(CSpecNormalChannel& channel, int vector, unsigned int flags)
 }
 
 // Two unit squares in the plane z = 0, side by side: points 0 to 2 at y 0, 3 to 5 at y 1.
-Mesh TwoQuads()
-{
-    return MakeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 1, 0}}, {{0, 1, 4, 3}, {1, 2, 5, 4}});
-}
+Mesh TwoQuads() { return MakeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 1, 0}}, {{0, 1, 4, 3}, {1, 2, 5, 4}}); }
 
 XYZ Tilted(double degrees) { return {std::sin(Degrees(degrees)), 0, std::cos(Degrees(degrees))}; }
 
-} // namespace
+}    // namespace
 
 TEST(SpecNormals, ComputeSumsTheFacesOfAVectorWhateverTheirAngle)
 {
     NormalMesh cube(Cube());
     // Vector 0 is shared by one corner each of the sides -z, +z, -y and +x, at the points 0, 4, 1 and 3; vector 1 is given.
-    CSpecNormalChannel& channel = cube.Give({{9, 9, 9}, {0, 5, 0}}, {{0, 1, 1, 1}, {0, 1, 1, 1}, {1, 0, 1, 1}, {1, 0, 1, 1}, {}, {1, 1, 1, 1}});
+    CSpecNormalChannel& channel =
+        cube.Give({{9, 9, 9}, {0, 5, 0}}, {{0, 1, 1, 1}, {0, 1, 1, 1}, {1, 0, 1, 1}, {1, 0, 1, 1}, {}, {1, 1, 1, 1}});
     SetVectorFlags(channel, 0, POINT_COMPUTED);
     cube.mesh.faces->SetFaceFlags(5, FACE_INVALID, true);
     channel.ComputeNormals(&cube.info, NORMAL_AREA);
@@ -50,13 +48,17 @@ TEST(SpecNormals, ComputeWeighsByTheModeOfTheInfo)
     CSpecNormalChannel& channel = mesh.Give({{0, 0, 0}, {0, 0, 1}}, {{0, 1, 1}, {1, 1, 0}});
     SetVectorFlags(channel, 0, POINT_COMPUTED);
     channel.ComputeNormals(&mesh.info, NORMAL_UNWEIGHTED);
-    ExpectDirection(channel.GetNormalVectorList()->ElementAt(0), 1, 0, 2);       // 45 and 90 degrees
+    ExpectDirection(channel.GetNormalVectorList()->ElementAt(0), 1, 0, 2);    // 45 and 90 degrees
 }
 
 TEST(SpecNormals, NormalizeUnsetsWhatHasNoLength)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-    struct { const char* name; XYZ first, second; bool set1, set2, result; } const rows[] = {
+    struct {
+        const char* name;
+        XYZ first, second;
+        bool set1, set2, result;
+    } const rows[] = {
         {"lengths", {0, 3, 0}, {1e-3f, 0, 0}, true, true, true},
         {"one zero", {0, 0, 0}, {0, 0, 2}, false, true, true},
         {"just nothing", {9e-16f, -9e-16f, 9e-16f}, {2e-15f, 0, 0}, false, true, true},
@@ -89,7 +91,13 @@ TEST(SpecNormals, NormalizeUnsetsWhatHasNoLength)
 
 TEST(SpecNormals, GenerateFillsFacesWithoutData)
 {
-    struct { const char* name; unsigned int options; double angle; int vectors; bool filled; } const rows[] = {
+    struct {
+        const char* name;
+        unsigned int options;
+        double angle;
+        int vectors;
+        bool filled;
+    } const rows[] = {
         {"neither dead faces nor unset", 4, 100, 0, false},
         {"only if unset", 1 | 2 | 8, 100, 0, false},
         {"flat", 1 | 8, 100, 6, true},
@@ -124,7 +132,8 @@ TEST(SpecNormals, GenerateReplacesUnsetVectorsAlone)
         SCOPED_TRACE(how);
         NormalMesh cube(Cube());
         // Vector 1 is unset and used twice by face 0 and once by face 1; face 2 has no data, face 3 went from the mesh.
-        CSpecNormalChannel& channel = cube.Give({{1, 0, 0}, {0, 0, 0}}, {{0, 1, 0, 1}, {1, 0, 0, 0}, {}, {0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}});
+        CSpecNormalChannel& channel =
+            cube.Give({{1, 0, 0}, {0, 0, 0}}, {{0, 1, 0, 1}, {1, 0, 0, 0}, {}, {0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}});
         SetVectorFlags(channel, 1, POINT_UNSET);
         cube.mesh.faces->SetFaceFlags(3, FACE_INVALID, true);
         channel.GenerateNormals(&cube.info, 2 | how, Degrees(30), NORMAL_AREA);
@@ -150,7 +159,13 @@ TEST(SpecNormals, GenerateReplacesUnsetVectorsAlone)
 
 TEST(SpecNormals, BreakWhereVectorsAtAPointDiffer)
 {
-    struct { const char* name; std::vector<XYZ> vectors; std::vector<std::vector<int>> corners; int unset; std::vector<int> breaks; } const rows[] = {
+    struct {
+        const char* name;
+        std::vector<XYZ> vectors;
+        std::vector<std::vector<int>> corners;
+        int unset;
+        std::vector<int> breaks;
+    } const rows[] = {
         {"one vector", {{0, 0, 1}}, {{0, 0, 0, 0}, {0, 0, 0, 0}}, -1, {}},
         {"20 degrees", {Tilted(0), Tilted(20)}, {{0, 0, 0, 0}, {1, 1, 1, 1}}, -1, {}},
         {"40 degrees", {Tilted(0), Tilted(40)}, {{0, 0, 0, 0}, {1, 1, 1, 1}}, -1, {1, 4}},
@@ -173,7 +188,8 @@ TEST(SpecNormals, BreakWhereVectorsAtAPointDiffer)
             if (mesh.HasPointFlag(p, POINT_NORMAL_BREAK))
                 breaks.push_back(p);
         EXPECT_EQ(breaks, row.breaks);
-        EXPECT_EQ(channel.GetNormalVectorList()->GetNumberOfPoints(static_cast<unsigned int>(POINT_NORMAL_BREAK), true) == 0, row.breaks.empty());
+        EXPECT_EQ(channel.GetNormalVectorList()->GetNumberOfPoints(static_cast<unsigned int>(POINT_NORMAL_BREAK), true) == 0,
+                  row.breaks.empty());
         mesh.mesh.points->SetPointsFlags(POINT_NORMAL_BREAK, true);
         channel.InitNormalBreakFlag(&mesh.info, Degrees(30), false, NORMAL_AREA);
         EXPECT_EQ(mesh.CountPoints(POINT_NORMAL_BREAK), 6) << "flags of the source stay unless they are asked for";
@@ -183,7 +199,13 @@ TEST(SpecNormals, BreakWhereVectorsAtAPointDiffer)
 TEST(SpecNormals, FrontierBetweenTwoFaces)
 {
     // Two quads that share the edge 1-4. Corners: face 0 is {0, 1, 4, 3}, face 1 is {1, 2, 5, 4}.
-    struct { const char* name; std::vector<std::vector<int>> corners; int unset; std::pair<int, int> edge; bool frontier; } const rows[] = {
+    struct {
+        const char* name;
+        std::vector<std::vector<int>> corners;
+        int unset;
+        std::pair<int, int> edge;
+        bool frontier;
+    } const rows[] = {
         {"same vectors", {{0, 0, 0, 0}, {0, 0, 0, 0}}, -1, {1, 4}, false},
         {"within the angle", {{0, 0, 0, 0}, {1, 1, 1, 1}}, -1, {1, 4}, false},
         {"both ends differ", {{0, 0, 0, 0}, {2, 2, 2, 2}}, -1, {1, 4}, true},

@@ -153,13 +153,17 @@ TEST(C3DPointList, TransformHasTheBitsOfThePlainFormula)
             sum = sum + m[row][3];
             EXPECT_EQ(std::bit_cast<unsigned int>(p[row]), std::bit_cast<unsigned int>(static_cast<float>(sum)));
         }
-        EXPECT_EQ(p.flags, v.flags);                     // flags stay, invalid points move too
+        EXPECT_EQ(p.flags, v.flags);    // flags stay, invalid points move too
     }
 }
 
 TEST(C3DPointList, NearIdentitiesMoveNothing)
 {
-    struct { const char* name; Matrix matrix; bool moved; } const rows[] = {
+    struct {
+        const char* name;
+        Matrix matrix;
+        bool moved;
+    } const rows[] = {
         {"identity", Matrix(), false},
         {"0.004 aside", Rows({1, 0, 0, 0.004f}), false},
         {"0.006 aside", Rows({1, 0, 0, 0.006f}), true},
@@ -176,11 +180,16 @@ TEST(C3DPointList, NearIdentitiesMoveNothing)
 
 TEST(C3DVectorList, OnlyTheRotationTurnsVectors)
 {
-    const Matrix turn = Rows({0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0});     // a quarter turn about z
+    const Matrix turn = Rows({0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0});    // a quarter turn about z
     Matrix larger = turn;
     larger.Scale(2, 2, 2);
     larger.SetTranslation(5, 6, 7);
-    struct { const char* name; Matrix matrix; bool turned; Values result; } const rows[] = {
+    struct {
+        const char* name;
+        Matrix matrix;
+        bool turned;
+        Values result;
+    } const rows[] = {
         {"identity", Matrix(), false, {1, 2, 3}},
         {"moved", Rows({1, 0, 0, 50}), false, {1, 2, 3}},
         {"twice as large", Rows({2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0}), false, {1, 2, 3}},
@@ -199,10 +208,13 @@ TEST(C3DVectorList, OnlyTheRotationTurnsVectors)
 
 TEST(C3DPointList, SwapExchangesThenMirrors)
 {
-    struct { unsigned int code; bool done; Values result; } const rows[] = {
-        {0, false, {1, 2, 3}},      {0x1, true, {2, 1, 3}},     {0x2, true, {3, 2, 1}},     {0x4, true, {1, 3, 2}},
-        {0x10, true, {-1, 2, 3}},   {0x14, true, {-1, 3, 2}},   {0x21, true, {2, -1, 3}},   {0x42, true, {3, 2, -1}},
-        {0x3, false, {1, 2, 3}},    {0x31, false, {1, 2, 3}},
+    struct {
+        unsigned int code;
+        bool done;
+        Values result;
+    } const rows[] = {
+        {0, false, {1, 2, 3}},    {0x1, true, {2, 1, 3}},   {0x2, true, {3, 2, 1}},   {0x4, true, {1, 3, 2}},  {0x10, true, {-1, 2, 3}},
+        {0x14, true, {-1, 3, 2}}, {0x21, true, {2, -1, 3}}, {0x42, true, {3, 2, -1}}, {0x3, false, {1, 2, 3}}, {0x31, false, {1, 2, 3}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.code);
@@ -225,11 +237,10 @@ TEST(C3DPointList, ChecksumsByHand)
     flat = *points;
     const unsigned int first = 0x3F800000, coordinates = (first + 2) * 16 + 0x40000000 + 0x3F800000;
     const unsigned int flags = (0x10u * 16 + 2) * 16;
-    struct { unsigned int mask, points, vectors, flat; } const rows[] = {
-        {0, 0, 0, 0},
-        {1, coordinates, coordinates, 0},
-        {2, flags, coordinates, flags},
-        {3, coordinates + flags, coordinates, flags},
+    struct {
+        unsigned int mask, points, vectors, flat;
+    } const rows[] = {
+        {0, 0, 0, 0},  {1, coordinates, coordinates, 0}, {2, flags, coordinates, flags}, {3, coordinates + flags, coordinates, flags},
         {12, 0, 0, 0},
     };
     for (const auto& row : rows) {
@@ -239,7 +250,7 @@ TEST(C3DPointList, ChecksumsByHand)
         EXPECT_EQ(flat.GetChecksum(row.mask), row.flat);
     }
     points->ElementAt(2)->z = 0;
-    EXPECT_EQ(points->GetChecksum(1), coordinates);      // -0 is 0
+    EXPECT_EQ(points->GetChecksum(1), coordinates);    // -0 is 0
     points->ElementAt(1)->x = 50;
     EXPECT_EQ(points->GetChecksum(3), coordinates + flags);
 }
@@ -249,7 +260,7 @@ TEST(C3DPointList, ChecksumsAreThoseOfTheWholeWalk)
     // Fault in mind: the short cut over what has left the sum starts a point too late, or counts invalid points.
     auto values = Random(300, 5);
     for (const int count : {0, 1, 7, 8, 9, 10, 300})
-        for (const unsigned int live : {1u, 3u, 40u}) {          // every so manyth point is live
+        for (const unsigned int live : {1u, 3u, 40u}) {    // every so manyth point is live
             SCOPED_TRACE(count);
             unsigned int coordinates = 0, flags = 0;
             for (unsigned int i = 0; i < static_cast<unsigned int>(count); i++) {
@@ -272,13 +283,16 @@ TEST(C3DPointList, ChecksumsAreThoseOfTheWholeWalk)
 
 TEST(C3DPointList, NormalsAndCompactnessOfTriangles)
 {
-    const auto list = Make<C3DPointList>({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {4, 0, 0}, {1, std::sqrt(3.0f), 0}, {1e-9f, 0, 0}, {0, 1e-9f, 0}});
-    struct { const char* name; int corners[3]; Values normal; double compactness; } const rows[] = {
-        {"counter-clockwise", {0, 1, 2}, {0, 0, 1}, -1},
-        {"clockwise", {0, 2, 1}, {0, 0, -1}, -1},
-        {"in a line", {0, 1, 3}, {1, 0, 0}, 0},
-        {"equilateral", {0, 1, 4}, {0, 0, 1}, 1},
-        {"tiny", {0, 5, 6}, {1, 0, 0}, -1},
+    const auto list =
+        Make<C3DPointList>({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {4, 0, 0}, {1, std::sqrt(3.0f), 0}, {1e-9f, 0, 0}, {0, 1e-9f, 0}});
+    struct {
+        const char* name;
+        int corners[3];
+        Values normal;
+        double compactness;
+    } const rows[] = {
+        {"counter-clockwise", {0, 1, 2}, {0, 0, 1}, -1}, {"clockwise", {0, 2, 1}, {0, 0, -1}, -1}, {"in a line", {0, 1, 3}, {1, 0, 0}, 0},
+        {"equilateral", {0, 1, 4}, {0, 0, 1}, 1},        {"tiny", {0, 5, 6}, {1, 0, 0}, -1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -307,7 +321,7 @@ TEST(C3DPointList, WaveReplacesTheSelectedPoints)
         for (int i = 0; i < 3; i++) {
             const bool moved = (i == 0) == wanted;
             const Point& p = *list->ElementAt(i);
-            EXPECT_EQ(p.x == 0, moved) << i;             // x and y have no wave along this direction, z carries it
+            EXPECT_EQ(p.x == 0, moved) << i;    // x and y have no wave along this direction, z carries it
             EXPECT_EQ(p.z != 0, moved) << i;
             EXPECT_EQ(p.flags, moved ? 0 : values[static_cast<std::size_t>(i)].flags) << i;
         }
@@ -319,7 +333,12 @@ TEST(C3DPointList, WaveReplacesTheSelectedPoints)
 TEST(PointList, PointsWithoutLiveFacesAreMarked)
 {
     constexpr unsigned int I = POINT_INVALID;
-    struct { const char* name; unsigned int dead0, dead1; bool keep, faces; std::vector<unsigned int> flags; } const rows[] = {
+    struct {
+        const char* name;
+        unsigned int dead0, dead1;
+        bool keep, faces;
+        std::vector<unsigned int> flags;
+    } const rows[] = {
         {"marks start anew", 0, 0, false, true, {0, 0, 0, 0, I}},
         {"a mark stays", 0, 0, true, true, {I, 0, 0, 0, I}},
         {"an invalid face", FACE_INVALID, 0, false, true, {I, 0, 0, 0, I}},
@@ -368,7 +387,7 @@ TEST(C3DPointList, MaterialsOfPoints)
     const CGeomInfo info = mesh.Info();
 
     mesh.points->InitPointMaterialGraph(&info);
-    EXPECT_FALSE(mesh.faces->HasPointToFaceGraph());     // used for the time of building only
+    EXPECT_FALSE(mesh.faces->HasPointToFaceGraph());    // used for the time of building only
     for (int point = 0; point < 9; point++) {
         const bool shared = point == 1 || point == 4;    // between faces 0 and 1; in the middle
         EXPECT_EQ(MaterialsAt(*mesh.points, point), (shared ? Ids{7, 3} : Ids())) << point;
@@ -392,7 +411,7 @@ TEST(C3DPointList, MaterialsOfPoints)
     mesh.points->DeletePointMaterialGraph();
     EXPECT_EQ(MaterialsAt(*mesh.points, 1), (Ids{20, 3}));
     mesh.points->DeletePointMaterialGraph();
-    mesh.points->DeletePointMaterialGraph();             // one too many: nothing
+    mesh.points->DeletePointMaterialGraph();    // one too many: nothing
     EXPECT_EQ(MaterialsAt(*mesh.points, 1), Ids());
     EXPECT_FALSE(mesh.points->InitShareSeveralMaterialsFlag());
     EXPECT_EQ(mesh.points->GetNumberOfPoints(POINT_SHARE_MATERIALS, true), 0);
@@ -400,7 +419,10 @@ TEST(C3DPointList, MaterialsOfPoints)
 
 TEST(C3DPointList, MaterialGraphGoesWithItsPoints)
 {
-    struct { const char* name; void (*operation)(C3DPointList&); } const rows[] = {
+    struct {
+        const char* name;
+        void (*operation)(C3DPointList&);
+    } const rows[] = {
         {"RemoveAll", [](C3DPointList& points) { points.RemoveAll(); }},
         {"assignment", [](C3DPointList& points) { points = *Owned<C3DPointList>(C3DPointList::Create()); }},
         {"stream", [](C3DPointList& points) { Load(points, Stored(points)); }},

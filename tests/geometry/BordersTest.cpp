@@ -17,7 +17,7 @@ struct Border {
 std::vector<Border> BorderOf(CFaceList& list, CHashTable<int>& faces)
 {
     CFaceList::EdgeGraph out;
-    out.Add({800, 801}, 5);                              // goes
+    out.Add({800, 801}, 5);    // goes
     list.GetEdgesOnBorder(out, faces);
     std::vector<Border> borders;
     for (unsigned int entry = 0; entry < out.GetCount(); entry++) {
@@ -118,6 +118,6 @@ TEST(Borders, MarkPoints)
     CFaceList::EdgeGraph broken;
     broken.Add({-3, 2}, 0);
     broken.Add({2, 7}, 0);
-    m.points->SetBorderPointsStatus(broken, true);       // ends outside the list
+    m.points->SetBorderPointsStatus(broken, true);    // ends outside the list
     EXPECT_EQ(flags()[0], other);
 }

@@ -15,15 +15,15 @@ namespace {
 constexpr unsigned int NONE = 0xFFFFFFFF;
 constexpr unsigned int A = 1, B = 2, C = 3;
 
-using Numbers = COriginalIndexMethods;                   // 4 bytes, default all ones
-using Zeros = CMaxFaceMethods;                           // 4 bytes, default 0
-using Wide = CMaxFaceMethods2;                           // 8 bytes, default 0
+using Numbers = COriginalIndexMethods;    // 4 bytes, default all ones
+using Zeros = CMaxFaceMethods;            // 4 bytes, default 0
+using Wide = CMaxFaceMethods2;            // 8 bytes, default 0
 
 template <class METHODS> unsigned int Add(CDataChunk& chunks, unsigned int id, unsigned int flags = CHUNK_INHERITED | CHUNK_REPLACE)
 {
     auto* methods = new METHODS;
     const unsigned int count = chunks.AddDataChunk(id, methods, flags);
-    EXPECT_EQ(methods->GetRefCount(), 2);                // the chunk's and ours
+    EXPECT_EQ(methods->GetRefCount(), 2);    // the chunk's and ours
     DeleteMe(methods);
     return count;
 }
@@ -102,7 +102,7 @@ TEST(DataChunk, AddingAnIdAgainKeepsOrResets)
     chunks.SetDataSize(1, true, -1);
     Add<Numbers>(chunks, A);
     Value(chunks, A, 0) = 3;
-    chunks.AddDataChunk(A, chunks.GetData(A)->GetMethods(), CHUNK_REPLACE);      // its own methods
+    chunks.AddDataChunk(A, chunks.GetData(A)->GetMethods(), CHUNK_REPLACE);    // its own methods
     EXPECT_EQ(Values(chunks, A), std::vector<unsigned int>{NONE});
 }
 
@@ -110,7 +110,10 @@ TEST(DataChunk, WalkGoesBySlotOfTheIds)
 {
     // Start slots of a table of 101, id * 16 modulo 101: 1 -> 16, 102 -> 16, 20 -> 17, 7 -> 11, 13 -> 6. What collides goes 1, then 3
     // on, so the order in which 1 and 102 come decides.
-    struct { const char* name; std::vector<unsigned int> added, walk; } const rows[] = {
+    struct {
+        const char* name;
+        std::vector<unsigned int> added, walk;
+    } const rows[] = {
         {"empty", {}, {}},
         {"no collision", {1, 7, 20, 13}, {13, 7, 1, 20}},
         {"102 behind 20", {1, 20, 102, 13}, {13, 1, 20, 102}},
@@ -155,7 +158,7 @@ TEST(DataChunk, SizesOfAllChunksGoTogether)
     EXPECT_EQ(chunks.GetData(A)->GetCapacity(), 5);
     chunks.SetDataSize(2, true, -1);
     EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{10, 11}));
-    chunks.SetDataSize(3, false, -1);                    // nothing is kept
+    chunks.SetDataSize(3, false, -1);    // nothing is kept
     EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{NONE, NONE, NONE}));
     chunks.SetDataSize(-1, true, -1);
     EXPECT_EQ(chunks.GetDataSize(), 3u);
@@ -179,17 +182,22 @@ TEST(DataChunk, HeirsTakeInheritedChunksOnly)
     SetValues(model, A, {10, 11, 12});
 
     CDataChunk heir;
-    Add<Zeros>(heir, B);                                 // what it had goes
+    Add<Zeros>(heir, B);    // what it had goes
     heir.InitDataChunks(model, NONE);
     EXPECT_EQ(heir.GetChunksNbr(), 2u);
-    EXPECT_EQ(Values(heir, A), (std::vector<unsigned int>{NONE, NONE, NONE}));   // the shape, not the data
+    EXPECT_EQ(Values(heir, A), (std::vector<unsigned int>{NONE, NONE, NONE}));    // the shape, not the data
     EXPECT_EQ(heir.GetMainData(2), heir.GetData(A, 2));
     heir.InitDataChunks(model, 1);
     EXPECT_EQ(Values(heir, C), std::vector<unsigned int>{0});
     EXPECT_TRUE(heir.RemoveDataChunk(A));
     EXPECT_EQ(heir.GetMainData(0), nullptr);
 
-    struct { const char* name; bool empty; unsigned int size; std::vector<unsigned int> values; } const rows[] = {
+    struct {
+        const char* name;
+        bool empty;
+        unsigned int size;
+        std::vector<unsigned int> values;
+    } const rows[] = {
         {"with data, shorter", false, 2, {10, 11}},
         {"with data, longer", false, 4, {10, 11, 12, NONE}},
         {"empty", true, 3, {NONE, NONE, NONE}},
@@ -202,7 +210,7 @@ TEST(DataChunk, HeirsTakeInheritedChunksOnly)
         chunks.AppendDataChunks(model, row.empty);
         EXPECT_EQ(chunks.GetChunksNbr(), 2u);
         EXPECT_EQ(Values(chunks, A), row.values);
-        EXPECT_EQ(chunks.GetSizeOfDataChunk(C), 4u);     // not touched
+        EXPECT_EQ(chunks.GetSizeOfDataChunk(C), 4u);    // not touched
         EXPECT_EQ(chunks.GetMainData(0), chunks.GetData(A, 0));
     }
 }
@@ -216,7 +224,11 @@ TEST(DataChunk, CopiesFollowTheSource)
     SetValues(source, A, {10, 11, 12});
     SetValues(source, B, {20, 21, 22});
 
-    struct { const char* name; bool hasB, hasC; unsigned int size, handled; } const rows[] = {
+    struct {
+        const char* name;
+        bool hasB, hasC;
+        unsigned int size, handled;
+    } const rows[] = {
         {"into nothing", false, false, 0, 1},
         {"both, and one to lose", true, true, 7, 2},
         {"one to lose", false, true, 2, 1},
@@ -243,7 +255,7 @@ TEST(DataChunk, CopiesFollowTheSource)
     other.SetDataSize(2, true, -1);
     Add<Numbers>(other, A);
     Add<Wide>(other, C);
-    EXPECT_EQ(other.CopyData(1, 2, source), 1u);         // B is not there
+    EXPECT_EQ(other.CopyData(1, 2, source), 1u);    // B is not there
     EXPECT_EQ(Values(other, A), (std::vector<unsigned int>{NONE, 12}));
     EXPECT_EQ(other.CopyData(2, 0, source), 0u);
     EXPECT_EQ(other.CopyData(0, 3, source), 0u);
@@ -268,7 +280,7 @@ TEST(DataChunk, PointChunkTakesNoBytesThatAreNoPoint)
     EXPECT_EQ(static_cast<CPt*>(points.GetData(A, 1))->GetFlags(), 0u);
     points.SetDataSize(5, true, -1);
 
-    CDataChunk vectors;                                  // another kind of point is converted
+    CDataChunk vectors;    // another kind of point is converted
     vectors.SetDataSize(1, true, -1);
     Add<C3DVectorMethods>(vectors, A);
     *static_cast<C3DTVector<float>*>(vectors.GetData(A, 0)) = C3DTVector<float>(4, 5, 6);
@@ -301,7 +313,7 @@ TEST(DataChunk, StreamBringsBackChunksAndTheirOrder)
 {
     CDataChunk chunks;
     chunks.SetDataSize(3, true, 16);
-    for (const unsigned int id : {1, 20, 102})           // 20 and 102 collide, see above
+    for (const unsigned int id : {1, 20, 102})    // 20 and 102 collide, see above
         Add<Numbers>(chunks, id, CHUNK_INHERITED);
     Add<Wide>(chunks, 13, CHUNK_INHERITED | CHUNK_MAIN);
     SetValues(chunks, 102, {10, 11, 12});
@@ -355,7 +367,11 @@ struct Record {
 
 TEST(DataChunk, DamagedStreamIsRefused)
 {
-    struct { const char* name; Record record; bool sound; } const rows[] = {
+    struct {
+        const char* name;
+        Record record;
+        bool sound;
+    } const rows[] = {
         {"sound", {}, true},
         {"two", {.count = 2}, true},
         {"array without class", {.hasClass = 0}, true},
@@ -372,6 +388,6 @@ TEST(DataChunk, DamagedStreamIsRefused)
         Record record = row.record;
         CDataChunk chunks;
         EXPECT_EQ(Load(chunks, Stored(record)), row.sound);
-        chunks.SetDataSize(3, true, -1);                 // whatever came: it can still be used
+        chunks.SetDataSize(3, true, -1);    // whatever came: it can still be used
     }
 }

@@ -7,8 +7,7 @@
 #include "geometry/4x4Matrix.h"
 #include "support/Meshes.h"
 
-namespace
-{
+namespace {
 
 std::vector<float> Normal(const Mesh& mesh, bool normalize)
 {
@@ -138,8 +137,7 @@ TEST(FaceGeometry, LaysAPolygonInItsOwnPlane)
 
 TEST(FaceGeometry, BoxOfTheLiveFaces)
 {
-    Mesh mesh =
-        MakeMesh({{1, 1, 1}, {3, 1, 1}, {1, 4, 1}, {50, 50, 50}, {-9, 0, 0}}, {{0, 1, 2}, {0, 1, 4}, {0, 1, 99}, {}});
+    Mesh mesh = MakeMesh({{1, 1, 1}, {3, 1, 1}, {1, 4, 1}, {50, 50, 50}, {-9, 0, 0}}, {{0, 1, 2}, {0, 1, 4}, {0, 1, 99}, {}});
     const CGeomInfo info = mesh.Info();
     mesh.faces->SetFaceFlags(1, 0x100, true);
     C4x4TMatrix<float> twice;

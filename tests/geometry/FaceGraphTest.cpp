@@ -105,7 +105,7 @@ TEST(FaceGraph, LargeMeshesGrowAndFillLikeSmallOnes)
 
     constexpr int SIDE = 60;
     const Mesh grid = QuadGrid(SIDE);
-    std::vector<int> wide(5000);                         // more edges than the faces before let expect
+    std::vector<int> wide(5000);    // more edges than the faces before let expect
     for (std::size_t k = 0; k < wide.size(); k++)
         wide[k] = static_cast<int>(k * 7 % (61 * 61));
     AddFaces(*grid.faces, {wide});
@@ -129,7 +129,7 @@ TEST(FaceGraph, LivesAsLongAsSomeoneUsesIt)
     CFaceList& faces = *cube.faces;
     EXPECT_FALSE(faces.UpdatePointToFaceGraph(&info));
     EXPECT_FALSE(faces.UpdateEdgeToFaceGraph(&info)) << "nobody uses it";
-    faces.DeletePointToFaceGraph();                      // one too many is ignored
+    faces.DeletePointToFaceGraph();    // one too many is ignored
 
     faces.InitPointToFaceGraph(&info);
     faces.InitPointToFaceGraph(&info);
@@ -163,14 +163,14 @@ TEST(FaceGraph, FollowsChangesOfTheList)
     faces.InitPointToFaceGraph(&info);
     faces.InitEdgeToFaceGraph(&info);
 
-    faces.SetFaceFlag(2, FACE_INVALID, true);            // in place: seen by an update, not before
+    faces.SetFaceFlag(2, FACE_INVALID, true);    // in place: seen by an update, not before
     EXPECT_EQ(OfPoint(faces, 0), (std::vector<int>{0, 2, 5}));
     EXPECT_FALSE(faces.UpdatePointToFaceGraph(&info)) << "false though it built";
     EXPECT_TRUE(faces.UpdateEdgeToFaceGraph(&info));
     EXPECT_EQ(OfPoint(faces, 0), (std::vector<int>{0, 5}));
     EXPECT_EQ(OfEdge(faces, {0, 1}), (std::vector<int>{0}));
 
-    AddFaces(faces, {{0, 1, 7}});                        // marks the list: the next Init builds for all users
+    AddFaces(faces, {{0, 1, 7}});    // marks the list: the next Init builds for all users
     faces.InitPointToFaceGraph(&info);
     faces.InitEdgeToFaceGraph(&info);
     EXPECT_EQ(OfPoint(faces, 0), (std::vector<int>{0, 5, 6}));
@@ -228,7 +228,12 @@ TEST(FaceGraph, CountsThePointsThatLoseTheirLastFace)
 
 TEST(GeomInfo, ReleasesWhatItOwnsUnlessTaken)
 {
-    struct { const char* name; unsigned int own; bool take; int left; } const rows[] = {
+    struct {
+        const char* name;
+        unsigned int own;
+        bool take;
+        int left;
+    } const rows[] = {
         {"not owned", 0, false, 2}, {"owned", 3, false, 1}, {"owned and taken", 3, true, 2}, {"taken, never owned", 0, true, 2}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -241,8 +246,8 @@ TEST(GeomInfo, ReleasesWhatItOwnsUnlessTaken)
             CGeomInfo info;
             info.SetPointList(source.points, target.points, row.own);
             info.SetFaceList(source.faces, target.faces, row.own);
-            info.SetPointList(source.points, target.points, 0);                  // bits are never cleared
-            const CGeomInfo copy(info);                                          // a copy owns nothing
+            info.SetPointList(source.points, target.points, 0);    // bits are never cleared
+            const CGeomInfo copy(info);                            // a copy owns nothing
             EXPECT_EQ(info.GetSrc3DPointList(row.take), source.points);
             EXPECT_EQ(info.GetSrc3DFaceList(row.take), source.faces);
             EXPECT_EQ(info.GetDst3DPointList(row.take), target.points);

@@ -11,17 +11,13 @@
 #include "support/Streams.h"
 #include "tools/Array.h"
 
-namespace
-{
+namespace {
 
 using Lists = std::vector<std::vector<int>>;
 
 const Lists MIXED = {{0, 1, 2}, {}, {3, 4, 5, 6}, {7, 8, 9}, {1, 2}};
 
-Mesh Faces(const Lists& corners)
-{
-    return MakeMesh({}, corners);
-}
+Mesh Faces(const Lists& corners) { return MakeMesh({}, corners); }
 
 // Faces that say by their material where they came from.
 void NumberMaterials(C3DFaceList& faces)
@@ -133,7 +129,7 @@ TEST(FaceList, TakesItsShapeFromCapacitiesAndModels)
     EXPECT_TRUE(mesh.faces->SetFacesSize(3));
     EXPECT_EQ(AllCorners(*mesh.faces), Lists(22, {0, 0, 0}));
 
-    model.faces->SetSize(2, CFaceList::SIZE_KEEP, 0); // what stays in the model's pool is no face
+    model.faces->SetSize(2, CFaceList::SIZE_KEEP, 0);    // what stays in the model's pool is no face
     mesh.faces->ExpandSize(*model.faces);
     EXPECT_EQ(mesh.faces->GetSize(), 24);
     mesh.faces->SetSize(*model.faces, -1);
@@ -148,9 +144,7 @@ TEST(FaceList, TrianglesTakeAtMost28Bytes)
     constexpr int count = 10000;
     const auto bytes = [](const C3DFaceList& faces) {
         const CElementArray* main = faces.GetDataChunks().GetMainArray();
-        return static_cast<double>(faces.GetIndexMemory() +
-                                   static_cast<std::uint64_t>(main->GetCapacity()) * main->GetStride()) /
-               count;
+        return static_cast<double>(faces.GetIndexMemory() + static_cast<std::uint64_t>(main->GetCapacity()) * main->GetStride()) / count;
     };
     const auto setTriangles = [](C3DFaceList& faces) {
         C3DFace face;
@@ -190,9 +184,8 @@ TEST(FaceList, AppendsBehindWhatIsThere)
     EXPECT_TRUE(mesh.faces->AppendFaces(3, sizes, flat.data()));
     EXPECT_TRUE(mesh.faces->AppendFaces(0, 3, flat.data()));
     EXPECT_FALSE(mesh.faces->AppendFaces(-1, 3, flat.data()));
-    EXPECT_EQ(
-        AllCorners(*mesh.faces),
-        (Lists{{0, 1, 2}, {}, {3, 4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2}, {3, 4}, {5, 6}, {1}, {}, {2, 3, 4, 5, 6}}));
+    EXPECT_EQ(AllCorners(*mesh.faces),
+              (Lists{{0, 1, 2}, {}, {3, 4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2}, {3, 4}, {5, 6}, {1}, {}, {2, 3, 4, 5, 6}}));
     EXPECT_TRUE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
     CheckConsistent(*mesh.faces);
 }
@@ -218,7 +211,7 @@ TEST(FaceList, FlagsStayInsideTheList)
     EXPECT_EQ(faces.GetNumberOfFaces(0x200u, true), 2);
     faces.SetFacesFlags(0xFFFFFFFF, false);
     EXPECT_EQ(faces.GetNumberOfFaces(0xFFFFFFFFu, true), 0);
-    EXPECT_TRUE(faces.RemoveDataChunk(CHUNK_FACE_PROPERTIES)); // nothing falls over without main data
+    EXPECT_TRUE(faces.RemoveDataChunk(CHUNK_FACE_PROPERTIES));    // nothing falls over without main data
     C3DFace face;
     EXPECT_FALSE(faces.GetFace(0, face));
     faces.SetFacesFlags(1, true);
@@ -302,8 +295,7 @@ TEST(FaceList, ReordersEveryPermutation)
                 ASSERT_TRUE(mesh.faces->ReorderFaces(order.data(), 5, inverse));
                 EXPECT_TRUE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
                 for (int i = 0; i < 5; i++) {
-                    const int from = inverse ? i : static_cast<int>(order[i]),
-                              to = inverse ? static_cast<int>(order[i]) : i;
+                    const int from = inverse ? i : static_cast<int>(order[i]), to = inverse ? static_cast<int>(order[i]) : i;
                     ASSERT_EQ(Corners(*mesh.faces, to), corners[from]);
                     ASSERT_EQ(mesh.faces->GetFaceMaterial(to), 100u + from);
                 }
@@ -347,7 +339,7 @@ TEST(FaceList, MapsAndFlipsLiveFaces)
     faces.SetFaceFlag(1, FACE_EMPTY, true);
     faces.SetFlag(FACELIST_CHANGED, false);
     CXArray<unsigned int, unsigned int> map;
-    for (const unsigned int value : {0u, 5u, 0xFFFFFFFFu, 1u}) // 0 stays, 1 -> 5, 2 has no new number, 3 -> 1
+    for (const unsigned int value : {0u, 5u, 0xFFFFFFFFu, 1u})    // 0 stays, 1 -> 5, 2 has no new number, 3 -> 1
         map.Add(value);
     EXPECT_FALSE(faces.UpdateIndex(nullptr, 4, true));
     EXPECT_FALSE(faces.UpdateIndex(map.GetData(), 0, true));
@@ -375,7 +367,7 @@ TEST(FaceList, ChecksumFollowsContentAlone)
     EXPECT_EQ(mesh.faces->GetChecksum(4), 0x12340u);
     EXPECT_EQ(mesh.faces->GetChecksum(3), 0u);
     Mesh copy;
-    copy.faces->SetSize(3, 5, CFaceList::SIZE_GROW, -1); // other capacities
+    copy.faces->SetSize(3, 5, CFaceList::SIZE_GROW, -1);    // other capacities
     *copy.faces = *mesh.faces;
     EXPECT_EQ(copy.faces->GetChecksum(12), mesh.faces->GetChecksum(12));
     const unsigned int before = mesh.faces->GetChecksum(8);
@@ -407,7 +399,7 @@ TEST(FaceList, StreamsAndRefusesDamage)
     mesh.faces->SetFlag(FACELIST_STORED, true);
     C3DFace face;
     mesh.faces->GetFace(0, face);
-    face.AddIndex(17); // leaves a hole, which the stream doesn't have
+    face.AddIndex(17);    // leaves a hole, which the stream doesn't have
     mesh.faces->SetSize(4, CFaceList::SIZE_KEEP, 0);
     const std::vector<unsigned char> whole = Stored(*mesh.faces);
     Mesh loaded = Faces({{5}});

@@ -8,8 +8,7 @@
 #include "support/Consistent.h"
 #include "support/Meshes.h"
 
-namespace
-{
+namespace {
 
 Mesh WithMaterials(const std::vector<unsigned int>& materials)
 {
@@ -100,8 +99,7 @@ TEST(FaceMaterials, RemovingBackMaterialsDropsTheMapWhereTheFlagSaysSo)
         mesh.faces->SetFaceMaterial(0, 5);
         mesh.faces->SetFlag(FACELIST_BACK_CHANGED, flagged);
         mesh.faces->RemoveBackFaceMaterials();
-        EXPECT_EQ(Counts(mesh.faces->GetMaterialsHashMap(nullptr, false)),
-                  (flagged ? Map{{5, 1}, {1, 1}} : Map{{1, 2}}));
+        EXPECT_EQ(Counts(mesh.faces->GetMaterialsHashMap(nullptr, false)), (flagged ? Map{{5, 1}, {1, 1}} : Map{{1, 2}}));
     }
 }
 
@@ -121,7 +119,7 @@ TEST(FaceMaterials, ReplacesEverywhereAndKeepsABuiltMap)
     EXPECT_EQ(faces.GetBackFaceMaterial(3), 2u);
     EXPECT_EQ(Counts(faces.GetMaterialsHashMap(nullptr, false)), (Map{{2, 1}, {3, 1}})) << "2 has what 1 had";
 
-    faces.SetFaceMaterial(0, 11); // unknown to the map: it is built anew
+    faces.SetFaceMaterial(0, 11);    // unknown to the map: it is built anew
     EXPECT_TRUE(faces.ReplaceMaterial(11, 12));
     EXPECT_EQ(Counts(faces.GetMaterialsHashMap(nullptr, false)), (Map{{2, 1}, {3, 1}, {12, 1}}));
 }

@@ -6,8 +6,7 @@
 #include "support/Consistent.h"
 #include "support/Meshes.h"
 
-namespace
-{
+namespace {
 
 // A list of one face, and its view.
 struct OneFace : Mesh {
@@ -93,8 +92,7 @@ TEST(Face, FindsAndReplacesCorners)
         bool directed;
         int position;
     } edges[] = {
-        {4, 5, true, 0},  {5, 4, true, 3},   {5, 4, false, 0}, {6, 5, true, 2},
-        {5, 6, false, 1}, {4, 6, false, -1}, {6, 4, true, -1},
+        {4, 5, true, 0}, {5, 4, true, 3}, {5, 4, false, 0}, {6, 5, true, 2}, {5, 6, false, 1}, {4, 6, false, -1}, {6, 4, true, -1},
     };
     for (const auto& edge : edges)
         EXPECT_EQ(face.IsFaceEdge(edge.a, edge.b, edge.directed), edge.position) << edge.a << " " << edge.b;
@@ -122,7 +120,7 @@ TEST(Face, ComparesAroundTheFace)
         {{0, 1, 2}, {2, 1, 0}, false, false},
         {{0, 1, 2}, {0, 1, 2, 3}, false, false},
         {{0, 1, 2}, {3, 4, 5}, false, false},
-        {{0, 1, 0, 2}, {0, 2, 0, 1}, false, false}, // read from the first 0 alone
+        {{0, 1, 0, 2}, {0, 2, 0, 1}, false, false},    // read from the first 0 alone
         {{}, {}, true, true},
     };
     for (const auto& row : rows) {
@@ -144,7 +142,7 @@ TEST(Face, CopiesCornersAndDataWithinAndAcrossLists)
     other.faces->GetFace(0, foreign);
     second.SetMaterialID(20);
 
-    first.Copy(1u); // grows into a pool that moves
+    first.Copy(1u);    // grows into a pool that moves
     EXPECT_EQ(AllCorners(*mesh.faces), (std::vector<std::vector<int>>{{3, 4, 5, 6, 7, 8}, {3, 4, 5, 6, 7, 8}}));
     EXPECT_EQ(mesh.faces->GetFaceMaterial(0), 20u);
     EXPECT_EQ(mesh.faces->GetBackFaceMaterial(0), 50u);

@@ -39,7 +39,8 @@ Ints Joined(const Ints& a, const Ints& b, int kind)
 {
     Ints joined;
     for (const int item : a)
-        if (kind == CONNECT_ANY || (kind == CONNECT_BOTH && Has(b, item)) || ((kind == CONNECT_FIRST_ONLY || kind == CONNECT_ONE_ONLY) && !Has(b, item)))
+        if (kind == CONNECT_ANY || (kind == CONNECT_BOTH && Has(b, item)) ||
+            ((kind == CONNECT_FIRST_ONLY || kind == CONNECT_ONE_ONLY) && !Has(b, item)))
             joined.push_back(item);
     for (const int item : b)
         if (kind == CONNECT_ANY || ((kind == CONNECT_SECOND_ONLY || kind == CONNECT_ONE_ONLY) && !Has(a, item)))
@@ -91,7 +92,7 @@ template <class BODY> void OnRandomMeshes(int count, BODY body)
 
 TEST(GraphQueries, FacesOfTwoPoints)
 {
-    CFaceGraphHelper helper;                             // one for all: nothing is left of the query before
+    CFaceGraphHelper helper;    // one for all: nothing is left of the query before
     OnRandomMeshes(200, [&](Graphed& m) {
         for (const int kind : KINDS)
             for (int p = -1; p <= m.pointCount; p++) {
@@ -146,7 +147,7 @@ TEST(GraphQueries, PointsAroundPoints)
                 const int q = m.Below(m.pointCount);
                 int count;
                 const int* found = m.faces.GetPointsNeighbourg(helper, p, count, Kind(kind));
-                if (kind == CONNECT_FIRST_ONLY) {        // the point leaves a mark in the table, not in the result
+                if (kind == CONNECT_FIRST_ONLY) {    // the point leaves a mark in the table, not in the result
                     Ints sorted = List(found, count), expected = InSlots(m.Around(p, kind));
                     std::sort(sorted.begin(), sorted.end());
                     std::sort(expected.begin(), expected.end());
@@ -174,7 +175,8 @@ TEST(GraphQueries, PointsAroundAnEdge)
             for (int q = 0; q < m.pointCount; q++) {
                 Ints all;
                 for (const int face : InSlots(m.Together(p, q)))
-                    all.insert(all.end(), m.corners[static_cast<std::size_t>(face)].begin(), m.corners[static_cast<std::size_t>(face)].end());
+                    all.insert(all.end(), m.corners[static_cast<std::size_t>(face)].begin(),
+                               m.corners[static_cast<std::size_t>(face)].end());
                 all = InSlots(all);
                 if (p == q || all.size() == 2)
                     all.clear();
@@ -218,7 +220,7 @@ TEST(GraphQueries, FacesHangTogetherThroughPointsOfTheSetAlone)
             if (m.Below(3))
                 if (faces.Insert(face); true)
                     members.push_back(face);
-        std::set<int> reached;                           // spreads until nothing is added
+        std::set<int> reached;    // spreads until nothing is added
         if (!members.empty())
             for (const int corner : m.corners[static_cast<std::size_t>(InSlots(members)[0])])
                 for (const int face : m.FacesOf(corner))

@@ -14,8 +14,7 @@
 #include "geometry/Swap.h"
 #include "geometry/Triangle.h"
 
-namespace
-{
+namespace {
 constexpr double PI = std::numbers::pi;
 using FMatrix = C4x4TMatrix<float>;
 using FPoint = C3DTPoint<float>;
@@ -146,7 +145,7 @@ TEST(FourD, LeftOperandGivesTheCountAndRightOneTheDimension)
     const C4DPoint down = four - two;
     EXPECT_EQ(down.dimension, 2);
     EXPECT_EQ(down[0], -9);
-    four /= two;                                         // two's last values are 0 and do not belong to it
+    four /= two;    // two's last values are 0 and do not belong to it
     EXPECT_EQ(four.dimension, 4);
     EXPECT_EQ(four[1], 2.0 / 11);
     EXPECT_EQ((two / 2.0)[1], 5.5);
@@ -180,10 +179,22 @@ TEST(Planes, ThroughThreePoints)
 
 TEST(Matrix, IdentityHasATolerance)
 {
-    struct { int i, j; float value; bool identity; } const rows[] = {
-        {0, 1, 0.004f, true},  {2, 2, 1.004f, true},  {1, 1, 0.996f, true},   {3, 0, -0.004f, true},
-        {0, 1, 0.006f, false}, {2, 2, 1.006f, false}, {1, 1, 0.994f, false},  {0, 3, -0.006f, false},
-        {3, 3, 1.006f, false}, {3, 1, 0.006f, false}, {0, 0, std::numeric_limits<float>::quiet_NaN(), false},
+    struct {
+        int i, j;
+        float value;
+        bool identity;
+    } const rows[] = {
+        {0, 1, 0.004f, true},
+        {2, 2, 1.004f, true},
+        {1, 1, 0.996f, true},
+        {3, 0, -0.004f, true},
+        {0, 1, 0.006f, false},
+        {2, 2, 1.006f, false},
+        {1, 1, 0.994f, false},
+        {0, 3, -0.006f, false},
+        {3, 3, 1.006f, false},
+        {3, 1, 0.006f, false},
+        {0, 0, std::numeric_limits<float>::quiet_NaN(), false},
     };
     EXPECT_TRUE(FMatrix().IsIdentity());
     for (const auto& row : rows) {
@@ -223,7 +234,11 @@ TEST(Matrix, InverseUndoesAndRefusesTheSingular)
         ExpectNear(m * inverse, FMatrix(), 1e-6 * size);
         ExpectNear(inverse * m, FMatrix(), 1e-6 * size * 4);
     }
-    struct { const char* name; std::array<float, 12> rows; bool invertible; } const cases[] = {
+    struct {
+        const char* name;
+        std::array<float, 12> rows;
+        bool invertible;
+    } const cases[] = {
         {"zero column", {1, 0, 0, 5, 0, 0, 0, 6, 0, 0, 1, 7}, false},
         {"equal rows", {1, 2, 3, 0, 1, 2, 3, 0, 4, 5, 7, 0}, false},
         {"sum of rows", {0.1f, 0.7f, 0.3f, 0, 0.9f, 0.2f, 0.4f, 0, 1.0f, 0.9f, 0.7f, 0}, true},
@@ -241,7 +256,7 @@ TEST(Matrix, InverseUndoesAndRefusesTheSingular)
         }
     }
     FMatrix m = MakeMatrix({2, 0, 0, 4, 0, 4, 0, 8, 0, 0, 8, 16});
-    m.m[3][1] = 9;                                       // a broken last row plays no part
+    m.m[3][1] = 9;    // a broken last row plays no part
     EXPECT_TRUE(FMatrix::GetInverse(m, m));
     EXPECT_EQ(m, MakeMatrix({0.5f, 0, 0, -2, 0, 0.25f, 0, -2, 0, 0, 0.125f, -2})) << "onto itself";
 }
@@ -253,7 +268,7 @@ TEST(Matrix, ScaleIsTheLengthOfColumnsAndComesOff)
     m.FromQuaternion(random.GetRotation());
     const FMatrix rotation = m;
     m.Scale(2, 3, 0.5);
-    m.SetTranslation(1e6f, 2e6f, -3e6f);                 // far away: the images of the axes differ in the last bits only
+    m.SetTranslation(1e6f, 2e6f, -3e6f);    // far away: the images of the axes differ in the last bits only
     FVector scale;
     m.GetScale(scale);
     ExpectNear(scale, 2, 3, 0.5, 1e-6);
@@ -281,7 +296,7 @@ TEST(Quaternion, ProductAndAxesAreRightHanded)
 
         // The matrix of a quaternion turns the other way: it is the transpose.
         FMatrix m;
-        m.FromQuaternion(q * 3.0);                       // of any length
+        m.FromQuaternion(q * 3.0);    // of any length
         const auto back = Turn({1, -2, 3}, {axis.x / length, axis.y / length, axis.z / length}, -angle);
         ExpectNear(m * v, back[0], back[1], back[2], 1e-5);
     }
@@ -290,8 +305,14 @@ TEST(Quaternion, ProductAndAxesAreRightHanded)
 TEST(Quaternion, MatrixAndBackIsTheSameRotation)
 {
     Random random;
-    std::vector<CQuaternion> rotations = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}, {0.6f, 0.8f, 0, 0},
-                                          {0, 0.8f, 0.6f, 0}, {0.5f, 0.5f, 0.5f, 0.5f}, {-0.5f, 0.5f, -0.5f, 0.5f},
+    std::vector<CQuaternion> rotations = {{1, 0, 0, 0},
+                                          {0, 1, 0, 0},
+                                          {0, 0, 1, 0},
+                                          {0, 0, 0, 1},
+                                          {0.6f, 0.8f, 0, 0},
+                                          {0, 0.8f, 0.6f, 0},
+                                          {0.5f, 0.5f, 0.5f, 0.5f},
+                                          {-0.5f, 0.5f, -0.5f, 0.5f},
                                           {0.7f, 0.1f, -0.7f, 0.1f}};
     for (int n = 0; n < 500; n++)
         rotations.push_back(random.GetRotation());
@@ -299,7 +320,7 @@ TEST(Quaternion, MatrixAndBackIsTheSameRotation)
         q.Normalize();
         FMatrix m;
         m.FromQuaternion(q);
-        m.Scale(2, 0.25, 7);                             // the scale comes off, the translation does not matter
+        m.Scale(2, 0.25, 7);    // the scale comes off, the translation does not matter
         m.SetTranslation(4, 5, 6);
         CQuaternion back;
         back = m;
@@ -353,7 +374,10 @@ TEST(Quaternion, AxisAndAngleAndTheirLack)
 {
     FVector axis;
     double angle;
-    struct { const char* name; CQuaternion q; } const none[] = {
+    struct {
+        const char* name;
+        CQuaternion q;
+    } const none[] = {
         {"no rotation", {0, 0, 0, 1}},
         {"a whole turn", {0, 0, 0, -2}},
         {"below float's sine", {1e-8f, 0, 0, 1}},
@@ -373,7 +397,7 @@ TEST(Quaternion, AxisAndAngleAndTheirLack)
         ExpectNear(axis, 2.0 / 7, -3.0 / 7, 6.0 / 7, 1e-4);
     }
     CQuaternion q;
-    q.SetAxisAngle(FVector(1e-16f, 0, 0), 2);            // too short to normalise
+    q.SetAxisAngle(FVector(1e-16f, 0, 0), 2);    // too short to normalise
     EXPECT_LT(std::fabs(q.x), 1e-15);
     EXPECT_NEAR(q.w, std::cos(1.0), 1e-7);
 
@@ -400,12 +424,15 @@ TEST(Quaternion, SlerpTakesTheShortWayAtConstantSpeed)
 
 TEST(Swap, CodesOfCoordinateSwaps)
 {
-    struct { unsigned int code; bool result; int a, b, mirror; } const rows[] = {
-        {0, false, 7, 7, 7},       {0x1, true, 0, 1, -1},     {0x2, true, 0, 2, -1},     {0x4, true, 1, 2, -1},
-        {0x10, true, -1, -1, 0},   {0x20, true, -1, -1, 1},   {0x40, true, -1, -1, 2},   {0x11, true, 0, 1, 0},
-        {0x42, true, 0, 2, 2},     {0x24, true, 1, 2, 1},     {0x30, false, -1, -1, -1}, {0x31, false, -1, -1, -1},
-        {0x70, false, -1, -1, -1}, {0x3, false, -1, -1, -1},  {0x7, false, -1, -1, -1},  {0x13, false, -1, -1, 0},
-        {0x80, true, -1, -1, -1},
+    struct {
+        unsigned int code;
+        bool result;
+        int a, b, mirror;
+    } const rows[] = {
+        {0, false, 7, 7, 7},       {0x1, true, 0, 1, -1},     {0x2, true, 0, 2, -1},     {0x4, true, 1, 2, -1},    {0x10, true, -1, -1, 0},
+        {0x20, true, -1, -1, 1},   {0x40, true, -1, -1, 2},   {0x11, true, 0, 1, 0},     {0x42, true, 0, 2, 2},    {0x24, true, 1, 2, 1},
+        {0x30, false, -1, -1, -1}, {0x31, false, -1, -1, -1}, {0x70, false, -1, -1, -1}, {0x3, false, -1, -1, -1}, {0x7, false, -1, -1, -1},
+        {0x13, false, -1, -1, 0},  {0x80, true, -1, -1, -1},
     };
     for (const auto& row : rows) {
         int a = 7, b = 7, mirror = 7;
@@ -464,7 +491,8 @@ TEST(Triangle, BoxesAndTriangles)
         }
     }
     // In each of the coordinate planes and both ways round, so that every class of normal is met.
-    const float inside[][2] = {{0.25f, 0.25f}, {0.1f, 0.8f}, {0.49f, 0.49f}}, outside[][2] = {{0.6f, 0.6f}, {0.1f, 0.95f}, {1.5f, 0.1f}, {-0.1f, 0.5f}};
+    const float inside[][2] = {{0.25f, 0.25f}, {0.1f, 0.8f}, {0.49f, 0.49f}},
+                outside[][2] = {{0.6f, 0.6f}, {0.1f, 0.95f}, {1.5f, 0.1f}, {-0.1f, 0.5f}};
     for (int axis = 0; axis < 3; axis++)
         for (const bool flipped : {false, true}) {
             const auto at = [&](float u, float v) {
@@ -513,7 +541,11 @@ TEST(NoisyWave, RotatesTheAxes)
 
 TEST(Decomposition, RecomposesEverything)
 {
-    struct { const char* name; std::array<float, 12> rows; double sign; } const rows[] = {
+    struct {
+        const char* name;
+        std::array<float, 12> rows;
+        double sign;
+    } const rows[] = {
         {"identity", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}, 1},
         {"mirror", {-1, 0, 0, 1, 0, 1, 0, 2, 0, 0, 1, 3}, -1},
         {"point mirror", {-1, 0, 0, 0, 0, -1, 0, 0, 0, 0, -1, 0}, -1},

@@ -101,7 +101,7 @@ TEST(PointList, ElementsAreReachedInsideTheListOnly)
         EXPECT_EQ(list->ElementAt(outside), nullptr);
         EXPECT_FALSE(list->CopyPoint(0, outside));
         EXPECT_FALSE(list->CopyPoint(outside, 0));
-        EXPECT_TRUE(list->CopyPoint(outside, outside));  // told by the indices alone
+        EXPECT_TRUE(list->CopyPoint(outside, outside));    // told by the indices alone
         EXPECT_FALSE(list->CopyPoint(outside, 0, *list));
     }
     EXPECT_EQ((*list)[1]->x, 6);
@@ -285,7 +285,7 @@ TEST(PointList, BlocksAndElementsStoreTheSameBytes)
     check(*list);
     check(flat);
     const auto bytes = Stored(*list);
-    const std::vector<unsigned char> last(bytes.end() - 16, bytes.end());        // flags, 7, 2, 3
+    const std::vector<unsigned char> last(bytes.end() - 16, bytes.end());    // flags, 7, 2, 3
     EXPECT_EQ(last, (std::vector<unsigned char>{0x78, 0x56, 0x34, 0x12, 0, 0, 0xE0, 0x40, 0, 0, 0, 0x40, 0, 0, 0x40, 0x40}));
 }
 
@@ -318,7 +318,7 @@ TEST(PointList, StreamsReplaceEverythingOrEmptyTheList)
 
     const Owned<C3DVectorList> vectors(C3DVectorList::Create());
     vectors->SetSize(3);
-    EXPECT_FALSE(Load(*vectors, bytes));                 // another kind of element
+    EXPECT_FALSE(Load(*vectors, bytes));    // another kind of element
     EXPECT_EQ(vectors->GetSize(), 0);
     vectors->SetSize(1);
     EXPECT_EQ(vectors->ElementAt(0)->Length(), 0);

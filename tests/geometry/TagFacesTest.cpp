@@ -56,7 +56,7 @@ private:
             if (m_mode == DROP_SOME && (sum & 3) == 0)
                 faces[i] = -1;
             if (m_mode == STRAY && (sum & 3) == 0)
-                faces[i] = sum & 4 ? 1 << 30 : -5;       // no faces of the list
+                faces[i] = sum & 4 ? 1 << 30 : -5;    // no faces of the list
         }
         log += '\n';
         return m_mode != REFUSE_ALL && (m_mode != REFUSE_SOME || sum % 3);
@@ -124,7 +124,13 @@ TEST(TagFaces, CountsGroups)
 {
     const Mesh tie = BowTie(), none = MakeMesh({}, {}), cube = Cube();
     cube.faces->SetFaceFlag(1, FACE_EMPTY, true);
-    struct { const char* name; const Mesh& mesh; int mode; bool byEdge; unsigned int groups; } const rows[] = {
+    struct {
+        const char* name;
+        const Mesh& mesh;
+        int mode;
+        bool byEdge;
+        unsigned int groups;
+    } const rows[] = {
         {"a bow tie hangs together at a point", tie, Recorder::TAKE_ALL, false, 1},
         {"but not along an edge", tie, Recorder::TAKE_ALL, true, 2},
         {"nothing", none, Recorder::TAKE_ALL, false, 0},

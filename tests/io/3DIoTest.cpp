@@ -32,8 +32,12 @@ C3DScene* MakeScene(_OBJECT_KINDOF kind)
 
 // What the fake parser of a class does; each call is written down.
 struct Behaviour {
-    std::function<C3DScene*(C3DParser&, CSceneImportOptions&)> read = [](C3DParser&, CSceneImportOptions&) { return MakeScene(OBJECT_POLYGONAL); };
-    std::function<bool(C3DParser&, C3DScene*, CSceneExportOptions&)> save = [](C3DParser&, C3DScene*, CSceneExportOptions&) { return true; };
+    std::function<C3DScene*(C3DParser&, CSceneImportOptions&)> read = [](C3DParser&, CSceneImportOptions&) {
+        return MakeScene(OBJECT_POLYGONAL);
+    };
+    std::function<bool(C3DParser&, C3DScene*, CSceneExportOptions&)> save = [](C3DParser&, C3DScene*, CSceneExportOptions&) {
+        return true;
+    };
     unsigned int defaultFlags = 0, forcedFlags = 0;
     bool canUpdate = false;
 };
@@ -43,7 +47,10 @@ std::string g_calls;
 
 class FakeParser : public C3DParser {
 public:
-    FakeParser(unsigned int fileClass, CFileIo* fileIo) : C3DParser(fileIo), m_own(g_behaviour[fileClass]), m_name(1, static_cast<char>(fileClass & 0xFF)) {}
+    FakeParser(unsigned int fileClass, CFileIo* fileIo)
+        : C3DParser(fileIo), m_own(g_behaviour[fileClass]), m_name(1, static_cast<char>(fileClass & 0xFF))
+    {
+    }
     ~FakeParser() override { Say("closed"); }
     void LoadDefaultOptions(CSceneImportOptions& options) override { SetFlags(options); }
     void SaveDefaultOptions(CSceneExportOptions& options) override { SetFlags(options); }
@@ -58,7 +65,10 @@ public:
         return true;
     }
     C3DScene* Read(const Text&, CSceneImportOptions& options) override { return Say("read"), m_own.read(*this, options); }
-    bool Save(const Text&, C3DScene* scene, CSceneExportOptions& options) override { return Say("save"), m_own.save(*this, scene, options); }
+    bool Save(const Text&, C3DScene* scene, CSceneExportOptions& options) override
+    {
+        return Say("save"), m_own.save(*this, scene, options);
+    }
     bool CanUpdate(void* data) const override { return m_own.canUpdate && (!data || *static_cast<int*>(data) == 1); }
     bool Update(const Text&, C3DScene*, void*, CSceneExportOptions&) override { return Say("update"), true; }
     bool ReleaseParser(bool reading, void* data) override
@@ -80,10 +90,7 @@ private:
     std::string m_name;
 };
 
-CFileParser* CreateFake(unsigned int fileClass, CFileIo* fileIo)
-{
-    return new FakeParser(fileClass, fileIo);
-}
+CFileParser* CreateFake(unsigned int fileClass, CFileIo* fileIo) { return new FakeParser(fileClass, fileIo); }
 
 class C3DIoTest : public testing::Test {
 protected:
@@ -106,7 +113,10 @@ protected:
     static std::string TakeCalls() { return std::exchange(g_calls, {}); }
     static Behaviour& First() { return g_behaviour[FIRST]; }
     static Behaviour& Second() { return g_behaviour[SECOND]; }
-    void Press(bool ok) { m_windows.dialogUsers.push_back([ok](const auto&) { return ok; }); }
+    void Press(bool ok)
+    {
+        m_windows.dialogUsers.push_back([ok](const auto&) { return ok; });
+    }
 
     TempFolder m_folder;
     ScopedVariable m_config;
@@ -129,7 +139,7 @@ TEST_F(C3DIoTest, ReadsThroughOneParser)
     EXPECT_EQ(m_windows.waitCursors, 0);
     EXPECT_EQ(m_windows.waitCursorCount, 1);
     io.CloseParser();
-    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_POLYGONAL), 1);     // outlives its parser
+    EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_POLYGONAL), 1);    // outlives its parser
     DeleteMe(scene);
 }
 
@@ -154,9 +164,9 @@ TEST_F(C3DIoTest, TriesOneParserAfterTheOther)
     EXPECT_EQ(io.Read(false, nullptr), nullptr);
     EXPECT_EQ(TakeCalls(), "1:defaults 1:read 1:closed 2:defaults 2:read ");
     EXPECT_EQ(io.GetLastResult(), IORESULT_FAILED);
-    EXPECT_EQ(m_windows.shown.size(), 1u);                             // one message for the whole chain
+    EXPECT_EQ(m_windows.shown.size(), 1u);    // one message for the whole chain
 
-    C3DIo one(CFileNameSpec(m_file, FIRST), FILEIO_READ, nullptr);     // a class that is given is tried alone
+    C3DIo one(CFileNameSpec(m_file, FIRST), FILEIO_READ, nullptr);    // a class that is given is tried alone
     EXPECT_EQ(one.Read(false, nullptr), nullptr);
     EXPECT_EQ(TakeCalls(), "1:defaults 1:read ");
 }
@@ -175,7 +185,12 @@ TEST_F(C3DIoTest, TellsWhyThereIsNoScene)
     m_folder.Write("scene.zfo", "x");
     m_folder.Write("scene.zzz", "x");
     m_folder.Write("scene.3dif", "x");
-    struct { const char *name, *file; decltype(Behaviour::read) read; int result; size_t shown; } const rows[] = {
+    struct {
+        const char *name, *file;
+        decltype(Behaviour::read) read;
+        int result;
+        size_t shown;
+    } const rows[] = {
         {"missing", "none.zfo", {}, IORESULT_NO_FILE, 1},
         {"a folder", "", {}, IORESULT_NO_FILE, 1},
         {"unknown extension", "scene.zzz", {}, IORESULT_NO_PARSER, 0},
@@ -219,7 +234,7 @@ TEST_F(C3DIoTest, PassesExceptionsOnAndLeavesNothingBehind)
         EXPECT_EQ(exception->GetType(), CXArchiveException::ARCHIVE_BAD_COUNT);
         XDeleteThreadException();
     }
-    EXPECT_EQ(begun->GetRefCount(), 1);                                // the half-made scene was given up
+    EXPECT_EQ(begun->GetRefCount(), 1);    // the half-made scene was given up
     DeleteMe(begun);
     EXPECT_EQ(io.GetLastResult(), IORESULT_FAILED);
     EXPECT_TRUE(options.GetLogText(IoLogInfo::FAILURE).Find(Text(L"bad count")) >= 0);
@@ -312,7 +327,7 @@ TEST_F(C3DIoTest, SavesAndTakesTheNameOver)
     CSceneExportOptions options;
     C3DIo io(target, 0, nullptr);
     EXPECT_FALSE(io.Save(false, nullptr, &options));
-    EXPECT_EQ(io.GetLastResult(), IORESULT_OK);                        // no scene is no error
+    EXPECT_EQ(io.GetLastResult(), IORESULT_OK);    // no scene is no error
     TakeCalls();
     EXPECT_TRUE(io.Save(false, scene, &options));
     EXPECT_EQ(TakeCalls(), "1:defaults 1:save ");
@@ -349,7 +364,7 @@ TEST_F(C3DIoTest, AsksBeforeSaving)
     Press(true);
     EXPECT_EQ(save(), IORESULT_OK);
     Press(true);
-    EXPECT_EQ(save(), IORESULT_OK);                                    // what a format imposes is not remembered
+    EXPECT_EQ(save(), IORESULT_OK);    // what a format imposes is not remembered
     EXPECT_EQ(seen, (std::vector<unsigned int>{EXPORT_HIDDEN_OBJECTS | EXPORT_IGNORE_UV, EXPORT_HIDDEN_OBJECTS}));
     DeleteMe(scene);
 }
@@ -357,11 +372,15 @@ TEST_F(C3DIoTest, AsksBeforeSaving)
 TEST_F(C3DIoTest, UpdatesOnlyWhatCameFromTheSameFormat)
 {
     int good = 1, bad = 2;
-    struct { const char* name; unsigned int dataClass; int* data; bool canUpdate; const char* calls; } const rows[] = {
-        {"same class", FIRST, &good, true, "1:defaults 1:update "},
-        {"parser refuses this data", FIRST, &bad, true, "1:defaults 1:save "},
-        {"other class", OTHER, &good, true, "1:defaults 1:save "},
-        {"parser cannot", FIRST, &good, false, "1:defaults 1:save "},
+    struct {
+        const char* name;
+        unsigned int dataClass;
+        int* data;
+        bool canUpdate;
+        const char* calls;
+    } const rows[] = {
+        {"same class", FIRST, &good, true, "1:defaults 1:update "}, {"parser refuses this data", FIRST, &bad, true, "1:defaults 1:save "},
+        {"other class", OTHER, &good, true, "1:defaults 1:save "},  {"parser cannot", FIRST, &good, false, "1:defaults 1:save "},
         {"no data", 0, nullptr, true, "1:defaults 1:save "},
     };
     for (const auto& row : rows) {
@@ -398,7 +417,7 @@ TEST_F(C3DIoTest, EditsAndDescribesTheSettingsOfAFormat)
     unsigned int flags = 0;
     settings.GetUnsigned(FourCC("FLAG"), flags);
     EXPECT_EQ(flags, static_cast<unsigned int>(IMPORT_CLEAN_GROUPS));
-    EXPECT_FALSE(C3DIo::DisplayFormatDialog(FIRST, true, &settings, nullptr));      // cancelled
+    EXPECT_FALSE(C3DIo::DisplayFormatDialog(FIRST, true, &settings, nullptr));    // cancelled
 
     EXPECT_EQ(C3DIo::GetParametersInfo(CCustomData(), FIRST, false), Text(L"using default parameters\n"));
     CCustomData custom;

@@ -141,7 +141,7 @@ TEST_F(Assimp, FormatsWithIndicesKeepTheirPoints)
     const Scene kept = ReadText("two.ply", ply), joined = ReadText("two.stl", stl);
     ASSERT_TRUE(kept && joined);
     EXPECT_EQ(FirstObject(kept)->GetPointNbr(), 7);
-    EXPECT_EQ(FirstObject(joined)->GetPointNbr(), 4);          // -0 is 0
+    EXPECT_EQ(FirstObject(joined)->GetPointNbr(), 4);    // -0 is 0
     EXPECT_EQ(FirstObject(kept)->GetFaceNbr(), 2);
     EXPECT_EQ(FirstObject(joined)->GetFaceNbr(), 2);
 }

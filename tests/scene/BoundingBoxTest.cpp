@@ -37,14 +37,14 @@ TEST(BoundingBox, FacesAndPointsHaveTheirOwn)
     C3DTPoint<float> min(7, 7, 7), max(8, 8, 8);
     EXPECT_FALSE(object->GetBoundingBox(min, max, 0));
     EXPECT_EQ(Values(min), Coordinates({7, 7, 7}));
-    EXPECT_FALSE(object->GetBoundingBox(min, max, BOX_POINTS | BOX_IN_NODE_SPACE));      // without a node
+    EXPECT_FALSE(object->GetBoundingBox(min, max, BOX_POINTS | BOX_IN_NODE_SPACE));    // without a node
     object->SetFlag(OBJECT_EMPTY, true);
     EXPECT_FALSE(object->GetBoundingBox(min, max, BOX_POINTS));
 
     const CRef<C3DObject> bare(new C3DObject);
-    EXPECT_EQ(BoxOf(*bare, BOX_POINTS), Coordinates(6, 0));          // measured: zeros, and true
-    EXPECT_FALSE(bare->GetBoundingBox(min, max, BOX_POINTS));        // from the cache: there is no point list
-    EXPECT_FALSE(bare->GetBoundingBox(min, max, BOX_FACES));         // without faces the points answer
+    EXPECT_EQ(BoxOf(*bare, BOX_POINTS), Coordinates(6, 0));      // measured: zeros, and true
+    EXPECT_FALSE(bare->GetBoundingBox(min, max, BOX_POINTS));    // from the cache: there is no point list
+    EXPECT_FALSE(bare->GetBoundingBox(min, max, BOX_FACES));     // without faces the points answer
     EXPECT_FALSE(bare->GetCG(min));
     EXPECT_TRUE(CRef<C3DObject>(CreateSquare())->GetCG(min));
     EXPECT_EQ(Values(min), Coordinates({4.5, 4.5, 4.5}));
@@ -53,9 +53,17 @@ TEST(BoundingBox, FacesAndPointsHaveTheirOwn)
 TEST(BoundingBox, TheFirstAnswerStandsUntilAReport)
 {
     // Both boxes move by one each time; which queries see it depends on the report alone.
-    struct { const char* name; unsigned int report; bool points, faces; } const rows[] = {
-        {"none", 0, false, false},        {"other", CHANGE_OTHER, false, true},     {"points", CHANGE_POINTS, true, true},
-        {"faces", CHANGE_FACES, false, false}, {"texture coordinates", CHANGE_UVW, false, true}, {"normals", CHANGE_NORMALS, false, false},
+    struct {
+        const char* name;
+        unsigned int report;
+        bool points, faces;
+    } const rows[] = {
+        {"none", 0, false, false},
+        {"other", CHANGE_OTHER, false, true},
+        {"points", CHANGE_POINTS, true, true},
+        {"faces", CHANGE_FACES, false, false},
+        {"texture coordinates", CHANGE_UVW, false, true},
+        {"normals", CHANGE_NORMALS, false, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -118,7 +126,12 @@ TEST(NodeBox, FlagsChooseTheNodesBelow)
     b->SetFlag(NODE_HIDDEN, true);
     c->SetFlag(NODE_SELECTED, true);
 
-    struct { const char* name; const C3DSceneNode* node; unsigned int flags, value1, value2; Coordinates x; } const rows[] = {
+    struct {
+        const char* name;
+        const C3DSceneNode* node;
+        unsigned int flags, value1, value2;
+        Coordinates x;
+    } const rows[] = {
         {"all", a, BOX_FACES, 0, 0, {0, 60}},
         {"of the scene", scene->GetRoot(), BOX_FACES, 0, 0, {0, 60}},
         {"this node alone", a, BOX_FACES | BOX_NODE_ONLY, 0, 0, {0, 1}},
@@ -152,14 +165,14 @@ TEST(NodeBox, IsTheBoxOfATransformedBox)
     const float triangle[] = {0, 0, 0, 1, 1, 0, 1, 0, 0};
     const int corners[] = {0, 1, 2};
     node->SetObject(CreateObjectFromArrays(triangle, sizeof triangle, corners, sizeof corners, nullptr, 0), true);
-    C4x4TMatrix<float> turn;                                          // an eighth of a turn about z, exact to the digits compared
+    C4x4TMatrix<float> turn;    // an eighth of a turn about z, exact to the digits compared
     const float s = 0.70710678f;
     turn.m[0][0] = turn.m[1][1] = s;
     turn.m[0][1] = -s;
     turn.m[1][0] = s;
     node->AddKey(0, C3DMatrixKey(turn));
     const Coordinates box = BoxOf(node, BOX_FACES);
-    EXPECT_FLOAT_EQ(box[0], -s);                                      // the corner (0,1) of the box, which no point has
+    EXPECT_FLOAT_EQ(box[0], -s);    // the corner (0,1) of the box, which no point has
     EXPECT_FLOAT_EQ(box[3], s);
     EXPECT_FLOAT_EQ(box[4], 2 * s);
 }

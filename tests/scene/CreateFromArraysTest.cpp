@@ -16,7 +16,7 @@ std::vector<int> Corners(const C3DObject& object, unsigned int face)
 
 TEST(CreateFromArrays, TrianglesComeFirstAndRemaindersAreDropped)
 {
-    const float points[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13};       // 4 points and 8 bytes
+    const float points[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13};    // 4 points and 8 bytes
     const int triangles[] = {2, 1, 0, 1, 2, 3, 9};
     const int quads[] = {3, 2, 1, 0, 9, 9};
     const CRef<C3DObject> object(CreateObjectFromArrays(points, sizeof points, triangles, sizeof triangles, quads, sizeof quads));
@@ -44,8 +44,15 @@ TEST(CreateFromArrays, EmptyAndBrokenInput)
     EXPECT_TRUE(empty->IsTriangular(_FACE_PROPERTIES{}, true));
 
     const float points[] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
-    struct { const char* name; std::vector<int> corners; bool good; } const rows[] = {
-        {"fine", {0, 1, 2}, true}, {"behind the points", {0, 1, 3}, false}, {"negative", {0, -1, 2}, false}, {"degenerate", {1, 1, 1}, true},
+    struct {
+        const char* name;
+        std::vector<int> corners;
+        bool good;
+    } const rows[] = {
+        {"fine", {0, 1, 2}, true},
+        {"behind the points", {0, 1, 3}, false},
+        {"negative", {0, -1, 2}, false},
+        {"degenerate", {1, 1, 1}, true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -92,7 +99,7 @@ TEST(Checksum, SeesWhatItIsAskedFor)
     EXPECT_EQ(a->GetChecksum(0xFFFF), b->GetChecksum(0xFFFF));
     const auto differ = [&](unsigned int mode) { return a->GetChecksum(mode) != b->GetChecksum(mode); };
 
-    PointOf(b, 4).x = 5;                                             // the last one: each further one shifts it by 4 bits
+    PointOf(b, 4).x = 5;    // the last one: each further one shifts it by 4 bits
     EXPECT_TRUE(differ(1));
     EXPECT_FALSE(differ(4));
     PointOf(b, 4).x = 9;

@@ -28,7 +28,7 @@ TEST(Instance, CountsFollowTheNodes)
         EXPECT_FALSE(a->IsObjectIntanciated(false));
         EXPECT_EQ(object->GetRefCount(), 1);
 
-        a->SetObject(object, true);                          // its own object, no further reference: it stays
+        a->SetObject(object, true);    // its own object, no further reference: it stays
         EXPECT_EQ(CCountedGroup::alive, 1);
         a->SetObject(scene->CreateObjectInstance(object), true);
         EXPECT_EQ(object->GetRefCount(), 1);
@@ -70,7 +70,7 @@ TEST(Instance, MadeUniqueAgain)
     EXPECT_EQ(b->GetGeomObject()->GetPointNbr(), 5);
     EXPECT_EQ(b->GetBaseObject()->GetScene(), static_cast<C3DScene*>(scene));
     EXPECT_EQ(a->GetBaseObject()->GetInstanceCount(), 2);
-    EXPECT_EQ(scene->DeleteInstanciation(nullptr), 1);       // of two sharers one copy makes both unique
+    EXPECT_EQ(scene->DeleteInstanciation(nullptr), 1);    // of two sharers one copy makes both unique
     EXPECT_EQ(scene->GetPointNbr(), 15);
     EXPECT_EQ(scene->GetFaceNbr(), 6);
 }
@@ -104,7 +104,11 @@ TEST(Copy, OfANodeTakesWhatTheFlagsSay)
     source->AddKey(5, C3DMatrixKey(Translation(1, 2, 3)));
     const unsigned int objectID = source->GetObjectID();
 
-    struct { const char* name; int flags; bool object, shared, sameID, scene; } const rows[] = {
+    struct {
+        const char* name;
+        int flags;
+        bool object, shared, sameID, scene;
+    } const rows[] = {
         {"plain", 0, true, false, false, true},
         {"instance", COPY_INSTANCE, true, true, true, true},
         {"without object", COPY_NO_OBJECT, false, false, false, false},
@@ -144,7 +148,7 @@ TEST(Copy, OfABranchKeepsSharingAndShape)
     AddSharer(*scene, a, L"d", b);
     AddSharer(*scene, nullptr, L"e", b);
 
-    C3DSceneNode* copy = a->CopyBranch(b, 0, nullptr);               // under a node of the branch itself
+    C3DSceneNode* copy = a->CopyBranch(b, 0, nullptr);    // under a node of the branch itself
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(Outline(*scene), L"a(b(ca(b(c)d))d)e");
     const C3DBaseObject* first = scene->GetChildNode(copy)->GetBaseObject();
@@ -206,7 +210,7 @@ TEST(Copy, OfAnObjectDependsOnTheCreator)
     const CRef<C3DObject> square(CreateSquare());
     const CRef<C3DPatch> patch(new C3DPatch);
     C3DBaseObject* target = static_cast<C3DPatch*>(patch);
-    EXPECT_TRUE(square->InternalCopy(target, 0, nullptr));                   // mesh into mesh
+    EXPECT_TRUE(square->InternalCopy(target, 0, nullptr));    // mesh into mesh
     EXPECT_EQ(patch->GetPointNbr(), 5);
     CMeshCreator mesh;
     const CRef<C3DBaseObject> copy(patch->Copy(0, &mesh));
@@ -216,7 +220,7 @@ TEST(Copy, OfAnObjectDependsOnTheCreator)
 
     const CRef<C3DCurve> curve(new C3DCurve(C3DPointList::Create(nullptr), nullptr, nullptr));
     curve->SetMaterialID(5);
-    EXPECT_EQ(curve->Copy(0, &mesh), nullptr);                               // a line is no mesh
+    EXPECT_EQ(curve->Copy(0, &mesh), nullptr);    // a line is no mesh
     const CRef<C3DBaseObject> line(curve->Copy(0, nullptr));
     ASSERT_TRUE(line);
     EXPECT_EQ(static_cast<C3DCurve*>(*line)->GetMaterialID(), 5u);

@@ -13,8 +13,7 @@
 #include "tools/Exception.h"
 #include "tools/IoFile.h"
 
-namespace
-{
+namespace {
 constexpr double PI = std::numbers::pi;
 using FVector = C3DTVector<float>;
 using FMatrix = C4x4TMatrix<float>;
@@ -22,10 +21,7 @@ constexpr std::uint64_t NUMBER = KeyClassID(KEY_TYPE_INT, FourCC("NUMB"));
 constexpr std::uint64_t OTHER = KeyClassID(KEY_TYPE_INT, FourCC("OTHR"));
 constexpr std::uint64_t REAL = KeyClassID(KEY_TYPE_FLOAT, 0);
 
-C3DTypeKey<int> Number(int value, std::uint64_t classId = NUMBER)
-{
-    return C3DTypeKey<int>(classId, value);
-}
+C3DTypeKey<int> Number(int value, std::uint64_t classId = NUMBER) { return C3DTypeKey<int>(classId, value); }
 
 C3DTranslateKey Translation(float x, float y, float z)
 {
@@ -63,10 +59,7 @@ std::vector<Entry> Entries(const C3DKeyframable& list)
     return entries;
 }
 
-bool operator==(const Entry& a, const Entry& b)
-{
-    return a.time == b.time && a.classId == b.classId && a.value == b.value;
-}
+bool operator==(const Entry& a, const Entry& b) { return a.time == b.time && a.classId == b.classId && a.value == b.value; }
 
 /// The lookup as one walk from the front; an index, or -1.
 int NaiveLookup(const std::vector<Entry>& entries, int time, unsigned int mode, std::uint64_t classId)
@@ -188,10 +181,12 @@ TEST(Keyframable, LookupByHand)
     for (const int time : {10, 20, 30})
         list.AddKey(time, Number(time));
     list.AddKey(20, Number(99, OTHER));
-    struct { unsigned int mode; int time, keyTime; } const rows[] = {
-        {1, 10, -1}, {1, 20, 10}, {1, 25, 20}, {1, 99, 30}, {2, 5, 10},  {2, 10, 20}, {2, 30, -1}, {3, 30, -1},
-        {4, 20, 20}, {4, 21, -1}, {5, 20, 20}, {5, 21, 20}, {5, 9, -1},  {6, 20, 30}, {6, 30, 30}, {7, 30, 30},
-        {6, 31, -1}, {0, 20, -1},
+    struct {
+        unsigned int mode;
+        int time, keyTime;
+    } const rows[] = {
+        {1, 10, -1}, {1, 20, 10}, {1, 25, 20}, {1, 99, 30}, {2, 5, 10},  {2, 10, 20}, {2, 30, -1}, {3, 30, -1}, {4, 20, 20},
+        {4, 21, -1}, {5, 20, 20}, {5, 21, 20}, {5, 9, -1},  {6, 20, 30}, {6, 30, 30}, {7, 30, 30}, {6, 31, -1}, {0, 20, -1},
     };
     for (const auto& row : rows) {
         int keyTime;
@@ -211,9 +206,7 @@ TEST(Keyframable, CreateKeyFlags)
     C3DKeyframable list;
     list.AddKey(0, C3DTypeKey<float>(REAL, 1));
     list.AddKey(10, C3DTypeKey<float>(REAL, 2));
-    const auto create = [&](int time, unsigned int flags) {
-        return static_cast<C3DTypeKey<float>*>(list.CreateKey(time, REAL, flags));
-    };
+    const auto create = [&](int time, unsigned int flags) { return static_cast<C3DTypeKey<float>*>(list.CreateKey(time, REAL, flags)); };
     C3DTypeKey<float>* middle = create(5, 0);
     EXPECT_EQ(middle->value, 1.5f);
     EXPECT_EQ(create(5, 0), middle);
@@ -234,7 +227,7 @@ TEST(Keyframable, EvaluateHoldsOutsideAndInterpolatesInside)
     C3DTranslateKey key = Translation(9, 9, 9);
     EXPECT_FALSE(list.Evaluate(0, key));
     EXPECT_EQ(key.GetVector(), FVector(9, 9, 9));
-    list.AddKey(10, Number(3));                          // of another class: plays no part
+    list.AddKey(10, Number(3));    // of another class: plays no part
     EXPECT_FALSE(list.Evaluate(10, key));
 
     list.AddKey(10, Translation(1, 2, 3));
@@ -243,7 +236,10 @@ TEST(Keyframable, EvaluateHoldsOutsideAndInterpolatesInside)
         EXPECT_EQ(key.GetVector(), FVector(1, 2, 3));
     }
     list.AddKey(14, Translation(5, 2, -1));
-    struct { int time; FVector expected; } const rows[] = {
+    struct {
+        int time;
+        FVector expected;
+    } const rows[] = {
         {9, {1, 2, 3}}, {10, {1, 2, 3}}, {11, {2, 2, 2}}, {13, {4, 2, 0}}, {14, {5, 2, -1}}, {50, {5, 2, -1}},
     };
     for (const auto& row : rows) {
@@ -292,7 +288,8 @@ TEST(Keys, PlainValuesBetweenTwoKeys)
     EXPECT_DOUBLE_EQ(d.value, 2e300);
 
     C3DTypeKey<CRGBColor> c(KEY_DIFFUSE_COLOR);
-    c.Evaluate(C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {0, 100, 200, 255}), C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {40, 100, 0, 255}), 1, range);
+    c.Evaluate(C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {0, 100, 200, 255}), C3DTypeKey<CRGBColor>(KEY_DIFFUSE_COLOR, {40, 100, 0, 255}), 1,
+               range);
     EXPECT_EQ(c.value.red, 10);
     EXPECT_EQ(c.value.green, 100);
     EXPECT_EQ(c.value.blue, 150);
@@ -311,7 +308,7 @@ TEST(Keys, VectorKeysAndTheirMatrices)
     EXPECT_TRUE(scale.ToMatrix().IsIdentity());
     scale.SetVector({2, 3, 4});
     EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(2, 3, 4));
-    scale.SwapCoordinates(0x41);                         // x with y, then z mirrored
+    scale.SwapCoordinates(0x41);    // x with y, then z mirrored
     EXPECT_EQ(scale.GetVector(), FVector(3, 2, -4));
     EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(3, 2, -4));
 
@@ -410,8 +407,8 @@ TEST(Keys, MatricesInterpolateByParts)
 
 TEST(Keys, CopiesCarryTheCurveButNotTheBag)
 {
-    for (const unsigned int type : {KEY_TYPE_MATRIX, KEY_TYPE_ROTATE, KEY_TYPE_SCALE, KEY_TYPE_TRANSLATE, KEY_TYPE_VECTOR,
-                                    KEY_TYPE_INT, KEY_TYPE_UNSIGNED, KEY_TYPE_FLOAT, KEY_TYPE_DOUBLE, KEY_TYPE_COLOR}) {
+    for (const unsigned int type : {KEY_TYPE_MATRIX, KEY_TYPE_ROTATE, KEY_TYPE_SCALE, KEY_TYPE_TRANSLATE, KEY_TYPE_VECTOR, KEY_TYPE_INT,
+                                    KEY_TYPE_UNSIGNED, KEY_TYPE_FLOAT, KEY_TYPE_DOUBLE, KEY_TYPE_COLOR}) {
         const std::unique_ptr<C3DKeyframe> key(C3DKeyframe::CreateKey(KeyClassID(type, 42), CURVE_TCB));
         ASSERT_TRUE(key);
         EXPECT_EQ(key->GetTypeID(), type);
@@ -431,7 +428,7 @@ TEST(Keys, CopiesCarryTheCurveButNotTheBag)
         EXPECT_FALSE(*key = C3DTypeKey<int>(NUMBER));
     }
     EXPECT_EQ(C3DKeyframe::CreateKey(KeyClassID(FourCC("NONE"), 0), CURVE_TCB), nullptr);
-    const C3DKeyCurve* volatile none = nullptr;          // volatile: the compiler need not know
+    const C3DKeyCurve* volatile none = nullptr;    // volatile: the compiler need not know
     EXPECT_EQ(none->GetClassID(), 0u);
     EXPECT_EQ(none->Copy(), nullptr);
 }
@@ -479,7 +476,7 @@ TEST(Keyframable, StreamRoundTripAndDamage)
     const std::vector<unsigned char> bytes = Store(list);
 
     C3DKeyframable back;
-    back.AddKey(100, Number(1));                         // goes when the others come
+    back.AddKey(100, Number(1));    // goes when the others come
     ASSERT_EQ(Load(back, bytes), -1);
     EXPECT_TRUE(back == list);
     EXPECT_EQ(Store(back), bytes);

@@ -67,8 +67,10 @@ TEST(NodePos, EveryCombinationOfFlagsAgreesWithTheRules)
     const Tree tree;
     for (unsigned int flags = 0; flags < 16; flags++) {
         for (const unsigned int mask : {0xFFFFFFFFu, 1u, 8u, 16u, 48u, 2u}) {
-            for (const C3DSceneNode* start : {static_cast<C3DSceneNode*>(nullptr), tree.a, tree.b, tree.c, tree.d, tree.e, tree.f, tree.h}) {
-                SCOPED_TRACE(testing::Message() << "flags " << flags << " mask " << mask << " start " << (start ? char(start->GetName()[0]) : '-'));
+            for (const C3DSceneNode* start :
+                 {static_cast<C3DSceneNode*>(nullptr), tree.a, tree.b, tree.c, tree.d, tree.e, tree.f, tree.h}) {
+                SCOPED_TRACE(testing::Message()
+                             << "flags " << flags << " mask " << mask << " start " << (start ? char(start->GetName()[0]) : '-'));
                 EXPECT_EQ(Names(*tree.scene, tree.scene->GetFirstNode(mask, flags, start)), NaiveWalk(tree, mask, flags, start));
             }
         }
@@ -79,7 +81,12 @@ TEST(NodePos, WalksOfTheTreeByHand)
 {
     const Tree tree;
     const C3DScene& scene = *tree.scene;
-    struct { const char* name; unsigned int mask, flags; const C3DSceneNode *start, *stop; const wchar_t* nodes; } const rows[] = {
+    struct {
+        const char* name;
+        unsigned int mask, flags;
+        const C3DSceneNode *start, *stop;
+        const wchar_t* nodes;
+    } const rows[] = {
         {"all with object", OBJECT_ANY, 0, nullptr, nullptr, L"abcefgh"},
         {"with empty ones", OBJECT_ANY, ITER_EMPTY_NODES, nullptr, nullptr, L"abcdefgh"},
         {"unique", OBJECT_ANY, ITER_UNIQUE_OBJECTS, nullptr, nullptr, L"abceg"},
@@ -118,8 +125,15 @@ TEST(NodePos, FilterHoldsFromTheCurrentNodeOn)
     tree.c->SetFlag(NODE_SELECTED, true);
     tree.h->SetFlag(NODE_SELECTED, true);
     tree.g->GetBaseObject()->SetFlag(OBJECT_EMPTY, true);
-    struct { unsigned int mode; const wchar_t* nodes; } const rows[] = {
-        {0, L"abcefgh"}, {FILTER_HIDDEN, L"bcfgh"}, {FILTER_UNSELECTED, L"ch"}, {FILTER_EMPTY, L"abcefh"}, {FILTER_EMPTY | FILTER_HIDDEN, L"bcfh"},
+    struct {
+        unsigned int mode;
+        const wchar_t* nodes;
+    } const rows[] = {
+        {0, L"abcefgh"},
+        {FILTER_HIDDEN, L"bcfgh"},
+        {FILTER_UNSELECTED, L"ch"},
+        {FILTER_EMPTY, L"abcefh"},
+        {FILTER_EMPTY | FILTER_HIDDEN, L"bcfh"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mode);
@@ -136,7 +150,7 @@ TEST(NodePos, CopiesShareWhatWasVisited)
     C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_POLYGONAL, ITER_UNIQUE_OBJECTS);
     C3DNodePos copy = pos;
     EXPECT_TRUE(copy.CheckObjectID(tree.e->GetObjectID()));
-    copy.AddObjectID(tree.e->GetObjectID());                     // the current node holds it: the copy moves on, to the end
+    copy.AddObjectID(tree.e->GetObjectID());    // the current node holds it: the copy moves on, to the end
     EXPECT_FALSE(copy);
     EXPECT_EQ(pos.GetNode(), tree.e);
     copy = pos;
@@ -148,7 +162,11 @@ TEST(NodePos, NodesGoDuringAWalk)
 {
     // Faults in mind: the node after the removed one is passed over; the position stays on a destroyed node; the walk of
     // unique objects refuses a node that it had already settled on.
-    struct { const char* name; const wchar_t *remove, *visited, *left; unsigned int flags; } const rows[] = {
+    struct {
+        const char* name;
+        const wchar_t *remove, *visited, *left;
+        unsigned int flags;
+    } const rows[] = {
         {"leaf", L"c", L"abcefgh", L"a(b(d)e)f(g)h", 0},
         {"branch that the walk stands in", L"b", L"abefgh", L"a(e)f(g)h", 0},
         {"branch with the walk's next node", L"a", L"afgh", L"f(g)h", 0},

@@ -12,10 +12,7 @@ namespace {
 using Matrix = C4x4TMatrix<float>;
 using Coordinates = std::vector<float>;
 
-Coordinates Image(const Matrix& matrix, float x, float y, float z)
-{
-    return Values(matrix * C3DTPoint<float>(x, y, z));
-}
+Coordinates Image(const Matrix& matrix, float x, float y, float z) { return Values(matrix * C3DTPoint<float>(x, y, z)); }
 
 void ExpectNear(const Coordinates& a, const Coordinates& b)
 {
@@ -56,7 +53,7 @@ TEST(NodeTransforms, KeysMultiplyInTheirOrder)
     node.AddKey(0, C3DMatrixKey(QuarterZ()));
     SetVectorKey(&node, KEY_TRANSLATE, 10, 0, 0);
     node.GetObjectLocalTM(0, m);
-    EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 12, 0}));               // scaled to 2, moved to 12, turned to y
+    EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 12, 0}));    // scaled to 2, moved to 12, turned to y
 }
 
 TEST(NodeTransforms, ParentsAndPivot)
@@ -69,12 +66,12 @@ TEST(NodeTransforms, ParentsAndPivot)
     SetVectorKey(a, KEY_PIVOT, 5, 0, 0);
     b->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
     Matrix m;
-    b->GetNodeTM(0, m, true);                                            // a's pivot does not reach b
+    b->GetNodeTM(0, m, true);    // a's pivot does not reach b
     EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 1, 100}));
     b->GetNodeTM(0, m, false);
     EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 1, 0}));
     SetVectorKey(b, KEY_PIVOT, 2, 0, 0);
-    b->GetNodeTM(0, m, false);                                           // the origin lies where the pivot point went
+    b->GetNodeTM(0, m, false);    // the origin lies where the pivot point went
     EXPECT_EQ(Image(m, 0, 0, 0), Coordinates({0, 3, 0}));
     EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 4, 0}));
     scene->GetRoot()->GetNodeTM(0, m, false);
@@ -140,7 +137,7 @@ TEST(NodeTransforms, CentringThePivotKeepsThePointsInPlace)
     EXPECT_TRUE(scene->GetRoot()->GetCG(0, center));
     ExpectNear(Values(center), {-4.5, 4.5, 4.5});
     const unsigned int before = node->GetBaseObject()->GetChecksum(1);
-    node->CenterPivotOnCG({0.5, 0.5, 0.5}, {0, 0, 0});                   // already there
+    node->CenterPivotOnCG({0.5, 0.5, 0.5}, {0, 0, 0});    // already there
     EXPECT_EQ(node->GetBaseObject()->GetChecksum(1), before);
     EXPECT_FALSE(AddNode(*scene, nullptr, L"b", OBJECT_GROUP)->GetCG(0, center));
 }
@@ -180,7 +177,7 @@ TEST(NodeTransforms, AMirrorTurnsTheFacesRound)
 TEST(SceneTransforms, BakingTheSceneMovesEverySharerToItsOwnPlace)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
-    C3DSceneNode* group = AddNode(*scene, nullptr, L"g", 0);             // a carrier without object
+    C3DSceneNode* group = AddNode(*scene, nullptr, L"g", 0);    // a carrier without object
     C3DSceneNode* a = AddNode(*scene, group, L"a", 0);
     a->SetObject(CreateSquare(), true);
     C3DSceneNode* b = AddSharer(*scene, group, L"b", a);
@@ -196,8 +193,13 @@ TEST(SceneTransforms, BakingTheSceneMovesEverySharerToItsOwnPlace)
 
 TEST(SceneTransforms, OrientationStandsASceneUp)
 {
-    struct { const char* name; _UP_AXIS_MODE mode; Coordinates up, x; } const rows[] = {
-        {"y up", UP_AXIS_Y, {0, 1, 0}, {1, 0, 0}}, {"x up", UP_AXIS_X, {1, 0, 0}, {0, 0, 1}},
+    struct {
+        const char* name;
+        _UP_AXIS_MODE mode;
+        Coordinates up, x;
+    } const rows[] = {
+        {"y up", UP_AXIS_Y, {0, 1, 0}, {1, 0, 0}},
+        {"x up", UP_AXIS_X, {1, 0, 0}, {0, 0, 1}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -244,9 +246,15 @@ TEST(SceneTransforms, TimeIsHeldToTheKeys)
     EXPECT_TRUE(scene->SetCurrentTime(99));
     EXPECT_EQ(scene->GetTickCount(), 12);
     EXPECT_FALSE(scene->SetCurrentTime(50));
-    struct { int time; unsigned int mode; std::uint64_t id; int found; } const rows[] = {
-        {5, KEY_BEFORE, KEY_ANY, 4}, {5, KEY_AFTER, KEY_ANY, 10}, {5, KEY_AFTER, KEY_SCALE, 12}, {5, KEY_EXACT, KEY_ANY, 5}, {4, KEY_EXACT, KEY_ANY, 4},
-        {10, KEY_BEFORE | KEY_EXACT, KEY_ANY, 10}, {12, KEY_AFTER, KEY_ANY, 12}, {-9, KEY_BEFORE, KEY_ANY, -9},
+    struct {
+        int time;
+        unsigned int mode;
+        std::uint64_t id;
+        int found;
+    } const rows[] = {
+        {5, KEY_BEFORE, KEY_ANY, 4},  {5, KEY_AFTER, KEY_ANY, 10},   {5, KEY_AFTER, KEY_SCALE, 12},
+        {5, KEY_EXACT, KEY_ANY, 5},   {4, KEY_EXACT, KEY_ANY, 4},    {10, KEY_BEFORE | KEY_EXACT, KEY_ANY, 10},
+        {12, KEY_AFTER, KEY_ANY, 12}, {-9, KEY_BEFORE, KEY_ANY, -9},
     };
     for (const auto& row : rows)
         EXPECT_EQ(scene->GetKeyTime(row.time, row.mode, row.id), row.found) << row.time << ' ' << row.mode;
@@ -262,7 +270,7 @@ TEST(SceneTransforms, ChildrenOfDeletedNodesStayInPlaceAtEveryKey)
     C3DSceneNode* c = AddNode(*scene, b, L"c", OBJECT_DUMMY);
     AddNode(*scene, b, L"d", OBJECT_DUMMY);
     AddNode(*scene, nullptr, L"e", OBJECT_DUMMY);
-    SetVectorKey(a, KEY_PIVOT, 9, 9, 9);                                 // no business of the children
+    SetVectorKey(a, KEY_PIVOT, 9, 9, 9);    // no business of the children
     a->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
     a->AddKey(10, C3DMatrixKey(QuarterZ()));
     b->AddKey(5, C3DRotateKey(1.0f, {0, 0, 1}));

@@ -24,9 +24,13 @@ public:
 
 TEST(BaseObject, CreateKnowsEveryKindAndNoOther)
 {
-    struct { unsigned int kind; bool geometric; const char* type; } const rows[] = {
-        {1, true, "C3DObject"}, {2, true, "C3DCurve"}, {4, true, "C3DPatch"}, {8, false, "C3DGroup"}, {16, false, "C3DDummy"},
-        {32, false, "C3DCamera"}, {64, false, "C3DLight"},
+    struct {
+        unsigned int kind;
+        bool geometric;
+        const char* type;
+    } const rows[] = {
+        {1, true, "C3DObject"},  {2, true, "C3DCurve"},    {4, true, "C3DPatch"},   {8, false, "C3DGroup"},
+        {16, false, "C3DDummy"}, {32, false, "C3DCamera"}, {64, false, "C3DLight"},
     };
     unsigned int lastID = 0;
     for (const auto& row : rows) {
@@ -41,7 +45,7 @@ TEST(BaseObject, CreateKnowsEveryKindAndNoOther)
         lastID = object->GetObjectID();
         EXPECT_EQ(static_cast<C3DGeomObject*>(*object) != nullptr, row.geometric);
         const void* const own[] = {static_cast<C3DObject*>(*object), static_cast<C3DCurve*>(*object), static_cast<C3DPatch*>(*object),
-                                   static_cast<C3DGroup*>(*object), static_cast<C3DDummy*>(*object), static_cast<C3DCamera*>(*object),
+                                   static_cast<C3DGroup*>(*object),  static_cast<C3DDummy*>(*object), static_cast<C3DCamera*>(*object),
                                    static_cast<C3DLight*>(*object)};
         for (unsigned int i = 0; i < 7; i++)
             EXPECT_EQ(own[i] != nullptr, row.kind == 1u << i) << i;
@@ -54,15 +58,14 @@ TEST(BaseObject, CreateKnowsEveryKindAndNoOther)
 
 TEST(ObjectUpdate, ReportsExpand)
 {
-    struct { const char* name; unsigned int report, base, geometric; } const rows[] = {
-        {"other", 0x1, 0x10020000, 0x10020000},
-        {"points", 0x2, 0x100B0000, 0x100B0000},
-        {"faces", 0x4, 0x10080000, 0x10080000},
-        {"texture coordinates", 0x8, 0x10020000, 0x10020000},
-        {"normals", 0x10, 0x10080000, 0x10080000},
-        {"points and faces", 0x6, 0x100B0000, 0x100B0000},
-        {"display", 0x10000000, 0x10000000, 0x10000000},
-        {"high bits do not pass", 0xEFFF0020, 0, 0},
+    struct {
+        const char* name;
+        unsigned int report, base, geometric;
+    } const rows[] = {
+        {"other", 0x1, 0x10020000, 0x10020000},          {"points", 0x2, 0x100B0000, 0x100B0000},
+        {"faces", 0x4, 0x10080000, 0x10080000},          {"texture coordinates", 0x8, 0x10020000, 0x10020000},
+        {"normals", 0x10, 0x10080000, 0x10080000},       {"points and faces", 0x6, 0x100B0000, 0x100B0000},
+        {"display", 0x10000000, 0x10000000, 0x10000000}, {"high bits do not pass", 0xEFFF0020, 0, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -88,7 +91,7 @@ TEST(ObjectUpdate, ClearingStampsWhatWasGivenItself)
         return bits;
     };
     EXPECT_EQ(stamped(), 0u);
-    object->SetUpdateFlags(CHANGE_POINTS, false);            // through the expansion alone
+    object->SetUpdateFlags(CHANGE_POINTS, false);    // through the expansion alone
     EXPECT_EQ(stamped(), 0u);
     object->SetUpdateFlags(0x30000, true);
     EXPECT_EQ(stamped(), 0u);
@@ -105,15 +108,18 @@ TEST(ObjectUpdate, UpdateLeavesTheBoxesAlone)
     EXPECT_TRUE(object->NeedUpdate());
     EXPECT_FALSE(object->Update(nullptr, OBJECT_UPDATE_ALL));
     EXPECT_FALSE(object->NeedUpdate());
-    EXPECT_EQ(object->GetUpdateFlags(), 0x10030000u);        // display is the view's business
+    EXPECT_EQ(object->GetUpdateFlags(), 0x10030000u);    // display is the view's business
     EXPECT_EQ(object->GetUpdateStamp(OBJECT_UPDATE_POINT_BOX), 0);
     EXPECT_NE(object->GetUpdateStamp(OBJECT_UPDATE_UVW), 0);
 }
 
 TEST(ObjectUpdate, GeometryReportsReachTheListsAndTheNormals)
 {
-    struct { unsigned int report; bool points, faces, normalsGo; } const rows[] = {
-        {CHANGE_OTHER, false, false, false}, {CHANGE_POINTS, true, false, true}, {CHANGE_FACES, false, true, true},
+    struct {
+        unsigned int report;
+        bool points, faces, normalsGo;
+    } const rows[] = {
+        {CHANGE_OTHER, false, false, false}, {CHANGE_POINTS, true, false, true},   {CHANGE_FACES, false, true, true},
         {CHANGE_UVW, false, false, false},   {CHANGE_NORMALS, false, false, true},
     };
     for (const auto& row : rows) {
@@ -143,7 +149,7 @@ TEST(ObjectUpdate, NormalsAreMadeOnDemandAndFollowAChange)
     EXPECT_EQ(object->GetFaceNormalChannel(), faces);
     EXPECT_EQ(Values(*faces->GetNormalVectorList()->ElementAt(1)), (std::vector<float>{0, 0, 1}));
     EXPECT_FALSE(corners->IsFlagSet(CHANNEL_STALE));
-    EXPECT_TRUE(object->FlipNormals());                      // drops both
+    EXPECT_TRUE(object->FlipNormals());    // drops both
     EXPECT_EQ(object->GetChannels()->GetSize(), 0);
     EXPECT_EQ(Values(*object->GetFaceNormalChannel()->GetNormalVectorList()->ElementAt(1)), (std::vector<float>{0, 0, -1}));
     const CRef<C3DCurve> curve(new C3DCurve);
@@ -156,7 +162,7 @@ TEST(ObjectUpdate, NewListsAreReportedAndTheOldOnesReleased)
     const CRef<C3DObject> object(CreateSquare());
     object->Invalidate(OBJECT_UPDATE_DISPLAY, false);
     C3DPointList* const points = object->GetPointList();
-    object->SetPointList(points, true);                      // its own list: nothing happens
+    object->SetPointList(points, true);    // its own list: nothing happens
     EXPECT_EQ(object->GetPointNbr(), 5);
     EXPECT_FALSE(object->IsInvalidate(OBJECT_UPDATE_DISPLAY));
     points->AddRef();
@@ -173,7 +179,10 @@ TEST(ObjectUpdate, NewListsAreReportedAndTheOldOnesReleased)
 
 TEST(ObjectUpdate, NodeTakesOneReportAlone)
 {
-    struct { unsigned int flags; bool marks; } const rows[] = {{1, true}, {2, false}, {3, false}, {0x10000000, false}, {0x10001, true}, {0x10000001, false}};
+    struct {
+        unsigned int flags;
+        bool marks;
+    } const rows[] = {{1, true}, {2, false}, {3, false}, {0x10000000, false}, {0x10001, true}, {0x10000001, false}};
     for (const auto& row : rows) {
         C3DSceneNode node;
         node.Invalidate(row.flags, true);

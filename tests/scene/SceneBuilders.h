@@ -94,10 +94,7 @@ inline C3DObject* CreateSquare()
     return CreateObjectFromArrays(points, sizeof points, triangles, sizeof triangles, nullptr, 0);
 }
 
-inline C3DTPoint<float>& PointOf(const C3DGeomObject* object, int index)
-{
-    return *object->GetPointList()->ElementAt(index);
-}
+inline C3DTPoint<float>& PointOf(const C3DGeomObject* object, int index) { return *object->GetPointList()->ElementAt(index); }
 
 inline C4x4TMatrix<float> Translation(float x, float y, float z)
 {
@@ -106,7 +103,4 @@ inline C4x4TMatrix<float> Translation(float x, float y, float z)
     return matrix;
 }
 
-inline std::vector<float> Values(const C3DTCoordinates<float>& p)
-{
-    return {p.x, p.y, p.z};
-}
+inline std::vector<float> Values(const C3DTCoordinates<float>& p) { return {p.x, p.y, p.z}; }

@@ -77,7 +77,7 @@ TEST(SceneStream, ASceneComesBackWithItsSharing)
     EXPECT_EQ(b->GetBaseObject()->GetInstanceCount(), 2);
     EXPECT_EQ(b->GetBaseObject()->GetRefCount(), 2);
     EXPECT_EQ(b->GetGeomObject()->GetSmoothAngle(), 0.5f);
-    EXPECT_EQ(b->GetGeomObject()->GetChannels()->GetSize(), 1);          // smoothed normals are made anew
+    EXPECT_EQ(b->GetGeomObject()->GetChannels()->GetSize(), 1);    // smoothed normals are made anew
     EXPECT_TRUE(b->GetBaseObject()->IsInvalidate(OBJECT_UPDATE_BOXES));
     EXPECT_TRUE(b->IsFlagSet(NODE_HIDDEN));
     EXPECT_EQ(a->GetKeyNbr(KEY_ANY), 1);

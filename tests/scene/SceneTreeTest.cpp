@@ -39,7 +39,7 @@ TEST(Scene, TreeQueries)
     EXPECT_TRUE(scene->IsChildNode(a, d));
     EXPECT_FALSE(scene->IsChildNode(b, d));
     EXPECT_FALSE(scene->IsChildNode(d, d));
-    EXPECT_FALSE(scene->AddNode(nullptr, a));                            // has a parent
+    EXPECT_FALSE(scene->AddNode(nullptr, a));    // has a parent
     EXPECT_FALSE(scene->AddNode(nullptr, nullptr));
     EXPECT_FALSE(scene->AddNode(b, scene->GetRoot()));
 
@@ -47,7 +47,7 @@ TEST(Scene, TreeQueries)
     scene->RemoveNode(branch, false);
     EXPECT_FALSE(scene->IsNodeInScene(d));
     EXPECT_EQ(d->GetScene(), nullptr);
-    EXPECT_FALSE(scene->AddNode(d, branch));                             // below itself
+    EXPECT_FALSE(scene->AddNode(d, branch));    // below itself
     EXPECT_TRUE(scene->ReplaceNode(branch, b, false));
     EXPECT_EQ(d->GetScene(), static_cast<C3DScene*>(scene));
     EXPECT_EQ(Outline(*scene), L"a(c(d))");
@@ -94,7 +94,11 @@ TEST(Scene, DepthDoesNotMatter)
 
 TEST(Scene, GroupsWithoutPurposeGo)
 {
-    struct { const char* name; bool onlyEmpty; const wchar_t* left; } const rows[] = {
+    struct {
+        const char* name;
+        bool onlyEmpty;
+        const wchar_t* left;
+    } const rows[] = {
         {"empty ones, and parents that become empty", true, L"a(bc)f(g)j(kl)p"},
         {"those with one child too", false, L"a(bc)gj(kl)dp"},
     };
@@ -120,7 +124,7 @@ TEST(Scene, GroupsWithoutPurposeGo)
         EXPECT_EQ(Outline(*scene), row.left);
         C4x4TMatrix<float> matrix;
         g->GetNodeTM(0, matrix, true);
-        EXPECT_EQ(matrix.m[0][3], 3);                                    // where it was
+        EXPECT_EQ(matrix.m[0][3], 3);    // where it was
     }
 }
 
@@ -176,7 +180,7 @@ TEST(Scene, ParserDataGoesBackOnce)
         scene->SetParserData(true, 4, &record);
         EXPECT_EQ(scene->GetParserData(size, false), &record);
         EXPECT_EQ(size, 4u);
-        EXPECT_EQ(scene->GetParserData(size, true), &record);           // ours now
+        EXPECT_EQ(scene->GetParserData(size, true), &record);    // ours now
         EXPECT_EQ(released, 0);
         scene->SetParserData(true, 4, &record);
         scene->SetParserData(true, 4, &record);

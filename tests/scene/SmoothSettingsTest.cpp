@@ -31,7 +31,8 @@ constexpr float DEFAULT_ANGLE = 0.54105204f;
 struct Fixture {
     CRef<C3DScene> scene{C3DScene::Create()};
     C3DObject* object = CreateSquare();
-    CChannel *smoothed = CChannel::Create(CHANNEL_POINT_NORMAL, NO_CHANNEL_ID), *given = CChannel::Create(CHANNEL_SPEC_NORMAL, NO_CHANNEL_ID);
+    CChannel *smoothed = CChannel::Create(CHANNEL_POINT_NORMAL, NO_CHANNEL_ID),
+             *given = CChannel::Create(CHANNEL_SPEC_NORMAL, NO_CHANNEL_ID);
 
     Fixture()
     {
@@ -68,7 +69,7 @@ TEST(SmoothSettings, ObjectThenSceneThenPreferences)
     EXPECT_EQ(f.object->GetSmoothAngle(), 1.0f);
     EXPECT_EQ(f.object->GetSmoothMode(), NORMAL_ANGLE);
 
-    f.scene->SetSmoothAngle(-1.0f, false);                           // the preferences' value, as it is now
+    f.scene->SetSmoothAngle(-1.0f, false);    // the preferences' value, as it is now
     EXPECT_EQ(f.object->GetSmoothAngle(), DEFAULT_ANGLE);
     const CRef<C3DObject> alone(CreateSquare());
     EXPECT_EQ(alone->GetSmoothAngle(), DEFAULT_ANGLE);
@@ -78,7 +79,9 @@ TEST(SmoothSettings, ObjectThenSceneThenPreferences)
 TEST(SmoothSettings, AnglesAreHeldInRange)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    struct { float given, stored; } const rows[] = {{0, 0}, {-0.5f, 0}, {3.0f, 3.0f}, {4.0f, 3.1415927f}, {nan, 0}};
+    struct {
+        float given, stored;
+    } const rows[] = {{0, 0}, {-0.5f, 0}, {3.0f, 3.0f}, {4.0f, 3.1415927f}, {nan, 0}};
     for (const auto& row : rows) {
         const CRef<C3DObject> object(CreateSquare());
         object->SetSmoothAngle(row.given);
@@ -93,10 +96,15 @@ TEST(SmoothSettings, AnglesAreHeldInRange)
 
 TEST(SmoothSettings, AChangeReachesTheNormalsOfWhoeverInherits)
 {
-    struct { const char* name; float angle; _NormalSmoothMode mode; bool own, smoothed, given; } const rows[] = {
-        {"angle", 1.0f, {}, false, true, false},           {"the same angle", DEFAULT_ANGLE, {}, false, false, false},
-        {"mode", 0, NORMAL_ANGLE, false, true, true},      {"the same mode", 0, NORMAL_AREA, false, false, false},
-        {"angle, own one", 1.0f, {}, true, false, false},  {"mode, own one", 0, NORMAL_ANGLE, true, false, false},
+    struct {
+        const char* name;
+        float angle;
+        _NormalSmoothMode mode;
+        bool own, smoothed, given;
+    } const rows[] = {
+        {"angle", 1.0f, {}, false, true, false},          {"the same angle", DEFAULT_ANGLE, {}, false, false, false},
+        {"mode", 0, NORMAL_ANGLE, false, true, true},     {"the same mode", 0, NORMAL_AREA, false, false, false},
+        {"angle, own one", 1.0f, {}, true, false, false}, {"mode, own one", 0, NORMAL_ANGLE, true, false, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -115,7 +123,7 @@ TEST(SmoothSettings, AChangeReachesTheNormalsOfWhoeverInherits)
         EXPECT_EQ(f.given->IsFlagSet(CHANNEL_STALE), row.given);
     }
     Fixture f;
-    f.object->SetSmoothAngle(0.1f);                                  // an own change drops the smoothed normals
+    f.object->SetSmoothAngle(0.1f);    // an own change drops the smoothed normals
     EXPECT_EQ(f.object->GetChannels()->GetSize(), 1);
 }
 

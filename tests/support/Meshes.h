@@ -85,10 +85,7 @@ inline Mesh Fan(int n)
 }
 
 /// Two triangles that share point 2 alone.
-inline Mesh BowTie()
-{
-    return MakeMesh({{-1, -1, 0}, {-1, 1, 0}, {0, 0, 0}, {1, -1, 0}, {1, 1, 0}}, {{0, 2, 1}, {2, 3, 4}});
-}
+inline Mesh BowTie() { return MakeMesh({{-1, -1, 0}, {-1, 1, 0}, {0, 0, 0}, {1, -1, 0}, {1, 1, 0}}, {{0, 2, 1}, {2, 3, 4}}); }
 
 /// side * side unit quads in the plane z = 0, looking towards +z; point x + y * (side + 1).
 inline Mesh QuadGrid(int side)

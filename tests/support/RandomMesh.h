@@ -9,7 +9,7 @@
 /// A small mesh full of what real files bring: n-gons, repeated points, doubled edges, edges of many faces, dead and empty faces,
 /// faces without corners. The same seed gives the same mesh.
 struct RandomMesh {
-    enum Kind { MIXED, TRIANGLES, BROKEN };              ///< BROKEN also has corners outside the point list
+    enum Kind { MIXED, TRIANGLES, BROKEN };    ///< BROKEN also has corners outside the point list
 
     explicit RandomMesh(unsigned int seed, Kind kind = MIXED) : random(seed)
     {

@@ -101,11 +101,15 @@ TEST(Archive, WhatOneSideWritesTheOtherReads)
         const StreamBytes bytes = StoredBy([&](CXArchive& ar) { all.Serialize(ar); }, buffer);
         Everything back;
         back.block.resize(300);
-        EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) {
-            EXPECT_EQ(ar.GetRemaining(), bytes.size());
-            back.Serialize(ar);
-            EXPECT_EQ(ar.GetRemaining(), 0u);
-        }, buffer), NO_ERROR_TYPE);
+        EXPECT_EQ(LoadedBy(
+                      bytes,
+                      [&](CXArchive& ar) {
+                          EXPECT_EQ(ar.GetRemaining(), bytes.size());
+                          back.Serialize(ar);
+                          EXPECT_EQ(ar.GetRemaining(), 0u);
+                      },
+                      buffer),
+                  NO_ERROR_TYPE);
         EXPECT_TRUE(back.flag);
         EXPECT_EQ(back.tiny, all.tiny);
         EXPECT_EQ(back.small, all.small);
@@ -121,8 +125,9 @@ TEST(Archive, WhatOneSideWritesTheOtherReads)
         for (std::size_t cut = 0; cut < bytes.size(); cut++) {
             Everything part;
             part.block.resize(300);
-            const int error = LoadedBy(StreamBytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)),
-                                       [&](CXArchive& ar) { part.Serialize(ar); }, buffer);
+            const int error = LoadedBy(
+                StreamBytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)), [&](CXArchive& ar) { part.Serialize(ar); },
+                buffer);
             ASSERT_TRUE(error == CXArchiveException::ARCHIVE_END_OF_FILE || error == CXArchiveException::ARCHIVE_BAD_COUNT) << cut;
         }
     }
@@ -139,9 +144,9 @@ TEST(Archive, CountsAreHeldAgainstWhatIsLeft)
     };
     EXPECT_EQ(count(3, 12, 4), 3);
     EXPECT_EQ(count(3, 11, 4), -CXArchiveException::ARCHIVE_BAD_COUNT);
-    EXPECT_EQ(count(0xFFFFFFFF, 0, 0), 0xFFFFFFFFll);                    // needs the long form
+    EXPECT_EQ(count(0xFFFFFFFF, 0, 0), 0xFFFFFFFFll);    // needs the long form
     EXPECT_EQ(count(0x123456789A, 0, 0), 0x123456789All);
-    EXPECT_EQ(count(~std::uint64_t{0}, 100, 8), -CXArchiveException::ARCHIVE_BAD_COUNT);     // no overflow in the product
+    EXPECT_EQ(count(~std::uint64_t{0}, 100, 8), -CXArchiveException::ARCHIVE_BAD_COUNT);    // no overflow in the product
 }
 
 TEST(Archive, ClassesAreNamedOnceAndChecked)
@@ -158,21 +163,23 @@ TEST(Archive, ClassesAreNamedOnceAndChecked)
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()).find("CArchivedPair"), 8u);
     EXPECT_EQ(bytes.size(), 8 + 13 + 4 + 4 + 4 + 4 + 4u);
 
-    EXPECT_EQ(LoadedBy(bytes, [](CXArchive& ar) {
-        const std::unique_ptr<CXObject> object(ar.ReadObject());
-        auto* const read = XDynamicCast<CArchivedPair>(object.get());
-        ASSERT_TRUE(read && read->inner);
-        EXPECT_EQ(read->number, 1);
-        EXPECT_EQ(static_cast<CArchivedPair*>(read->inner)->number, 2);
-        EXPECT_EQ(ar.ReadObject(), nullptr);
-    }), NO_ERROR_TYPE);
+    EXPECT_EQ(LoadedBy(bytes,
+                       [](CXArchive& ar) {
+                           const std::unique_ptr<CXObject> object(ar.ReadObject());
+                           auto* const read = XDynamicCast<CArchivedPair>(object.get());
+                           ASSERT_TRUE(read && read->inner);
+                           EXPECT_EQ(read->number, 1);
+                           EXPECT_EQ(static_cast<CArchivedPair*>(read->inner)->number, 2);
+                           EXPECT_EQ(ar.ReadObject(), nullptr);
+                       }),
+              NO_ERROR_TYPE);
 
     const auto read = [](const StreamBytes& damaged) {
         return LoadedBy(damaged, [](CXArchive& ar) { delete ar.ReadObject(CArchivedPair::GetThisRuntimeClassDescriptor()); });
     };
     StreamBytes unknown = bytes, future = bytes;
     unknown[8] = 'X';
-    future[0] = 2;                                       // the second class before the first
+    future[0] = 2;    // the second class before the first
     EXPECT_EQ(read(unknown), CXArchiveException::ARCHIVE_BAD_CLASS);
     EXPECT_EQ(read(future), CXArchiveException::ARCHIVE_BAD_CLASS);
     CArchivedOther other;
@@ -217,7 +224,7 @@ TEST(Array, BoundsThrowAndEditsTakeTheirOwnElements)
 {
     CXArray<CXTString<wchar_t>> array;
     array.Add(L"a");
-    array.SetAtGrow(3, array[0]);                        // the element lies in the block that moves
+    array.SetAtGrow(3, array[0]);    // the element lies in the block that moves
     array.InsertAt(0, array[3]);
     EXPECT_EQ(array.GetSize(), 5);
     EXPECT_EQ(array[0], L"a");

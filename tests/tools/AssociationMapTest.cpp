@@ -139,7 +139,7 @@ TEST(AssociationMap, SpareMemoryGoesBackAndEntriesCloseUpWhereThatSavesSome)
     struct {
         const char* name;
         int (*values)(int key);
-        std::uint64_t most;              // bytes of header and values a key, and of its offset
+        std::uint64_t most;    // bytes of header and values a key, and of its offset
     } const rows[] = {
         {"pairs", [](int) { return 2; }, 12},
         {"nearly all pairs", [](int key) { return key % 100 ? 2 : 1; }, 12},

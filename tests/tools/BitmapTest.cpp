@@ -20,7 +20,8 @@ std::vector<unsigned char> Bytes(const Bitmap& bitmap)
 {
     std::vector<unsigned char> bytes;
     for (int y = 0; y < bitmap.GetHeight(); y++)
-        bytes.insert(bytes.end(), bitmap.GetLine(y), bitmap.GetLine(y) + static_cast<ptrdiff_t>(bitmap.GetWidth()) * bitmap.GetBytesPerPixel());
+        bytes.insert(bytes.end(), bitmap.GetLine(y),
+                     bitmap.GetLine(y) + static_cast<ptrdiff_t>(bitmap.GetWidth()) * bitmap.GetBytesPerPixel());
     return bytes;
 }
 
@@ -45,7 +46,7 @@ TEST(Bitmap, AveragesWhatAShrunkPixelCovers)
     EXPECT_EQ(Bytes(*bitmap), (std::vector<unsigned char>{150, 0, 0, 128}));
 
     const auto row = Rgba(3, 1, {0, 0, 0, 255, 90, 0, 0, 255, 240, 0, 0, 255});
-    ASSERT_TRUE(row->Resize(2, 1, 1));                             // (0 + 90/2) / 1.5, (90/2 + 240) / 1.5
+    ASSERT_TRUE(row->Resize(2, 1, 1));    // (0 + 90/2) / 1.5, (90/2 + 240) / 1.5
     EXPECT_EQ(Bytes(*row), (std::vector<unsigned char>{30, 0, 0, 255, 190, 0, 0, 255}));
 }
 

@@ -8,7 +8,7 @@
 TEST(Color, RoundsAndClamps)
 {
     const CRGBColor color(10, 101, 255, 200);
-    EXPECT_EQ(color * 0.5, CRGBColor(5, 51, 128, 100));  // halves go up
+    EXPECT_EQ(color * 0.5, CRGBColor(5, 51, 128, 100));    // halves go up
     EXPECT_EQ(color * 10.0, CRGBColor(100, 255, 255, 255));
     EXPECT_EQ(color * -1.0, CRGBColor(0, 0, 0, 0));
     EXPECT_EQ(color + CRGBColor(250, 1, 1, 0), CRGBColor(255, 102, 255, 200));
@@ -17,7 +17,7 @@ TEST(Color, RoundsAndClamps)
     CRGBColor dark, half(50, 100, 0);
     dark.SetLuminance(0.05);
     EXPECT_EQ(dark, CRGBColor(13, 13, 13));
-    half.SetLuminance(100 / 255.0);                      // was 50 / 255
+    half.SetLuminance(100 / 255.0);    // was 50 / 255
     EXPECT_EQ(half, CRGBColor(100, 200, 0));
 }
 

@@ -61,7 +61,7 @@ TEST(CommandMgr, RunsCommandsByTheirType)
     simple.accept = true;
     EXPECT_EQ(run(10, 0), COMMAND_DONE);
     EXPECT_EQ(log, "open dialog apply close ");
-    manager.SetScriptMode(1);                                      // only the dialog
+    manager.SetScriptMode(1);    // only the dialog
     EXPECT_TRUE(simple.IsScripting());
     EXPECT_EQ(run(10, 0), COMMAND_DONE);
     EXPECT_EQ(log, "open dialog close ");
@@ -95,7 +95,10 @@ TEST(CommandMgr, KeepsTheOrderOfNames)
 
 TEST(CommandAccess, NamesItsKeys)
 {
-    struct { unsigned int key, modifiers; const wchar_t* text; } const rows[] = {
+    struct {
+        unsigned int key, modifiers;
+        const wchar_t* text;
+    } const rows[] = {
         {'S', 0x203, L"Ctrl+Shift+S"}, {0x70, 0x200, L"F1"}, {0x7B, 0x204, L"Alt+F12"}, {0x25, 0x202, L"Ctrl+Left"}, {0, 0x202, L""},
     };
     for (const auto& row : rows) {

@@ -80,9 +80,9 @@ TEST(CustomData, OneIdHoldsAValueOfEachType)
     EXPECT_TRUE(bag.GetPointer(ID, pointer));
     EXPECT_EQ(bag.GetCustomData(ID)->GetCount(), 1u);
 
-    EXPECT_FALSE(bag.GetFloat(1, f, 2.5f));              // another type is no value
+    EXPECT_FALSE(bag.GetFloat(1, f, 2.5f));    // another type is no value
     EXPECT_EQ(f, 2.5f);
-    EXPECT_FALSE(bag.GetData(ID, &color, 3));            // nor is another size
+    EXPECT_FALSE(bag.GetData(ID, &color, 3));    // nor is another size
     EXPECT_TRUE(bag.Remove(ID, CUSTOM_INT));
     EXPECT_FALSE(bag.GetInt(ID, i, 77));
     EXPECT_EQ(i, 77);
@@ -93,7 +93,7 @@ TEST(CustomData, OneIdHoldsAValueOfEachType)
     EXPECT_TRUE(bag.Remove(1));
     EXPECT_TRUE(bag == CCustomData());
 
-    const CCustomData* const none = bag.GetCustomData(ID);     // null
+    const CCustomData* const none = bag.GetCustomData(ID);    // null
     EXPECT_FALSE(none->GetInt(1, i, 5));
     EXPECT_EQ(i, 5);
     EXPECT_TRUE(none->IsEmpty());
@@ -124,7 +124,7 @@ TEST(CustomData, CopiesAreDeepAndMayComeFromInside)
     CCustomData* const inner = bag.GetCustomData(ID);
     for (unsigned int id = 0; id < 100; id++)
         bag.SetInt(1000 + id, 0);
-    EXPECT_EQ(bag.GetCustomData(ID), inner);             // bags stay in place while values move
+    EXPECT_EQ(bag.GetCustomData(ID), inner);    // bags stay in place while values move
     EXPECT_TRUE(bag.SetCustomData(ID, bag));
     EXPECT_EQ(bag.GetCustomData(ID)->GetCount(), 113u);
     bag = *bag.GetCustomData(ID)->GetCustomData(ID);
@@ -149,7 +149,7 @@ TEST(CustomData, StreamsAndSumsLeaveOutPointersOnly)
     CCustomData one, two;
     one.SetInt(1, 5);
     two.SetInt(2, 5);
-    EXPECT_EQ(one.GetChecksum(1), two.GetChecksum(2));   // a value's sum does not know its id
+    EXPECT_EQ(one.GetChecksum(1), two.GetChecksum(2));    // a value's sum does not know its id
     EXPECT_NE(one.GetChecksum(), two.GetChecksum());
     two.RemoveAll();
     two.SetUnsigned(1, 5);
@@ -175,7 +175,8 @@ TEST(CustomData, DamagedStreamsLeaveTheBagAsItWas)
         CCustomData read;
         LoadedBy(damaged, [&](CXArchive& ar) { read.Serialize(ar); });
     }
-    const StreamBytes twice = {2, 0, 0, 0, 1, 0, 0, 0, CUSTOM_BOOL, 1, 1, 0, 0, 0, CUSTOM_BOOL, 1}, pointer = {1, 0, 0, 0, 1, 0, 0, 0, CUSTOM_POINTER, 1};
+    const StreamBytes twice = {2, 0, 0, 0, 1, 0, 0, 0, CUSTOM_BOOL, 1, 1, 0, 0, 0, CUSTOM_BOOL, 1},
+                      pointer = {1, 0, 0, 0, 1, 0, 0, 0, CUSTOM_POINTER, 1};
     EXPECT_EQ(LoadedBy(twice, [&](CXArchive& ar) { kept.Serialize(ar); }), CXArchiveException::ARCHIVE_BAD_VALUE);
     EXPECT_EQ(LoadedBy(pointer, [&](CXArchive& ar) { kept.Serialize(ar); }), CXArchiveException::ARCHIVE_UNKNOWN_TYPE);
 }

@@ -122,7 +122,7 @@ TEST(ElementArray, SizeKeepsOrRenews)
     EXPECT_TRUE(array->SetSize(5));
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{1, 2, 3, NEW, NEW}));
     EXPECT_TRUE(array->SetSize(2));
-    EXPECT_TRUE(array->SetSize(4));                      // an element that was dropped comes back as a default
+    EXPECT_TRUE(array->SetSize(4));    // an element that was dropped comes back as a default
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{1, 2, NEW, NEW}));
     EXPECT_TRUE(array->SetSize(3, false));
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{NEW, NEW, NEW}));
@@ -143,12 +143,14 @@ TEST(ElementArray, SizeKeepsOrRenews)
 
 TEST(ElementArray, GrowthAddsWhatWasAskedFor)
 {
-    struct { int factor, grow, capacity; } const rows[] = {{-1, -1, 126}, {-1, 0, 101}, {-1, 7, 108}, {10, -1, 111}, {10, 3, 104}};
+    struct {
+        int factor, grow, capacity;
+    } const rows[] = {{-1, -1, 126}, {-1, 0, 101}, {-1, 7, 108}, {10, -1, 111}, {10, 3, 104}};
     for (const auto& row : rows) {
         const auto array = MakeArray<CTestWordMethods>();
         array->SetGrowFactor(row.factor);
         array->SetSize(100);
-        EXPECT_EQ(array->GetCapacity(), 100);            // the first block has no reserve
+        EXPECT_EQ(array->GetCapacity(), 100);    // the first block has no reserve
         array->SetSize(101, true, row.grow);
         EXPECT_EQ(array->GetCapacity(), row.capacity);
     }
@@ -179,7 +181,7 @@ TEST(ElementArray, LargeBlocksKeepTheirContentWhenTheyMove)
         for (int i = 0; i < kept; i += 97)
             ASSERT_EQ(At<TestPoint>(*array, i).flags, i);
         for (int i = kept; i < size; i++)
-            ASSERT_EQ(At<TestPoint>(*array, i).Sum(), 7);            // through the table: each one was built
+            ASSERT_EQ(At<TestPoint>(*array, i).Sum(), 7);    // through the table: each one was built
         for (int i = 0; i < size; i++)
             At<TestPoint>(*array, i).flags = i;
     }
@@ -190,11 +192,11 @@ TEST(ElementArray, CopyConvertsBetweenKinds)
     const auto words = Words({5, 6, NEW});
     const auto longs = MakeArray<CTestLongMethods>();
     EXPECT_TRUE(longs->Copy(*words, false));
-    EXPECT_EQ(At<std::uint64_t>(*longs, 1), 6u);         // the bytes that both have; the rest is the default
+    EXPECT_EQ(At<std::uint64_t>(*longs, 1), 6u);    // the bytes that both have; the rest is the default
     EXPECT_TRUE(words->Copy(*longs, true));
     EXPECT_EQ(Values(*words), (std::vector<unsigned int>{5, 6, NEW, 5, 6, NEW}));
     CElementArray open;
-    EXPECT_TRUE(open.Copy(*words, false));               // takes the methods too
+    EXPECT_TRUE(open.Copy(*words, false));    // takes the methods too
     EXPECT_EQ(Values(open), Values(*words));
     const std::unique_ptr<CElementArray> empty(words->Duplicate(false)), full(words->Duplicate(true));
     EXPECT_EQ(empty->GetSize(), 0);
@@ -216,7 +218,7 @@ TEST(ElementArray, ReorderTakesPermutationsOnly)
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{10, 11, 12, 13}));
     EXPECT_TRUE(array->Reorder(order, 4, false));
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{12, 10, 13, 11}));
-    EXPECT_TRUE(array->Reorder(order, 4, true));         // and back
+    EXPECT_TRUE(array->Reorder(order, 4, true));    // and back
     EXPECT_EQ(Values(*array), (std::vector<unsigned int>{10, 11, 12, 13}));
     EXPECT_TRUE(CElementArray().Reorder(nullptr, 0, false));
 }
@@ -248,7 +250,7 @@ TEST(ElementArray, ElementsThatOwnMemoryAreCopiedOneByOne)
 TEST(ElementArray, BlocksMoveTheBytesOfSingleElements)
 {
     const auto points = MakeArray<CTestPointMethods>();
-    points->SetSize(10000);                              // more than one packing buffer
+    points->SetSize(10000);    // more than one packing buffer
     for (int i = 0; i < points->GetSize(); i++)
         At<TestPoint>(*points, i).flags = i;
     const StreamBytes bytes = StoredBy([&](CXArchive& ar) { points->Serialize(ar); });
@@ -291,7 +293,8 @@ TEST(ElementArray, DamagedStreamsThrowAndLeaveAnArray)
     for (int i = 0; i < 3000; i++) {
         StreamBytes damaged = bytes;
         damaged[random() % damaged.size()] = static_cast<unsigned char>(random());
-        load(damaged);                                   // no crash, no large allocation; errors are not sure
+        load(damaged);    // no crash, no large allocation; errors are not sure
     }
-    EXPECT_EQ(load(StoredBy([](CXArchive& ar) { ar.WriteClass(CTestTextMethods::GetThisRuntimeClassDescriptor()); })), CXArchiveException::ARCHIVE_END_OF_FILE);
+    EXPECT_EQ(load(StoredBy([](CXArchive& ar) { ar.WriteClass(CTestTextMethods::GetThisRuntimeClassDescriptor()); })),
+              CXArchiveException::ARCHIVE_END_OF_FILE);
 }

@@ -89,8 +89,8 @@ TEST(FileInfo, TellsAddressesFromNames)
     folder.Write("a b.x", "");
     const auto url = [](const Text& text, bool check) { return CFileInfo(text, 0).IsURL(check); };
     EXPECT_TRUE(url(L"http://host/a.x", false));
-    EXPECT_FALSE(url(L"http://host/a.x", true));                   // nothing is fetched
-    EXPECT_FALSE(url(L"C://a.x", false));                          // a drive
+    EXPECT_FALSE(url(L"http://host/a.x", true));    // nothing is fetched
+    EXPECT_FALSE(url(L"C://a.x", false));           // a drive
     EXPECT_FALSE(url(L"/x/a://b", false));
     EXPECT_FALSE(url(L"://b", false));
     const Text file = L"file://" + folder.Wide("a%20b.x");

@@ -42,7 +42,14 @@ TEST(IoOptions, KeepFailuresWhenTheLogIsFull)
 
 TEST_F(FileIoTest, TellsTheUserWhatWentWrongOnce)
 {
-    struct { const char* name; unsigned int flags; int result; bool log, wantReport; unsigned int mask; const char* shown; } const rows[] = {
+    struct {
+        const char* name;
+        unsigned int flags;
+        int result;
+        bool log, wantReport;
+        unsigned int mask;
+        const char* shown;
+    } const rows[] = {
         {"failure", FILEIO_READ, IORESULT_NO_FILE, true, false, 6, "message: The file a.x doesn't exist or can't be opened."},
         {"failure when saving", 0, IORESULT_NO_FILE, true, false, 6, "message: The file a.x can't be written."},
         {"silent", FILEIO_READ | FILEIO_SILENT, IORESULT_NO_FILE, true, false, 6, ""},
@@ -79,7 +86,7 @@ TEST_F(FileIoTest, RemembersSettingsByClassAndDirection)
     CCustomData bag, other;
     other.SetInt(1, 7);
     EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
-    EXPECT_TRUE(other.IsEmpty());                                  // no left-over of the caller's
+    EXPECT_TRUE(other.IsEmpty());    // no left-over of the caller's
 
     bag.SetUnsigned(FourCC("FLAG"), 5);
     ASSERT_TRUE(CFileIo::SaveIoParameters(true, bag, A));
@@ -91,7 +98,7 @@ TEST_F(FileIoTest, RemembersSettingsByClassAndDirection)
     other.GetUnsigned(FourCC("FLAG"), flags);
     EXPECT_EQ(flags, 5u);
 
-    CFileIo::SaveIoParameters(true, CCustomData(), A);             // forgets
+    CFileIo::SaveIoParameters(true, CCustomData(), A);    // forgets
     EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
     EXPECT_TRUE(CFileIo::LoadIoParameters(false, other, A));
     folder.Write("3dzel/formats.prefs", "damaged");
@@ -109,7 +116,7 @@ TEST_F(FileIoTest, AsksForNames)
     EXPECT_EQ(io.GetFullName(), Text(L"/f/old.zta"));
     m_windows.fileAnswers.push_back({CFileNameSpec(L"/f/new", A)});
     ASSERT_TRUE(io.FileDialogBox(FILE_FAMILY_3D, 0));
-    EXPECT_EQ(io.GetFullName(), Text(L"/f/new.zta"));              // the format brings its extension
+    EXPECT_EQ(io.GetFullName(), Text(L"/f/new.zta"));    // the format brings its extension
     EXPECT_EQ(io.GetClass(), A);
     EXPECT_EQ(m_windows.shown, (std::vector<Text>{Text(L"files: save 4000"), Text(L"files: save 4000")}));
     fileUnregisterFile(A);

@@ -13,7 +13,9 @@ TEST(FilePath, SplitsNamesOfEverySystem)
 {
     // Faults in mind: a point in a folder's name, a point that begins a name, a drive without separator, a share taken for a
     // root with two separators.
-    struct { const wchar_t *path, *root, *folder, *name, *extension; } const rows[] = {
+    struct {
+        const wchar_t *path, *root, *folder, *name, *extension;
+    } const rows[] = {
         {L"", L"", L"", L"", L""},
         {L"a.obj", L"", L"", L"a.obj", L".obj"},
         {L"/x/a.tar.gz", L"/", L"/x/", L"a.tar.gz", L".gz"},
@@ -40,18 +42,12 @@ TEST(FilePath, SplitsNamesOfEverySystem)
 
 TEST(FilePath, Normalises)
 {
-    struct { const wchar_t *path, *normal; } const rows[] = {
-        {L"", L"."},
-        {L"a/./b//c", L"a/b/c"},
-        {L"a/../..", L".."},
-        {L"../../a/", L"../../a/"},
-        {L"/..", L"/"},
-        {L"/a/../../b", L"/b"},
-        {L"./", L"."},
-        {L"C:\\a\\..\\b\\", L"C:/b/"},
-        {L"C:a", L"C:a"},
-        {L"\\\\s\\d\\..\\x", L"//s/d/x"},
-        {L"//s/d", L"//s/d/"},
+    struct {
+        const wchar_t *path, *normal;
+    } const rows[] = {
+        {L"", L"."},      {L"a/./b//c", L"a/b/c"},          {L"a/../..", L".."},   {L"../../a/", L"../../a/"},
+        {L"/..", L"/"},   {L"/a/../../b", L"/b"},           {L"./", L"."},         {L"C:\\a\\..\\b\\", L"C:/b/"},
+        {L"C:a", L"C:a"}, {L"\\\\s\\d\\..\\x", L"//s/d/x"}, {L"//s/d", L"//s/d/"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(fileNormalize(row.path), Text(row.normal)) << WideToUtf8(Text(row.path));
@@ -59,10 +55,12 @@ TEST(FilePath, Normalises)
 
 TEST(FilePath, MakesNamesAbsoluteAndRelative)
 {
-    struct { const wchar_t *base, *absolute, *relative; } const rows[] = {
+    struct {
+        const wchar_t *base, *absolute, *relative;
+    } const rows[] = {
         {L"/a/b/", L"/a/b/c.x", L"c.x"},
-        {L"/a/b", L"/a/b/c.x", L"c.x"},                        // a folder without separator is the same folder
-        {L"/a/b/", L"/a/bc/c.x", L"../bc/c.x"},                // no half names in common
+        {L"/a/b", L"/a/b/c.x", L"c.x"},            // a folder without separator is the same folder
+        {L"/a/b/", L"/a/bc/c.x", L"../bc/c.x"},    // no half names in common
         {L"/a/b/", L"/c.x", L"../../c.x"},
         {L"/", L"/a/", L"a/"},
         {L"/a/b/", L"/a/b/", L"./"},
@@ -82,7 +80,10 @@ TEST(FilePath, MakesNamesAbsoluteAndRelative)
 
 TEST(FilePath, ShortensForADisplayAndForALimit)
 {
-    struct { int length; const wchar_t* text; } const rows[] = {
+    struct {
+        int length;
+        const wchar_t* text;
+    } const rows[] = {
         {100, L"/home/user/models/chair.obj"},
         {27, L"/home/user/models/chair.obj"},
         {20, L"/home/.../chair.obj"},
@@ -115,7 +116,7 @@ TEST(FilePath, KnowsWhatCanBeAName)
     EXPECT_FALSE(fileIsValidFileName(L"a\nb"));
     EXPECT_TRUE(fileIsValidFileName(Text(L'a', 255)));
     EXPECT_FALSE(fileIsValidFileName(Text(L'a', 256)));
-    EXPECT_FALSE(fileIsValidFileName(Text(L'\u00e9', 128)));         // two bytes each
+    EXPECT_FALSE(fileIsValidFileName(Text(L'\u00e9', 128)));    // two bytes each
 }
 
 TEST(FilePath, CopiesWholeFilesOnly)
@@ -130,12 +131,12 @@ TEST(FilePath, CopiesWholeFilesOnly)
     EXPECT_TRUE(fileCopy(folder.Wide("a"), folder.Wide("new"), true));
     EXPECT_EQ(folder.Read("new"), folder.Read("a"));
 
-    EXPECT_FALSE(fileCopy(folder.Wide("a"), folder.Wide("./a"), false));       // onto itself would lose it
+    EXPECT_FALSE(fileCopy(folder.Wide("a"), folder.Wide("./a"), false));    // onto itself would lose it
     EXPECT_EQ(folder.Read("a").size(), 700003u);
     EXPECT_FALSE(fileCopy(folder.Wide("missing"), folder.Wide("c"), false));
     EXPECT_FALSE(fileCopy(folder.Wide("a"), folder.Wide("no/folder"), false));
     EXPECT_FALSE(fileCopy(folder.Wide("a"), folder.Wide(), false));
-    EXPECT_EQ(fileList(folder.Wide()).size(), 3u);                            // nothing half made stays
+    EXPECT_EQ(fileList(folder.Wide()).size(), 3u);    // nothing half made stays
 }
 
 TEST(FilePath, ComparesByIdentityOnDisk)
@@ -161,7 +162,7 @@ TEST(FilePath, MakesFolders)
     EXPECT_FALSE(fileCreateDirectory(folder.Wide("a/b/c"), false));
     EXPECT_TRUE(fileCreateDirectory(folder.Wide("a\\b\\c\\"), true));
     EXPECT_TRUE(fileIsDirectory(folder.Wide("a/b/c")));
-    EXPECT_TRUE(fileCreateDirectory(folder.Wide("a/b/c"), false));             // is there
+    EXPECT_TRUE(fileCreateDirectory(folder.Wide("a/b/c"), false));    // is there
     EXPECT_TRUE(fileCreateDirectory(folder.Wide("a/b/d"), false));
     folder.Write("file", "");
     EXPECT_FALSE(fileCreateDirectory(folder.Wide("file/x"), true));
@@ -175,10 +176,10 @@ TEST(FilePath, FindsFreeNames)
     folder.Write("map1.png", "");
     EXPECT_EQ(fileCreateUniqueName(folder.Wide("other.png"), false), folder.Wide("other.png"));
     EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), false), folder.Wide("map2.png"));
-    EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), false, 7), folder.Wide("ma1.png"));   // the title gives way
+    EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), false, 7), folder.Wide("ma1.png"));    // the title gives way
     EXPECT_TRUE(fileCreateUniqueName(folder.Wide("a.longest"), false, 4) == folder.Wide(".lon"));
     EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), true), folder.Wide("map2.png"));
-    EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), true), folder.Wide("map3.png"));      // the first is taken now
+    EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), true), folder.Wide("map3.png"));    // the first is taken now
     EXPECT_TRUE(fileCreateUniqueName(folder.Wide("none/map.png"), true).IsEmpty());
     EXPECT_TRUE(fileCreateUniqueName(L"", false).IsEmpty());
 }
@@ -196,7 +197,7 @@ TEST(FilePath, FindsTheFolderOfSettings)
         ASSERT_TRUE(GetUserPreferencesPath(path, true));
         EXPECT_TRUE(fileIsDirectory(path));
     }
-    const ScopedVariable relative("XDG_CONFIG_HOME", "config");                // is to be ignored
+    const ScopedVariable relative("XDG_CONFIG_HOME", "config");    // is to be ignored
     ASSERT_TRUE(GetUserPreferencesPath(path, false));
     EXPECT_EQ(path, folder.Wide("home/.config/3dzel/"));
     folder.Write("home/.config", "a file in the way");

@@ -100,24 +100,24 @@ TEST(NextPrime, IsTheSmallestOneNotBelow)
     for (unsigned int n = 0; n < 30000; n++)
         ASSERT_EQ(NextPrime(n), PrimeFrom(n)) << n;
     // Composites that pass single rounds of the pseudoprime test, squares of primes, and the end of the range.
-    for (const unsigned int n : {3215031751u, 1373653u, 25326001u, 464155845u, 65521u * 65521u, 2147483648u, 4294967279u,
-                                 4294967280u, 4294967291u})
+    for (const unsigned int n :
+         {3215031751u, 1373653u, 25326001u, 464155845u, 65521u * 65521u, 2147483648u, 4294967279u, 4294967280u, 4294967291u})
         EXPECT_EQ(NextPrime(n), PrimeFrom(n)) << n;
-    EXPECT_EQ(NextPrime(4294967295u), 4294967291u);      // nothing above it in 32 bits
+    EXPECT_EQ(NextPrime(4294967295u), 4294967291u);    // nothing above it in 32 bits
 }
 
 TEST(Hash, SlotsFollowTheProbe)
 {
     // 101 slots. Keys that differ by 101 start at the same slot; 1 starts at 16, so the places are 16, 17, 20, 25.
     CHashTable<int> table;
-    for (const int key : {203, 1, 102, 2, 6})            // 2 starts at 32, 6 at 96
+    for (const int key : {203, 1, 102, 2, 6})    // 2 starts at 32, 6 at 96
         EXPECT_TRUE(table.Insert(key));
     EXPECT_EQ(Order(table), (std::vector<int>{203, 1, 102, 2, 6}));
     EXPECT_FALSE(table.Insert(102));
     EXPECT_TRUE(table.Remove(1));
     EXPECT_FALSE(table.Remove(1));
-    EXPECT_TRUE(table.Find(102));                        // reached over the deleted slot
-    table.Insert(304);                                   // fills slot 17, though its search ended at 25
+    EXPECT_TRUE(table.Find(102));    // reached over the deleted slot
+    table.Insert(304);               // fills slot 17, though its search ended at 25
     table.Insert(405);
     EXPECT_EQ(Order(table), (std::vector<int>{203, 304, 102, 405, 2, 6}));
 }
@@ -128,7 +128,7 @@ TEST(Hash, GrowsWhenHalfIsTaken)
     for (int key = 0; key < 50; key++)
         table.Insert(key);
     EXPECT_EQ(table.GetTableSize(), 101u);
-    table.Insert(50);                                    // 51 of 101: min(6 * 51, 2 * 101) = 202
+    table.Insert(50);    // 51 of 101: min(6 * 51, 2 * 101) = 202
     EXPECT_EQ(table.GetTableSize(), 211u);
 
     // Deleted slots count, and many of them make the table no larger: 51 used up, one alive.
@@ -142,7 +142,7 @@ TEST(Hash, GrowsWhenHalfIsTaken)
     EXPECT_EQ(Order(churned), std::vector<int>{1000});
     for (int key = 0; key < 49; key++)
         churned.Insert(key);
-    EXPECT_EQ(churned.GetTableSize(), 101u);             // the rehash forgot what was deleted
+    EXPECT_EQ(churned.GetTableSize(), 101u);    // the rehash forgot what was deleted
 }
 
 TEST(Hash, AgreesWithTheModelOverRandomEdits)

@@ -60,7 +60,7 @@ TEST_F(IOPlugins, LoadsAModuleWithManifestWithTheFirstParserOnly)
     m_folder.Write("notes.txt", "not a module");
     m_folder.Write("zel-io-.so", "nor is this");
     EXPECT_EQ(Register(), 1);
-    EXPECT_EQ(Register(), 0);                                      // known
+    EXPECT_EQ(Register(), 0);    // known
     ASSERT_EQ(GetIOPlugins().size(), 1u);
     EXPECT_EQ(GetIOPlugins()[0].name, Text(L"good"));
     EXPECT_FALSE(GetIOPlugins()[0].loaded);
@@ -99,9 +99,9 @@ TEST_F(IOPlugins, CostThemselvesAloneWhenTheyFail)
 
 TEST_F(IOPlugins, FormAChainOfParsers)
 {
-    Add("good");                                                   // answers 1
-    Add("reader");                                                 // answers 0, reads only
-    Add("second");                                                 // answers 2
+    Add("good");      // answers 1
+    Add("reader");    // answers 0, reads only
+    Add("second");    // answers 2
     Register();
     EXPECT_EQ(Chain(FILEIO_READ), (std::vector<int>{1, 0, 2}));
     EXPECT_EQ(Chain(0), (std::vector<int>{1, 2}));
@@ -109,7 +109,7 @@ TEST_F(IOPlugins, FormAChainOfParsers)
 
 TEST_F(IOPlugins, AreSkippedWhenTheirManifestPromisesTooMuch)
 {
-    Add("factory");                                                // makes no parser
+    Add("factory");    // makes no parser
     m_folder.Write("zel-io-broken.so", "");
     m_folder.Write("zel-io-broken.formats", MANIFEST);
     Add("good", "liar");
@@ -129,7 +129,11 @@ TEST_F(IOPlugins, AreSkippedWhenTheirManifestPromisesTooMuch)
 TEST_F(IOPlugins, ReadManifestsWithCare)
 {
     const std::string head = "zel-io-formats\t1\n";
-    struct { const char* name; std::string text; bool known, loaded; } const rows[] = {
+    struct {
+        const char* name;
+        std::string text;
+        bool known, loaded;
+    } const rows[] = {
         {"as written", MANIFEST, true, false},
         {"comments and blank lines", head + "# x\n\nTEST\t0x4010\tr\t.tst\tTest\n", true, false},
         {"class in hexadecimals", head + "0x54455354\t0x4010\tr\t.tst\tTest\n", true, false},
@@ -171,13 +175,13 @@ TEST_F(IOPlugins, StayLoadedAsLongAsAParserLives)
     Register();
     CFileIo io(L"a.tst", FILEIO_READ, nullptr);
     ASSERT_TRUE(io.InitParser());
-    FreeIOPlugins(0x1000);                                         // another family
+    FreeIOPlugins(0x1000);    // another family
     EXPECT_EQ(GetIOPlugins().size(), 1u);
     FreeIOPlugins(FILE_FAMILY_3D);
     EXPECT_TRUE(GetIOPlugins().empty());
     EXPECT_FALSE(fileGetFileExt(L".tst"));
-    EXPECT_EQ(io.GetFileParser()->MustShowDialog(), 1);            // its code is still there
-    EXPECT_EQ(Register(), 1);                                      // may come back meanwhile
+    EXPECT_EQ(io.GetFileParser()->MustShowDialog(), 1);    // its code is still there
+    EXPECT_EQ(Register(), 1);                              // may come back meanwhile
     io.CloseParser();
     EXPECT_EQ(Chain(FILEIO_READ), std::vector<int>{1});
 }
@@ -189,9 +193,9 @@ TEST_F(IOPlugins, AreLookedForInTheFoldersOfTheEnvironment)
     std::filesystem::copy_file(m_folder.Name("zel-io-good.so"), other.Name("zel-io-good.so"));
     std::filesystem::copy_file(std::string(TEST_PLUGINS) + "/zel-io-second.so", other.Name("zel-io-second.so"));
     const ScopedVariable path("ZEL_PLUGIN_PATH", ":" + m_folder.Name() + "::/none:" + other.Name());
-    ASSERT_GE(RegisterIOPlugins(FILE_FAMILY_3D, L""), 2);          // and those that the build has made already
+    ASSERT_GE(RegisterIOPlugins(FILE_FAMILY_3D, L""), 2);    // and those that the build has made already
     const std::vector<CIoPluginInfo> plugins = GetIOPlugins();
-    EXPECT_EQ(plugins[0].path, m_folder.Wide("zel-io-good.so"));   // the first "good" counts
+    EXPECT_EQ(plugins[0].path, m_folder.Wide("zel-io-good.so"));    // the first "good" counts
     EXPECT_EQ(plugins[1].path, other.Wide("zel-io-second.so"));
 }
 

@@ -35,7 +35,7 @@ TEST(IoFile, ReplacesTheTargetOnlyWhenAllIsWell)
         IoFile dropped;
         EXPECT_TRUE(WriteAll(dropped, folder.Path("target"), "half"));
         EXPECT_EQ(folder.Read("target"), "old");
-    }                                                    // gone without CloseFile
+    }    // gone without CloseFile
     IoFile file;
     EXPECT_TRUE(WriteAll(file, folder.Path("target"), "refused"));
     EXPECT_TRUE(file.CloseFile(false));
@@ -103,7 +103,7 @@ TEST(IoFile, RefusesWhatIsNoFile)
 TEST(IoFile, ReadsAndTellsWhereItIs)
 {
     const TemporaryFolder folder;
-    folder.Write("caf\xC3\xA9 \xE9", "0123456789");      // a name that is no UTF-8
+    folder.Write("caf\xC3\xA9 \xE9", "0123456789");    // a name that is no UTF-8
     IoFile file;
     ASSERT_TRUE(file.OpenFile(folder.Path("caf\xC3\xA9 \xE9"), 1, nullptr));
     char bytes[20];
@@ -147,7 +147,7 @@ TEST(MemFile, GrowsAndReadsBack)
     }
     EXPECT_EQ(file.GetLength(), text.size());
     EXPECT_TRUE(file.SetPosition(1));
-    EXPECT_TRUE(file.WriteBytes("xy", 2));               // over what is there
+    EXPECT_TRUE(file.WriteBytes("xy", 2));    // over what is there
     text.replace(1, 2, "xy");
     EXPECT_TRUE(file.OpenFile({}, 1, nullptr));
     std::string back(text.size() + 5, '\0');

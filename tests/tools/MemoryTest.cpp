@@ -41,7 +41,8 @@ bool IsMarked(const Block& block, std::size_t size)
 void RandomWork(unsigned int seed)
 {
     std::mt19937 random(seed);
-    const std::size_t sizes[] = {0, 1, 100, 4096, XBLOCK_LARGE - 1, XBLOCK_LARGE, XBLOCK_LARGE + 1, 3 * XBLOCK_LARGE, 5 * XBLOCK_LARGE + 12345};
+    const std::size_t sizes[] = {
+        0, 1, 100, 4096, XBLOCK_LARGE - 1, XBLOCK_LARGE, XBLOCK_LARGE + 1, 3 * XBLOCK_LARGE, 5 * XBLOCK_LARGE + 12345};
     std::vector<Block> blocks(6);
     for (int i = 0; i < 150; i++) {
         Block& block = blocks[random() % blocks.size()];
@@ -87,7 +88,7 @@ TEST(Memory, ThreadsShareTheKeptBlocks)
     XTrimBlocks();
 }
 
-#if !defined(__SANITIZE_ADDRESS__)                       // the sanitizer ends the program instead
+#if !defined(__SANITIZE_ADDRESS__)    // the sanitizer ends the program instead
 TEST(Memory, TooMuchThrows)
 {
     EXPECT_THROW(XAllocBlock(SIZE_MAX), std::bad_alloc);

@@ -57,13 +57,13 @@ TEST(InstanciatedObject, DiesWithItsLastOwner)
     auto* const object = new CTestShared(&gone);
     object->AddRef();
     EXPECT_FALSE(object->Delete());
-    const CTestShared copy(*object);                     // a copy has its own owners
+    const CTestShared copy(*object);    // a copy has its own owners
     EXPECT_EQ(copy.GetRefCount(), 1);
     EXPECT_FALSE(gone);
     EXPECT_TRUE(object->Delete());
     EXPECT_TRUE(gone);
     DeleteMe(nullptr);
-    DeleteMe(static_cast<CTestShared*>(nullptr));        // its base lies behind another: still null
+    DeleteMe(static_cast<CTestShared*>(nullptr));    // its base lies behind another: still null
 }
 
 TEST(Exception, StaysAliveWhileItIsHandled)
@@ -80,7 +80,7 @@ TEST(Exception, StaysAliveWhileItIsHandled)
         EXPECT_EQ(XGetThreadException(), first);
         EXPECT_EQ(first->GetText(), L"first");
         try {
-            throw XSetThreadException(first);            // passed on: registered once all the same
+            throw XSetThreadException(first);    // passed on: registered once all the same
         } catch (CXException*) {
         }
     }
@@ -105,7 +105,7 @@ TEST(Exception, StaysAliveWhileItIsHandled)
     }
     std::thread([] {
         EXPECT_EQ(XGetThreadException(), nullptr);
-        XSetThreadException(new CXInvalidArgException);  // goes with the thread
+        XSetThreadException(new CXInvalidArgException);    // goes with the thread
     }).join();
     XDeleteThreadException();
     EXPECT_EQ(XGetThreadException(), nullptr);

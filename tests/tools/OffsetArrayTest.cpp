@@ -22,7 +22,11 @@ constexpr std::uint64_t GIB4 = std::uint64_t{1} << 32;
 TEST(OffsetArray, TakesTheMemoryThatItsValuesNeed)
 {
     // Faults in mind: a form that is left too late and cuts an offset short, or too early and costs memory for nothing.
-    struct { const char* name; std::vector<std::uint64_t> values; std::uint64_t bytes; } const rows[] = {
+    struct {
+        const char* name;
+        std::vector<std::uint64_t> values;
+        std::uint64_t bytes;
+    } const rows[] = {
         {"none", {}, 0},
         {"one", {GIB4 + 7}, 0},
         {"two", {40, 8}, 0},
@@ -60,9 +64,9 @@ TEST(OffsetArray, ChangesFormInTheMiddleOfEdits)
     offsets.AppendProgression(4, 0, 16);
     expected = {0, 16, 32, 48};
     check();
-    offsets.AppendProgression(2, 64, 16);                    // goes on
+    offsets.AppendProgression(2, 64, 16);    // goes on
     EXPECT_EQ(offsets.GetMemory(), 0u);
-    offsets.AppendProgression(2, 96, 20);                    // its second term breaks
+    offsets.AppendProgression(2, 96, 20);    // its second term breaks
     expected = {0, 16, 32, 48, 64, 80, 96, 116};
     check();
     offsets.SetAt(3, GIB4 * 5);
@@ -76,11 +80,11 @@ TEST(OffsetArray, ChangesFormInTheMiddleOfEdits)
     EXPECT_EQ(offsets.GetMemory(), 0u) << "a progression again";
     expected.resize(3);
     check();
-    offsets.SetAt(2, 32);                                    // the same value breaks nothing
+    offsets.SetAt(2, 32);    // the same value breaks nothing
     EXPECT_EQ(offsets.GetMemory(), 0u);
     offsets.SetSize(2);
     offsets.SetAt(0, 100);
-    offsets.Append(-68 & 0xFFFFFFFF);                        // not the next of 100, 16
+    offsets.Append(-68 & 0xFFFFFFFF);    // not the next of 100, 16
     expected = {100, 16, static_cast<std::uint64_t>(-68 & 0xFFFFFFFF)};
     check();
 

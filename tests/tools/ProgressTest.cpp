@@ -29,7 +29,7 @@ TEST(Progress, TellsNoMoreThanAThousandTimes)
     CProgress progress(L"work", 1000000);
     for (int i = 0; i < 1000000; i++)
         ASSERT_TRUE(progress.Step());
-    EXPECT_EQ(sink.fractions.size(), 1001u);                       // the beginning, and every thousandth
+    EXPECT_EQ(sink.fractions.size(), 1001u);    // the beginning, and every thousandth
     EXPECT_DOUBLE_EQ(sink.fractions.back(), 1.0);
     for (size_t i = 1; i < sink.fractions.size(); i++)
         ASSERT_GT(sink.fractions[i], sink.fractions[i - 1]);
@@ -45,9 +45,9 @@ TEST(Progress, InnerWorkFillsTheStepOfTheOuter)
         CProgress inner(L"inner", 10);
         inner.SetPos(5);
         EXPECT_DOUBLE_EQ(sink.fractions.back(), 0.625);
-        inner.SetPos(99);                                          // beyond its range
+        inner.SetPos(99);    // beyond its range
         EXPECT_DOUBLE_EQ(sink.fractions.back(), 0.75);
-        CProgress innermost(L"innermost", 1000000);                // too fine to be told
+        CProgress innermost(L"innermost", 1000000);    // too fine to be told
         const size_t told = sink.fractions.size();
         innermost.SetPos(1000);
         EXPECT_EQ(sink.fractions.size(), told);
@@ -69,10 +69,10 @@ TEST(Progress, CancelReachesEveryLevelAndStays)
         EXPECT_FALSE(inner.Step());
     }
     EXPECT_TRUE(outer.IsCancelled());
-    EXPECT_FALSE(outer.SetPos(0));                                 // also without a word to the sink
+    EXPECT_FALSE(outer.SetPos(0));    // also without a word to the sink
     CProgress next(L"next", 5);
     EXPECT_FALSE(next.Step());
-    EXPECT_EQ(sink.fractions.size(), 3u);                          // nobody is asked again
+    EXPECT_EQ(sink.fractions.size(), 3u);    // nobody is asked again
 }
 
 TEST(Progress, BelongsToItsThread)

@@ -59,13 +59,19 @@ TEST(SimpleCollection, LaysEntriesOutAndMovesTheOnesThatGrow)
     ASSERT_TRUE(collection.SetCollectionSize(2, 3, EXACT));
     EXPECT_EQ(collection.GetPoolUsed(), 32u);
     EXPECT_EQ(collection.GetPoolCapacity(), 32u);
-    const struct { const char* name; unsigned int entry, count; bool construct; unsigned int items; std::uint64_t used, capacity; } rows[] = {
+    const struct {
+        const char* name;
+        unsigned int entry, count;
+        bool construct;
+        unsigned int items;
+        std::uint64_t used, capacity;
+    } rows[] = {
         {"within the capacity", 0, 3, true, 3, 32, 32},
         {"room within the capacity", 1, 2, false, 0, 32, 32},
         {"fewer", 0, 1, true, 1, 32, 32},
         {"fewer, without construction", 0, 0, false, 0, 32, 32},
-        {"beyond the capacity", 0, 4, true, 4, 52, 68},      // 32 + 20, and max(52 / 4, 16)
-        {"room beyond the capacity", 1, 5, false, 0, 76, 95},// 52 + 24, and 76 / 4
+        {"beyond the capacity", 0, 4, true, 4, 52, 68},          // 32 + 20, and max(52 / 4, 16)
+        {"room beyond the capacity", 1, 5, false, 0, 76, 95},    // 52 + 24, and 76 / 4
         {"in the room made", 1, 5, true, 5, 76, 95},
     };
     for (const auto& row : rows) {
@@ -76,7 +82,7 @@ TEST(SimpleCollection, LaysEntriesOutAndMovesTheOnesThatGrow)
         EXPECT_EQ(collection.GetPoolCapacity(), row.capacity);
         CheckLayout(collection);
     }
-    EXPECT_EQ(collection.GetLiveSize(), 44u);                // 4 + 16 and 4 + 20
+    EXPECT_EQ(collection.GetLiveSize(), 44u);    // 4 + 16 and 4 + 20
     collection.CompactPool(60);
     EXPECT_EQ(collection.GetPoolUsed(), 44u);
     EXPECT_EQ(collection.GetPoolCapacity(), 60u);
@@ -108,7 +114,12 @@ TEST(SimpleCollection, RefusesMoreItemsThanTheCountHolds)
 
 TEST(SimpleCollection, KeepsTheMarginsOfItsModes)
 {
-    const struct { const char* name; unsigned int from, to, flags; std::uint64_t used, capacity; unsigned int entries; } rows[] = {
+    const struct {
+        const char* name;
+        unsigned int from, to, flags;
+        std::uint64_t used, capacity;
+        unsigned int entries;
+    } rows[] = {
         {"grow from nothing", 0, 100, GROW, 1600, 2000, 100},
         {"exact from nothing", 0, 100, EXACT, 1600, 1600, 100},
         {"grow", 10, 100, GROW, 1600, 2000, 100},
@@ -131,7 +142,7 @@ TEST(SimpleCollection, KeepsTheMarginsOfItsModes)
         CheckLayout(collection);
     }
     Collection reserved;
-    reserved.ReserveCollection(10, 35);                      // 3 + 1 items and a header each: 200 bytes and a quarter
+    reserved.ReserveCollection(10, 35);    // 3 + 1 items and a header each: 200 bytes and a quarter
     EXPECT_EQ(reserved.GetPoolCapacity(), 250u);
     EXPECT_EQ(reserved.GetEntryCount(), 0u);
     const unsigned int capacities[] = {2, 0, 5};
@@ -200,7 +211,7 @@ TEST(SimpleCollection, CompactsFirstWhenAskedTo)
     Fill(collection, {{1, 2, 3}, {4, 5, 6}});
     collection.SetEntrySize(0, 1, true);
     collection.SetCompactOnGrow(true);
-    collection.SetEntrySize(1, 4, true);                     // 8 + 16 live, 20 more
+    collection.SetEntrySize(1, 4, true);    // 8 + 16 live, 20 more
     EXPECT_EQ(collection.GetPoolUsed(), 44u);
     EXPECT_EQ(Contents(collection), (Lists{{1}, {4, 5, 6, 0}}));
 }
@@ -209,7 +220,11 @@ TEST(SimpleCollection, ReordersEveryLayout)
 {
     // Faults in mind: an entry cut at the stride of the others, spare room read beyond the pool, holes.
     const std::vector<unsigned int> source = {2, 0, 1, 3};
-    const struct { const char* name; Lists lists; unsigned int grown, grownTo; } rows[] = {
+    const struct {
+        const char* name;
+        Lists lists;
+        unsigned int grown, grownTo;
+    } rows[] = {
         {"triangles", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, 0, 3},
         {"quads", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 16}}, 0, 4},
         {"pairs", {{1, 2}, {3, 4}, {5, 6}, {7, 8}}, 0, 2},
@@ -271,9 +286,7 @@ TEST(SimpleCollection, AgreesWithListsUnderRandomEdits)
                 lists.insert(lists.end(), 2, list);
                 break;
             }
-            case 7:
-                collection.FreeExtra();
-                break;
+            case 7: collection.FreeExtra(); break;
             case 8: {
                 std::vector<unsigned int> source(entries);
                 std::iota(source.begin(), source.end(), 0u);
@@ -318,13 +331,13 @@ TEST(SimpleCollection, ViewsFollowTheirEntry)
     EXPECT_EQ(none.GetSize(), 0);
     EXPECT_EQ(none[3], 0);
     for (int i = 0; i < 20; i++)
-        EXPECT_TRUE(first.Add(first[1]));                    // the item lies in the pool that moves
+        EXPECT_TRUE(first.Add(first[1]));    // the item lies in the pool that moves
     EXPECT_EQ(first.GetSize(), 23);
     EXPECT_EQ(first.GetAt(22), 2);
     EXPECT_EQ(first.GetAt(23), 1) << "beyond the end: the first item";
     EXPECT_EQ(first[-1], 1);
     collection.GetElement(1, second);
-    second.SetAt(2, 77);                                     // beyond the size: ignored
+    second.SetAt(2, 77);    // beyond the size: ignored
     EXPECT_TRUE(first.Copy(second));
     EXPECT_EQ(first.GetSize(), 2);
     EXPECT_TRUE(second.SetSize(0));
@@ -344,16 +357,14 @@ TEST(SimpleCollection, RefusesDamagedStreams)
     // entry count 4, used 8, capacity 8, then the pool: headers at 20, 36 and 52
     ASSERT_EQ(whole[20], 3);
     ASSERT_EQ(whole[52], 1);
-    const struct { const char* name; std::size_t at; unsigned char value; } rows[] = {
-        {"more entries than offsets", 0, 4},
-        {"fewer entries than offsets", 0, 2},
-        {"more entries than the pool holds", 1, 255},
-        {"less used than the entries take", 4, 20},
-        {"more used than there is", 4, 60},
-        {"capacity beyond the stream", 17, 255},
-        {"more items than capacity", 20, 4},
-        {"entry over its neighbour", 22, 4},
-        {"entry over the end", 54, 2},
+    const struct {
+        const char* name;
+        std::size_t at;
+        unsigned char value;
+    } rows[] = {
+        {"more entries than offsets", 0, 4},        {"fewer entries than offsets", 0, 2}, {"more entries than the pool holds", 1, 255},
+        {"less used than the entries take", 4, 20}, {"more used than there is", 4, 60},   {"capacity beyond the stream", 17, 255},
+        {"more items than capacity", 20, 4},        {"entry over its neighbour", 22, 4},  {"entry over the end", 54, 2},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -370,7 +381,7 @@ TEST(SimpleCollection, RefusesDamagedStreams)
         EXPECT_FALSE(Load(loaded, {whole.begin(), whole.begin() + length})) << length;
     }
     std::mt19937 random(3);
-    for (int i = 0; i < 3000; i++) {                         // whatever loads is sound
+    for (int i = 0; i < 3000; i++) {    // whatever loads is sound
         std::vector<unsigned char> bytes = whole;
         bytes[random() % bytes.size()] = static_cast<unsigned char>(random());
         bytes[random() % bytes.size()] ^= 1 << random() % 8;

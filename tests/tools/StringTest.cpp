@@ -24,10 +24,13 @@ template <class... ARGS> Wide Formatted(const wchar_t* format, ARGS... arguments
 TEST(String, PartsAreClipped)
 {
     const Wide text(L"abcdef");
-    struct { Wide part; const wchar_t* expected; } const rows[] = {
-        {text.Left(2), L"ab"},     {text.Left(-1), L""},      {text.Left(99), L"abcdef"}, {text.Right(2), L"ef"}, {text.Right(0), L""},
-        {text.Right(-3), L""},     {text.Right(99), L"abcdef"}, {text.Mid(2, 2), L"cd"},  {text.Mid(4), L"ef"},   {text.Mid(6), L""},
-        {text.Mid(99, 5), L""},    {text.Mid(-5, 2), L"ab"},  {text.Mid(1, -1), L""},
+    struct {
+        Wide part;
+        const wchar_t* expected;
+    } const rows[] = {
+        {text.Left(2), L"ab"},  {text.Left(-1), L""},        {text.Left(99), L"abcdef"}, {text.Right(2), L"ef"}, {text.Right(0), L""},
+        {text.Right(-3), L""},  {text.Right(99), L"abcdef"}, {text.Mid(2, 2), L"cd"},    {text.Mid(4), L"ef"},   {text.Mid(6), L""},
+        {text.Mid(99, 5), L""}, {text.Mid(-5, 2), L"ab"},    {text.Mid(1, -1), L""},
     };
     for (const auto& row : rows)
         EXPECT_EQ(row.part, row.expected);
@@ -51,12 +54,12 @@ TEST(String, EditsAndOrder)
     EXPECT_EQ(loop.Replace(L"aa", L"aaa"), 2);
     EXPECT_EQ(loop, L"aaaaaa");
     EXPECT_EQ(loop.Replace(L"", L"x"), 0);
-    Narrow bytes("\xC3\x89Z");                           // bytes of UTF-8 are not letters
+    Narrow bytes("\xC3\x89Z");    // bytes of UTF-8 are not letters
     bytes.MakeLower();
     EXPECT_EQ(bytes, "\xC3\x89z");
     EXPECT_LT(Wide(L"Z").Compare(L"a"), 0);
     EXPECT_GT(Wide(L"Z").Compare(L"a", true), 0);
-    EXPECT_LT(Narrow("a").Compare("\xC3\xA9"), 0);       // bytes compare unsigned
+    EXPECT_LT(Narrow("a").Compare("\xC3\xA9"), 0);    // bytes compare unsigned
     EXPECT_LT(Wide(L"ab").Compare(L"abc", true), 0);
 }
 
@@ -66,11 +69,12 @@ TEST(String, FormatsAsPrintfDoes)
     EXPECT_EQ(Formatted(L"[%5s|%-5s|%.2s]", L"\u00E9t", L"\u00E9t", L"\u00E9t\u00E9"), L"[   \u00E9t|\u00E9t   |\u00E9t]");
     EXPECT_EQ(Formatted(L"%S %hs %ls", "\xC3\xA9", "n", L"w"), L"\u00E9 n w");
     EXPECT_EQ(Formatted(L"%c%c|%%|%*d|%-*d|", L'\u00E9', L'b', 4, 7, 3, 8), L"\u00E9b|%|   7|8  |");
-    EXPECT_EQ(Formatted(L"%hhd %hu %lld %zu %08X %+i", 300, 65537, -1ll << 40, std::size_t{5}, 0xBEEFu, 4), L"44 1 -1099511627776 5 0000BEEF +4");
+    EXPECT_EQ(Formatted(L"%hhd %hu %lld %zu %08X %+i", 300, 65537, -1ll << 40, std::size_t{5}, 0xBEEFu, 4),
+              L"44 1 -1099511627776 5 0000BEEF +4");
     EXPECT_EQ(Formatted(L"%.2f %6.1e %g", 2.005, 12345.0, 1e10), L"2.00 1.2e+04 1e+10");
     EXPECT_EQ(Formatted(L"%s", static_cast<const wchar_t*>(nullptr)), L"(null)");
     EXPECT_EQ(Formatted(L"%200.150f", 1.0).GetLength(), 200);
-    EXPECT_EQ(Formatted(L"100%"), L"100");               // a lone sign at the end
+    EXPECT_EQ(Formatted(L"100%"), L"100");    // a lone sign at the end
     Wide own(L"x");
     own.FormatString(L"%s%s", own.c_str(), own.c_str());
     EXPECT_EQ(own, L"xx");
@@ -81,7 +85,11 @@ TEST(String, FormatsAsPrintfDoes)
 
 TEST(String, Utf8SurvivesTheRoundTrip)
 {
-    struct { const char* name; std::string bytes; std::wstring wide; } const rows[] = {
+    struct {
+        const char* name;
+        std::string bytes;
+        std::wstring wide;
+    } const rows[] = {
         {"plain", "az", L"az"},
         {"two, three and four bytes", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", L"\u00E9\u20AC\U0001F600"},
         {"zero inside", std::string("a\0b", 3), std::wstring(L"a\0b", 3)},

@@ -28,10 +28,7 @@ public:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     void Write(const std::string& name, const std::string& content) const { std::ofstream(File(name), std::ios::binary) << content; }
-    std::size_t CountFiles() const
-    {
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
-    }
+    std::size_t CountFiles() const { return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
 
 private:
     std::filesystem::path m_path;

@@ -99,9 +99,12 @@ TEST(Tree, WalksParentFirstAndStaysBelowItsStop)
 TEST(Tree, RemovalTellsWhereTheWalkGoesOn)
 {
     // One step from the result must reach what followed the branch.
-    struct { int node, before, after; const char* shape; } const rows[] = {
-        {1, 0, 4, "0(4(5(6)) 7)"},         {2, 1, 3, "0(1(3) 4(5(6)) 7)"}, {3, 2, 4, "0(1(2) 4(5(6)) 7)"},
-        {4, 3, 7, "0(1(2 3) 7)"},          {6, 5, 7, "0(1(2 3) 4(5) 7)"},  {7, 6, -1, "0(1(2 3) 4(5(6)))"},
+    struct {
+        int node, before, after;
+        const char* shape;
+    } const rows[] = {
+        {1, 0, 4, "0(4(5(6)) 7)"}, {2, 1, 3, "0(1(3) 4(5(6)) 7)"}, {3, 2, 4, "0(1(2) 4(5(6)) 7)"},
+        {4, 3, 7, "0(1(2 3) 7)"},  {6, 5, 7, "0(1(2 3) 4(5) 7)"},  {7, 6, -1, "0(1(2 3) 4(5(6)))"},
     };
     for (const auto& row : rows)
         for (const bool destroy : {false, true}) {
@@ -124,13 +127,18 @@ TEST(Tree, RemovalTellsWhereTheWalkGoesOn)
     Sample s;
     EXPECT_EQ(s.tree.RemoveNode(s.n[0]), nullptr);
     EXPECT_EQ(s.tree.DeleteNode(s.n[0]), nullptr);
-    EXPECT_EQ(s.Shape(), "0");                           // the root stays
+    EXPECT_EQ(s.Shape(), "0");    // the root stays
     EXPECT_EQ(s.tree.DeleteNode(nullptr), nullptr);
 }
 
 TEST(Tree, EditsKeepTheOrderAndRefuseCircles)
 {
-    struct { const char* name; bool (*edit)(Sample&); bool done; const char* shape; } const rows[] = {
+    struct {
+        const char* name;
+        bool (*edit)(Sample&);
+        bool done;
+        const char* shape;
+    } const rows[] = {
         {"move behind the others", [](Sample& s) { return s.tree.MoveNode(s.n[5], s.n[1]); }, true, "0(1(2 3 5(6)) 4 7)"},
         {"move to the same parent", [](Sample& s) { return s.tree.MoveNode(s.n[2], s.n[1]); }, true, "0(1(3 2) 4(5(6)) 7)"},
         {"move under the root", [](Sample& s) { return s.tree.MoveNode(s.n[6], nullptr); }, true, "0(1(2 3) 4(5) 7 6)"},
@@ -147,7 +155,8 @@ TEST(Tree, EditsKeepTheOrderAndRefuseCircles)
         {"add one that has a parent", [](Sample& s) { return s.tree.AddChild(s.n[1], s.n[6], true); }, false, nullptr},
         {"add the root", [](Sample& s) { return s.tree.AddChild(s.n[1], s.n[0], true); }, false, nullptr},
         {"add null", [](Sample& s) { return s.tree.AddChild(s.n[1], nullptr, true); }, false, nullptr},
-        {"replace with children", [](Sample& s) { return s.tree.ReplaceNode(new CTestNode(8), s.n[4], true); }, true, "0(1(2 3) 8(5(6)) 7)"},
+        {"replace with children", [](Sample& s) { return s.tree.ReplaceNode(new CTestNode(8), s.n[4], true); }, true,
+         "0(1(2 3) 8(5(6)) 7)"},
         {"replace without", [](Sample& s) { return s.tree.ReplaceNode(new CTestNode(8), s.n[4], false); }, true, "0(1(2 3) 8 7)"},
         {"replace by its own kin", [](Sample& s) { return s.tree.ReplaceNode(s.n[5], s.n[4], true); }, false, nullptr},
         {"replace the root", [](Sample& s) { return s.tree.ReplaceNode(new CTestNode(8), s.n[0], true); }, true, "8(1(2 3) 4(5(6)) 7)"},
@@ -166,7 +175,7 @@ TEST(Tree, EditsKeepTheOrderAndRefuseCircles)
 TEST(Tree, AgreesWithChildListsOverRandomEdits)
 {
     Numbered s;
-    std::map<int, std::vector<int>> children;            // the naive model: number -> children
+    std::map<int, std::vector<int>> children;    // the naive model: number -> children
     std::map<int, int> parent;
     std::map<int, CTreeNode*> nodes{{0, s.tree.GetRoot()}};
     std::mt19937 random(11);
@@ -192,7 +201,8 @@ TEST(Tree, AgreesWithChildListsOverRandomEdits)
     for (int i = 1; i < 4000; i++) {
         const int a = pick(), b = pick();
         switch (random() % 5) {
-        case 0: case 1:
+        case 0:
+        case 1:
             nodes[i] = s.Add(nodes[a], i);
             children[a].push_back(i);
             parent[i] = a;
@@ -237,7 +247,7 @@ TEST(Tree, StreamsParentFirst)
     read.Add(nullptr, 99);
     EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.tree.Serialize(ar); }), NO_ERROR_TYPE);
     EXPECT_EQ(read.Shape(), s.Shape());
-    EXPECT_EQ(read.tree.GetRoot(), root);                // the same class: it reads into the root that is there
+    EXPECT_EQ(read.tree.GetRoot(), root);    // the same class: it reads into the root that is there
 
     CTree bare, other;
     other.SetRoot(new CTestRoot);
@@ -273,7 +283,7 @@ TEST(Tree, DepthCostsNoStack)
             node = s.Add(node, i);
         EXPECT_EQ(s.Walk(nullptr, nullptr).size(), static_cast<std::size_t>(DEPTH));
         EXPECT_EQ(s.tree.GetDepth(node), static_cast<unsigned int>(DEPTH));
-        s.Add(nullptr, DEPTH + 1);                       // all the way up in one step
+        s.Add(nullptr, DEPTH + 1);    // all the way up in one step
         CTree read;
         const StreamBytes bytes = StoredBy([&](CXArchive& ar) { s.tree.Serialize(ar); });
         EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);

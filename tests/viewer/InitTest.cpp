@@ -30,7 +30,7 @@ protected:
 
 TEST_F(InitTest, CountsItsCalls)
 {
-    Close3DZel(0);                                       // too many: nothing happens, and nothing is owed
+    Close3DZel(0);    // too many: nothing happens, and nothing is owed
     EXPECT_FALSE(HasPreferencesFile());
     Init3DZel(0);
     Init3DZel(0);
@@ -54,7 +54,7 @@ TEST_F(InitTest, LeavesOutWhatItIsTold)
     EXPECT_FALSE(HasTestFormat());
     RegisterIOPlugins(FILE_FAMILY_3D, m_folder.Wide("plugins"));
     Close3DZel(INIT_NO_PLUGINS);
-    EXPECT_TRUE(HasTestFormat());                        // the host's own
+    EXPECT_TRUE(HasTestFormat());    // the host's own
     FreeIOPlugins(FILE_FAMILY_3D);
     EXPECT_NE(Zel3DResourceHandle(), nullptr);
 }

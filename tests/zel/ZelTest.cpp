@@ -52,7 +52,7 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
     const struct {
         std::string arguments;
         int code;
-        long lines;                      // on standard error
+        long lines;    // on standard error
     } rows[] = {
         {"info " + MODEL, 0, 0},
         {"info --json -q " + MODEL, 0, 0},
