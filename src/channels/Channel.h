@@ -5,6 +5,7 @@
 
 #include "tools/Array.h"
 #include "tools/CustomData.h"
+#include "tools/Hash.h"
 #include "tools/Object.h"
 
 class CFaceList;
@@ -209,3 +210,6 @@ private:
     unsigned int m_id;
     _Channel3DType m_type;
 };
+
+/// From channels as they were to the channels that took them in.
+using CChannelMap = CHashMap<CChannelInfo, const CChannelInfo&, CChannelInfo>;

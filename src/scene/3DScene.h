@@ -14,6 +14,21 @@
 
 class CFileNameSpec;
 
+/// Flags of the copies of scenes, branches and nodes.
+enum _SCENE_COPY_FLAGS : int {
+    SCENE_COPY_NO_HIDDEN = 0x1,    ///< leaves out hidden nodes
+    SCENE_COPY_NO_CURVES = 0x2,    ///< and these kinds
+    SCENE_COPY_NO_PATCHES = 0x4,
+    SCENE_COPY_NO_POLYGONS = 0x8,
+    SCENE_COPY_NO_GROUPS = 0x10,
+    SCENE_COPY_SELECTED = 0x20,            ///< when a node is selected, only selected ones
+    SCENE_COPY_REMEMBER_SOURCE = 0x100,    ///< binary custom datum 'RFNO' of the new node: the address of its source
+    SCENE_COPY_ONE_LEVEL = 0x200,          ///< without what is below the children
+    SCENE_COPY_FLATTEN = 0x800,            ///< all nodes go under one parent
+    SCENE_COPY_NO_MATERIALS = 0x10000,
+    SCENE_COPY_NO_SCENE_DATA = 0x20000,    ///< without the parameters
+};
+
 /// A scene: the tree of nodes under a root, the materials, and the parameters in the custom data.
 ///
 /// Reference counted, released with DeleteMe. Owns its nodes. The root holds a group, is nobody's child and is not visited by
@@ -91,6 +106,11 @@ public:
     bool DeleteNodes(C3DSceneNode* start, const C3DFilter* filter);
     /// False when either is null. `keepChildren`: those of the old node go to the new one.
     bool ReplaceNode(C3DSceneNode* newNode, C3DSceneNode* oldNode, bool keepChildren);
+    /// Lifts what groups hold to the root and deletes groups. For scenes whose transforms are baked: keys stay as they are.
+    void RemoveGroups();
+    /// Puts a group between every geometric node of the branch of `start`, itself included, and its children, so that no geometric node
+    /// has any. True when something changed.
+    bool MakeGroupForChilds(C3DSceneNode* start);
     /// Nodes, materials, parameters and parser info.
     void RemoveAll();
     void RemoveAllNodes();
@@ -115,6 +135,41 @@ public:
     /// The same for the object of a node; a node whose object is not shared is appended alone.
     int GetInstancesByID(C3DSceneNode* start, C3DSceneNode* reference, CXArray<C3DSceneNode*>& nodes, bool reset) const;
 
+    // Copies (SceneCopy.cpp). `flags`: _SCENE_COPY_FLAGS; a null creator means the default one; shared objects stay shared.
+
+    /// A new scene with what is below `start`, the parameters and the materials; null when no node came through. The caller's.
+    C3DScene* Copy(C3DSceneNode* start, int flags, C3DObjectCreator* creator) const;
+    /// Copies what is below `start` under a node of `dst`, which may be this scene.
+    void CopyChilds(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* start, int flags, C3DObjectCreator* creator) const;
+    /// Copies a branch; its new top, or null when that was left out.
+    C3DSceneNode* CopyNode(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* source, int flags, C3DObjectCreator* creator) const;
+    /// Copies a node without what is below it.
+    C3DSceneNode* CopySingleNode(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* source, int flags, C3DObjectCreator* creator) const;
+    /// Takes the materials of another scene; `flags` and `listed` as in CMaterials::CopyMaterials.
+    void CopyMaterials(const C3DScene& from, unsigned int flags, const C3DFaceList::MaterialsMap* listed);
+    /// Takes parameters (unless SCENE_COPY_NO_SCENE_DATA) and shares the parser info.
+    void Inherit(const C3DScene* from, unsigned int flags);
+    /// Gives `dst` the materials that it lacks, unless SCENE_COPY_NO_MATERIALS.
+    void InheritNode(C3DScene* dst, C3DSceneNode* node, unsigned int flags) const;
+    /// Replaces each object of the branch of `start` by what the creator makes of it; how many nodes changed.
+    int ConvertToType(C3DSceneNode* start, C3DObjectCreator* creator);
+
+    // Selection (SceneSelection.cpp)
+
+    enum _SELECT_FLAGS : unsigned int {
+        SELECT_ADD = 1,          ///< keeps what is selected
+        SELECT_INSTANCES = 2,    ///< with every node that shares the object of a selected one
+        SELECT_BRANCH = 4,       ///< with the nodes below
+    };
+    /// Nothing for null.
+    void Select(C3DSceneNode* node, unsigned int flags);
+    void SelectAll();
+    void SelectNone();
+    void Unselect(C3DSceneNode* node);
+    bool IsNodeSelected() const;
+    /// In walking order; their number.
+    unsigned int GetSelectedNodes(CXArray<C3DSceneNode*>& nodes) const;
+
     // Space and time (SceneTransforms.cpp)
 
     int GetTickCount() const { return m_currentTime; }
@@ -126,6 +181,8 @@ public:
     /// the z-up world (`import`), or back. False for UP_AXIS_Z.
     bool OrientScene(_UP_AXIS_MODE mode, bool import);
     void Scale(const C3DTVector<float>& factors);
+    /// Exchanges and mirrors axes (geometry/Swap.h) of points, channels, keys and projected maps. False for 0.
+    bool SwapCoordinates(int mode);
     /// Bakes the transforms of all nodes below `start` into their objects, which are made unique, and deletes their keys
     /// (below the root: all keys). Always 0.
     int ConvertToGlobalCoordinates(C3DSceneNode* start);
@@ -158,12 +215,47 @@ public:
     _NormalSmoothMode GetSmoothMode() const;
     /// 0 stands for the preferences' mode.
     void SetSmoothMode(_NormalSmoothMode mode, bool alsoPreferences);
+    /// Of every patch, and of those to come.
+    void SetPatchLevel(unsigned int level);
 
     CFileNameSpec GetFilename() const;
     /// Folder of the file, with its last separator.
     CXTString<wchar_t> GetFilepath() const;
     /// An empty name removes it.
     void SetFilename(const CFileNameSpec& spec);
+
+    // Materials (SceneMaterials.cpp)
+
+    C3DMaterial* CreateNewMaterial(unsigned int id) { return m_materials.CreateNewMaterial(id); }
+    /// Null for none; id 0 makes the default material.
+    C3DMaterial* GetMaterialByID(unsigned int id) { return m_materials.FindByID(id); }
+    C3DMaterial* GetMaterialByID(unsigned int id) const { return m_materials.FindByID(id); }
+    C3DMaterial* GetMaterialByName(const CXTString<wchar_t>& name) const { return m_materials.FindByName(name); }
+    C3DMaterial* FindMaterial(const C3DMaterial& material, bool byName) const { return m_materials.Find(material, byName); }
+    /// Id of what FindMaterial gives; 0xFFFFFFFF for none.
+    unsigned int FindMaterialID(const C3DMaterial& material, bool byName) const;
+    unsigned int GetMaterialID(const CXTString<wchar_t>& name) const;
+    bool RemoveMaterial(unsigned int id) { return m_materials.RemoveMaterial(id); }
+    void SetDefaultMaterial(const C3DMaterial& material) { m_materials.SetDefaultMaterial(material); }
+    unsigned int GetMaterialNumber() const { return m_materials.GetCount(); }
+    /// Walk over the materials by slot: 0xFFFFFFFF is the end.
+    unsigned int GetFirstMaterial() const { return m_materials.GetFirst(); }
+    C3DMaterial* GetNextMaterial(unsigned int& pos) const;
+    /// Counts, under the id of each material, the geometric nodes below `start` that use it; the number of ids. `reset` empties first.
+    unsigned int GetMaterials(C3DSceneNode* start, C3DFaceList::MaterialsMap& uses, bool reset) const;
+    /// Appends the geometric nodes below `start` that use the material; the size of the array.
+    unsigned int GetNodesByMaterial(C3DSceneNode* start, unsigned int materialID, CXArray<C3DSceneNode*>& nodes, bool reset) const;
+
+    // Texture files (SceneTextures.cpp)
+
+    /// Adds a folder in which textures are looked for. False when it is no folder, or is in the list under whatever spelling.
+    bool AddTexturePath(const CXTString<wchar_t>& path);
+    /// False, with an empty text, behind the end of the list.
+    bool GetTexturePath(int index, CXTString<wchar_t>& path) const;
+    /// The size of the array, which is emptied first unless `append`.
+    int GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const;
+    /// File names of the diffuse maps of all materials, as they stand in the maps; empties the array first.
+    void GetLinkedFiles(CXArray<CXTString<wchar_t>>& files, bool) const;
 
     // What a parser keeps with the scene
 

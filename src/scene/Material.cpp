@@ -9,6 +9,8 @@ C3DMaterial::C3DMaterial() : m_materialID(CreateSceneID(ID_MATERIAL)) {}
 
 C3DMaterial::~C3DMaterial() = default;
 
+void C3DMaterial::SetName(const CXTString<wchar_t>& name) { m_name = name; }
+
 void C3DMaterial::Serialize(CXArchive& ar)
 {
     C3DKeyframable::Serialize(ar);

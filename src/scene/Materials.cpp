@@ -6,7 +6,11 @@ ZEL_IMPLEMENT_CREATABLE(CMaterials, CXObject)
 
 static constexpr unsigned int DEFAULT_MATERIAL = 9358;
 
+CMaterials::CMaterials() = default;
+
 CMaterials::~CMaterials() { RemoveAll(); }
+
+void CMaterials::Serialize(CXArchive&) {}
 
 C3DMaterial* CMaterials::CreateNewMaterial(unsigned int id)
 {
@@ -19,6 +23,8 @@ C3DMaterial* CMaterials::CreateNewMaterial(unsigned int id)
     m_byID.Insert(material->m_materialID, material);
     return material;
 }
+
+C3DMaterial* CMaterials::FindByID(unsigned int id) { return const_cast<const CMaterials*>(this)->FindByID(id); }
 
 C3DMaterial* CMaterials::FindByID(unsigned int id) const
 {

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "channels/NormalMode.h"
+#include "tools/Array.h"
 #include "tools/CustomData.h"
 #include "tools/String.h"
 
@@ -32,6 +33,10 @@ public:
     /// Level of subdivision of patches; 1 unless set.
     unsigned int GetPatchLevel() const;
     void SetPatchLevel(unsigned int level);
+
+    /// Folders in which textures are looked for, whatever the scene. The size of the array.
+    int GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const;
+    void SetTexturePaths(const CXArray<CXTString<wchar_t>>& paths);
 
     /// Options of other subjects: a fixed number of bytes under an id. False, with nothing copied, when absent or of
     /// another size.

@@ -93,6 +93,9 @@ public:
     bool ConvertToGlobalCoordinates(int time);
     /// The same with a given matrix and without tolerance.
     bool ConvertToGlobalCoordinates(const C4x4TMatrix<float>& matrix);
+    /// Exchanges and mirrors axes (geometry/Swap.h): of the object's points and channels, and of the keys.
+    void SwapPoints(unsigned int mode);
+    void SwapTransformations(unsigned int mode);
     /// Mean of the box centres, in scene coordinates, of this node's object and those below; false, with zeros, for none.
     bool GetCG(int time, C3DTPoint<float>& center) const;
 
