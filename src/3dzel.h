@@ -48,6 +48,7 @@
 #include "geometry/4DPoint.h"
 #include "geometry/4DVector.h"
 #include "geometry/4x4Matrix.h"
+#include "geometry/AxisInfo.h"
 #include "geometry/ConnectionInfo.h"
 #include "geometry/CoordinateLoops.h"
 #include "geometry/DataChunk.h"
@@ -120,6 +121,8 @@
 #include "scene/Units.h"
 #include "scene/UpAxis.h"
 #include "scene/UpdateFlags.h"
+
+#include "meshops/IntCoordMap.h"
 
 #include "io/3DDlgFormatSelection.h"
 #include "io/3DIo.h"

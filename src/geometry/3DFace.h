@@ -46,4 +46,12 @@ public:
     /// Lays the polygon in its own plane: `list` gets a point a corner, the first at the origin, the second on the
     /// positive x axis. Empty with fewer than 3 corners or a broken one.
     void Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const;
+
+    /// Splits this face by cutting off ears in its plane (meshops/Triangulate.cpp).
+    ///
+    /// @param info         source and destination lists and channels
+    /// @param sourceFace   number of this face in the source
+    /// @param firstTarget  where to write in the destination; -1 sizes the destination for this face alone
+    /// @return             number of triangles written, up to corners - 2; a smaller face is copied
+    int Triangulate(const CGeomInfo* info, int sourceFace, int firstTarget);
 };

@@ -4,6 +4,7 @@
 #include "geometry/FaceList.h"
 
 class C3DVectorList;
+class CBitArray;
 template <class T> class C4x4TMatrix;
 
 /// How Sort orders faces. Both go by ascending material; faces of one material keep their order.
@@ -11,6 +12,9 @@ enum _FACE_SORT_MODE : int {
     FACE_SORT_MATERIAL = 1,
     FACE_SORT_MATERIAL_2 = 2,
 };
+
+/// What of a face list is to be split into triangles.
+enum _TriangularInfo : int { TRIANGULAR_NOTHING = 0, TRIANGULAR_SOME = 1, TRIANGULAR_ALL = 2 };
 
 constexpr unsigned int CHUNK_BACK_MATERIAL = FourCC("BKMT");    ///< present once a back material was set
 constexpr unsigned int NO_MATERIAL = 0xFFFFFFFF;
@@ -89,7 +93,28 @@ public:
     bool GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask, bool wanted,
                         C4x4TMatrix<float>* m) const;
 
+    // --- Triangles (meshops/Triangulate.cpp) ------------------------------------------------------------------------
+    //
+    // A face of more than 3 corners is split when ((flags & properties) == properties) == wanted.
+
+    /// Number of faces after splitting; `out` tells whether there is anything to split.
+    int GetTriangularCount(const CGeomInfo* info, _TriangularInfo* out, _FACE_PROPERTIES properties, bool wanted);
+    /// Writes the faces, split, to the destination list of `info` (made when missing), and those of the channels of the types given to its
+    /// destination channels. With nothing to split source and destination share their lists. Number of faces.
+    int Triangulate(CGeomInfo* info, unsigned int channelTypes, _FACE_PROPERTIES properties, bool wanted);
+
+    // --- Regions (meshops/CoplanarMerge.cpp, Unify.cpp) -------------------------------------------------------------
+
+    /// Writes to the destination of `info` one polygon for each region of faces in one plane, of one material, without a seam.
+    ///
+    /// @param angle  largest angle between normals of neighbours, radians
+    /// @return       number of faces in the destination; -1 when the user stopped it
+    int MergeCoplanarFaces(const CGeomInfo* info, double angle);
+    /// Gives connected faces one orientation, and each group of them outward normals. `flipped`: one bit a face. True.
+    bool UnifyNormals(CGeomInfo* info, CBitArray& flipped);
+
 protected:
+    int DoTriangulation(const CGeomInfo* info, int total, _TriangularInfo what, _FACE_PROPERTIES properties, bool wanted);
     bool UpdateList(const CGeomInfo* info) override;
     ~C3DFaceList() override;
 

@@ -2,8 +2,14 @@
 
 #include <memory>
 
+#include "geometry/AxisInfo.h"
 #include "geometry/PointList.h"
+#include "tools/AssociationMap.h"
 
+class C3DEdge;
+class C3DPointSymetryMap;
+class CIntCoordMap;
+struct WeldProximityMap;
 template <class T> class C4x4TMatrix;
 
 /// Positions of a mesh.
@@ -55,7 +61,49 @@ public:
     /// Sets POINT_SHARE_MATERIALS where materials meet, clears it elsewhere. True when any point has it.
     bool InitShareSeveralMaterialsFlag();
 
+    // --- Points near a place (meshops/IntCoordMap.cpp) --------------------------------------------------------------------
+    //
+    // A grid of cells half as wide as the tolerance. An absolute tolerance is a length; another one is a fraction of the smallest
+    // extent of the points' box. 0 stands for a fraction of 0.001.
+
+    /// Null for an empty list. The caller deletes it.
+    CIntCoordMap* InitIntCoordMap(double tolerance, bool absolute);
+    /// The same grid with a buffer for Get3DProximityPoints.
+    WeldProximityMap* InitWeldMap(double tolerance, bool absolute);
+    void DeleteWeldMap(WeldProximityMap* map) const;
+    /// Candidates for a merge with one point: all points in its grid cell and the 26 around it.
+    ///
+    /// No distance is tested; a candidate may lie up to CIntCoordMap::GetMaxDistance away.
+    ///
+    /// @param point  index into this list
+    /// @param map    from InitWeldMap on this list; null finds nothing. Stale as soon as the list is resized or its points move; nothing
+    ///               detects that
+    /// @param count  out: number of candidates, 0 for none
+    /// @return       `count` indices without `point`: cells with x slowest and z fastest, ascending inside a cell. Null for none. Belongs
+    ///               to `map`; the next call overwrites it
+    int* Get3DProximityPoints(int point, WeldProximityMap* map, int& count);
+
+    // --- Points by their surroundings (meshops/SymetryMap.cpp, Corners.cpp, Slice.cpp, CoplanarPoints.cpp) ----------------
+
+    /// Pairs each point with its mirror image across the middle of the box.
+    ///
+    /// @param tolerance  largest distance from the mirrored place, as a fraction of a twentieth of the extent along the axis
+    /// @return           the caller's; null for an empty list, an empty map without extent along the axis
+    C3DPointSymetryMap* InitSymetryMap(_AXIS_INFO axis, double tolerance);
+    /// Sets POINT_2D_CORNER where a border turns by more than `angle` (radians); clears it elsewhere. Number of marks set.
+    unsigned int Set2DCornerPointsStatus(CAssociationMap<C3DEdge, int, unsigned short>& edges, double angle);
+    /// Sets POINT_3D_CORNER where the normals of two faces differ by more than `angle`; clears it elsewhere. Number of marks.
+    unsigned int Set3DCornerPointsStatus(CFaceList* faces, double angle);
+    /// A grid of nx by ny by nz cells over the box; the caller deletes it. Null for an empty list.
+    ///
+    /// @param fill  enters the points
+    /// @param flag  0, or only points for which (flags & flag) != 0 equals `flagValue`
+    CIntCoordMap* InitSlicerMap(bool fill, unsigned int nx, unsigned int ny, unsigned int nz, unsigned int flag, bool flagValue);
+    /// Sets POINT_SHARE_COPLANAR on points of several faces, all within `angle` of the first; clears it elsewhere.
+    void InitShareCoplanarFacesFlag(const CGeomInfo* info, double angle);
+
 protected:
+    CIntCoordMap* GetIntCoordMap(double tolerance, bool absolute, bool shifted);
     bool UpdateList(const CGeomInfo* info) override;
     ~C3DPointList() override;
 

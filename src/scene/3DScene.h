@@ -187,6 +187,22 @@ public:
     /// (below the root: all keys). Always 0.
     int ConvertToGlobalCoordinates(C3DSceneNode* start);
 
+    // Mesh operations on all objects, each in the file of its name in meshops/
+
+    bool DisconnectBorderFaces(unsigned int options, unsigned int pointFlag, unsigned int faceFlag);
+    /// Makes coordinates where maps are projections; these maps then use them. True when a channel was made.
+    bool GenerateUVW();
+    /// Joins the geometric objects of a branch, transforms baked in (Concatenate.cpp). Hidden nodes and empty objects stay out.
+    ///
+    /// @param destination  where to; null makes a polygon object. Released when nothing came in
+    /// @param replace      the branch goes, and the new node stands under the root; otherwise the node is handed over, outside the tree
+    /// @param filter       asked for nodes and faces; may be null
+    /// @return             the node that holds the destination; null when there is nothing to join
+    C3DSceneNode* Concatenate(C3DSceneNode* start, const CXTString<wchar_t>& name, C3DGeomObject* destination, bool replace,
+                              C3DFilter* filter, bool includeStart);
+    /// One object for each material of a branch; their number.
+    int ConcatenateByMaterials(C3DSceneNode* start, bool replace, C3DFilterByMaterial* filter);
+
     // Parameters (SceneParameters.cpp)
 
     CCustomData& GetCustomData() { return m_customData; }

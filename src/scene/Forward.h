@@ -8,6 +8,7 @@ class C3DCamera;
 class C3DCurve;
 class C3DDummy;
 class C3DFilter;
+class C3DFilterByMaterial;
 class C3DGeomObject;
 class C3DGroup;
 class C3DInstanceID;

@@ -9,6 +9,8 @@ class C3DPointList;
 class CDependentChannels;
 class CFaceNormalChannel;
 class CPointNormalChannel;
+class CMapChannelID;
+template <class ID, class COUNT> class CGroupMap;
 
 /// How the faces of an object are culled.
 enum _faceModeEnum : unsigned int {
@@ -29,6 +31,9 @@ enum _BOX_FLAGS : unsigned int {
     BOX_NOT_KINDS = 0x80,         ///< the kind mask is ~value2; BOX_KINDS goes first
     BOX_IN_NODE_SPACE = 0x100,    ///< object boxes: measured in scene coordinates, through the node given
 };
+
+/// Which faces C3DGeomObject::SubObject takes.
+enum _SUBOBJECT_MODE : int { SUBOBJECT_EXACT = 1, SUBOBJECT_MORE = 3 };
 
 /// Scene angle in place of an own one.
 constexpr float SMOOTH_ANGLE_INHERITED = -1.0f;
@@ -155,6 +160,55 @@ public:
     /// `typeMask`, without it those inside; 0xFFFFFFFF asks for no types.
     void CleanChannels(unsigned int typeMask, bool keepTypes);
 
+    // Mesh operations, each in the file of its name in meshops/. None touches the object when the user stops it.
+
+    /// Joins points whose grid cells touch (Weld.cpp).
+    ///
+    /// @param tolerance     as for C3DPointList::InitWeldMap
+    /// @param channelTypes  channels whose points are joined too, where they are equal
+    /// @param conditions    number of pairs (mask of point flags, mode) that follow; mode bits: 1 a point with the mask is not joined, 2 one
+    ///                      without it is not, 4 a point with it joins no other, 8 one without it joins no other
+    /// @return              true when points or channel points were joined
+    bool Weld3DPoints(double tolerance, bool absolute, unsigned int channelTypes, unsigned int conditions, ...);
+    /// Splits faces of more than 3 corners for which ((flags & properties) == properties) == wanted (Triangulate.cpp). False when there are
+    /// none, and for curves.
+    bool Triangulate(unsigned int channelTypes, _FACE_PROPERTIES properties, bool wanted);
+    /// Splits faces of more than 4 corners into triangles (Triangulate.cpp).
+    bool Quadrangulate(unsigned int channelTypes);
+    /// One polygon for each flat region of one material without seams (CoplanarMerge.cpp). `angle` in radians. True when faces went.
+    bool MergeCoplanarFaces(double angle, unsigned int channelTypes);
+    /// One orientation for connected faces, outward where there is an outside (Unify.cpp). False without faces.
+    bool UnifyNormals();
+    /// Appends a new object for each part that hangs together through edges (Explode.cpp); the caller's. Number of parts; 0 for an object
+    /// that is one part.
+    int ExplodeIntoIsolatedParts(CXArray<C3DGeomObject*, C3DGeomObject*>& parts);
+    /// A new object of the listed live faces with their points in order of first use, and their channels (SubObject.cpp). Null for none.
+    C3DObject* SubObject(const int* faces, unsigned int count);
+    /// The same of the live faces with that many corners, or more.
+    C3DObject* SubObject(int corners, _SUBOBJECT_MODE mode);
+    /// Splits points where the channels of the types in `options` differ between faces, and numbers these channels as the object's corners
+    /// (Disconnect.cpp).
+    ///
+    /// @param pointFlag  set on split points and their copies
+    /// @param faceFlag   set on the faces that keep and that get a copy
+    /// @param map        receives each point with its copies; may be null
+    /// @param noPoints   only flags and `map` are filled: what a split would do
+    /// @param extra      receives each touched face as it was; may be null
+    /// @return           false when there is no seam
+    bool DisconnectBorderFaces(unsigned int options, unsigned int pointFlag, unsigned int faceFlag, CGroupMap<int, unsigned short>* map,
+                               bool noPoints, C3DFaceList* extra);
+    /// One UVW channel out of those that the diffuse maps of the materials use (GlobalChannel.cpp). `removeOld` removes these. Its id, or
+    /// 0xFFFFFFFF for none.
+    unsigned int GlobalizeChannels(C3DScene* scene, bool removeOld);
+    /// Makes real coordinates for each material whose diffuse map is a projection (UVGeneration.cpp). True when a channel was made.
+    bool GenerateUVW(C3DScene* scene);
+    /// Appends other objects, or those of their faces that pass the filter, with their channels (Concatenate.cpp). True when anything was
+    /// joined; false leaves this object untouched.
+    bool Concatenate(C3DScene* scene, const CXArray<C3DGeomObject*, C3DGeomObject*>& sources, const C3DFilter* filter);
+    /// Renames the channels in the object's settings and in the materials that it uses (Concatenate.cpp).
+    void ChangeChannelID(C3DScene* scene, const CChannelMap& map);
+    void ChangeMaterialsChannelID(C3DScene* scene, const CChannelMap& map);
+
     // Faces turned round (GeomObjectTransform.cpp)
 
     /// Reverses all live faces, channels included. False without faces or for an OBJECT_EMPTY object.
@@ -164,6 +218,12 @@ protected:
     explicit C3DGeomObject(_OBJECT_KINDOF kind);
     C3DGeomObject(_OBJECT_KINDOF kind, C3DPointList* points, C3DFaceList* faces, CDependentChannels* channels);
     ~C3DGeomObject() override;
+
+    /// The channel, not in the object yet; null for an empty table. Entries without a channel leave the table (GlobalChannel.cpp).
+    CChannel* MakeGlobalChannel(CHashTable<CMapChannelID>*& table, _Channel3DType type);
+    /// Coordinates for the faces of one material (UVGeneration.cpp): the channel's id; 0 without a map or on a curve, 0xFFFFFFFF for a map
+    /// that is no projection.
+    unsigned int CreateUVWChannel(CMaterialMap* map, unsigned int materialID, bool freeExtra);
 
 private:
     struct Box {

@@ -32,8 +32,8 @@ enum MapProjection : unsigned int {
 enum MapAxis : unsigned int { MAP_AXIS_X = 0, MAP_AXIS_Y = 1, MAP_AXIS_Z = 2 };
 
 enum MAP_PROPERTIES : unsigned int {
-    MAP_NO_ALPHA_TEST = 0x4,     ///< for views
-    MAP_RELOAD = 0x1000000,      ///< the next GetBitmap reads the file again
+    MAP_NO_ALPHA_TEST = 0x4,    ///< for views
+    MAP_RELOAD = 0x1000000,     ///< the next GetBitmap reads the file again
 };
 
 /// A texture: an image file, how it is laid on the surface, and, once asked for, the image itself.
