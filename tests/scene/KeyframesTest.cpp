@@ -10,8 +10,7 @@
 #include <vector>
 
 #include "scene/Keyframable.h"
-#include "tools/Exception.h"
-#include "tools/IoFile.h"
+#include "support/Streams.h"
 
 namespace {
 constexpr double PI = std::numbers::pi;
@@ -86,33 +85,6 @@ int NaiveLookup(const std::vector<Entry>& entries, int time, unsigned int mode, 
         }
     }
     return found;
-}
-
-std::vector<unsigned char> Store(C3DKeyframable& list)
-{
-    CCustomMemFile file;
-    file.OpenFile(L"", 0, nullptr);
-    CXArchive ar(&file, CXArchive::STORE);
-    list.Serialize(ar);
-    ar.Close();
-    const auto* bytes = static_cast<const unsigned char*>(file.GetBytes());
-    return {bytes, bytes + file.GetLength()};
-}
-
-/// Type of the archive exception, or -1 when all went well.
-int Load(C3DKeyframable& list, const std::vector<unsigned char>& bytes)
-{
-    CCustomMemFile file(bytes.data(), bytes.size());
-    file.OpenFile(L"", 1, nullptr);
-    CXArchive ar(&file, CXArchive::LOAD);
-    try {
-        list.Serialize(ar);
-    } catch (CXArchiveException* e) {
-        const int type = e->GetType();
-        XDeleteThreadException();
-        return type;
-    }
-    return -1;
 }
 }
 
@@ -473,13 +445,13 @@ TEST(Keyframable, StreamRoundTripAndDamage)
     list.AddKey(9, C3DMatrixKey(m));
     list.AddKey(9, C3DTypeKey<CRGBColor>(KEY_AMBIENT_COLOR, {1, 2, 3, 4}));
     list.AddKey(9, C3DTypeKey<double>(KeyClassID(KEY_TYPE_DOUBLE, 1), 0.1));
-    const std::vector<unsigned char> bytes = Store(list);
+    const StreamBytes bytes = Stored(list);
 
     C3DKeyframable back;
     back.AddKey(100, Number(1));    // goes when the others come
-    ASSERT_EQ(Load(back, bytes), -1);
+    ASSERT_TRUE(Load(back, bytes));
     EXPECT_TRUE(back == list);
-    EXPECT_EQ(Store(back), bytes);
+    EXPECT_EQ(Stored(back), bytes);
     const C3DKeyframe* loaded = back.GetKey(8, KEY_EXACT, KEY_SCALE, nullptr);
     ASSERT_NE(loaded->GetKeyCurve(), nullptr);
     EXPECT_EQ(static_cast<const C3DTCBCurve*>(loaded->GetKeyCurve())->values[4], 12);
@@ -488,14 +460,13 @@ TEST(Keyframable, StreamRoundTripAndDamage)
 
     for (std::size_t cut = 0; cut < bytes.size(); cut++) {
         C3DKeyframable part;
-        EXPECT_NE(Load(part, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)}), -1) << cut;
+        EXPECT_FALSE(Load(part, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut)})) << cut;
     }
     // Count, time, class id, class id again: the first key's stand at 0, 4, 8 and 16.
     const auto damaged = [&](std::size_t at, unsigned char value) {
-        std::vector<unsigned char> copy = bytes;
+        StreamBytes copy = bytes;
         copy[at] = value;
-        C3DKeyframable part;
-        return Load(part, copy);
+        return LoadedBy(copy, [](CXArchive& ar) { C3DKeyframable().Serialize(ar); });
     };
     EXPECT_EQ(damaged(15, 'X'), CXArchiveException::ARCHIVE_UNKNOWN_TYPE) << "a type id that is not known";
     EXPECT_EQ(damaged(16, 'X'), CXArchiveException::ARCHIVE_BAD_VALUE) << "two class ids that differ";

@@ -6,37 +6,9 @@
 #include "scene/Camera.h"
 #include "scene/Curve.h"
 #include "scene/SceneBuilders.h"
-#include "tools/Archive.h"
-#include "tools/Exception.h"
-#include "tools/IoFile.h"
+#include "support/Streams.h"
 
 namespace {
-
-std::vector<char> Store(CXObject& object)
-{
-    CCustomMemFile file;
-    file.OpenFile(L"", 0, nullptr);
-    CXArchive ar(&file, CXArchive::STORE);
-    object.Serialize(ar);
-    ar.Close();
-    const auto* bytes = static_cast<const char*>(file.GetBytes());
-    return {bytes, bytes + file.GetLength()};
-}
-
-/// True when the stream was whole.
-bool Load(CXObject& object, const std::vector<char>& bytes)
-{
-    CCustomMemFile file(bytes.data(), bytes.size());
-    file.OpenFile(L"", 1, nullptr);
-    CXArchive ar(&file, CXArchive::LOAD);
-    try {
-        object.Serialize(ar);
-        return true;
-    } catch (CXArchiveException*) {
-        XDeleteThreadException();
-        return false;
-    }
-}
 
 /// a(b c) d: b and d share a square with a texture channel, c has no object, a is a camera
 C3DScene* CreateScene()
@@ -66,7 +38,7 @@ C3DScene* CreateScene()
 TEST(SceneStream, ASceneComesBackWithItsSharing)
 {
     const CRef<C3DScene> source(CreateScene()), scene(C3DScene::Create());
-    ASSERT_TRUE(Load(*scene, Store(*source)));
+    ASSERT_TRUE(Load(*scene, Stored(*source)));
     EXPECT_EQ(Outline(*scene), L"a(bc)d");
     EXPECT_EQ(scene->GetUnit(), UNIT_METER);
     C3DSceneNode* a = scene->GetChildNode(nullptr);
@@ -87,7 +59,7 @@ TEST(SceneStream, ASceneComesBackWithItsSharing)
     const C3DSceneNode* sourceB = source->GetChildNode(source->GetChildNode(nullptr));
     EXPECT_EQ(b->GetObjectID(), sourceB->GetObjectID());
     EXPECT_EQ(b->GetBaseObject()->GetChecksum(0xFFFFFFFF), sourceB->GetBaseObject()->GetChecksum(0xFFFFFFFF));
-    EXPECT_EQ(Store(*scene), Store(*source));
+    EXPECT_EQ(Stored(*scene), Stored(*source));
 }
 
 TEST(SceneStream, ANodeByItselfTakesItsObjectAlong)
@@ -95,7 +67,7 @@ TEST(SceneStream, ANodeByItselfTakesItsObjectAlong)
     const CRef<C3DScene> source(CreateScene());
     C3DSceneNode* d = source->GetRightNode(source->GetChildNode(nullptr));
     C3DSceneNode node;
-    ASSERT_TRUE(Load(node, Store(*d)));
+    ASSERT_TRUE(Load(node, Stored(*d)));
     EXPECT_TRUE(node.GetName() == L"d");
     ASSERT_NE(node.GetGeomObject(), nullptr);
     EXPECT_EQ(node.GetGeomObject()->GetFaceNbr(), 2);
@@ -107,7 +79,7 @@ TEST(SceneStream, ACurveKeepsItsMaterial)
 {
     const CRef<C3DCurve> curve(new C3DCurve), copy(new C3DCurve);
     curve->SetMaterialID(9);
-    ASSERT_TRUE(Load(*copy, Store(*curve)));
+    ASSERT_TRUE(Load(*copy, Stored(*curve)));
     EXPECT_EQ(copy->GetMaterialID(), 9u);
     EXPECT_EQ(copy->GetFaceList(), nullptr);
 }
@@ -115,7 +87,7 @@ TEST(SceneStream, ACurveKeepsItsMaterial)
 TEST(SceneStream, AStreamCutAnywhereIsRefusedAndLeavesNothingBehind)
 {
     const CRef<C3DScene> source(CreateScene());
-    const std::vector<char> whole = Store(*source);
+    const StreamBytes whole = Stored(*source);
     for (std::size_t size = 0; size < whole.size(); size++) {
         const CRef<C3DScene> scene(C3DScene::Create());
         EXPECT_FALSE(Load(*scene, {whole.begin(), whole.begin() + size})) << size;
@@ -125,7 +97,7 @@ TEST(SceneStream, AStreamCutAnywhereIsRefusedAndLeavesNothingBehind)
 TEST(SceneStream, AnotherVersionLeavesTheSceneAsItWas)
 {
     const CRef<C3DScene> source(CreateScene()), scene(CreateScene());
-    std::vector<char> bytes = Store(*source);
+    StreamBytes bytes = Stored(*source);
     bytes[0] = 2;
     EXPECT_TRUE(Load(*scene, bytes));
     EXPECT_EQ(Outline(*scene), L"a(bc)d");
@@ -135,11 +107,11 @@ TEST(SceneStream, DamagedBytesNeverCrash)
 {
     // Whatever a single changed byte makes of a stream: it is refused or read, and the scene can be walked and destroyed.
     const CRef<C3DScene> source(CreateScene());
-    const std::vector<char> whole = Store(*source);
+    const StreamBytes whole = Stored(*source);
     for (std::size_t place = 0; place < whole.size(); place++) {
         for (const int change : {0x01, 0x80, 0xFF}) {
-            std::vector<char> bytes = whole;
-            bytes[place] = static_cast<char>(bytes[place] ^ change);
+            StreamBytes bytes = whole;
+            bytes[place] ^= static_cast<unsigned char>(change);
             const CRef<C3DScene> scene(C3DScene::Create());
             if (Load(*scene, bytes)) {
                 C3DTPoint<float> min, max;

@@ -38,6 +38,7 @@ public:
         std::ifstream stream(Name(file), std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
+    std::size_t CountFiles() const { return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
 
 private:
     std::string m_path;

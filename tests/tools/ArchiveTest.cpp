@@ -5,7 +5,7 @@
 #include <memory>
 #include <numeric>
 
-#include "Streams.h"
+#include "support/Streams.h"
 #include "tools/Array.h"
 
 class CArchivedPair : public CXObject {

@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "Streams.h"
-#include "TemporaryFolder.h"
+#include "support/Streams.h"
+#include "support/TempFolder.h"
 #include "tools/FourCC.h"
 
 namespace {
@@ -139,7 +139,7 @@ TEST(CustomData, StreamsAndSumsLeaveOutPointersOnly)
     const StreamBytes bytes = Bytes(bag);
     CCustomData read;
     read.SetInt(55, 1);
-    EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);
+    EXPECT_TRUE(Load(read, bytes));
     EXPECT_TRUE(read == bag);
     EXPECT_EQ(read.GetCount(), 12u);
     EXPECT_EQ(read.GetChecksum(), bag.GetChecksum());
@@ -165,7 +165,7 @@ TEST(CustomData, DamagedStreamsLeaveTheBagAsItWas)
     const CCustomData before = kept;
     for (std::size_t cut = 0; cut < bytes.size(); cut++) {
         const StreamBytes part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut));
-        ASSERT_NE(LoadedBy(part, [&](CXArchive& ar) { kept.Serialize(ar); }), NO_ERROR_TYPE);
+        ASSERT_FALSE(Load(kept, part));
         ASSERT_TRUE(kept == before);
     }
     std::mt19937 random(9);
@@ -187,7 +187,7 @@ TEST(CustomData, NestingEndsAtItsLimit)
     EXPECT_FALSE(outer.SetCustomData(1, bag));
     EXPECT_TRUE(outer.IsEmpty());
     EXPECT_TRUE(outer.SetCustomData(1, Nest(CUSTOM_MOST_DEPTH - 1)));
-    EXPECT_EQ(LoadedBy(Bytes(bag), [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);
+    EXPECT_TRUE(Load(read, Bytes(bag)));
     EXPECT_TRUE(read == bag);
     EXPECT_THROW(Bytes(deep), CXArchiveException*);
     XDeleteThreadException();
@@ -199,8 +199,8 @@ TEST(CustomData, NestingEndsAtItsLimit)
 
 TEST(CustomData, PreferencesFilesAreWholeOrRefused)
 {
-    const TemporaryFolder folder;
-    const Text path = folder.Path("test.prefs");
+    const TempFolder folder;
+    const Text path = folder.Wide("test.prefs");
     const CCustomData bag = Everything();
     CCustomData read;
     EXPECT_FALSE(read.LoadFromPrefs(path, 1, 2));
@@ -209,7 +209,7 @@ TEST(CustomData, PreferencesFilesAreWholeOrRefused)
     EXPECT_TRUE(read == bag);
     EXPECT_FALSE(read.LoadFromPrefs(path, FourCC("3DVW"), FourCC("PREX")));
     EXPECT_FALSE(read.LoadFromPrefs(path, FourCC("3DVX"), FourCC("PREF")));
-    EXPECT_FALSE(bag.SaveToPrefs(folder.Path("no/such/folder.prefs"), 1, 2));
+    EXPECT_FALSE(bag.SaveToPrefs(folder.Wide("no/such/folder.prefs"), 1, 2));
 
     const std::string content = folder.Read("test.prefs");
     for (std::size_t i = 0; i < content.size(); i++) {
@@ -217,8 +217,8 @@ TEST(CustomData, PreferencesFilesAreWholeOrRefused)
         damaged[i] = static_cast<char>(damaged[i] ^ 0x10);
         folder.Write("damaged", damaged);
         folder.Write("cut", content.substr(0, i));
-        ASSERT_FALSE(read.LoadFromPrefs(folder.Path("damaged"), FourCC("3DVW"), FourCC("PREF"))) << i;
-        ASSERT_FALSE(read.LoadFromPrefs(folder.Path("cut"), FourCC("3DVW"), FourCC("PREF"))) << i;
+        ASSERT_FALSE(read.LoadFromPrefs(folder.Wide("damaged"), FourCC("3DVW"), FourCC("PREF"))) << i;
+        ASSERT_FALSE(read.LoadFromPrefs(folder.Wide("cut"), FourCC("3DVW"), FourCC("PREF"))) << i;
     }
     EXPECT_TRUE(read == bag);
     EXPECT_TRUE(CCustomData().SaveToPrefs(path, 1, 2));

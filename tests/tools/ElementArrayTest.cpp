@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Streams.h"
+#include "support/Streams.h"
 #include "tools/Memory.h"
 
 // An element of every kind: raw words, an object with a table whose stored part lies inside, one that owns memory, and a
@@ -241,8 +241,8 @@ TEST(ElementArray, ElementsThatOwnMemoryAreCopiedOneByOne)
     EXPECT_EQ(At<std::string>(*copy, 3), At<std::string>(*array, 0));
 
     CElementArray read;
-    const StreamBytes bytes = StoredBy([&](CXArchive& ar) { copy->Serialize(ar); });
-    EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);
+    const StreamBytes bytes = Stored(*copy);
+    EXPECT_TRUE(Load(read, bytes));
     ASSERT_EQ(read.GetSize(), 6);
     EXPECT_EQ(At<std::string>(read, 3), At<std::string>(*array, 0));
 }
@@ -253,7 +253,7 @@ TEST(ElementArray, BlocksMoveTheBytesOfSingleElements)
     points->SetSize(10000);    // more than one packing buffer
     for (int i = 0; i < points->GetSize(); i++)
         At<TestPoint>(*points, i).flags = i;
-    const StreamBytes bytes = StoredBy([&](CXArchive& ar) { points->Serialize(ar); });
+    const StreamBytes bytes = Stored(*points);
     const StreamBytes single = StoredBy([&](CXArchive& ar) {
         ar.WriteClass(CTestPointMethods::GetThisRuntimeClassDescriptor());
         ar.WriteCount(10000);
@@ -264,7 +264,7 @@ TEST(ElementArray, BlocksMoveTheBytesOfSingleElements)
     EXPECT_TRUE(bytes == single);
 
     CElementArray read;
-    EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);
+    EXPECT_TRUE(Load(read, bytes));
     ASSERT_EQ(read.GetSize(), 10000);
     EXPECT_EQ(read.GetChecksum(), points->GetChecksum());
     for (int i = 0; i < 10000; i++)
@@ -280,7 +280,7 @@ TEST(ElementArray, BlocksMoveTheBytesOfSingleElements)
 TEST(ElementArray, DamagedStreamsThrowAndLeaveAnArray)
 {
     const auto words = Words({1, 2, 3});
-    const StreamBytes bytes = StoredBy([&](CXArchive& ar) { words->Serialize(ar); });
+    const StreamBytes bytes = Stored(*words);
     const auto load = [](const StreamBytes& damaged) {
         CElementArray read;
         const int error = LoadedBy(damaged, [&](CXArchive& ar) { read.Serialize(ar); });

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "TemporaryFolder.h"
+#include "support/TempFolder.h"
 
 namespace {
 
@@ -29,19 +29,19 @@ mode_t Permissions(const std::filesystem::path& path)
 
 TEST(IoFile, ReplacesTheTargetOnlyWhenAllIsWell)
 {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     folder.Write("target", "old");
     {
         IoFile dropped;
-        EXPECT_TRUE(WriteAll(dropped, folder.Path("target"), "half"));
+        EXPECT_TRUE(WriteAll(dropped, folder.Wide("target"), "half"));
         EXPECT_EQ(folder.Read("target"), "old");
     }    // gone without CloseFile
     IoFile file;
-    EXPECT_TRUE(WriteAll(file, folder.Path("target"), "refused"));
+    EXPECT_TRUE(WriteAll(file, folder.Wide("target"), "refused"));
     EXPECT_TRUE(file.CloseFile(false));
     EXPECT_EQ(folder.Read("target"), "old");
     EXPECT_EQ(folder.CountFiles(), 1u);
-    EXPECT_TRUE(WriteAll(file, folder.Path("target"), "new"));
+    EXPECT_TRUE(WriteAll(file, folder.Wide("target"), "new"));
     EXPECT_TRUE(file.CloseFile());
     EXPECT_FALSE(file.IsOpen());
     EXPECT_FALSE(file.CloseFile());
@@ -50,51 +50,51 @@ TEST(IoFile, ReplacesTheTargetOnlyWhenAllIsWell)
     EXPECT_FALSE(file.WriteBytes("x", 1));
 
     // The folder goes while the file is being written: told, and nothing is left.
-    std::filesystem::create_directory(folder.File("sub"));
-    EXPECT_TRUE(WriteAll(file, folder.Path("sub/lost"), "lost"));
-    std::filesystem::remove_all(folder.File("sub"));
+    std::filesystem::create_directory(folder.Name("sub"));
+    EXPECT_TRUE(WriteAll(file, folder.Wide("sub/lost"), "lost"));
+    std::filesystem::remove_all(folder.Name("sub"));
     EXPECT_FALSE(file.CloseFile());
 }
 
 TEST(IoFile, KeepsPermissionsAndFollowsLinks)
 {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.File("data"));
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.Name("data"));
     folder.Write("data/real", "old");
-    chmod(folder.File("data/real").c_str(), 0640);
-    std::filesystem::create_symlink("data/real", folder.File("link"));
-    std::filesystem::create_symlink("link", folder.File("chain"));
-    std::filesystem::create_symlink("data/none", folder.File("dangling"));
-    std::filesystem::create_symlink("circle", folder.File("circle"));
+    chmod(folder.Name("data/real").c_str(), 0640);
+    std::filesystem::create_symlink("data/real", folder.Name("link"));
+    std::filesystem::create_symlink("link", folder.Name("chain"));
+    std::filesystem::create_symlink("data/none", folder.Name("dangling"));
+    std::filesystem::create_symlink("circle", folder.Name("circle"));
     IoFile file;
-    EXPECT_TRUE(WriteAll(file, folder.Path("chain"), "new") && file.CloseFile());
-    EXPECT_TRUE(std::filesystem::is_symlink(folder.File("chain")));
+    EXPECT_TRUE(WriteAll(file, folder.Wide("chain"), "new") && file.CloseFile());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Name("chain")));
     EXPECT_EQ(folder.Read("data/real"), "new");
-    EXPECT_EQ(Permissions(folder.File("data/real")), 0640u);
-    EXPECT_TRUE(WriteAll(file, folder.Path("dangling"), "made") && file.CloseFile());
+    EXPECT_EQ(Permissions(folder.Name("data/real")), 0640u);
+    EXPECT_TRUE(WriteAll(file, folder.Wide("dangling"), "made") && file.CloseFile());
     EXPECT_EQ(folder.Read("data/none"), "made");
-    EXPECT_FALSE(WriteAll(file, folder.Path("circle"), "x"));
+    EXPECT_FALSE(WriteAll(file, folder.Wide("circle"), "x"));
 
     const mode_t mask = umask(027);
-    EXPECT_TRUE(WriteAll(file, folder.Path("fresh"), "x") && file.CloseFile());
+    EXPECT_TRUE(WriteAll(file, folder.Wide("fresh"), "x") && file.CloseFile());
     umask(mask);
-    EXPECT_EQ(Permissions(folder.File("fresh")), 0640u);
+    EXPECT_EQ(Permissions(folder.Name("fresh")), 0640u);
 }
 
 TEST(IoFile, RefusesWhatIsNoFile)
 {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     folder.Write("locked", "old");
-    chmod(folder.File("locked").c_str(), 0444);
+    chmod(folder.Name("locked").c_str(), 0444);
     IoFile file;
     for (const int mode : {0, 1}) {
-        EXPECT_FALSE(file.OpenFile(folder.Path("."), mode, nullptr));
-        EXPECT_FALSE(file.OpenFile(folder.Path("missing/file"), mode, nullptr));
+        EXPECT_FALSE(file.OpenFile(folder.Wide("."), mode, nullptr));
+        EXPECT_FALSE(file.OpenFile(folder.Wide("missing/file"), mode, nullptr));
         EXPECT_FALSE(file.OpenFile(L"", mode, nullptr));
         EXPECT_FALSE(file.OpenFile(CXTString<wchar_t>(L"a\0b", 3), mode, nullptr));
     }
-    EXPECT_FALSE(file.OpenFile(folder.Path("missing"), 1, nullptr));
-    EXPECT_TRUE(geteuid() == 0 || !file.OpenFile(folder.Path("locked"), 0, nullptr));
+    EXPECT_FALSE(file.OpenFile(folder.Wide("missing"), 1, nullptr));
+    EXPECT_TRUE(geteuid() == 0 || !file.OpenFile(folder.Wide("locked"), 0, nullptr));
     EXPECT_FALSE(file.IsOpen());
     char byte;
     EXPECT_EQ(file.ReadBytes(&byte, 1), 0u);
@@ -102,10 +102,10 @@ TEST(IoFile, RefusesWhatIsNoFile)
 
 TEST(IoFile, ReadsAndTellsWhereItIs)
 {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     folder.Write("caf\xC3\xA9 \xE9", "0123456789");    // a name that is no UTF-8
     IoFile file;
-    ASSERT_TRUE(file.OpenFile(folder.Path("caf\xC3\xA9 \xE9"), 1, nullptr));
+    ASSERT_TRUE(file.OpenFile(folder.Wide("caf\xC3\xA9 \xE9"), 1, nullptr));
     char bytes[20];
     EXPECT_EQ(file.GetLength(), 10u);
     EXPECT_TRUE(file.SetPosition(6));
@@ -117,18 +117,18 @@ TEST(IoFile, ReadsAndTellsWhereItIs)
 
 TEST(IoFile, APipeComesInPieces)
 {
-    const TemporaryFolder folder;
-    ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
+    const TempFolder folder;
+    ASSERT_EQ(mkfifo(folder.Name("pipe").c_str(), 0600), 0);
     std::vector<unsigned char> sent(300000), got(sent.size() + 10);
     std::iota(sent.begin(), sent.end(), static_cast<unsigned char>(3));
     std::thread writer([&] {
         IoFile out;
-        EXPECT_TRUE(out.OpenFile(folder.Path("pipe"), 0, nullptr));
+        EXPECT_TRUE(out.OpenFile(folder.Wide("pipe"), 0, nullptr));
         EXPECT_TRUE(out.WriteBytes(sent.data(), sent.size()));
         EXPECT_TRUE(out.CloseFile());
     });
     IoFile in;
-    EXPECT_TRUE(in.OpenFile(folder.Path("pipe"), 1, nullptr));
+    EXPECT_TRUE(in.OpenFile(folder.Wide("pipe"), 1, nullptr));
     EXPECT_EQ(in.GetLength(), ~std::uint64_t{0});
     EXPECT_EQ(in.ReadBytes(got.data(), got.size()), sent.size());
     writer.join();

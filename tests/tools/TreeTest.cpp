@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "Streams.h"
+#include "support/Streams.h"
 
 class CTestNode : public CTreeNode {
     ZEL_DECLARE_CREATABLE(CTestNode)
@@ -241,18 +241,18 @@ TEST(Tree, AgreesWithChildListsOverRandomEdits)
 TEST(Tree, StreamsParentFirst)
 {
     Sample s;
-    const StreamBytes bytes = StoredBy([&](CXArchive& ar) { s.tree.Serialize(ar); });
+    const StreamBytes bytes = Stored(s.tree);
     Numbered read;
     CTreeNode* const root = read.tree.GetRoot();
     read.Add(nullptr, 99);
-    EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.tree.Serialize(ar); }), NO_ERROR_TYPE);
+    EXPECT_TRUE(Load(read.tree, bytes));
     EXPECT_EQ(read.Shape(), s.Shape());
     EXPECT_EQ(read.tree.GetRoot(), root);    // the same class: it reads into the root that is there
 
     CTree bare, other;
     other.SetRoot(new CTestRoot);
     for (CTree* tree : {&bare, &other}) {
-        EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { tree->Serialize(ar); }), NO_ERROR_TYPE);
+        EXPECT_TRUE(Load(*tree, bytes));
         EXPECT_EQ(::Shape(tree->GetRoot()), s.Shape());
     }
 
@@ -285,8 +285,8 @@ TEST(Tree, DepthCostsNoStack)
         EXPECT_EQ(s.tree.GetDepth(node), static_cast<unsigned int>(DEPTH));
         s.Add(nullptr, DEPTH + 1);    // all the way up in one step
         CTree read;
-        const StreamBytes bytes = StoredBy([&](CXArchive& ar) { s.tree.Serialize(ar); });
-        EXPECT_EQ(LoadedBy(bytes, [&](CXArchive& ar) { read.Serialize(ar); }), NO_ERROR_TYPE);
+        const StreamBytes bytes = Stored(s.tree);
+        EXPECT_TRUE(Load(read, bytes));
         EXPECT_EQ(Number(read.GetRoot()->GetLastChild()), DEPTH + 1);
         s.tree.DeleteAll();
         EXPECT_EQ(CTestNode::s_alive, 1 + DEPTH + 2);
