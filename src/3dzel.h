@@ -2,6 +2,7 @@
 
 // The whole public interface of 3DZel.
 
+#include "tools/2DIo.h"
 #include "tools/Api.h"
 #include "tools/Archive.h"
 #include "tools/Array.h"
@@ -22,11 +23,13 @@
 #include "tools/FileParser.h"
 #include "tools/FilePath.h"
 #include "tools/FourCC.h"
+#include "tools/FrameBitmap.h"
 #include "tools/Hash.h"
 #include "tools/HashMix.h"
 #include "tools/IOPlugin.h"
 #include "tools/IoFile.h"
 #include "tools/IoOptions.h"
+#include "tools/LayerBitmap.h"
 #include "tools/Memory.h"
 #include "tools/Object.h"
 #include "tools/OffsetArray.h"

@@ -42,7 +42,7 @@ void LoadRow(const unsigned char* row, int width, int channels, float* out)
 {
     for (int x = 0; x < width; x++, row += channels, out += channels) {
         const float alpha = channels == 4 ? row[3] / 255.f : 1.f;
-        for (int c = 0; c < 3; c++)
+        for (int c = 0; c < std::min(channels, 3); c++)
             out[c] = row[c] * alpha;
         if (channels == 4)
             out[3] = row[3];
@@ -53,7 +53,7 @@ void StoreRow(const float* values, int width, int channels, unsigned char* row)
 {
     for (int x = 0; x < width; x++, row += channels, values += channels) {
         const float alpha = channels == 4 ? values[3] / 255.f : 1.f;
-        for (int c = 0; c < 3; c++)
+        for (int c = 0; c < std::min(channels, 3); c++)
             row[c] = static_cast<unsigned char>(std::clamp(alpha > 0 ? std::lround(values[c] / alpha) : 0L, 0L, 255L));
         if (channels == 4)
             row[3] = static_cast<unsigned char>(std::clamp(std::lround(values[3]), 0L, 255L));
@@ -72,21 +72,39 @@ void ShrinkRow(const float* row, const std::vector<Taps>& taps, int channels, fl
     }
 }
 
+inline void ConvertPixel(const unsigned char* source, int from, unsigned char* target, int to)
+{
+    if (to == 1) {
+        // Weights of the luma of red, green and blue, in 256ths that add up.
+        *target = from == 1   ? source[0]
+                  : from == 4 ? source[3]
+                              : static_cast<unsigned char>((77 * source[0] + 150 * source[1] + 29 * source[2] + 128) >> 8);
+        return;
+    }
+    for (int c = 0; c < 3; c++)
+        target[c] = source[from == 1 ? 0 : c];
+    if (to == 4)
+        target[3] = from == 4 ? source[3] : 255;
+}
+
 }
 
 Bitmap::Bitmap(BitmapType type, int width, int height)
     : m_type(type), m_width(width), m_height(height),
-      m_pixels(std::make_unique<unsigned char[]>(static_cast<size_t>(width) * height * (type == BITMAP_RGBA ? 4 : 3)))
+      m_pixels(std::make_unique<unsigned char[]>(static_cast<size_t>(width) * height * GetBytesPerPixel()))
 {
 }
 
 Bitmap::~Bitmap() = default;
 rgbBitmap::~rgbBitmap() = default;
 rgbaBitmap::~rgbaBitmap() = default;
+greyBitmap::~greyBitmap() = default;
 
 rgbBitmap* rgbBitmap::Create(int width, int height) { return IsPossibleSize(width, height) ? new rgbBitmap(width, height) : nullptr; }
 
 rgbaBitmap* rgbaBitmap::Create(int width, int height) { return IsPossibleSize(width, height) ? new rgbaBitmap(width, height) : nullptr; }
+
+greyBitmap* greyBitmap::Create(int width, int height) { return IsPossibleSize(width, height) ? new greyBitmap(width, height) : nullptr; }
 
 unsigned char* Bitmap::GetLine(int y)
 {
@@ -139,17 +157,16 @@ Bitmap* Bitmap::ConvertToType(BitmapType type) const
         out = rgbBitmap::Create(m_width, m_height);
     else if (type == BITMAP_RGBA)
         out = rgbaBitmap::Create(m_width, m_height);
+    else if (type == BITMAP_GREY)
+        out = greyBitmap::Create(m_width, m_height);
     if (!out)
         return nullptr;
     const int from = GetBytesPerPixel(), to = out->GetBytesPerPixel();
     for (int y = 0; y < m_height; y++) {
         const unsigned char* source = GetLine(y);
         unsigned char* target = out->GetLine(y);
-        for (int x = 0; x < m_width; x++, source += from, target += to) {
-            std::memcpy(target, source, 3);
-            if (to == 4)
-                target[3] = from == 4 ? source[3] : 255;
-        }
+        for (int x = 0; x < m_width; x++, source += from, target += to)
+            ConvertPixel(source, from, target, to);
     }
     return out;
 }

@@ -5,7 +5,7 @@
 #include "tools/Api.h"
 #include "tools/Rect.h"
 
-enum BitmapType { BITMAP_RGB = 1, BITMAP_RGBA = 2 };
+enum BitmapType { BITMAP_RGB = 1, BITMAP_RGBA = 2, BITMAP_GREY = 4 };
 
 /// Picture of 8 bits a channel, rows from the top without padding.
 class ZEL_API Bitmap {
@@ -17,15 +17,16 @@ public:
     int GetWidth() const { return m_width; }
     int GetHeight() const { return m_height; }
     BitmapType GetType() const { return m_type; }
-    int GetBytesPerPixel() const { return m_type == BITMAP_RGBA ? 4 : 3; }
-    /// Pixels of a row, red green blue and, for BITMAP_RGBA, alpha; null outside.
+    int GetBytesPerPixel() const { return m_type == BITMAP_RGBA ? 4 : m_type == BITMAP_RGB ? 3 : 1; }
+    /// Pixels of a row, red green blue and, for BITMAP_RGBA, alpha; one byte for BITMAP_GREY. Null outside.
     unsigned char* GetLine(int y);
     const unsigned char* GetLine(int y) const;
 
     /// Scales to another size: mode 0 takes the nearest pixel, 1 the average of those covered (bilinear when growing). False for
     /// a size below 1 or too large.
     bool Resize(int width, int height, int mode);
-    /// A new picture of that type, the caller's; alpha becomes 255. Null for an unknown type.
+    /// A new picture of that type, the caller's; a new alpha is 255. A grey picture takes the alpha where there is one, else the
+    /// brightness. Null for an unknown type.
     Bitmap* ConvertToType(BitmapType type) const;
     /// True when a pixel has an alpha below 255.
     bool HasAlpha() const;
@@ -63,4 +64,14 @@ public:
 
 private:
     rgbaBitmap(int width, int height) : Bitmap(BITMAP_RGBA, width, height) {}
+};
+
+/// One byte a pixel: a mask, an alpha on its own, shades of grey.
+class ZEL_API greyBitmap : public Bitmap {
+public:
+    static greyBitmap* Create(int width, int height);
+    ~greyBitmap() override;
+
+private:
+    greyBitmap(int width, int height) : Bitmap(BITMAP_GREY, width, height) {}
 };
