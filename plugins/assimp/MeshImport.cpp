@@ -1,11 +1,11 @@
 #include "MeshImport.h"
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 
 #include <assimp/mesh.h>
 
+#include "ChannelImport.h"
+#include "MeshPolygons.h"
 #include "PointJoin.h"
 
 namespace {
@@ -14,81 +14,9 @@ static_assert(sizeof(aiVector3D) == sizeof(Position), "the library is built with
 
 const Position* Positions(const aiMesh& mesh) { return reinterpret_cast<const Position*>(mesh.mVertices); }
 
-bool IsPolygon(const aiFace& face) { return face.mNumIndices > 2; }
-
-bool IsSound(const aiFace& face, const aiMesh& mesh)
+bool HasLoosePoints(const std::vector<const aiMesh*>& meshes)
 {
-    for (unsigned int k = 0; k < face.mNumIndices; k++)
-        if (face.mIndices[k] >= mesh.mNumVertices)
-            return false;
-    return face.mNumIndices <= CFace::MAX_CORNERS;
-}
-
-/// Builds one object out of several meshes.
-class MeshBuilder {
-public:
-    MeshBuilder(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, CSceneImportOptions& options)
-        : m_meshes(meshes), m_materialIds(materialIds), m_options(options)
-    {
-    }
-
-    C3DObject* Build(bool joinPoints)
-    {
-        CountFaces();
-        if (m_faceCount == 0 && !HasLoosePoints())
-            return nullptr;
-        C3DPointList* points = joinPoints && m_faceCount > 0 ? JoinPoints() : CopyPoints();
-        C3DFaceList* faces = m_faceCount > 0 ? BuildFaces() : nullptr;
-        if (m_refused > 0) {
-            CXTString<wchar_t> text;
-            text.FormatString(L"%zu faces left out: their corners are out of range or too many", m_refused);
-            m_options.AddLogInfo(IoLogInfo::WARNING, text);
-        }
-        return new C3DObject(points, faces, nullptr);
-    }
-
-private:
-    void CountFaces();
-    bool HasLoosePoints() const;
-    C3DPointList* CopyPoints();
-    C3DPointList* JoinPoints();
-    C3DFaceList* BuildFaces();
-    void AppendFaces(C3DFaceList& faces, const aiMesh& mesh, const int* numbers, int first);
-    static void SetMaterial(C3DFaceList& faces, int from, unsigned int material);
-
-    const std::vector<const aiMesh*>& m_meshes;
-    const std::vector<unsigned int>& m_materialIds;
-    CSceneImportOptions& m_options;
-    std::size_t m_faceCount = 0;    // polygons that can be taken over
-    std::size_t m_vertexCount = 0;
-    std::size_t m_refused = 0;
-    unsigned int m_smallest = ~0u;    // corners of the smallest and of the largest face
-    unsigned int m_largest = 0;
-    std::vector<int> m_numbers;    // point of each vertex of all meshes; empty when it is its own number
-};
-
-void MeshBuilder::CountFaces()
-{
-    for (const aiMesh* mesh : m_meshes) {
-        m_vertexCount += mesh->mNumVertices;
-        for (unsigned int i = 0; i < mesh->mNumFaces; i++) {
-            const aiFace& face = mesh->mFaces[i];
-            if (!IsPolygon(face))
-                continue;
-            if (!IsSound(face, *mesh)) {
-                m_refused++;
-                continue;
-            }
-            m_faceCount++;
-            m_smallest = std::min(m_smallest, face.mNumIndices);
-            m_largest = std::max(m_largest, face.mNumIndices);
-        }
-    }
-}
-
-bool MeshBuilder::HasLoosePoints() const
-{
-    return std::ranges::any_of(m_meshes, [](const aiMesh* mesh) {
+    return std::ranges::any_of(meshes, [](const aiMesh* mesh) {
         return mesh->mNumVertices > 0 && (mesh->mNumFaces == 0 || mesh->mPrimitiveTypes & aiPrimitiveType_POINT);
     });
 }
@@ -103,23 +31,21 @@ void FillPoints(C3DPointList& points, int first, const Position* positions, std:
     }
 }
 
-C3DPointList* MeshBuilder::CopyPoints()
+C3DPointList* CopyPoints(const MeshPolygons& polygons)
 {
     C3DPointList* points = C3DPointList::Create();
-    points->SetSize(static_cast<int>(m_vertexCount), false, 0);
-    int first = 0;
-    for (const aiMesh* mesh : m_meshes) {
-        FillPoints(*points, first, Positions(*mesh), mesh->mNumVertices);
-        first += static_cast<int>(mesh->mNumVertices);
-    }
+    points->SetSize(static_cast<int>(polygons.GetVertexCount()), false, 0);
+    for (const MeshPolygons::Part& part : polygons.GetParts())
+        FillPoints(*points, static_cast<int>(part.firstVertex), Positions(*part.mesh), part.mesh->mNumVertices);
     return points;
 }
 
-C3DPointList* MeshBuilder::JoinPoints()
+// `numbers` gets the point of each vertex of all meshes.
+C3DPointList* JoinPoints(const MeshPolygons& polygons, std::vector<int>& numbers)
 {
-    PointJoin join(std::min(m_vertexCount, m_faceCount));
-    for (const aiMesh* mesh : m_meshes)
-        join.Add(Positions(*mesh), mesh->mNumVertices, m_numbers);
+    PointJoin join(std::min(polygons.GetVertexCount(), polygons.GetFaceCount()));
+    for (const MeshPolygons::Part& part : polygons.GetParts())
+        join.Add(Positions(*part.mesh), part.mesh->mNumVertices, numbers);
     const std::vector<Position>& positions = join.GetPositions();
     C3DPointList* points = C3DPointList::Create();
     points->SetSize(static_cast<int>(positions.size()), false, 0);
@@ -127,51 +53,7 @@ C3DPointList* MeshBuilder::JoinPoints()
     return points;
 }
 
-C3DFaceList* MeshBuilder::BuildFaces()
-{
-    C3DFaceList* faces = C3DFaceList::Create(nullptr);
-    int first = 0;
-    for (const aiMesh* mesh : m_meshes) {
-        const int before = faces->GetSize();
-        AppendFaces(*faces, *mesh, m_numbers.empty() ? nullptr : m_numbers.data() + first, first);
-        if (mesh->mMaterialIndex < m_materialIds.size())
-            SetMaterial(*faces, before, m_materialIds[mesh->mMaterialIndex]);
-        first += static_cast<int>(mesh->mNumVertices);
-    }
-    faces->FreeExtra();
-    return faces;
-}
-
-// `numbers`: point of each vertex of the mesh; null when these are `first` and on.
-void MeshBuilder::AppendFaces(C3DFaceList& faces, const aiMesh& mesh, const int* numbers, int first)
-{
-    const auto corner = [&](unsigned int vertex) { return numbers ? numbers[vertex] : first + static_cast<int>(vertex); };
-    if (m_refused == 0 && m_smallest == m_largest && mesh.mPrimitiveTypes != 0 &&
-        !(mesh.mPrimitiveTypes & (aiPrimitiveType_POINT | aiPrimitiveType_LINE))) {
-        const auto fill = [&](int* corners, unsigned int i) {
-            const aiFace& face = mesh.mFaces[i];
-            for (unsigned int k = 0; k < face.mNumIndices; k++)
-                corners[k] = corner(face.mIndices[k]);
-        };
-        faces.AppendFaces(static_cast<int>(mesh.mNumFaces), static_cast<int>(m_largest), fill);
-        return;
-    }
-    std::vector<unsigned int> sizes;
-    std::vector<int> corners;
-    sizes.reserve(mesh.mNumFaces);
-    corners.reserve(std::size_t{mesh.mNumFaces} * 4);
-    for (unsigned int i = 0; i < mesh.mNumFaces; i++) {
-        const aiFace& face = mesh.mFaces[i];
-        if (!IsPolygon(face) || !IsSound(face, mesh))
-            continue;
-        sizes.push_back(face.mNumIndices);
-        for (unsigned int k = 0; k < face.mNumIndices; k++)
-            corners.push_back(corner(face.mIndices[k]));
-    }
-    faces.AppendFaces(static_cast<int>(sizes.size()), sizes.data(), corners.data());
-}
-
-void MeshBuilder::SetMaterial(C3DFaceList& faces, int from, unsigned int material)
+void SetMaterial(C3DFaceList& faces, int from, unsigned int material)
 {
     if (material == 0)
         return;
@@ -180,12 +62,42 @@ void MeshBuilder::SetMaterial(C3DFaceList& faces, int from, unsigned int materia
         data[i].material = material;
 }
 
+// `numbers`: point of each vertex of all meshes; empty when it is its own number.
+C3DFaceList* BuildFaces(const MeshPolygons& polygons, const std::vector<int>& numbers, const std::vector<unsigned int>& materialIds)
+{
+    C3DFaceList* faces = C3DFaceList::Create(nullptr);
+    for (const MeshPolygons::Part& part : polygons.GetParts()) {
+        const int before = faces->GetSize();
+        polygons.AppendFaces(part, numbers.empty() ? nullptr : numbers.data() + part.firstVertex, static_cast<int>(part.firstVertex),
+                             *faces);
+        if (part.mesh->mMaterialIndex < materialIds.size())
+            SetMaterial(*faces, before, materialIds[part.mesh->mMaterialIndex]);
+    }
+    faces->FreeExtra();
+    return faces;
+}
+
 }
 
 C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, bool joinPoints,
                         CSceneImportOptions& options)
 {
-    return meshes.empty() ? nullptr : MeshBuilder(meshes, materialIds, options).Build(joinPoints);
+    const MeshPolygons polygons(meshes);
+    const bool hasFaces = polygons.GetFaceCount() > 0;
+    if (!hasFaces && !HasLoosePoints(meshes))
+        return nullptr;
+    std::vector<int> numbers;
+    C3DPointList* points = joinPoints && hasFaces ? JoinPoints(polygons, numbers) : CopyPoints(polygons);
+    C3DFaceList* faces = hasFaces ? BuildFaces(polygons, numbers, materialIds) : nullptr;
+    if (polygons.GetRefusedCount() > 0) {
+        CXTString<wchar_t> text;
+        text.FormatString(L"%zu faces left out: their corners are out of range or too many", polygons.GetRefusedCount());
+        options.AddLogInfo(IoLogInfo::WARNING, text);
+    }
+    auto* object = new C3DObject(points, faces, nullptr);
+    if (hasFaces)
+        ImportChannels(polygons, numbers, *object, options);
+    return object;
 }
 
 void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, std::vector<C3DCurve*>& curves)
@@ -210,7 +122,7 @@ void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<uns
         const auto equal = [](const Position& a, const Position& b) { return a.x == b.x && a.y == b.y && a.z == b.z; };
         for (unsigned int i = 0; i < mesh->mNumFaces; i++) {
             const aiFace& face = mesh->mFaces[i];
-            if (face.mNumIndices != 2 || !IsSound(face, *mesh))
+            if (face.mNumIndices != 2 || std::max(face.mIndices[0], face.mIndices[1]) >= mesh->mNumVertices)
                 continue;
             const Position* positions = Positions(*mesh);
             const unsigned int a = face.mIndices[0], b = face.mIndices[1];

@@ -4,14 +4,14 @@
 
 #include <3dzel.h>
 
-/// Three coordinates, as the import library keeps them.
+/// Three coordinates of a point, a normal or a texture, as the import library keeps them.
 struct Position {
     float x, y, z;
 };
 
-/// Numbers positions so that equal ones share a number, in the order in which they are first met.
+/// Numbers positions, or other triples of floats, so that equal ones share a number, in the order in which they are first met.
 ///
-/// Equal means equal as floats: -0 is 0, and what is not a number equals nothing. Positions come by the million with no order to
+/// Equal means equal as floats: -0 is 0; what is not a number equals what has the same bits. Positions come by the million with no order to
 /// rely on, so the table is probed a batch at a time, behind prefetches.
 class PointJoin {
 public:

@@ -1,45 +1,11 @@
-#include <fstream>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include <3dzel.h>
-
-#include "support/TempFolder.h"
+#include "PluginTest.h"
 
 namespace {
-
-struct ReleaseScene {
-    void operator()(C3DScene* scene) const { DeleteMe(scene); }
-};
-using Scene = std::unique_ptr<C3DScene, ReleaseScene>;
-
-class Assimp : public testing::Test {
-protected:
-    static void SetUpTestSuite() { Init3DZel(1); }
-    static void TearDownTestSuite() { Close3DZel(0); }
-
-    Scene Read(const std::string& path)
-    {
-        C3DIo io(CFileNameSpec(Utf8ToWide(path)), FILEIO_READ | FILEIO_SILENT, nullptr);
-        options = CSceneImportOptions();
-        Scene scene(io.Read(false, &options));
-        result = io.GetLastResult();
-        return scene;
-    }
-    Scene ReadText(const std::string& name, const std::string& text)
-    {
-        const std::string path = folder.Name(name);
-        std::ofstream(path, std::ios::binary) << text;
-        return Read(path);
-    }
-
-    TempFolder folder;
-    CSceneImportOptions options;
-    int result = 0;
-};
 
 C3DGeomObject* FirstObject(const Scene& scene)
 {
@@ -92,7 +58,7 @@ f 4/1/6 1/2/6 5/3/6 8/4/6
 
 }
 
-TEST_F(Assimp, PointsThatTheImporterMultipliedAreOneAgain)
+TEST_F(PluginTest, PointsThatTheImporterMultipliedAreOneAgain)
 {
     const Scene scene = ReadText("cube.obj", SEAMED_CUBE);
     ASSERT_TRUE(scene);
@@ -109,7 +75,7 @@ TEST_F(Assimp, PointsThatTheImporterMultipliedAreOneAgain)
     EXPECT_EQ(max.z, 1);
 }
 
-TEST_F(Assimp, PolygonsLinesAndNodesComeInAsTheyAre)
+TEST_F(PluginTest, PolygonsLinesAndNodesComeInAsTheyAre)
 {
     const Scene scene = ReadText("mixed.obj", "v 0 0 0\nv 1 0 0\nv 2 1 0\nv 1 2 0\nv 0 2 0\nv 5 5 5\nv 6 5 5\nv 7 5 5\n"
                                               "o first\nf 1 2 3 4 5\nf 1 2 3\no second\nf 1 2 3 4\no path\nl 6 7 8\n");
@@ -130,7 +96,7 @@ TEST_F(Assimp, PolygonsLinesAndNodesComeInAsTheyAre)
     EXPECT_EQ(FaceSizes(*FirstObject(scene)), (std::vector<int>{5, 3}));
 }
 
-TEST_F(Assimp, FormatsWithIndicesKeepTheirPoints)
+TEST_F(PluginTest, FormatsWithIndicesKeepTheirPoints)
 {
     // Two triangles that meet along an edge, each with points of its own; one point is used by nobody.
     const std::string ply = "ply\nformat ascii 1.0\nelement vertex 7\nproperty float x\nproperty float y\nproperty float z\n"
@@ -146,7 +112,7 @@ TEST_F(Assimp, FormatsWithIndicesKeepTheirPoints)
     EXPECT_EQ(FirstObject(joined)->GetFaceNbr(), 2);
 }
 
-TEST_F(Assimp, SharedMeshesAreInstancesInATreeWithItsMatrices)
+TEST_F(PluginTest, SharedMeshesAreInstancesInATreeWithItsMatrices)
 {
     const Scene scene = Read(MODELS "/pavilion.dae");
     ASSERT_TRUE(scene);
@@ -173,7 +139,7 @@ TEST_F(Assimp, SharedMeshesAreInstancesInATreeWithItsMatrices)
         EXPECT_EQ(matrix.m[i][i], 1);
 }
 
-TEST_F(Assimp, BrokenFilesAreRefusedWithAReason)
+TEST_F(PluginTest, BrokenFilesAreRefusedWithAReason)
 {
     const struct {
         const char* name;

@@ -1,0 +1,192 @@
+#include "ChannelImport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+
+#include <assimp/mesh.h>
+
+#include "PointJoin.h"
+
+namespace {
+
+using Part = MeshPolygons::Part;
+
+// Weights of one object: 512 MB of points. Bones come by the hundred, and only a damaged file has a thousand times as many.
+constexpr std::size_t MOST_WEIGHTS = std::size_t{1} << 25;
+
+const Position* Triples(const aiVector3D* values) { return reinterpret_cast<const Position*>(values); }
+
+unsigned char ToByte(float value) { return static_cast<unsigned char>(std::isnan(value) ? 0 : std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f); }
+
+// Colours are told apart as bytes. Two of these fit into the digits of a float.
+std::vector<Position> ColorTriples(const aiColor4D* colors, std::size_t count)
+{
+    std::vector<Position> triples(count);
+    for (std::size_t i = 0; i < count; i++) {
+        const aiColor4D& color = colors[i];
+        triples[i] = {static_cast<float>(ToByte(color.r) + 256 * ToByte(color.g)), static_cast<float>(ToByte(color.b) + 256 * ToByte(color.a)), 0};
+    }
+    return triples;
+}
+
+void Assign(C3DTVector<float>& normal, const Position& value) { normal.x = value.x, normal.y = value.y, normal.z = value.z; }
+void Assign(CUVWPoint& point, const Position& value) { point.u = value.x, point.v = value.y, point.w = value.z; }
+void Assign(CVCPoint& point, const Position& value)
+{
+    const auto redGreen = static_cast<unsigned int>(value.x), blueAlpha = static_cast<unsigned int>(value.y);
+    point[0] = static_cast<unsigned char>(redGreen & 255), point[1] = static_cast<unsigned char>(redGreen >> 8);
+    point[2] = static_cast<unsigned char>(blueAlpha & 255), point[3] = static_cast<unsigned char>(blueAlpha >> 8);
+}
+
+/// Fills one per-corner channel, part by part.
+class LayerBuilder {
+public:
+    LayerBuilder(const MeshPolygons& polygons, CFaceList& faces) : m_polygons(polygons), m_faces(faces), m_join(polygons.GetFaceCount() / 2) {}
+
+    void AddPart(const Part& part, const Position* values)
+    {
+        m_numbers.clear();
+        m_join.Add(values, part.mesh->mNumVertices, m_numbers);
+        m_polygons.AppendFaces(part, m_numbers.data(), 0, m_faces);
+    }
+    void AddEmptyPart(const Part& part) { MeshPolygons::AppendEmptyFaces(part, m_faces); }
+
+    template <class POINTS> void Finish(POINTS& points)
+    {
+        const std::vector<Position>& values = m_join.GetPositions();
+        points.SetSize(static_cast<int>(values.size()), false, 0);
+        auto* point = points.GetFirst();
+        for (const Position& value : values)
+            Assign(*point++, value);
+        m_faces.FreeExtra();
+    }
+
+private:
+    const MeshPolygons& m_polygons;
+    CFaceList& m_faces;
+    PointJoin m_join;
+    std::vector<int> m_numbers;
+};
+
+template <class HAS> bool Any(const MeshPolygons& polygons, HAS has)
+{
+    return std::ranges::any_of(polygons.GetParts(), [&](const Part& part) { return part.faceCount > 0 && has(*part.mesh); });
+}
+
+void ImportNormals(const MeshPolygons& polygons, C3DObject& object)
+{
+    if (!Any(polygons, [](const aiMesh& mesh) { return mesh.HasNormals(); }))
+        return;
+    auto* channel = new CSpecNormalChannel;
+    LayerBuilder layer(polygons, *channel->GetNormalFaceList());
+    for (const Part& part : polygons.GetParts())
+        part.mesh->HasNormals() ? layer.AddPart(part, Triples(part.mesh->mNormals)) : layer.AddEmptyPart(part);
+    layer.Finish(*channel->GetNormalVectorList());
+    if (channel->Normalize())
+        object.AddChannel(channel);
+    else
+        DeleteMe(channel);    // not one normal that can be used
+}
+
+void ImportTextureCoordinates(const MeshPolygons& polygons, unsigned int set, C3DObject& object)
+{
+    if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasTextureCoords(set); }))
+        return;
+    auto* channel = new CUVWChannel(TextureChannelId(set));
+    LayerBuilder layer(polygons, *channel->GetUVWFaceList());
+    for (const Part& part : polygons.GetParts())
+        part.mesh->HasTextureCoords(set) ? layer.AddPart(part, Triples(part.mesh->mTextureCoords[set])) : layer.AddEmptyPart(part);
+    layer.Finish(*channel->GetUVWPointList());
+    object.AddChannel(channel);
+}
+
+void ImportColors(const MeshPolygons& polygons, unsigned int set, C3DObject& object)
+{
+    if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasVertexColors(set); }))
+        return;
+    auto* channel = new CVCChannel(ColorChannelId(set));
+    LayerBuilder layer(polygons, *channel->GetVCFaceList());
+    for (const Part& part : polygons.GetParts())
+        if (part.mesh->HasVertexColors(set))
+            layer.AddPart(part, ColorTriples(part.mesh->mColors[set], part.mesh->mNumVertices).data());
+        else
+            layer.AddEmptyPart(part);
+    layer.Finish(*channel->GetVCPointList());
+    if (object.GetChannels()->GetChannelsNumber(CHANNEL_VC, true) == 0)
+        object.SetGlobalVCChannel(ColorChannelId(set), 1);
+    object.AddChannel(channel);
+}
+
+/// What the bones of one name do to the points of an object.
+struct BoneWeights {
+    std::string name;
+    const aiBone* first;
+    std::vector<std::pair<std::size_t, float>> weights;    // vertex of all meshes, weight
+};
+
+std::vector<BoneWeights> CollectBones(const MeshPolygons& polygons)
+{
+    std::vector<BoneWeights> bones;
+    std::map<std::string, std::size_t> places;
+    for (const Part& part : polygons.GetParts())
+        for (unsigned int i = 0; i < part.mesh->mNumBones; i++) {
+            const aiBone& bone = *part.mesh->mBones[i];
+            if (bone.mNumWeights == 0 || !bone.mWeights)
+                continue;
+            const auto [place, isNew] = places.try_emplace(bone.mName.C_Str(), bones.size());
+            if (isNew)
+                bones.push_back({bone.mName.C_Str(), &bone, {}});
+            for (unsigned int k = 0; k < bone.mNumWeights; k++)
+                if (const aiVertexWeight& weight = bone.mWeights[k]; weight.mVertexId < part.mesh->mNumVertices && std::isfinite(weight.mWeight))
+                    bones[place->second].weights.emplace_back(part.firstVertex + weight.mVertexId, weight.mWeight);
+        }
+    return bones;
+}
+
+CWeightChannel* WeightChannelOf(const BoneWeights& bone, const std::vector<int>& numbers, int pointCount)
+{
+    auto* channel = new CWeightChannel;
+    CWeightPointList& points = *channel->GetWeightPointList();
+    points.SetSize(pointCount, false, 0);
+    CWeightPoint* point = points.GetFirst();
+    for (const auto& [vertex, weight] : bone.weights) {
+        CWeightPoint& of = point[numbers.empty() ? vertex : static_cast<std::size_t>(numbers[vertex])];
+        of.SetWeight(std::max(of.GetWeight(), weight));    // the same for all vertices of a point, as a rule
+    }
+    channel->GetCustomData().SetString(WEIGHT_BONE_NAME, Utf8ToWide(bone.name));
+    float bind[12];
+    for (unsigned int i = 0; i < 12; i++)
+        bind[i] = static_cast<float>(bone.first->mOffsetMatrix[i / 4][i % 4]);
+    channel->GetCustomData().SetData(WEIGHT_BONE_BIND, bind, sizeof bind);
+    return channel;
+}
+
+void ImportWeights(const MeshPolygons& polygons, const std::vector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
+{
+    const std::vector<BoneWeights> bones = CollectBones(polygons);
+    const int pointCount = object.GetPointNbr();
+    if (bones.empty() || pointCount == 0)
+        return;
+    const std::size_t most = MOST_WEIGHTS / static_cast<std::size_t>(pointCount);
+    if (bones.size() > most) {
+        CXTString<wchar_t> text;
+        text.FormatString(L"the weights of %zu bones left out: %zu bones are too many for %d points", bones.size() - most, bones.size(), pointCount);
+        options.AddLogInfo(IoLogInfo::WARNING, text);
+    }
+    for (std::size_t i = 0; i < std::min(most, bones.size()); i++)
+        object.AddChannel(WeightChannelOf(bones[i], numbers, pointCount));
+}
+
+}
+
+void ImportChannels(const MeshPolygons& polygons, const std::vector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
+{
+    ImportNormals(polygons, object);
+    for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_TEXTURECOORDS; set++)
+        ImportTextureCoordinates(polygons, set, object);
+    for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_COLOR_SETS; set++)
+        ImportColors(polygons, set, object);
+    ImportWeights(polygons, numbers, object, options);
+}
