@@ -74,6 +74,13 @@ inline constexpr std::uint64_t KEY_MAP_SWAP = KeyClassID(KEY_TYPE_VECTOR, FourCC
 inline constexpr std::uint64_t KEY_AMBIENT_COLOR = KeyClassID(KEY_TYPE_COLOR, FourCC("MTAR"));
 inline constexpr std::uint64_t KEY_DIFFUSE_COLOR = KeyClassID(KEY_TYPE_COLOR, FourCC("MTDR"));
 inline constexpr std::uint64_t KEY_SPECULAR_COLOR = KeyClassID(KEY_TYPE_COLOR, FourCC("MTSR"));
+inline constexpr std::uint64_t KEY_AMBIENT_FACTOR = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTAF"));
+inline constexpr std::uint64_t KEY_DIFFUSE_FACTOR = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTDF"));
+inline constexpr std::uint64_t KEY_SPECULAR_FACTOR = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTSF"));
+inline constexpr std::uint64_t KEY_BUMP_FACTOR = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTBM"));
+inline constexpr std::uint64_t KEY_TRANSPARENCY_FACTOR = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTTY"));
+inline constexpr std::uint64_t KEY_VERTEX_COLOR_STRENGTH = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTVC"));
+inline constexpr std::uint64_t KEY_SMOOTH_ANGLE = KeyClassID(KEY_TYPE_FLOAT, FourCC("MTSM"));
 
 /// A typed value at a time. The time itself is kept by the list that owns the key.
 class ZEL_API C3DKeyframe {

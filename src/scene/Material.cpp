@@ -1,22 +1,180 @@
 #include "scene/Material.h"
 
+#include <utility>
+
+#include "channels/Channel.h"
+#include "scene/Materials.h"
 #include "scene/ProcessState.h"
 #include "tools/Archive.h"
 
 ZEL_IMPLEMENT_CREATABLE(C3DMaterial, CXObject)
 
+C3DMaterial::Map C3DMaterial::*const C3DMaterial::MAPS[5] = {&C3DMaterial::m_ambientMap, &C3DMaterial::m_diffuseMap,
+                                                             &C3DMaterial::m_specularMap, &C3DMaterial::m_transparencyMap,
+                                                             &C3DMaterial::m_bumpMap};
+
 C3DMaterial::C3DMaterial() : m_materialID(CreateSceneID(ID_MATERIAL)) {}
+
+C3DMaterial::C3DMaterial(CMaterials* owner, unsigned int id) : m_owner(owner), m_materialID(id) {}
 
 C3DMaterial::~C3DMaterial() = default;
 
-void C3DMaterial::SetName(const CXTString<wchar_t>& name) { m_name = name; }
+C3DMaterial& C3DMaterial::operator=(const C3DMaterial& other)
+{
+    if (this == &other)
+        return *this;
+    if (m_owner)
+        m_owner->HashRemove(this);
+    C3DKeyframable::operator=(other);
+    m_flags = other.m_flags & ~MATERIAL_CHANGES;
+    m_name = other.m_name;
+    m_customData = other.m_customData;
+    m_vertexColorChannel = other.m_vertexColorChannel;
+    CMaterials* const owner = std::exchange(m_owner, nullptr);    // the tables hear of it once, below
+    for (const auto map : MAPS) {
+        if (!(other.*map))
+            (this->*map).reset();
+        else {
+            if (!(this->*map))
+                AdoptMap(this->*map, new CMaterialMap);
+            *(this->*map) = *(other.*map);
+        }
+    }
+    m_owner = owner;
+    if (m_owner)
+        m_owner->HashInsert(this);
+    return *this;
+}
+
+bool C3DMaterial::HasSameParameters(const C3DMaterial& other) const
+{
+    if (m_vertexColorChannel != other.m_vertexColorChannel)
+        return false;
+    for (const auto map : MAPS) {
+        const CMaterialMap *const a = (this->*map).get(), *const b = (other.*map).get();
+        if (!a != !b || (a && !(*a == *b)))
+            return false;
+    }
+    return C3DKeyframable::operator==(other);
+}
+
+bool C3DMaterial::operator==(const C3DMaterial& other) const { return m_name == other.m_name && HasSameParameters(other); }
+
+void C3DMaterial::SetName(const CXTString<wchar_t>& name)
+{
+    if (m_owner && m_name == name)
+        return;
+    if (m_owner)
+        m_owner->HashRemove(this);
+    m_name = name;
+    if (m_owner)
+        m_owner->HashInsert(this);
+}
+
+// ---- Maps
+
+C3DMaterial::Map C3DMaterial::*C3DMaterial::MapOf(MapType type)
+{
+    switch (type) {
+    case MAP_DIFFUSE: return &C3DMaterial::m_diffuseMap;
+    case MAP_AMBIENT: return &C3DMaterial::m_ambientMap;
+    case MAP_SPECULAR: return &C3DMaterial::m_specularMap;
+    case MAP_TRANSPARENCY: return &C3DMaterial::m_transparencyMap;
+    case MAP_BUMP: return &C3DMaterial::m_bumpMap;
+    }
+    return nullptr;
+}
+
+CMaterialMap* C3DMaterial::GetMaterialMap(MapType type) const
+{
+    const auto place = MapOf(type);
+    return place ? (this->*place).get() : nullptr;
+}
+
+CMaterialMap* C3DMaterial::AddMaterialMap(const CXTString<wchar_t>& fileName, unsigned int channelID, MapType type,
+                                          MapProjection projection)
+{
+    const auto place = MapOf(type);
+    if (!place || fileName.IsEmpty())
+        return nullptr;
+    if (!(this->*place)) {
+        AdoptMap(this->*place, CMaterialMap::Create(fileName, channelID, type, projection));
+        FilesChanged();
+    }
+    return (this->*place).get();
+}
+
+void C3DMaterial::AdoptMap(Map& place, CMaterialMap* map)
+{
+    place.reset(map);
+    map->m_material = this;
+}
+
+unsigned int C3DMaterial::GetFilesHash() const
+{
+    unsigned int hash = 0;
+    for (const auto place : MAPS) {
+        constexpr unsigned int ODD = 0x9E3779B1;
+        const CMaterialMap* const map = (this->*place).get();
+        hash = hash * ODD + (map ? map->GetFileName().GetHash() + 3 * map->GetAlphaFileName().GetHash() : 1);
+    }
+    return hash;
+}
+
+void C3DMaterial::FilesChanged()
+{
+    if (!m_owner)
+        return;
+    m_owner->UnhashFiles(this);
+    m_owner->HashFiles(this);
+}
+
+void C3DMaterial::ChangeChannelID(const CChannelMap& map)
+{
+    if (const CChannelInfo* const info = map.Find(CChannelInfo(m_vertexColorChannel, CHANNEL_VC)))
+        m_vertexColorChannel = info->GetChannelID();
+    for (const auto place : MAPS)
+        if (CMaterialMap* const owned = (this->*place).get())
+            owned->ChangeChannelID(map);
+}
+
+// ---- Stream
 
 void C3DMaterial::Serialize(CXArchive& ar)
 {
+    if (ar.IsLoading() && m_owner) {
+        // The tables know this one under its id, and a stream that breaks off must not reach them.
+        C3DMaterial read(nullptr, m_materialID);
+        read.Serialize(ar);
+        const unsigned int news = read.m_flags & MATERIAL_CHANGES;
+        *this = read;
+        m_flags |= news;
+        return;
+    }
+
     C3DKeyframable::Serialize(ar);
+    Move(ar, m_flags);
+    if (ar.IsStoring())
+        m_flags &= ~MATERIAL_CHANGES;
     Move(ar, m_name);
+    for (const auto place : MAPS) {
+        Map& map = this->*place;
+        int hasMap = map != nullptr;
+        Move(ar, hasMap);
+        if (!hasMap)
+            map.reset();
+        else {
+            if (!map)
+                AdoptMap(map, new CMaterialMap);
+            map->Serialize(ar);
+        }
+    }
+    Move(ar, m_vertexColorChannel);
     Move(ar, m_materialID);
     m_customData.Serialize(ar);
-    if (ar.IsLoading())
+    if (ar.IsLoading()) {
+        if (m_materialID == 0xFFFFFFFF)
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         AdvanceSceneID(ID_MATERIAL, m_materialID);
+    }
 }

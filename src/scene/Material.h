@@ -35,6 +35,7 @@ public:
     ~C3DMaterial() override;
     /// Everything but id and owner, which stay. News flags are not taken, bitmaps are not copied.
     C3DMaterial& operator=(const C3DMaterial& other);
+    /// Storing clears the news flags behind it. Loading takes the id too, except where the material is in a collection.
     void Serialize(CXArchive& ar) override;
 
     /// Keys, maps and vertex colour channel are equal; names do not count.
@@ -105,14 +106,26 @@ public:
 
 private:
     friend class CMaterials;
+    friend class CMaterialMap;
+    using Map = std::unique_ptr<CMaterialMap>;
 
-    std::unique_ptr<CMaterialMap>* MapOf(MapType type);
+    /// Takes no id of the process.
+    C3DMaterial(CMaterials* owner, unsigned int id);
+    static Map C3DMaterial::*MapOf(MapType type);
+    void AdoptMap(Map& place, CMaterialMap* map);
+    /// A number for the image files of all maps: equal for materials with the same parameters.
+    unsigned int GetFilesHash() const;
+    void FilesChanged();
+
+    static Map C3DMaterial::*const MAPS[5];    // in the order in which they are stored
 
     unsigned int m_flags = 0;
     CXTString<wchar_t> m_name;
     CCustomData m_customData;
     CMaterials* m_owner = nullptr;    ///< whose tables hold this material; null outside one
-    std::unique_ptr<CMaterialMap> m_ambientMap, m_diffuseMap, m_specularMap, m_transparencyMap, m_bumpMap;
+    Map m_ambientMap, m_diffuseMap, m_specularMap, m_transparencyMap, m_bumpMap;
     unsigned int m_materialID;
     unsigned int m_vertexColorChannel = 0xFFFFFFFF;
+    // Under what the owner's tables hold this material; it leaves them by these whatever became of the keys.
+    unsigned int m_hashedColor = 0, m_hashedFiles = 0;
 };

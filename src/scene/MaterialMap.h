@@ -122,7 +122,12 @@ protected:
     bool ChangeFileName(CXTString<wchar_t>& member, const CXTString<wchar_t>& name, const CXTString<wchar_t>& baseDir);
 
 private:
+    friend class C3DMaterial;
     enum LoadState : unsigned int { NOT_TRIED, LOADED, LOADING, FAILED };
+
+    void DropBitmap();
+    void RestoreSwap();
+    void FilesChanged();
 
     CXTString<wchar_t> m_fileName, m_alphaFileName;
     CCustomData m_customData;
@@ -133,4 +138,5 @@ private:
     std::unique_ptr<Bitmap> m_bitmap;
     unsigned int m_flags = 0;
     LoadState m_loadState = NOT_TRIED;
+    C3DMaterial* m_material = nullptr;    ///< hears of other file names; null for a map of its own
 };

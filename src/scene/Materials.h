@@ -1,7 +1,9 @@
 #pragma once
 
 #include "geometry/3DFaceList.h"
+#include "scene/IdSet.h"
 #include "scene/Material.h"
+#include "scene/NameNumbers.h"
 #include "tools/Hash.h"
 
 /// The materials of a scene: found by id, by name and by diffuse colour at constant cost. Owns them.
@@ -38,8 +40,8 @@ public:
         COPY_REPLACE_ALL = 2,    ///< what was here goes first
         COPY_ONLY_LISTED = 4,    ///< ids in the map alone
     };
-    /// Copies materials under their ids. A material whose id is here already is replaced unless COPY_ONLY_NEW. COPY_ONLY_LISTED with a
-    /// null map copies nothing.
+    /// Copies materials under their ids. A material whose id is here already becomes as the other one, unless COPY_ONLY_NEW.
+    /// COPY_ONLY_LISTED with a null map copies nothing.
     void CopyMaterials(const CMaterials& from, unsigned int flags, const C3DFaceList::MaterialsMap* listed);
 
     unsigned int GetCount() const { return m_byID.GetCount(); }
@@ -50,15 +52,23 @@ public:
 
 protected:
     friend class C3DMaterial;
+    /// The id must be free.
     void HashInsert(C3DMaterial* material);
     void HashRemove(C3DMaterial* material);
     /// Empties the tables; materials are not destroyed.
     void HashFree();
 
 private:
-    using IdSet = CHashTable<unsigned int>;
+    template <class KEY> using Buckets = CHashMap<KEY, const KEY&, CIdSet>;
+
+    template <class KEY> static bool RemoveFrom(Buckets<KEY>& buckets, const KEY& key, unsigned int id);
+    C3DMaterial* FindOfFiles(const C3DMaterial& material, const CIdSet& ofColor, const CIdSet& ofFiles) const;
+    void HashFiles(C3DMaterial* material);
+    void UnhashFiles(C3DMaterial* material);
 
     CHashMap<unsigned int, C3DMaterial*> m_byID;
-    CHashMap<unsigned int, IdSet*> m_byColor;    // diffuse, at time 0
-    CHashMap<CXTString<wchar_t>, const CXTString<wchar_t>&, IdSet*> m_byName;
+    Buckets<unsigned int> m_byColor;    // diffuse, at time 0
+    Buckets<CXTString<wchar_t>> m_byName;
+    Buckets<std::uint64_t> m_byFiles;    // colour and image files: thousands of textures share one colour
+    CNameNumbers m_numbers;
 };

@@ -5,7 +5,8 @@
 #include "tools/FourCC.h"
 
 static constexpr unsigned int FILE_ID = FourCC("3DVW"), FILE_KIND = FourCC("PREF");
-static constexpr unsigned int SMOOTH_ANGLE = FourCC("SMAG"), SMOOTH_MODE = FourCC("SMMD"), PATCH_LEVEL = FourCC("PHLV");
+static constexpr unsigned int SMOOTH_ANGLE = FourCC("SMAG"), SMOOTH_MODE = FourCC("SMMD"), PATCH_LEVEL = FourCC("PHLV"),
+                              TEXTURE_PATHS = FourCC("TXTP");
 
 static bool GetPreferencesFile(CXTString<wchar_t>& path, bool create)
 {
@@ -83,6 +84,25 @@ void C3DPreferences::SetPatchLevel(unsigned int level)
 {
     const std::lock_guard<std::mutex> guard(m_lock);
     m_bag.SetUnsigned(PATCH_LEVEL, level);
+}
+
+int C3DPreferences::GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const
+{
+    CXArray<CXTString<wchar_t>> kept;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_bag.GetStringArray(TEXTURE_PATHS, kept);
+    }
+    if (!append)
+        paths.RemoveAll();
+    paths.Append(kept);
+    return paths.GetSize();
+}
+
+void C3DPreferences::SetTexturePaths(const CXArray<CXTString<wchar_t>>& paths)
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_bag.SetStringArray(TEXTURE_PATHS, paths);
 }
 
 bool C3DPreferences::GetBinaryData(unsigned int id, void* data, unsigned int size) const

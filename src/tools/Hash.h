@@ -110,6 +110,13 @@ public:
         return nullptr;
     }
 
+    /// Position of the key's slot, or HASH_END.
+    unsigned int GetPosition(const KEY& key) const
+    {
+        const ENTRY* entry = FindEntry(key);
+        return entry ? static_cast<unsigned int>(entry - m_entries) : HASH_END;
+    }
+
     /// The entry of `key`, made from `arguments` when it was not there; `added` tells which. The pointer lives until
     /// the next insertion.
     template <class... ARGS> ENTRY* InsertEntry(const KEY& key, bool& added, ARGS&&... arguments)
@@ -279,7 +286,8 @@ template <class T> class CHashTable : private CHashSlots<T, T> {
 
 public:
     using Base::Base;
-    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst, Base::end;
+    using Base::GetCount, Base::IsEmpty, Base::GetTableSize, Base::InitTable, Base::RemoveAll, Base::Remove, Base::GetFirst, Base::end,
+        Base::GetPosition;
     int GetSize() const { return static_cast<int>(GetCount()); }
 
     bool Find(const T& value) const { return this->FindEntry(value) != nullptr; }

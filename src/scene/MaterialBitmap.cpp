@@ -1,0 +1,96 @@
+#include "scene/3DScene.h"
+#include "scene/MaterialMap.h"
+#include "scene/Preferences.h"
+#include "tools/FileExt.h"
+#include "tools/FileInfo.h"
+#include "tools/FilePath.h"
+#include "tools/IoFile.h"
+
+// The image of a map: where its file is, and how it is read.
+
+// ---- Search
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+
+/// Looks for a file whose name comes from elsewhere: another folder, another drive, another system.
+class CTextureSearch {
+public:
+    CTextureSearch(const C3DScene* scene, const Text& name) : m_name(name)
+    {
+        if (scene) {
+            m_base = scene->GetFilepath();
+            scene->GetTexturePaths(m_paths, true);
+        }
+        C3DPreferences::Get3DPreferences().GetTexturePaths(m_paths, true);
+        const CFileInfo info(name, FILE_KIND_READ);
+        if (info.IsURL(false))
+            m_name = info.GetDiskName();
+    }
+
+    bool Find()
+    {
+        if (m_name.IsEmpty())
+            return false;
+        return fileIsAbsolute(m_name) ? FindByFolder(false) : FindByFolder(true) || FindByFolder(false);
+    }
+    /// Of the folder of the scene, or with `absolute` of none.
+    Text GetFound(bool absolute) const
+    {
+        if (!absolute)
+            return fileMakeRelativePath(m_base, m_found);
+        return fileIsAbsolute(m_found) ? m_found : fileMakeAbsolutePath(fileGetCurrentDirectory(), m_found);
+    }
+
+private:
+    /// `relative`: below the folders under the whole of the name, else under the bare file name.
+    bool FindByFolder(bool relative)
+    {
+        const Text folder = fileGetPath(m_name), file = fileStripPath(m_name), root = fileGetRoot(m_name), baseRoot = fileGetRoot(m_base);
+        if (!folder.IsEmpty() && Try(fileMakeAbsolutePath(m_base, m_name)))
+            return true;
+        if (!root.IsEmpty() && !baseRoot.IsEmpty() && Try(baseRoot + folder.Mid(root.GetLength()) + file))
+            return true;
+        if (Try(relative ? fileMakeAbsolutePath(m_base, m_name) : fileAddSlash(m_base) + file))
+            return true;
+        for (const Text& path : m_paths) {
+            if (relative && !fileIsAbsolute(path))
+                continue;
+            if (Try(relative ? fileMakeAbsolutePath(path, m_name) : fileAddSlash(fileMakeAbsolutePath(m_base, path)) + file))
+                return true;
+        }
+        return false;
+    }
+
+    bool Try(const Text& candidate)
+    {
+        IoFile file;
+        if (!file.OpenFile(candidate, 1, nullptr))
+            return false;
+        file.CloseFile();
+        m_found = candidate;
+        return true;
+    }
+
+    Text m_name, m_base, m_found;
+    CXArray<Text> m_paths;
+};
+
+}
+
+bool CMaterialMap::FindBitmap(const C3DScene* scene, const CXTString<wchar_t>& name, CXTString<wchar_t>& found, bool absolute) const
+{
+    CTextureSearch search(scene, name);
+    if (!search.Find())
+        return false;
+    found = search.GetFound(absolute);
+    return true;
+}
+
+CXTString<wchar_t> CMaterialMap::GetBitmapPath(const C3DScene* scene, bool alpha, bool absolute) const
+{
+    CXTString<wchar_t> path;
+    FindBitmap(scene, alpha ? m_alphaFileName : m_fileName, path, absolute);
+    return path;
+}
