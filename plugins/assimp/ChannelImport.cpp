@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <future>
 #include <map>
+#include <memory>
 #include <string>
 
 #include <assimp/mesh.h>
-
-#include "PointJoin.h"
 
 namespace {
 
@@ -16,17 +17,21 @@ using Part = MeshPolygons::Part;
 // Weights of one object: 512 MB of points. Bones come by the hundred, and only a damaged file has a thousand times as many.
 constexpr std::size_t MOST_WEIGHTS = std::size_t{1} << 25;
 
+// From this many vertices on, layers are filled on threads of their own.
+constexpr std::size_t WORTH_A_THREAD = 50000;
+
 const Position* Triples(const aiVector3D* values) { return reinterpret_cast<const Position*>(values); }
 
 unsigned char ToByte(float value) { return static_cast<unsigned char>(std::isnan(value) ? 0 : std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f); }
 
 // Colours are told apart as bytes. Two of these fit into the digits of a float.
-std::vector<Position> ColorTriples(const aiColor4D* colors, std::size_t count)
+BlockVector<Position> ColorTriples(const aiColor4D* colors, std::size_t count)
 {
-    std::vector<Position> triples(count);
+    BlockVector<Position> triples(count);
     for (std::size_t i = 0; i < count; i++) {
         const aiColor4D& color = colors[i];
-        triples[i] = {static_cast<float>(ToByte(color.r) + 256 * ToByte(color.g)), static_cast<float>(ToByte(color.b) + 256 * ToByte(color.a)), 0};
+        triples[i] = {static_cast<float>(ToByte(color.r) + 256 * ToByte(color.g)),
+                      static_cast<float>(ToByte(color.b) + 256 * ToByte(color.a)), 0};
     }
     return triples;
 }
@@ -43,7 +48,9 @@ void Assign(CVCPoint& point, const Position& value)
 /// Fills one per-corner channel, part by part.
 class LayerBuilder {
 public:
-    LayerBuilder(const MeshPolygons& polygons, CFaceList& faces) : m_polygons(polygons), m_faces(faces), m_join(polygons.GetFaceCount() / 2) {}
+    LayerBuilder(const MeshPolygons& polygons, CFaceList& faces) : m_polygons(polygons), m_faces(faces), m_join(polygons.GetFaceCount() / 2)
+    {
+    }
 
     void AddPart(const Part& part, const Position* values)
     {
@@ -55,7 +62,7 @@ public:
 
     template <class POINTS> void Finish(POINTS& points)
     {
-        const std::vector<Position>& values = m_join.GetPositions();
+        const BlockVector<Position>& values = m_join.GetPositions();
         points.SetSize(static_cast<int>(values.size()), false, 0);
         auto* point = points.GetFirst();
         for (const Position& value : values)
@@ -67,7 +74,7 @@ private:
     const MeshPolygons& m_polygons;
     CFaceList& m_faces;
     PointJoin m_join;
-    std::vector<int> m_numbers;
+    BlockVector<int> m_numbers;
 };
 
 template <class HAS> bool Any(const MeshPolygons& polygons, HAS has)
@@ -75,48 +82,73 @@ template <class HAS> bool Any(const MeshPolygons& polygons, HAS has)
     return std::ranges::any_of(polygons.GetParts(), [&](const Part& part) { return part.faceCount > 0 && has(*part.mesh); });
 }
 
-void ImportNormals(const MeshPolygons& polygons, C3DObject& object)
+struct ReleaseChannel {
+    void operator()(CChannel* channel) const { DeleteMe(channel); }
+};
+
+/// A channel that waits for its content. Channels are made on one thread; their lists are filled on as many as there are layers.
+struct Layer {
+    std::unique_ptr<CChannel, ReleaseChannel> channel;
+    std::function<bool()> fill;    // false: nothing in it is of use
+};
+
+void PlanNormals(const MeshPolygons& polygons, std::vector<Layer>& layers)
 {
     if (!Any(polygons, [](const aiMesh& mesh) { return mesh.HasNormals(); }))
         return;
     auto* channel = new CSpecNormalChannel;
-    LayerBuilder layer(polygons, *channel->GetNormalFaceList());
-    for (const Part& part : polygons.GetParts())
-        part.mesh->HasNormals() ? layer.AddPart(part, Triples(part.mesh->mNormals)) : layer.AddEmptyPart(part);
-    layer.Finish(*channel->GetNormalVectorList());
-    if (channel->Normalize())
-        object.AddChannel(channel);
-    else
-        DeleteMe(channel);    // not one normal that can be used
+    layers.emplace_back().channel.reset(channel);
+    layers.back().fill = [&polygons, channel] {
+        LayerBuilder layer(polygons, *channel->GetNormalFaceList());
+        for (const Part& part : polygons.GetParts())
+            part.mesh->HasNormals() ? layer.AddPart(part, Triples(part.mesh->mNormals)) : layer.AddEmptyPart(part);
+        layer.Finish(*channel->GetNormalVectorList());
+        return channel->Normalize();
+    };
 }
 
-void ImportTextureCoordinates(const MeshPolygons& polygons, unsigned int set, C3DObject& object)
+void PlanTextureCoordinates(const MeshPolygons& polygons, unsigned int set, std::vector<Layer>& layers)
 {
     if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasTextureCoords(set); }))
         return;
     auto* channel = new CUVWChannel(TextureChannelId(set));
-    LayerBuilder layer(polygons, *channel->GetUVWFaceList());
-    for (const Part& part : polygons.GetParts())
-        part.mesh->HasTextureCoords(set) ? layer.AddPart(part, Triples(part.mesh->mTextureCoords[set])) : layer.AddEmptyPart(part);
-    layer.Finish(*channel->GetUVWPointList());
-    object.AddChannel(channel);
+    layers.emplace_back().channel.reset(channel);
+    layers.back().fill = [&polygons, channel, set] {
+        LayerBuilder layer(polygons, *channel->GetUVWFaceList());
+        for (const Part& part : polygons.GetParts())
+            part.mesh->HasTextureCoords(set) ? layer.AddPart(part, Triples(part.mesh->mTextureCoords[set])) : layer.AddEmptyPart(part);
+        layer.Finish(*channel->GetUVWPointList());
+        return true;
+    };
 }
 
-void ImportColors(const MeshPolygons& polygons, unsigned int set, C3DObject& object)
+void PlanColors(const MeshPolygons& polygons, unsigned int set, std::vector<Layer>& layers)
 {
     if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasVertexColors(set); }))
         return;
     auto* channel = new CVCChannel(ColorChannelId(set));
-    LayerBuilder layer(polygons, *channel->GetVCFaceList());
-    for (const Part& part : polygons.GetParts())
-        if (part.mesh->HasVertexColors(set))
-            layer.AddPart(part, ColorTriples(part.mesh->mColors[set], part.mesh->mNumVertices).data());
-        else
-            layer.AddEmptyPart(part);
-    layer.Finish(*channel->GetVCPointList());
-    if (object.GetChannels()->GetChannelsNumber(CHANNEL_VC, true) == 0)
-        object.SetGlobalVCChannel(ColorChannelId(set), 1);
-    object.AddChannel(channel);
+    layers.emplace_back().channel.reset(channel);
+    layers.back().fill = [&polygons, channel, set] {
+        LayerBuilder layer(polygons, *channel->GetVCFaceList());
+        for (const Part& part : polygons.GetParts())
+            if (part.mesh->HasVertexColors(set))
+                layer.AddPart(part, ColorTriples(part.mesh->mColors[set], part.mesh->mNumVertices).data());
+            else
+                layer.AddEmptyPart(part);
+        layer.Finish(*channel->GetVCPointList());
+        return true;
+    };
+}
+
+void FillLayers(std::vector<Layer>& layers, std::size_t vertexCount)
+{
+    const auto policy = vertexCount < WORTH_A_THREAD ? std::launch::deferred : std::launch::async;
+    std::vector<std::future<bool>> results;
+    for (std::size_t i = 0; i < layers.size(); i++)    // the last one here
+        results.push_back(std::async(i + 1 < layers.size() ? policy : std::launch::deferred, layers[i].fill));
+    for (std::size_t i = layers.size(); i-- > 0;)
+        if (!results[i].get())
+            layers[i].channel.reset();
 }
 
 /// What the bones of one name do to the points of an object.
@@ -139,13 +171,14 @@ std::vector<BoneWeights> CollectBones(const MeshPolygons& polygons)
             if (isNew)
                 bones.push_back({bone.mName.C_Str(), &bone, {}});
             for (unsigned int k = 0; k < bone.mNumWeights; k++)
-                if (const aiVertexWeight& weight = bone.mWeights[k]; weight.mVertexId < part.mesh->mNumVertices && std::isfinite(weight.mWeight))
+                if (const aiVertexWeight& weight = bone.mWeights[k];
+                    weight.mVertexId < part.mesh->mNumVertices && std::isfinite(weight.mWeight))
                     bones[place->second].weights.emplace_back(part.firstVertex + weight.mVertexId, weight.mWeight);
         }
     return bones;
 }
 
-CWeightChannel* WeightChannelOf(const BoneWeights& bone, const std::vector<int>& numbers, int pointCount)
+CWeightChannel* WeightChannelOf(const BoneWeights& bone, const BlockVector<int>& numbers, int pointCount)
 {
     auto* channel = new CWeightChannel;
     CWeightPointList& points = *channel->GetWeightPointList();
@@ -163,7 +196,7 @@ CWeightChannel* WeightChannelOf(const BoneWeights& bone, const std::vector<int>&
     return channel;
 }
 
-void ImportWeights(const MeshPolygons& polygons, const std::vector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
+void ImportWeights(const MeshPolygons& polygons, const BlockVector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
 {
     const std::vector<BoneWeights> bones = CollectBones(polygons);
     const int pointCount = object.GetPointNbr();
@@ -172,7 +205,8 @@ void ImportWeights(const MeshPolygons& polygons, const std::vector<int>& numbers
     const std::size_t most = MOST_WEIGHTS / static_cast<std::size_t>(pointCount);
     if (bones.size() > most) {
         CXTString<wchar_t> text;
-        text.FormatString(L"the weights of %zu bones left out: %zu bones are too many for %d points", bones.size() - most, bones.size(), pointCount);
+        text.FormatString(L"the weights of %zu bones left out: %zu bones are too many for %d points", bones.size() - most, bones.size(),
+                          pointCount);
         options.AddLogInfo(IoLogInfo::WARNING, text);
     }
     for (std::size_t i = 0; i < std::min(most, bones.size()); i++)
@@ -181,12 +215,19 @@ void ImportWeights(const MeshPolygons& polygons, const std::vector<int>& numbers
 
 }
 
-void ImportChannels(const MeshPolygons& polygons, const std::vector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
+void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
 {
-    ImportNormals(polygons, object);
+    std::vector<Layer> layers;
+    PlanNormals(polygons, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_TEXTURECOORDS; set++)
-        ImportTextureCoordinates(polygons, set, object);
+        PlanTextureCoordinates(polygons, set, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_COLOR_SETS; set++)
-        ImportColors(polygons, set, object);
+        PlanColors(polygons, set, layers);
+    FillLayers(layers, polygons.GetVertexCount());
+    for (Layer& layer : layers)
+        if (layer.channel)
+            object.AddChannel(layer.channel.release());
+    if (const CChannel* colors = object.GetChannelByIndex(0, CHANNEL_VC, true))
+        object.SetGlobalVCChannel(colors->GetChannelID(), 1);
     ImportWeights(polygons, numbers, object, options);
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <vector>
-
 #include <3dzel.h>
 
 #include "MeshPolygons.h"
+#include "PointJoin.h"
 
 // Ids of channels are the same in all objects of a scene, so that materials can name them.
 
@@ -26,4 +25,4 @@ constexpr unsigned int WEIGHT_BONE_BIND = FourCC("BIND");    ///< binary, 12 flo
 ///
 /// @param numbers  point of each vertex of all meshes; empty when it is its own number
 /// @param options  receives a line for what is left out
-void ImportChannels(const MeshPolygons& polygons, const std::vector<int>& numbers, C3DObject& object, CSceneImportOptions& options);
+void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, C3DObject& object, CSceneImportOptions& options);

@@ -41,12 +41,12 @@ C3DPointList* CopyPoints(const MeshPolygons& polygons)
 }
 
 // `numbers` gets the point of each vertex of all meshes.
-C3DPointList* JoinPoints(const MeshPolygons& polygons, std::vector<int>& numbers)
+C3DPointList* JoinPoints(const MeshPolygons& polygons, BlockVector<int>& numbers)
 {
     PointJoin join(std::min(polygons.GetVertexCount(), polygons.GetFaceCount()));
     for (const MeshPolygons::Part& part : polygons.GetParts())
         join.Add(Positions(*part.mesh), part.mesh->mNumVertices, numbers);
-    const std::vector<Position>& positions = join.GetPositions();
+    const BlockVector<Position>& positions = join.GetPositions();
     C3DPointList* points = C3DPointList::Create();
     points->SetSize(static_cast<int>(positions.size()), false, 0);
     FillPoints(*points, 0, positions.data(), positions.size());
@@ -63,7 +63,7 @@ void SetMaterial(C3DFaceList& faces, int from, unsigned int material)
 }
 
 // `numbers`: point of each vertex of all meshes; empty when it is its own number.
-C3DFaceList* BuildFaces(const MeshPolygons& polygons, const std::vector<int>& numbers, const std::vector<unsigned int>& materialIds)
+C3DFaceList* BuildFaces(const MeshPolygons& polygons, const BlockVector<int>& numbers, const std::vector<unsigned int>& materialIds)
 {
     C3DFaceList* faces = C3DFaceList::Create(nullptr);
     for (const MeshPolygons::Part& part : polygons.GetParts()) {
@@ -86,7 +86,7 @@ C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vec
     const bool hasFaces = polygons.GetFaceCount() > 0;
     if (!hasFaces && !HasLoosePoints(meshes))
         return nullptr;
-    std::vector<int> numbers;
+    BlockVector<int> numbers;
     C3DPointList* points = joinPoints && hasFaces ? JoinPoints(polygons, numbers) : CopyPoints(polygons);
     C3DFaceList* faces = hasFaces ? BuildFaces(polygons, numbers, materialIds) : nullptr;
     if (polygons.GetRefusedCount() > 0) {

@@ -1,6 +1,7 @@
 #include "MeshPolygons.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <assimp/mesh.h>
 
@@ -49,27 +50,25 @@ void MeshPolygons::Count(const std::vector<const aiMesh*>& meshes)
 
 void MeshPolygons::Read()
 {
-    m_vertices.reset(new unsigned int[m_cornerCount]);    // not cleared: each is written below
+    m_vertices.reserve(m_cornerCount);
     if (m_smallest != m_largest)
-        m_sizes.reset(new unsigned int[m_faceCount]);
-    unsigned int* vertex = m_vertices.get();
-    unsigned int* size = m_sizes.get();
+        m_sizes.reserve(m_faceCount);
     for (const Part& part : m_parts)
         for (unsigned int i = 0; i < part.mesh->mNumFaces; i++) {
             const aiFace& face = part.mesh->mFaces[i];
             if (!IsPolygon(face) || (m_refused > 0 && !IsSound(face, *part.mesh)))
                 continue;
-            vertex = std::copy_n(face.mIndices, face.mNumIndices, vertex);
-            if (size)
-                *size++ = face.mNumIndices;
+            m_vertices.insert(m_vertices.end(), face.mIndices, face.mIndices + face.mNumIndices);
+            if (m_smallest != m_largest)
+                m_sizes.push_back(face.mNumIndices);
         }
 }
 
 void MeshPolygons::AppendFaces(const Part& part, const int* numbers, int first, CFaceList& faces) const
 {
-    const unsigned int* vertices = m_vertices.get() + part.firstCorner;
+    const unsigned int* vertices = m_vertices.data() + part.firstCorner;
     const auto corner = [numbers, first](unsigned int vertex) { return numbers ? numbers[vertex] : first + static_cast<int>(vertex); };
-    if (!m_sizes) {
+    if (m_sizes.empty()) {
         const auto fill = [&](int* corners, std::size_t i) {
             for (unsigned int k = 0; k < m_largest; k++)
                 corners[k] = corner(vertices[i * m_largest + k]);
@@ -77,13 +76,14 @@ void MeshPolygons::AppendFaces(const Part& part, const int* numbers, int first, 
         faces.AppendFaces(part.faceCount, part.faceCount > 0 ? static_cast<int>(m_largest) : 0, fill);
         return;
     }
-    const unsigned int* sizes = m_sizes.get() + part.firstFace;
+    const unsigned int* sizes = m_sizes.data() + part.firstFace;
     std::size_t count = 0;
     for (int i = 0; i < part.faceCount; i++)
         count += sizes[i];
-    const std::unique_ptr<int[]> corners(new int[count]);
-    std::transform(vertices, vertices + count, corners.get(), corner);
-    faces.AppendFaces(part.faceCount, sizes, corners.get());
+    BlockVector<int> corners;
+    corners.reserve(count);
+    std::transform(vertices, vertices + count, std::back_inserter(corners), corner);
+    faces.AppendFaces(part.faceCount, sizes, corners.data());
 }
 
 void MeshPolygons::AppendEmptyFaces(const Part& part, CFaceList& faces)

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include <3dzel.h>
+
+#include "PointJoin.h"
 
 struct aiMesh;
 
@@ -41,6 +42,6 @@ private:
     std::vector<Part> m_parts;
     std::size_t m_faceCount = 0, m_cornerCount = 0, m_vertexCount = 0, m_refused = 0;
     unsigned int m_smallest = ~0u, m_largest = 0;    ///< corners of the smallest and of the largest face
-    std::unique_ptr<unsigned int[]> m_vertices;      ///< of all corners, numbered in their mesh
-    std::unique_ptr<unsigned int[]> m_sizes;         ///< of the faces; null when all have the same
+    BlockVector<unsigned int> m_vertices;            ///< of all corners, numbered in their mesh
+    BlockVector<unsigned int> m_sizes;               ///< of the faces; empty when all have the same
 };

@@ -22,6 +22,8 @@ bool operator==(const Position& a, const Position& b)
     return (a.x == b.x && a.y == b.y && a.z == b.z) || std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+std::uint32_t Tag(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
+
 }
 
 PointJoin::PointJoin(std::size_t expected) : m_slots(std::bit_ceil(std::max<std::size_t>(2 * expected, 64))), m_mask(m_slots.size() - 1)
@@ -29,7 +31,7 @@ PointJoin::PointJoin(std::size_t expected) : m_slots(std::bit_ceil(std::max<std:
     m_positions.reserve(expected);
 }
 
-void PointJoin::Add(const Position* positions, std::size_t count, std::vector<int>& numbers)
+void PointJoin::Add(const Position* positions, std::size_t count, BlockVector<int>& numbers)
 {
     numbers.reserve(numbers.size() + count);
     std::uint64_t hashes[BATCH];
@@ -42,28 +44,33 @@ void PointJoin::Add(const Position* positions, std::size_t count, std::vector<in
             __builtin_prefetch(&m_slots[hashes[i] & m_mask]);
         }
         for (std::size_t i = 0; i < batch; i++)
-            numbers.push_back(Find(positions[done + i], hashes[i] & m_mask));
+            if (const Slot& slot = m_slots[hashes[i] & m_mask]; slot.number != 0 && slot.tag == Tag(hashes[i]))
+                __builtin_prefetch(&m_positions[static_cast<std::size_t>(slot.number - 1)]);
+        for (std::size_t i = 0; i < batch; i++)
+            numbers.push_back(Find(positions[done + i], hashes[i]));
     }
 }
 
-int PointJoin::Find(const Position& position, std::size_t slot)
+int PointJoin::Find(const Position& position, std::uint64_t hash)
 {
-    for (; m_slots[slot] != 0; slot = (slot + 1) & m_mask)
-        if (m_positions[static_cast<std::size_t>(m_slots[slot] - 1)] == position)
-            return m_slots[slot] - 1;
+    std::size_t place = hash & m_mask;
+    for (; m_slots[place].number != 0; place = (place + 1) & m_mask)
+        if (const Slot& slot = m_slots[place]; slot.tag == Tag(hash) && m_positions[static_cast<std::size_t>(slot.number - 1)] == position)
+            return slot.number - 1;
     m_positions.push_back(position);
-    m_slots[slot] = static_cast<int>(m_positions.size());
-    return m_slots[slot] - 1;
+    m_slots[place] = {Tag(hash), static_cast<int>(m_positions.size())};
+    return m_slots[place].number - 1;
 }
 
 void PointJoin::Grow()
 {
-    m_slots.assign(m_slots.size() * 2, 0);
+    m_slots.assign(m_slots.size() * 2, {});
     m_mask = m_slots.size() - 1;
     for (std::size_t i = 0; i < m_positions.size(); i++) {
-        std::size_t slot = Hash(m_positions[i]) & m_mask;
-        while (m_slots[slot] != 0)
-            slot = (slot + 1) & m_mask;
-        m_slots[slot] = static_cast<int>(i) + 1;
+        const std::uint64_t hash = Hash(m_positions[i]);
+        std::size_t place = hash & m_mask;
+        while (m_slots[place].number != 0)
+            place = (place + 1) & m_mask;
+        m_slots[place] = {Tag(hash), static_cast<int>(i) + 1};
     }
 }

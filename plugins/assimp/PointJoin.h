@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include <3dzel.h>
@@ -9,27 +10,35 @@ struct Position {
     float x, y, z;
 };
 
+/// A vector of big lists: blocks that stand on huge pages and are used again.
+template <class T> using BlockVector = std::vector<T, XBlockAllocator<T>>;
+
 /// Numbers positions, or other triples of floats, so that equal ones share a number, in the order in which they are first met.
 ///
 /// Equal means equal as floats: -0 is 0; what is not a number equals what has the same bits. Positions come by the million with no order to
-/// rely on, so the table is probed a batch at a time, behind prefetches.
+/// rely on, so the table is probed a batch at a time, behind prefetches, and keeps a part of each hash: what differs there is not looked at.
 class PointJoin {
 public:
     /// `expected`: number of different positions to be ready for; more may come.
     explicit PointJoin(std::size_t expected);
 
     /// Appends the number of each position to `numbers`.
-    void Add(const Position* positions, std::size_t count, std::vector<int>& numbers);
+    void Add(const Position* positions, std::size_t count, BlockVector<int>& numbers);
     /// The different positions, by number.
-    const std::vector<Position>& GetPositions() const { return m_positions; }
+    const BlockVector<Position>& GetPositions() const { return m_positions; }
 
 private:
     static constexpr std::size_t BATCH = 32;
 
-    int Find(const Position& position, std::size_t slot);
+    struct Slot {
+        std::uint32_t tag;    ///< upper half of the hash
+        int number;           ///< of the position, + 1; 0 is free
+    };
+
+    int Find(const Position& position, std::uint64_t hash);
     void Grow();
 
-    std::vector<int> m_slots;    ///< number + 1; 0 is free
+    BlockVector<Slot> m_slots;
     std::size_t m_mask;
-    std::vector<Position> m_positions;
+    BlockVector<Position> m_positions;
 };

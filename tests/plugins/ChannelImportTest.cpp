@@ -84,7 +84,9 @@ void CompareChannels(const Corners& corners, const C3DGeomObject& object)
                 value = {n.x / length, n.y / length, n.z / length, 0};
             return true;
         },
-        [&](int index) { return Value{(*normals)[index]->x, (*normals)[index]->y, (*normals)[index]->z, 0}; });
+        [&](int index) {
+            return Value{(*normals)[index]->x, (*normals)[index]->y, (*normals)[index]->z, 0};
+        });
     for (unsigned int set = 0; set < 8; set++) {
         CUVWFaceList* faces;
         CUVWPointList* points;
@@ -97,7 +99,9 @@ void CompareChannels(const Corners& corners, const C3DGeomObject& object)
                 value = {t.x + 0, t.y + 0, t.z + 0, 0};
                 return true;
             },
-            [&](int index) { return Value{(*points)[index]->u, (*points)[index]->v, (*points)[index]->w, 0}; });
+            [&](int index) {
+                return Value{(*points)[index]->u, (*points)[index]->v, (*points)[index]->w, 0};
+            });
         CVCFaceList* colorFaces;
         CVCPointList* colors;
         CompareLayer(
@@ -168,7 +172,7 @@ TEST_F(PluginTest, CornersKeepTheValuesOfTheFile)
         {"Collada/cube_with_2UVs.DAE", 2, 0, 0, true},
         {"Collada/kwxport_test_vcolors.dae", 1, 1, 0, true},
         {"Collada/duck.dae", 1, 0, 0, true},
-        {"OBJ/spider.obj", 1, 0, 0, true},    // some normals of length zero
+        {"OBJ/spider.obj", 1, 0, 0, true},                      // some normals of length zero
         {"X/kwxport_test_cubewithvcolors.x", 1, 1, 0, true},    // an object of three materials
         {"OBJ/cube_with_vertexcolors.obj", 0, 1, 0, true},
         {"PLY/cube_uv.ply", 1, 0, 0, true},
