@@ -142,14 +142,21 @@ bool CTree::MoveNode(CTreeNode* node, CTreeNode* parent)
         parent = m_root;
     if (!node || !node->m_parent || !parent || IsBelow(parent, node))
         return false;
+    Relink(node, parent);
+    return true;
+}
+
+void CTree::Relink(CTreeNode* node, CTreeNode* parent)
+{
     node->Unlink();
     Link(parent, parent->m_lastChild, node);
-    return true;
 }
 
 bool CTree::MoveRight(CTreeNode* node, CTreeNode* child)
 {
-    if (!node || !node->m_parent || !child || !child->m_parent || IsBelow(node, child))
+    if (!node || !node->m_parent || !child || !child->m_parent)
+        return false;
+    if (child->m_parent != node && IsBelow(node, child))    // no climb for the usual case, a child that moves up
         return false;
     child->Unlink();
     Link(node->m_parent, node, child);

@@ -91,8 +91,12 @@ public:
     /// True when `node` is `ancestor` or lies below it.
     static bool IsBelow(const CTreeNode* node, const CTreeNode* ancestor);
 
-    /// Destroys a detached branch.
+    /// Destroys the node with all below it, detached or not, the root excepted.
     static void DeleteBranch(CTreeNode* node);
+
+protected:
+    /// MoveNode for a caller who knows that no circle closes. Constant time at any depth.
+    static void Relink(CTreeNode* node, CTreeNode* parent);
 
 private:
     static CTreeNode* NodeBefore(const CTreeNode* node);
