@@ -138,17 +138,22 @@ bool C3DKeyframable::GetKey(int time, unsigned int mode, C3DKeyframe& out, int* 
 
 C3DKeyframe* C3DKeyframable::GetKeyByIndex(unsigned int index, int* time, std::uint64_t classId) const
 {
-    const auto isWanted = [&](const _KeyframeInfo& info) { return Matches(info, classId) && index-- == 0; };
-    const auto info = std::find_if(m_keys.begin(), m_keys.end(), isWanted);
-    if (info == m_keys.end())
+    if (classId != KEY_ANY) {
+        const auto isWanted = [&](const _KeyframeInfo& info) { return Matches(info, classId) && index-- == 0; };
+        index = static_cast<unsigned int>(std::find_if(m_keys.begin(), m_keys.end(), isWanted) - m_keys.begin());
+    }
+    if (index >= static_cast<unsigned int>(m_keys.GetSize()))
         return nullptr;
+    const _KeyframeInfo& info = m_keys[static_cast<int>(index)];
     if (time)
-        *time = info->time;
-    return info->key;
+        *time = info.time;
+    return info.key;
 }
 
 int C3DKeyframable::GetKeyNbr(std::uint64_t classId) const
 {
+    if (classId == KEY_ANY)
+        return m_keys.GetSize();
     const auto matches = [=](const _KeyframeInfo& info) { return Matches(info, classId); };
     return static_cast<int>(std::count_if(m_keys.begin(), m_keys.end(), matches));
 }
