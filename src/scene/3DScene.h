@@ -104,20 +104,26 @@ public:
     /// Destroys every node of the branch, `start` included, that passes the filter. Children of a node that goes move up to
     /// its place and keep their place in space at all key times.
     bool DeleteNodes(C3DSceneNode* start, const C3DFilter* filter);
-    /// False when either is null. `keepChildren`: those of the old node go to the new one.
+    /// False for a new node that is in a tree and an old one that is not in this. `keepChildren`: those of the old node go to the new
+    /// one.
     bool ReplaceNode(C3DSceneNode* newNode, C3DSceneNode* oldNode, bool keepChildren);
-    /// Lifts what groups hold to the root and deletes groups. For scenes whose transforms are baked: keys stay as they are.
-    void RemoveGroups();
-    /// Puts a group between every geometric node of the branch of `start`, itself included, and its children, so that no geometric node
-    /// has any. True when something changed.
-    bool MakeGroupForChilds(C3DSceneNode* start);
     /// Nodes, materials, parameters and parser info.
     void RemoveAll();
     void RemoveAllNodes();
     /// Keeps `child` in place in space at all key times of both when it leaves `parent`. Both get matrix keys.
     bool MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child);
-    /// Cleans the object of every geometric node.
+    /// Cleans every geometric object.
     void Clean();
+
+    // Groups (SceneGroups.cpp)
+
+    /// Moves every node directly under the root, level by level, and deletes the groups. For scenes whose transforms are baked:
+    /// keys stay as they are. Linear.
+    void RemoveGroups();
+    /// Frees the geometric nodes of the branch of `start`, itself included, of their children: each child goes into a group of its
+    /// name, which stands beside the node, with the node's flags, keys and custom data. Nothing moves in space. True when something
+    /// changed. Linear.
+    bool MakeGroupForChilds(C3DSceneNode* start);
     /// Deletes groups without children (with their parents that become empty), or without `onlyEmpty` groups with at most one
     /// child, which moves up.
     void CleanGroups(bool onlyEmpty);
@@ -135,13 +141,19 @@ public:
     /// The same for the object of a node; a node whose object is not shared is appended alone.
     int GetInstancesByID(C3DSceneNode* start, C3DSceneNode* reference, CXArray<C3DSceneNode*>& nodes, bool reset) const;
 
-    // Copies (SceneCopy.cpp). `flags`: _SCENE_COPY_FLAGS; a null creator means the default one; shared objects stay shared.
+    // Copies (SceneCopy.cpp). `flags`: _SCENE_COPY_FLAGS; a null creator means the default one.
+    //
+    // Shared objects stay shared; with one creator also over several calls into the same scene. Objects for another scene keep
+    // their ids, unless that scene has them already. `dst` may be this scene, `parent` even lie in what is copied. Any depth.
+    // Cost: linear in what is copied and in the nodes of `dst`.
 
-    /// A new scene with what is below `start`, the parameters and the materials; null when no node came through. The caller's.
+    /// A new scene with what is below `start`, the parameters, the materials and the time, and for a whole scene the root's name,
+    /// keys and data; null when no node came through. The caller's.
     C3DScene* Copy(C3DSceneNode* start, int flags, C3DObjectCreator* creator) const;
-    /// Copies what is below `start` under a node of `dst`, which may be this scene.
+    /// Copies what is below `start` under a node of `dst`. A node that is left out takes what is below it along, except one that is
+    /// not selected: what is selected below that goes under the root of `dst`.
     void CopyChilds(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* start, int flags, C3DObjectCreator* creator) const;
-    /// Copies a branch; its new top, or null when that was left out.
+    /// Copies a branch, its top selected or not; its new top, or null, with nothing copied, when that was left out.
     C3DSceneNode* CopyNode(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* source, int flags, C3DObjectCreator* creator) const;
     /// Copies a node without what is below it.
     C3DSceneNode* CopySingleNode(C3DScene* dst, C3DSceneNode* parent, C3DSceneNode* source, int flags, C3DObjectCreator* creator) const;
@@ -151,7 +163,8 @@ public:
     void Inherit(const C3DScene* from, unsigned int flags);
     /// Gives `dst` the materials that it lacks, unless SCENE_COPY_NO_MATERIALS.
     void InheritNode(C3DScene* dst, C3DSceneNode* node, unsigned int flags) const;
-    /// Replaces each object of the branch of `start` by what the creator makes of it; how many nodes changed.
+    /// Replaces each object below `start` by what the creator makes of it, for all nodes below `start` that hold it; how many nodes
+    /// changed. Linear.
     int ConvertToType(C3DSceneNode* start, C3DObjectCreator* creator);
 
     // Selection (SceneSelection.cpp)
@@ -161,9 +174,9 @@ public:
         SELECT_INSTANCES = 2,    ///< with every node that shares the object of a selected one
         SELECT_BRANCH = 4,       ///< with the nodes below
     };
-    /// Nothing for null.
+    /// Nothing for null. Linear in the scene at most.
     void Select(C3DSceneNode* node, unsigned int flags);
-    void SelectAll();
+    void SelectAll();    // not the root
     void SelectNone();
     void Unselect(C3DSceneNode* node);
     bool IsNodeSelected() const;
@@ -181,7 +194,8 @@ public:
     /// the z-up world (`import`), or back. False for UP_AXIS_Z.
     bool OrientScene(_UP_AXIS_MODE mode, bool import);
     void Scale(const C3DTVector<float>& factors);
-    /// Exchanges and mirrors axes (geometry/Swap.h) of points, channels, keys and projected maps. False for 0.
+    /// Exchanges and mirrors axes (geometry/Swap.h) of points, channels, keys (the root's too) and projected maps. Faces keep their
+    /// order of corners. False, with nothing changed, for 0 and for codes with two pairs or two mirrors.
     bool SwapCoordinates(int mode);
     /// Bakes the transforms of all nodes below `start` into their objects, which are made unique, and deletes their keys
     /// (below the root: all keys). Always 0.

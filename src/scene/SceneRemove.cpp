@@ -50,14 +50,14 @@ bool C3DScene::DeleteNodes(C3DSceneNode* start, const C3DFilter* filter)
             MergeMatrixKeyframes(node, child);
             CTree::MoveRight(node, child);
         }
-        CTree::DeleteNode(node);
+        CTree::DeleteBranch(node);
     }
     return true;
 }
 
 bool C3DScene::ReplaceNode(C3DSceneNode* newNode, C3DSceneNode* oldNode, bool keepChildren)
 {
-    if (!newNode || !oldNode || newNode->GetParent() || newNode == oldNode || IsBelow(oldNode, newNode))
+    if (!newNode || newNode->GetParent() || newNode == oldNode || !IsNodeInScene(oldNode) || IsBelow(oldNode, newNode))
         return false;
     SetBranchScene(newNode, this);
     return CTree::ReplaceNode(newNode, oldNode, keepChildren);
@@ -87,6 +87,8 @@ static std::vector<int> GetKeyTimes(const C3DKeyframable& keys)
 
 bool C3DScene::MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child)
 {
+    if (!parent || !child)
+        return false;
     // The parent's pivot does not reach its children, and neither does it here.
     std::vector<int> times = GetKeyTimes(*parent);
     if (times.empty())
@@ -111,31 +113,8 @@ bool C3DScene::MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child)
 void C3DScene::Clean()
 {
     C3DGeomObject* object;
-    for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC); pos;) {
+    for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
         object->Clean();
-    }
-}
-
-void C3DScene::CleanGroups(bool onlyEmpty)
-{
-    std::vector<C3DSceneNode*> groups;
-    for (C3DNodePos pos = GetFirstNode(OBJECT_GROUP); pos;)
-        groups.push_back(GetNextNode(pos));
-
-    for (C3DSceneNode* group : groups) {
-        if (!onlyEmpty && group->GetFirstChild() && group->GetFirstChild() == group->GetLastChild()) {
-            C3DSceneNode* child = GetChildNode(group);
-            MergeMatrixKeyframes(group, child);
-            CTree::MoveRight(group, child);
-        }
-        // In the order of the walk the parents are behind us, so they may go too.
-        while (!group->GetFirstChild() && !IsSceneRoot(group) && group->GetObjectKindOf() == OBJECT_GROUP) {
-            C3DSceneNode* parent = group->GetParent();
-            CTree::DeleteNode(group);
-            if (!onlyEmpty)
-                break;
-            group = parent;
-        }
     }
 }
