@@ -1,4 +1,6 @@
+#include "geometry/Swap.h"
 #include "scene/3DScene.h"
+#include "scene/MaterialMap.h"
 #include "scene/NodeWalkTM.h"
 
 // Time
@@ -84,6 +86,29 @@ void C3DScene::Scale(const C3DTVector<float>& factors)
     C4x4TMatrix<float> scale;
     scale.Scale(factors.x, factors.y, factors.z);
     TransformScene(*this, scale);
+}
+
+bool C3DScene::SwapCoordinates(int mode)
+{
+    const unsigned int code = static_cast<unsigned int>(mode);
+    int a, b, mirror;
+    if (!GetXYZSwap(code, a, b, mirror))
+        return false;    // points would stay where keys turn
+    for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;)
+        GetNextNode(pos)->SwapPoints(code);
+    GetRoot()->SwapTransformations(code);
+    for (C3DNodePos pos = GetFirstNode(OBJECT_ANY, ITER_EMPTY_NODES); pos;)
+        GetNextNode(pos)->SwapTransformations(code);
+    for (unsigned int pos = m_materials.GetFirst(); pos != 0xFFFFFFFF;) {
+        unsigned int id;
+        C3DMaterial* material;
+        m_materials.GetNext(pos, id, material);
+        for (unsigned int type = MAP_DIFFUSE; type <= MAP_BUMP; type++) {
+            if (CMaterialMap* map = material->GetMaterialMap(static_cast<MapType>(type)))
+                map->SwapCoordinates(code);
+        }
+    }
+    return true;
 }
 
 int C3DScene::ConvertToGlobalCoordinates(C3DSceneNode* start)
