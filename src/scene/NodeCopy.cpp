@@ -81,8 +81,8 @@ C3DSceneNode* C3DSceneNode::CopyBranch(C3DSceneNode* parent, int copyFlags, C3DO
         copy = child;
     }
     if (parent) {
-        C3DScene* scene = m_scene ? m_scene : parent->GetScene();
-        if (scene)
+        // The parent's: whoever copies into another scene wants the nodes to know it.
+        if (C3DScene* scene = parent->GetScene())
             scene->AddNode(parent, top);
         else
             links.AddChild(parent, top, true);

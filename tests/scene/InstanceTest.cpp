@@ -139,6 +139,18 @@ TEST(Copy, OfANodeTakesWhatTheFlagsSay)
     }
 }
 
+TEST(Copy, OfABranchBelongsToTheSceneOfItsParent)
+{
+    const CRef<C3DScene> scene(C3DScene::Create()), other(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    AddNode(*scene, a, L"b", OBJECT_DUMMY);
+    for (C3DSceneNode* node = a->CopyBranch(other->GetRoot(), 0, nullptr); node; node = other->GetChildNode(node)) {
+        EXPECT_EQ(node->GetScene(), static_cast<C3DScene*>(other));
+        EXPECT_EQ(node->GetBaseObject()->GetScene(), static_cast<C3DScene*>(other));
+    }
+    EXPECT_EQ(Outline(*other), L"a(b)");
+}
+
 TEST(Copy, OfABranchKeepsSharingAndShape)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
