@@ -10,3 +10,13 @@ C3DPatch::C3DPatch(C3DPointList* points, C3DFaceList* faces, CDependentChannels*
 }
 
 C3DPatch::~C3DPatch() = default;
+
+void C3DPatch::SetLevel(unsigned int level)
+{
+    if (level > MOST_LEVEL)
+        level = MOST_LEVEL;
+    if (level == m_level)
+        return;
+    m_level = level;
+    Invalidate(OBJECT_UPDATE_DISPLAY, true);
+}

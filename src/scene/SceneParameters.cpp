@@ -2,13 +2,15 @@
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 #include "scene/ParserSceneInfo.h"
+#include "scene/Patch.h"
 #include "scene/Preferences.h"
 #include "tools/FileNameSpec.h"
 #include "tools/FourCC.h"
 
 // Ids of the scene's parameters in its custom data.
 static constexpr unsigned int UNIT = FourCC("SCUT"), SCALE_FACTOR = FourCC("SCLF"), SMOOTH_ANGLE = FourCC("SMAN"),
-                              SMOOTH_MODE = FourCC("SMMO"), FILE_NAME = FourCC("SNFL"), FILE_CLASS = FourCC("SNFC");
+                              SMOOTH_MODE = FourCC("SMMO"), PATCH_LEVEL = FourCC("PALV"), FILE_NAME = FourCC("SNFL"),
+                              FILE_CLASS = FourCC("SNFC");
 
 // Units
 
@@ -126,6 +128,16 @@ void C3DScene::SetSmoothMode(_NormalSmoothMode mode, bool alsoPreferences)
     m_customData.SetUnsigned(SMOOTH_MODE, mode);
     if (alsoPreferences)
         C3DPreferences::Get3DPreferences().SetSmoothMode(mode);
+}
+
+void C3DScene::SetPatchLevel(unsigned int level)
+{
+    m_customData.SetUnsigned(PATCH_LEVEL, level);
+    C3DBaseObject* object;
+    for (C3DNodePos pos = GetFirstNode(OBJECT_PATCH, ITER_UNIQUE_OBJECTS); pos;) {
+        GetNextNode(object, pos);
+        static_cast<C3DPatch*>(*object)->SetLevel(level);
+    }
 }
 
 // File name

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "scene/ParserSceneInfo.h"
+#include "scene/Patch.h"
 #include "scene/ProcessState.h"
 #include "scene/SceneBuilders.h"
 #include "tools/FileNameSpec.h"
+#include "tools/FourCC.h"
 
 TEST(Scene, StartsWithARootThatNobodyCounts)
 {
@@ -52,6 +54,11 @@ TEST(Scene, TreeQueries)
     EXPECT_EQ(d->GetScene(), static_cast<C3DScene*>(scene));
     EXPECT_EQ(Outline(*scene), L"a(c(d))");
     EXPECT_FALSE(scene->ReplaceNode(nullptr, a, false));
+    const CRef<C3DScene> other(C3DScene::Create());
+    C3DSceneNode* elsewhere = AddNode(*other, nullptr, L"x", OBJECT_DUMMY);
+    C3DSceneNode loose;
+    EXPECT_FALSE(scene->ReplaceNode(&loose, elsewhere, false));
+    EXPECT_EQ(loose.GetScene(), nullptr);
     scene->RemoveNode(nullptr, true);
     EXPECT_EQ(Outline(*scene), L"");
 }
@@ -145,6 +152,21 @@ TEST(Scene, Units)
     const double factors[] = {1, 1e-7, 0.0001, 0.1, 1, 100, 100000, 2.54, 30.48, 91.44, 160934.4, 1};
     for (int unit = 0; unit < 12; unit++)
         EXPECT_EQ(C3DScene::GetUnitFactor(static_cast<_UNIT_MODE>(unit)), factors[unit]) << unit;
+}
+
+TEST(Scene, PatchLevelReachesEveryPatch)
+{
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_PATCH);
+    C3DSceneNode* b = AddNode(*scene, AddSharer(*scene, nullptr, L"s", a), L"b", OBJECT_PATCH);
+    AddNode(*scene, nullptr, L"c", OBJECT_POLYGONAL);
+    for (const unsigned int level : {2u, 0u, 9u}) {
+        scene->SetPatchLevel(level);
+        for (const C3DSceneNode* node : {a, b})
+            EXPECT_EQ(static_cast<C3DPatch*>(*node->GetBaseObject())->GetLevel(), level == 9 ? 8 : level);
+    }
+    unsigned int stored;
+    EXPECT_TRUE(scene->GetCustomData().GetUnsigned(FourCC("PALV"), stored) && stored == 9);
 }
 
 TEST(Scene, FileNameComesAndGoes)
