@@ -1,13 +1,15 @@
-// A small host program: reads a scene and draws it as a PNG picture, nearest faces in front.
+// A small host program: reads a scene and draws it as a picture, nearest faces in front.
 //
-//     drawing FILE PICTURE.png
+//     drawing FILE PICTURE
+//
+// The name of the picture tells its format: .png, .jpg, .tif ...
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <vector>
-
-#include <png.h>
 
 #include <3dzel.h>
 
@@ -69,12 +71,14 @@ void Canvas::Fill(const std::vector<C3DTPoint<double>>& corners, const C3DTVecto
 
 bool Canvas::Write(const char* file) const
 {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = WIDTH;
-    image.height = HEIGHT;
-    image.format = PNG_FORMAT_RGB;
-    return png_image_write_to_file(&image, file, 0, m_pixels.data(), 0, nullptr) != 0;
+    const std::unique_ptr<Bitmap> bitmap(rgbBitmap::Create(WIDTH, HEIGHT));
+    for (int y = 0; y < HEIGHT; y++)
+        std::memcpy(bitmap->GetLine(y), &m_pixels[static_cast<std::size_t>(y) * WIDTH], WIDTH * sizeof(Rgb));
+    C2DIo io(CFileNameSpec(Utf8ToWide(file)), FILEIO_SILENT, nullptr);
+    if (io.Save(bitmap.get()) == IORESULT_OK)
+        return true;
+    std::fprintf(stderr, "%s\n", WideToUtf8(io.GetResultText()).c_str());
+    return false;
 }
 
 C3DScene* ReadScene(const char* file)
@@ -202,10 +206,7 @@ int Draw(const char* file, const char* picture)
     for (const Shape& shape : PlaceShapes(*scene))
         DrawShape(shape, canvas);
     DeleteMe(scene);
-    if (canvas.Write(picture))
-        return 0;
-    std::fprintf(stderr, "cannot write %s\n", picture);
-    return 1;
+    return canvas.Write(picture) ? 0 : 1;
 }
 
 }
@@ -213,7 +214,7 @@ int Draw(const char* file, const char* picture)
 int main(int argc, char** argv)
 {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: drawing FILE PICTURE.png\n");
+        std::fprintf(stderr, "usage: drawing FILE PICTURE\n");
         return 2;
     }
     Init3DZel(1);    // no viewer commands

@@ -27,6 +27,7 @@
 #include "tools/Hash.h"
 #include "tools/HashMix.h"
 #include "tools/IOPlugin.h"
+#include "tools/ImageOptions.h"
 #include "tools/IoFile.h"
 #include "tools/IoOptions.h"
 #include "tools/LayerBitmap.h"

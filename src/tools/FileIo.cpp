@@ -97,6 +97,7 @@ void CFileIo::SetIoError(int result, CIoOptions* options, IoLogInfo::loglevel le
 {
     m_result = result;
     m_level = level;
+    m_detail = Text();
     const Text text = GetResultText();
     if (options && !text.IsEmpty())
         options->AddLogInfo(level, text);
@@ -108,6 +109,8 @@ CXTString<wchar_t> CFileIo::GetResultText() const
     if (const unsigned int meaning = MeaningOf(m_result, IsReading())) {
         text.LoadStringW(meaning);
         text.Replace(L"%s", IsEmpty() ? L"\"" + fileGetClassText(GetClass()) + L"\"" : GetFileName());
+        if (!m_detail.IsEmpty())
+            text += L" " + m_detail;
     }
     return text;
 }

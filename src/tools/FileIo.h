@@ -75,6 +75,8 @@ public:
 protected:
     /// Takes over a parser that did not come from a plug-in.
     void SetFileParser(CFileParser* parser) { m_parser = parser; }
+    /// Why the result is what it is: a sentence behind that of GetResultText. The next SetIoError forgets it.
+    void SetIoDetail(const CXTString<wchar_t>& sentence) { m_detail = sentence; }
 
 private:
     CFileParser* m_parser = nullptr;
@@ -82,5 +84,6 @@ private:
     CWnd* m_parent;
     unsigned int m_flags;
     int m_result = IORESULT_OK;
+    CXTString<wchar_t> m_detail;
     IoLogInfo::loglevel m_level = IoLogInfo::INFORMATION;
 };

@@ -5,6 +5,7 @@
 #include "scene/Init.h"
 #include "scene/ParserSceneInfo.h"
 #include "scene/Preferences.h"
+#include "tools/2DIo.h"
 #include "tools/Command.h"
 #include "tools/FileExt.h"
 #include "tools/IOPlugin.h"
@@ -62,6 +63,7 @@ void Init3DZel(unsigned int flags)
         return;
     CParserSceneInfo::SetRelease(&GiveDataBack);
     RegisterBuiltInFormats();
+    RegisterImageFormats();
     if (!(flags & INIT_NO_PLUGINS))
         RegisterFormats();
     if (!(flags & INIT_NO_COMMANDS))
