@@ -12,6 +12,8 @@ class ZEL_API C3DCamera : public C3DBaseObject {
     ZEL_DECLARE_CREATABLE(C3DCamera)
 public:
     C3DCamera();
+    /// Without a display object: the copy makes its own.
+    C3DCamera(const C3DCamera& other);
 
     /// Of aperture, focus distance, field of view, aspect ratio, zoom and projection.
     unsigned int GetChecksum(unsigned int mode) const override;

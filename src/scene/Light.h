@@ -12,6 +12,8 @@ class ZEL_API C3DLight : public C3DBaseObject {
     ZEL_DECLARE_CREATABLE(C3DLight)
 public:
     C3DLight();
+    /// Without a display object: the copy makes its own.
+    C3DLight(const C3DLight& other);
 
     /// The polygon object that shows the light, of a fixed size, made at the first call and kept whatever changes later. Its own; null
     /// for an unknown kind.
