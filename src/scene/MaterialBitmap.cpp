@@ -1,10 +1,12 @@
 #include "scene/3DScene.h"
 #include "scene/MaterialMap.h"
 #include "scene/Preferences.h"
+#include "tools/2DIo.h"
 #include "tools/FileExt.h"
 #include "tools/FileInfo.h"
 #include "tools/FilePath.h"
 #include "tools/IoFile.h"
+#include "tools/LayerBitmap.h"
 
 // The image of a map: where its file is, and how it is read.
 
@@ -93,4 +95,77 @@ CXTString<wchar_t> CMaterialMap::GetBitmapPath(const C3DScene* scene, bool alpha
     CXTString<wchar_t> path;
     FindBitmap(scene, alpha ? m_alphaFileName : m_fileName, path, absolute);
     return path;
+}
+
+// ---- Reading
+
+/// The picture as views take it, RGB or RGBA. The second file, where there is one, tells the alpha.
+static std::unique_ptr<Bitmap> Join(CLayerBitmap& layers, CLayerBitmap* alphaLayers)
+{
+    layers.MakeRGBALayer(true);
+    std::unique_ptr<Bitmap> picture(layers.DetachStandardLayer());
+    if (!picture)
+        return nullptr;
+    if (const std::unique_ptr<Bitmap> alpha(alphaLayers ? alphaLayers->DetachAlpha() : nullptr); alpha)
+        if (std::unique_ptr<Bitmap> joined(CreateRGBABitmap(picture.get(), alpha.get(), true)); joined)
+            return joined;
+    if (picture->GetType() != BITMAP_RGB && picture->GetType() != BITMAP_RGBA)
+        picture.reset(picture->ConvertToType(BITMAP_RGB));
+    return picture;
+}
+
+Bitmap* CMaterialMap::GetBitmap(const C3DScene* scene, CSize size)
+{
+    if (IsFlagSet(MAP_RELOAD)) {
+        SetFlag(MAP_RELOAD, false);
+        m_loadState = NOT_TRIED;
+    }
+    if (m_loadState == NOT_TRIED)
+        LoadBitmapW(scene, m_fileName, m_alphaFileName, size);
+    return m_bitmap.get();
+}
+
+bool CMaterialMap::HasAlpha(const C3DScene* scene)
+{
+    const Bitmap* const bitmap = m_bitmap ? m_bitmap.get() : GetBitmap(scene, {-1, -1});
+    return bitmap ? bitmap->GetType() != BITMAP_RGB : !m_alphaFileName.IsEmpty();
+}
+
+bool CMaterialMap::LoadBitmapW(const C3DScene* scene, const CXTString<wchar_t>& fileName, const CXTString<wchar_t>& alphaName, CSize size)
+{
+    m_bitmap.reset();
+    Text path;
+    const std::unique_ptr<CLayerBitmap> layers(ReadBitmap(scene, fileName, path, size));
+    if (!layers) {
+        m_loadState = FAILED;
+        return false;
+    }
+    m_loadState = LOADING;
+    std::unique_ptr<CLayerBitmap> alphaLayers;
+    if (!alphaName.IsEmpty()) {
+        Text alphaPath;
+        alphaLayers.reset(ReadBitmap(scene, alphaName, alphaPath, size));
+        if (alphaLayers)
+            m_alphaFileName = alphaPath;
+    }
+    m_fileName = path;
+    FilesChanged();
+
+    m_bitmap = Join(*layers, alphaLayers.get());
+    m_loadState = m_bitmap ? LOADED : FAILED;
+    return m_bitmap != nullptr;
+}
+
+CLayerBitmap* CMaterialMap::ReadBitmap(const C3DScene* scene, const CXTString<wchar_t>& name, CXTString<wchar_t>& resolved,
+                                       CSize size) const
+{
+    RegisterImageFormats();
+    if (!(fileGetKindOf(name) & FILE_FAMILY_BITMAP) || !FindBitmap(scene, name, resolved, true))
+        return nullptr;
+    C2DIo io(resolved, FILEIO_READ | FILEIO_SILENT, nullptr);
+    if (io.PrepareReading() != IORESULT_OK)
+        return nullptr;
+    if (size.cx != -1 && size.cy != -1)
+        io.SetNeededBitmapSize(size.cx, size.cy);
+    return io.Read(0);
 }

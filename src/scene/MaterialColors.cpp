@@ -121,10 +121,7 @@ void C3DMaterial::SetSpecularFactor(unsigned int time, float factor) { SetValue(
 
 void C3DMaterial::SetBumpFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_BUMP_FACTOR, Clamp(factor)); }
 
-void C3DMaterial::SetTransparencyFactor(unsigned int time, float factor)
-{
-    SetValue(*this, time, KEY_TRANSPARENCY_FACTOR, Clamp(factor));
-}
+void C3DMaterial::SetTransparencyFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_TRANSPARENCY_FACTOR, Clamp(factor)); }
 
 // ---- Smooth angle, vertex colours
 

@@ -129,10 +129,7 @@ void CMaterialMap::Translate(unsigned int time, const C3DTVector<float>& transla
     SetTranslation(time, {sum.x + translation.x, sum.y + translation.y, sum.z + translation.z});
 }
 
-void CMaterialMap::GetScale(unsigned int time, C3DTVector<float>& scale) const
-{
-    scale = GetVector(*this, time, C3DScaleKey(), {1, 1, 1});
-}
+void CMaterialMap::GetScale(unsigned int time, C3DTVector<float>& scale) const { scale = GetVector(*this, time, C3DScaleKey(), {1, 1, 1}); }
 
 void CMaterialMap::SetScale(unsigned int time, const C3DTVector<float>& scale) { SetVector(*this, time, KEY_SCALE, scale); }
 

@@ -51,10 +51,8 @@ TEST(Groups, MadeForTheChildrenOfGeometry)
         bool changed;
         const wchar_t* outline;
     } const rows[] = {
-        {"whole scene", nullptr, true, L"a(bec(ci(i))d(d))fg(gh(h))"},
-        {"from a node with children", L"f", true, L"a(b(c(i)d)e)fg(gh(h))"},
-        {"from inside", L"c", true, L"a(b(cdi(i))e)f(g(h))"},
-        {"from a leaf", L"d", false, L"a(b(c(i)d)e)f(g(h))"},
+        {"whole scene", nullptr, true, L"a(bec(ci(i))d(d))fg(gh(h))"}, {"from a node with children", L"f", true, L"a(b(c(i)d)e)fg(gh(h))"},
+        {"from inside", L"c", true, L"a(b(cdi(i))e)f(g(h))"},          {"from a leaf", L"d", false, L"a(b(c(i)d)e)f(g(h))"},
         {"from a group", L"a", true, L"a(bec(ci(i))d(d))f(g(h))"},
     };
     for (const auto& row : rows) {

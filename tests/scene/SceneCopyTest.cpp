@@ -121,7 +121,8 @@ TEST(SceneCopy, FlagsSayWhatComesThrough)
             if (foreign) {
                 EXPECT_EQ(Outline(*other), L"x(" + std::wstring(row.outline) + L")" + row.atRoot);
             } else {
-                EXPECT_EQ(other->GetChildCount(nullptr, OBJECT_ANY), scene->GetChildCount(nullptr, OBJECT_ANY) + copy->GetChildCount(nullptr, OBJECT_ANY));
+                EXPECT_EQ(other->GetChildCount(nullptr, OBJECT_ANY),
+                          scene->GetChildCount(nullptr, OBJECT_ANY) + copy->GetChildCount(nullptr, OBJECT_ANY));
                 x->Delete();
             }
         }

@@ -211,24 +211,3 @@ TEST(Scene, ParserDataGoesBackOnce)
     EXPECT_EQ(released, 2);
     CParserSceneInfo::SetRelease(nullptr);
 }
-
-TEST(Materials, ByID)
-{
-    CMaterials materials;
-    C3DMaterial* first = materials.CreateNewMaterial(0xFFFFFFFF);
-    EXPECT_EQ(materials.CreateNewMaterial(first->GetMaterialID())->GetMaterialID(), first->GetMaterialID() + 1);
-    EXPECT_FALSE(materials.CreateNewMaterial(0)->GetName().IsEmpty());
-    EXPECT_EQ(materials.GetCount(), 3u);
-    EXPECT_EQ(materials.FindByID(first->GetMaterialID()), first);
-    EXPECT_EQ(materials.FindByID(123456), nullptr);
-    int seen = 0;
-    for (unsigned int pos = materials.GetFirst(); pos != 0xFFFFFFFF; seen++) {
-        unsigned int id;
-        C3DMaterial* material;
-        materials.GetNext(pos, id, material);
-        EXPECT_EQ(material->GetMaterialID(), id);
-    }
-    EXPECT_EQ(seen, 3);
-    EXPECT_TRUE(materials.RemoveMaterial(0));
-    EXPECT_FALSE(materials.RemoveMaterial(0));
-}
