@@ -127,6 +127,8 @@
 #include "scene/UpdateFlags.h"
 
 #include "meshops/IntCoordMap.h"
+#include "meshops/IsolateFaceTagger.h"
+#include "meshops/UnifyTagger.h"
 
 #include "io/3DDlgFormatSelection.h"
 #include "io/3DIo.h"

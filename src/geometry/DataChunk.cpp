@@ -259,6 +259,15 @@ unsigned int CDataChunk::CopyData(unsigned int to, unsigned int from, const CDat
     return copied;
 }
 
+unsigned int CDataChunk::GatherData(int to, const CDataChunk& source, const int* from, int count)
+{
+    unsigned int taken = 0;
+    for (const Chunk& chunk : source.m_chunks)
+        if (CElementArray* array = GetData(chunk.id))
+            taken += array->Gather(to, *chunk.array, from, count);
+    return taken;
+}
+
 bool CDataChunk::Reorder(const unsigned int* order, unsigned int n, bool inverse)
 {
     bool all = true;

@@ -66,6 +66,8 @@ public:
     unsigned int CopyData(const CDataChunk& source);
     /// Copies one element in every chunk that both have; the number of chunks copied.
     unsigned int CopyData(unsigned int to, unsigned int from, const CDataChunk& source);
+    /// CElementArray::Gather in every chunk that both have; the number of chunks that took it.
+    unsigned int GatherData(int to, const CDataChunk& source, const int* from, int count);
     /// See CElementArray::Reorder. True when every chunk took the order.
     bool Reorder(const unsigned int* order, unsigned int n, bool inverse);
 

@@ -224,6 +224,25 @@ bool CFaceList::AppendFaces(int count, const unsigned int* sizes, const int* ind
     return true;
 }
 
+std::vector<unsigned int> CFaceList::GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform)
+{
+    const CFaceFlags flags(source);
+    const auto size = [&](int k) {
+        const unsigned int face = static_cast<unsigned int>(faces ? faces[k] : k);
+        return face < static_cast<unsigned int>(source.m_size) && !flags.IsDead(face) ? source.m_indexes.GetItemCount(face) : 0;
+    };
+    uniform = count > 0 ? size(0) : 0;
+    int k = 0;
+    while (k < count && size(k) == uniform)
+        k++;
+    if (k == count)
+        return {};
+    std::vector<unsigned int> sizes(static_cast<std::size_t>(count), uniform);
+    for (; k < count; k++)
+        sizes[static_cast<std::size_t>(k)] = size(k);
+    return sizes;
+}
+
 // --- Copies ---------------------------------------------------------------------------------------------------------
 
 void CFaceList::Inherit(const CFaceList& model)

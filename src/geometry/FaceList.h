@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <memory>
+#include <vector>
 
 #include "geometry/ConnectionInfo.h"
 #include "geometry/DataChunk.h"
@@ -195,6 +196,29 @@ public:
     /// Faces of sizes[k] corners each, from a flat array that holds them one after the other.
     bool AppendFaces(int count, const unsigned int* sizes, const int* indexes);
 
+    /// Copies of the faces faces[0], faces[1] ... of another list (null: all, from the first on): chunk data, flags included, and
+    /// corners, each through `map`, called in order. A dead face comes without corners.
+    template <class MAP> bool AppendCopies(const CFaceList& source, const int* faces, int count, MAP&& map)
+    {
+        const int first = m_size;
+        unsigned int corners;
+        const std::vector<unsigned int> sizes = GetSizes(source, faces, count, corners);
+        const auto fill = [&](int* to, unsigned int k) {
+            unsigned int all;
+            const int* from = source.m_indexes.GetItems(faces ? static_cast<unsigned int>(faces[k]) : k, all);
+            for (unsigned int i = 0, size = sizes.empty() ? corners : sizes[k]; i < size; i++)
+                to[i] = map(from[i]);
+        };
+        const bool done =
+            PrepareAppend(count) && (sizes.empty() ? m_indexes.AppendEntries(static_cast<unsigned int>(count), corners, fill)
+                                                   : m_indexes.AppendEntries(static_cast<unsigned int>(count), sizes.data(), fill));
+        if (done) {
+            FinishAppend(count);
+            m_chunks.GatherData(first, source.m_chunks, faces, count);
+        }
+        return done;
+    }
+
     // --- All corners (FaceList.cpp, FaceReorder.cpp) ----------------------------------------------------------------
 
     /// Position d receives the face of order[d]; with `inverse` face i goes to order[i]. 0xFFFFFFFF leaves a face where
@@ -324,6 +348,8 @@ protected:
 
 private:
     unsigned int GetCornerChecksum() const;
+    /// Number of corners of each face, 0 for a dead one; empty when all have as many, which then is `uniform`.
+    static std::vector<unsigned int> GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform);
     bool PrepareAppend(int count);
     void FinishAppend(int count);
     void ClearCorners(unsigned int first, unsigned int end);

@@ -122,6 +122,14 @@ bool CPointList::CopyPoint(int to, int from, const CPointList& source)
     return true;
 }
 
+bool CPointList::GatherPoints(int to, const CPointList& source, const int* from, int count)
+{
+    if (!CElementArray::Gather(to, source, from, count))
+        return false;
+    m_chunks.GatherData(to, source.m_chunks, from, count);
+    return true;
+}
+
 void CPointList::PreAllocate(int n, bool construct)
 {
     RemoveAll();

@@ -74,6 +74,10 @@ public:
     bool CopyPoint(int to, int from);
     bool CopyPoint(int to, int from, const CPointList& source);
 
+    /// Copies the points from[0], from[1] ... of another list (null: all, from the first on), chunk data included, to `to` and the places
+    /// behind, which are there already. False, with nothing copied, when a place is not there.
+    bool GatherPoints(int to, const CPointList& source, const int* from, int count);
+
     // --- Size and order ---------------------------------------------------------------------------------------------------
 
     /// Empties the list and makes room for `n` points; `construct` fills the room with default points at once.

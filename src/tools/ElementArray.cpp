@@ -284,6 +284,40 @@ bool CElementArray::CopyElement(int to, int from, const CElementArray& source)
     return true;
 }
 
+namespace {
+
+template <std::size_t STRIDE> void GatherBytes(unsigned char* to, const unsigned char* base, std::size_t stride, const int* from, int count)
+{
+    const std::size_t size = STRIDE ? STRIDE : stride;    // a size known here copies without a call
+    for (int i = 0; i < count; i++)
+        std::memcpy(to + static_cast<std::size_t>(i) * size, base + static_cast<std::size_t>(from[i]) * size, size);
+}
+
+}
+
+bool CElementArray::Gather(int to, const CElementArray& source, const int* from, int count)
+{
+    if (to < 0 || count < 0 || to > m_size - count || (!from && count > source.m_size))
+        return false;
+    if (!from) {
+        CopyRange(to, source, 0, count);
+        return true;
+    }
+    const auto isThere = [&](int i) { return static_cast<unsigned int>(i) < static_cast<unsigned int>(source.m_size); };
+    if (!std::all_of(from, from + count, isThere))
+        return false;
+    if (!HasSameElements(source) || !m_methods->IsBitwise())
+        for (int i = 0; i < count; i++)
+            CopyRange(to + i, source, from[i], 1);
+    else if (m_stride == 8)
+        GatherBytes<8>(At(to), source.m_base, 8, from, count);
+    else if (m_stride == 24)
+        GatherBytes<24>(At(to), source.m_base, 24, from, count);
+    else
+        GatherBytes<0>(At(to), source.m_base, m_stride, from, count);
+    return true;
+}
+
 bool CElementArray::Reorder(const unsigned int* order, unsigned int n, bool inverse)
 {
     if (n != static_cast<unsigned int>(m_size) || (n && (!order || !IsPermutation(order, n))))

@@ -103,6 +103,9 @@ public:
     /// Copies one element; false when an index is out of range.
     bool CopyElement(int to, int from);
     bool CopyElement(int to, int from, const CElementArray& source);
+    /// Copies the elements from[0], from[1] ... of another array (null: all, from the first on) to `to` and the places behind. All places
+    /// are there already; false, with nothing copied, when one is not.
+    bool Gather(int to, const CElementArray& source, const int* from, int count);
     /// Moves the elements: `order[d] = s` puts the element of s at d; with `inverse` the element of d goes to order[d].
     /// False, with nothing changed, unless `n` is the size and `order` a permutation.
     bool Reorder(const unsigned int* order, unsigned int n, bool inverse);
