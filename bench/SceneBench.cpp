@@ -70,7 +70,7 @@ static void ObjectFromArrays(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
     state.SetBytesProcessed(state.iterations() * (grid.points.size() * 8 + grid.triangles.size() * 4 + faces * 12));
 }
-BENCHMARK(ObjectFromArrays)->Arg(10000)->Arg(100000)->Arg(1000000)->Arg(4000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ObjectFromArrays)->Arg(1000)->Arg(10000)->Arg(100000)->Arg(1000000)->Arg(4000000)->Unit(benchmark::kMillisecond);
 
 // The same arrays into two plain vectors: what the memory alone costs.
 static void PlainCopy(benchmark::State& state)

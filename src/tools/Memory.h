@@ -6,10 +6,12 @@
 
 #include "tools/Api.h"
 
-// Memory of the big lists. Small blocks come from malloc. Blocks of XBLOCK_LARGE bytes and more start on a 2 MB border and ask for
-// huge pages, because first-touched small pages are the largest cost of most operations on big meshes; a few freed large
-// blocks are kept for reuse. Content is undefined.
+// Memory of the big lists. First-touched small pages are the largest cost of most operations on big meshes, so blocks from
+// XBLOCK_MIDDLE bytes on lie in memory that asks for huge pages and is kept for reuse up to a limit: below XBLOCK_LARGE they share
+// chunks of it, on borders of 1 KB; above, each starts on a 2 MB border of its own. Smaller blocks come from malloc. Content is
+// undefined. Any thread may call.
 
+constexpr std::size_t XBLOCK_MIDDLE = std::size_t{8} << 10;
 constexpr std::size_t XBLOCK_LARGE = std::size_t{4} << 20;
 
 /// Null for 0 bytes; throws std::bad_alloc. The caller keeps the size: freeing and growing need it.
