@@ -167,7 +167,7 @@ TEST(Images, BentFilesDoNoHarm)
     // Only crashes, leaks and endless loops are looked for.
     for (const Sample& sample : Samples())
         for (std::size_t at = 0; at < sample.file.size(); at++)
-            for (const unsigned char bend : {0x01, 0x80, 0xFF}) {
+            for (const unsigned char bend : {0x01, 0xFF}) {
                 Bytes bent = sample.file;
                 bent[at] ^= bend;
                 CFrameBitmap frames;

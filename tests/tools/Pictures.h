@@ -92,10 +92,10 @@ inline Bytes WriteOne(unsigned int fileClass, const Bitmap& picture, const CImag
 }
 
 inline void Add(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }
-/// `count` bytes of a value, the lowest first.
+/// `count` bytes of a value, the lowest first; 0 from the fifth on.
 inline void AddNumber(Bytes& to, unsigned int value, int count)
 {
     for (int i = 0; i < count; i++)
-        to.push_back(static_cast<unsigned char>(value >> (8 * i)));
+        to.push_back(static_cast<unsigned char>(i < 4 ? value >> (8 * i) : 0));
 }
 inline Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
