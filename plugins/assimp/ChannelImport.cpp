@@ -6,6 +6,7 @@
 #include <future>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include <assimp/mesh.h>
@@ -122,6 +123,51 @@ void PlanTextureCoordinates(const MeshPolygons& polygons, unsigned int set, std:
     };
 }
 
+// The coordinates that the part's material wants under this channel id, if its mesh has them.
+const PlacedCoordinates* FindPlaced(const Part& part, const std::vector<ImportedMaterial>& materials, unsigned int channelId)
+{
+    if (part.mesh->mMaterialIndex >= materials.size())
+        return nullptr;
+    const std::vector<PlacedCoordinates>& placed = materials[part.mesh->mMaterialIndex].placed;
+    const auto found = std::ranges::find(placed, channelId, &PlacedCoordinates::channelId);
+    return found != placed.end() && part.mesh->HasTextureCoords(found->set) ? &*found : nullptr;
+}
+
+BlockVector<Position> Place(const aiMesh& mesh, const PlacedCoordinates& placed)
+{
+    const auto& m = placed.matrix;
+    BlockVector<Position> triples(mesh.mNumVertices);
+    for (unsigned int i = 0; i < mesh.mNumVertices; i++) {
+        const aiVector3D& from = mesh.mTextureCoords[placed.set][i];
+        triples[i] = {m[0][0] * from.x + m[0][1] * from.y + m[0][2], m[1][0] * from.x + m[1][1] * from.y + m[1][2], from.z};
+    }
+    return triples;
+}
+
+void PlanPlacedCoordinates(const MeshPolygons& polygons, const std::vector<ImportedMaterial>& materials, std::vector<Layer>& layers)
+{
+    std::set<unsigned int> ids;
+    for (const Part& part : polygons.GetParts())
+        if (part.faceCount > 0 && part.mesh->mMaterialIndex < materials.size())
+            for (const PlacedCoordinates& placed : materials[part.mesh->mMaterialIndex].placed)
+                if (part.mesh->HasTextureCoords(placed.set))
+                    ids.insert(placed.channelId);
+    for (const unsigned int id : ids) {
+        auto* channel = new CUVWChannel(id);
+        layers.emplace_back().channel.reset(channel);
+        layers.back().fill = [&polygons, &materials, channel, id] {
+            LayerBuilder layer(polygons, *channel->GetUVWFaceList());
+            for (const Part& part : polygons.GetParts())
+                if (const PlacedCoordinates* placed = FindPlaced(part, materials, id))
+                    layer.AddPart(part, Place(*part.mesh, *placed).data());
+                else
+                    layer.AddEmptyPart(part);
+            layer.Finish(*channel->GetUVWPointList());
+            return true;
+        };
+    }
+}
+
 void PlanColors(const MeshPolygons& polygons, unsigned int set, std::vector<Layer>& layers)
 {
     if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasVertexColors(set); }))
@@ -215,12 +261,14 @@ void ImportWeights(const MeshPolygons& polygons, const BlockVector<int>& numbers
 
 }
 
-void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, C3DObject& object, CSceneImportOptions& options)
+void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, const std::vector<ImportedMaterial>& materials,
+                    C3DObject& object, CSceneImportOptions& options)
 {
     std::vector<Layer> layers;
     PlanNormals(polygons, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_TEXTURECOORDS; set++)
         PlanTextureCoordinates(polygons, set, layers);
+    PlanPlacedCoordinates(polygons, materials, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_COLOR_SETS; set++)
         PlanColors(polygons, set, layers);
     FillLayers(layers, polygons.GetVertexCount());

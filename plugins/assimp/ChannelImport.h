@@ -1,7 +1,10 @@
 #pragma once
 
+#include <vector>
+
 #include <3dzel.h>
 
+#include "MaterialImport.h"
 #include "MeshPolygons.h"
 #include "PointJoin.h"
 
@@ -23,6 +26,8 @@ constexpr unsigned int WEIGHT_BONE_BIND = FourCC("BIND");    ///< binary, 12 flo
 /// Equal values of a layer are one channel point; corners keep theirs, so that seams and hard edges come out as in the file. Faces of a mesh
 /// without a layer that others have are faces without data. A normal of length zero, or one that is no number, counts as not given.
 ///
-/// @param numbers  point of each vertex of all meshes; empty when it is its own number
-/// @param options  receives a line for what is left out
-void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, C3DObject& object, CSceneImportOptions& options);
+/// @param numbers    point of each vertex of all meshes; empty when it is its own number
+/// @param materials  by the library's index; their placed coordinates become further channels of the faces that have them
+/// @param options    receives a line for what is left out
+void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& numbers, const std::vector<ImportedMaterial>& materials,
+                    C3DObject& object, CSceneImportOptions& options);

@@ -70,6 +70,8 @@ FormatTraits GetFormatTraits(unsigned int fileClass)
     case FourCC("GLTF"):
     case FourCC("GLB "):
         traits.realRoot = true;
+        traits.gltf = true;
+        traits.placedTwice = true;
         traits.unit = UNIT_METER;
         traits.centimetres = 100;
         break;
@@ -78,6 +80,8 @@ FormatTraits GetFormatTraits(unsigned int fileClass)
         traits.unit = UNIT_METER;    // the importer scales to it
         traits.centimetres = 100;
         break;
+    case FourCC("3DS "):
+    case FourCC("PRJ "): traits.placedTwice = true; break;
     case FourCC("X   "):
     case FourCC("IFC "):
     case FourCC("IFCZ"): traits.realRoot = true; break;

@@ -7,10 +7,12 @@
 
 /// What the plug-in knows of a format beyond what the import library tells.
 struct FormatTraits {
-    bool yUp = true;           ///< scenes come with +y up
-    bool joinPoints = true;    ///< the importer gives each face corner a point of its own, so that equal positions are one point
-    bool realRoot = false;     ///< the root node is the file's own, not the importer's
-    double centimetres = 0;    ///< length of a unit when the format fixes it; 0 when it does not
+    bool yUp = true;             ///< scenes come with +y up
+    bool joinPoints = true;      ///< the importer gives each face corner a point of its own, so that equal positions are one point
+    bool realRoot = false;       ///< the root node is the file's own, not the importer's
+    bool gltf = false;           ///< spots come with half their angles, coordinates of textures are moved in an order of its own
+    bool placedTwice = false;    ///< cameras and lights come with the place of their node, which they are on already
+    double centimetres = 0;      ///< length of a unit when the format fixes it; 0 when it does not
     _UNIT_MODE unit = UNIT_UNDEFINED;
 };
 

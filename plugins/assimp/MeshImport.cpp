@@ -63,15 +63,15 @@ void SetMaterial(C3DFaceList& faces, int from, unsigned int material)
 }
 
 // `numbers`: point of each vertex of all meshes; empty when it is its own number.
-C3DFaceList* BuildFaces(const MeshPolygons& polygons, const BlockVector<int>& numbers, const std::vector<unsigned int>& materialIds)
+C3DFaceList* BuildFaces(const MeshPolygons& polygons, const BlockVector<int>& numbers, const std::vector<ImportedMaterial>& materials)
 {
     C3DFaceList* faces = C3DFaceList::Create(nullptr);
     for (const MeshPolygons::Part& part : polygons.GetParts()) {
         const int before = faces->GetSize();
         polygons.AppendFaces(part, numbers.empty() ? nullptr : numbers.data() + part.firstVertex, static_cast<int>(part.firstVertex),
                              *faces);
-        if (part.mesh->mMaterialIndex < materialIds.size())
-            SetMaterial(*faces, before, materialIds[part.mesh->mMaterialIndex]);
+        if (part.mesh->mMaterialIndex < materials.size())
+            SetMaterial(*faces, before, materials[part.mesh->mMaterialIndex].id);
     }
     faces->FreeExtra();
     return faces;
@@ -79,7 +79,7 @@ C3DFaceList* BuildFaces(const MeshPolygons& polygons, const BlockVector<int>& nu
 
 }
 
-C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, bool joinPoints,
+C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vector<ImportedMaterial>& materials, bool joinPoints,
                         CSceneImportOptions& options)
 {
     const MeshPolygons polygons(meshes);
@@ -88,7 +88,7 @@ C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vec
         return nullptr;
     BlockVector<int> numbers;
     C3DPointList* points = joinPoints && hasFaces ? JoinPoints(polygons, numbers) : CopyPoints(polygons);
-    C3DFaceList* faces = hasFaces ? BuildFaces(polygons, numbers, materialIds) : nullptr;
+    C3DFaceList* faces = hasFaces ? BuildFaces(polygons, numbers, materials) : nullptr;
     if (polygons.GetRefusedCount() > 0) {
         CXTString<wchar_t> text;
         text.FormatString(L"%zu faces left out: their corners are out of range or too many", polygons.GetRefusedCount());
@@ -96,11 +96,14 @@ C3DObject* ImportMeshes(const std::vector<const aiMesh*>& meshes, const std::vec
     }
     auto* object = new C3DObject(points, faces, nullptr);
     if (hasFaces)
-        ImportChannels(polygons, numbers, *object, options);
+        ImportChannels(polygons, numbers, materials, *object, options);
+    for (const aiMesh* mesh : meshes)
+        if (mesh->mMaterialIndex < materials.size() && materials[mesh->mMaterialIndex].twoSided)
+            object->SetFaceMode(FACE_MODE_TWO_SIDED);
     return object;
 }
 
-void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<unsigned int>& materialIds, std::vector<C3DCurve*>& curves)
+void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<ImportedMaterial>& materials, std::vector<C3DCurve*>& curves)
 {
     for (const aiMesh* mesh : meshes) {
         if (!(mesh->mPrimitiveTypes & aiPrimitiveType_LINE))
@@ -114,8 +117,8 @@ void ImportLines(const std::vector<const aiMesh*>& meshes, const std::vector<uns
             points->SetSize(static_cast<int>(line.size()), false, 0);
             FillPoints(*points, 0, line.data(), line.size());
             auto* curve = new C3DCurve(points, nullptr, nullptr);
-            if (mesh->mMaterialIndex < materialIds.size())
-                curve->SetMaterialID(materialIds[mesh->mMaterialIndex]);
+            if (mesh->mMaterialIndex < materials.size())
+                curve->SetMaterialID(materials[mesh->mMaterialIndex].id);
             curves.push_back(curve);
             line.clear();
         };

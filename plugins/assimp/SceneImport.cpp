@@ -5,37 +5,22 @@
 #include <utility>
 #include <vector>
 
-#include <assimp/material.h>
 #include <assimp/scene.h>
 
+#include "AnimationImport.h"
+#include "CameraLightImport.h"
+#include "Convert.h"
+#include "MaterialImport.h"
 #include "MeshImport.h"
 
 namespace {
-
-C4x4TMatrix<float> ToMatrix(const aiMatrix4x4& from)
-{
-    C4x4TMatrix<float> matrix;
-    for (unsigned int row = 0; row < 3; row++)
-        for (unsigned int column = 0; column < 4; column++)
-            matrix.m[row][column] = static_cast<float>(from[row][column]);
-    return matrix;
-}
-
-bool IsExactIdentity(const C4x4TMatrix<float>& matrix)
-{
-    const C4x4TMatrix<float> identity;
-    for (int row = 0; row < 3; row++)
-        for (int column = 0; column < 4; column++)
-            if (matrix.m[row][column] != identity.m[row][column])
-                return false;
-    return true;
-}
 
 /// One run of ImportScene.
 class SceneBuilder {
 public:
     SceneBuilder(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, CSceneImportOptions& options)
-        : m_source(source), m_traits(traits), m_title(title), m_options(options), m_scene(C3DScene::Create())
+        : m_source(source), m_traits(traits), m_title(title), m_options(options), m_scene(C3DScene::Create()), m_animation(source),
+          m_cameras(source, traits, options)
     {
     }
     ~SceneBuilder() { DeleteMe(m_scene); }
@@ -43,26 +28,32 @@ public:
     C3DScene* Build()
     {
         TakeUnit();
-        TakeMaterials();
+        m_materials = ImportMaterials(m_source, m_traits, *m_scene, m_options);
         TakeNodes();
+        for (const CameraLightImport::Item& item : m_cameras.TakeRest())
+            AddCameraNode(item, nullptr);
+        m_animation.Describe(*m_scene);
         return std::exchange(m_scene, nullptr);
     }
 
 private:
     void TakeUnit();
-    void TakeMaterials();
     void TakeNodes();
-    C3DSceneNode* TakeNode(const aiNode& from, C3DSceneNode* parent, const C4x4TMatrix<float>& matrix);
+    C3DSceneNode* TakeNode(const aiNode& from, C3DSceneNode* parent, const C4x4TMatrix<float>& above);
+    void AddCameraNode(const CameraLightImport::Item& item, C3DSceneNode* parent);
+    static void SetMatrix(C3DSceneNode& node, const C4x4TMatrix<float>& matrix);
     bool IsArtificialRoot() const;
     CXTString<wchar_t> NameOf(const aiNode& node) const;
-    C3DBaseObject* ObjectOf(const aiNode& node, std::vector<C3DCurve*>& curves);
+    C3DBaseObject* ObjectOf(const aiNode& node, bool hasChildren, std::vector<C3DCurve*>& curves);
 
     const aiScene& m_source;
     const FormatTraits& m_traits;
     const CXTString<wchar_t>& m_title;
     CSceneImportOptions& m_options;
     C3DScene* m_scene;
-    std::vector<unsigned int> m_materialIds;                          // by the library's index
+    const AnimationImport m_animation;
+    CameraLightImport m_cameras;
+    std::vector<ImportedMaterial> m_materials;                        // by the library's index
     std::map<std::vector<unsigned int>, C3DBaseObject*> m_objects;    // by the meshes that they were made of
 };
 
@@ -78,25 +69,12 @@ void SceneBuilder::TakeUnit()
     m_scene->SetUnit(unit);
 }
 
-void SceneBuilder::TakeMaterials()
-{
-    m_materialIds.resize(m_source.mNumMaterials, 0);
-    for (unsigned int i = 0; i < m_source.mNumMaterials; i++) {
-        const aiString name = m_source.mMaterials[i]->GetName();
-        if (name == aiString(AI_DEFAULT_MATERIAL_NAME))
-            continue;    // no material in the file: the default one, id 0
-        C3DMaterial* material = m_scene->GetMaterialList().CreateNewMaterial(0xFFFFFFFF);
-        material->SetName(Utf8ToWide(name.C_Str()));
-        m_materialIds[i] = material->GetMaterialID();
-    }
-}
-
 // Most importers put a root of their own over the file's nodes, some with the turn to their axes in it. It goes, and its matrix moves
 // to what is below.
 bool SceneBuilder::IsArtificialRoot() const
 {
     const aiNode& root = *m_source.mRootNode;
-    if (root.mNumMeshes > 0 || root.mNumChildren == 0)
+    if (root.mNumMeshes > 0 || root.mNumChildren == 0 || m_animation.IsAnimated(root) || m_cameras.Has(root))
         return false;
     const std::string name = root.mName.C_Str();
     return !m_traits.realRoot || name.empty() || name == "ROOT" || name.starts_with('$');
@@ -123,7 +101,7 @@ void SceneBuilder::TakeNodes()
     while (!open.empty()) {
         const Open next = open.back();
         open.pop_back();
-        C3DSceneNode* node = TakeNode(*next.node, next.parent, next.above * ToMatrix(next.node->mTransformation));
+        C3DSceneNode* node = TakeNode(*next.node, next.parent, next.above);
         push(*next.node, node, {});
     }
 }
@@ -138,14 +116,25 @@ CXTString<wchar_t> SceneBuilder::NameOf(const aiNode& node) const
     return m_title;
 }
 
-C3DSceneNode* SceneBuilder::TakeNode(const aiNode& from, C3DSceneNode* parent, const C4x4TMatrix<float>& matrix)
+// `above`: matrix of a root that is dropped, which goes before the node's own.
+C3DSceneNode* SceneBuilder::TakeNode(const aiNode& from, C3DSceneNode* parent, const C4x4TMatrix<float>& above)
 {
     C3DSceneNode* node = C3DSceneNode::Create();
     node->SetName(NameOf(from));
     std::vector<C3DCurve*> curves;
-    node->SetObject(ObjectOf(from, curves), true);
-    if (!IsExactIdentity(matrix))
-        static_cast<C3DMatrixKey*>(node->CreateKey(0, KEY_MATRIX, KEY_KEEP_DEFAULT))->SetMatrix(matrix);
+    std::vector<CameraLightImport::Item> items = m_cameras.Take(from);
+    const bool animated = m_animation.IsAnimated(from);
+    C4x4TMatrix<float> matrix = animated ? above : above * ToMatrix(from.mTransformation);
+    if (items.size() == 1 && from.mNumMeshes == 0 && from.mNumChildren == 0 && !animated) {    // the node has nothing else to carry
+        node->SetObject(items.front().object, true);
+        matrix *= items.front().place;
+        items.clear();
+    } else {
+        node->SetObject(ObjectOf(from, from.mNumChildren > 0 || !items.empty(), curves), true);
+    }
+    SetMatrix(*node, matrix);
+    if (animated)
+        m_animation.AddKeys(from, *node);
     m_scene->AddNode(parent, node);
     for (C3DCurve* curve : curves) {
         C3DSceneNode* line = C3DSceneNode::Create();
@@ -153,11 +142,28 @@ C3DSceneNode* SceneBuilder::TakeNode(const aiNode& from, C3DSceneNode* parent, c
         line->SetObject(curve, true);
         m_scene->AddNode(node, line);
     }
+    for (const CameraLightImport::Item& item : items)
+        AddCameraNode(item, node);
     return node;
 }
 
+void SceneBuilder::AddCameraNode(const CameraLightImport::Item& item, C3DSceneNode* parent)
+{
+    C3DSceneNode* node = C3DSceneNode::Create();
+    node->SetName(item.name);
+    node->SetObject(item.object, true);
+    SetMatrix(*node, item.place);
+    m_scene->AddNode(parent, node);
+}
+
+void SceneBuilder::SetMatrix(C3DSceneNode& node, const C4x4TMatrix<float>& matrix)
+{
+    if (!IsExactIdentity(matrix))
+        static_cast<C3DMatrixKey*>(node.CreateKey(0, KEY_MATRIX, KEY_KEEP_DEFAULT))->SetMatrix(matrix);
+}
+
 // The object of a node: a polygon object, one that an earlier node of the same meshes holds, or what a node without faces is.
-C3DBaseObject* SceneBuilder::ObjectOf(const aiNode& node, std::vector<C3DCurve*>& curves)
+C3DBaseObject* SceneBuilder::ObjectOf(const aiNode& node, bool hasChildren, std::vector<C3DCurve*>& curves)
 {
     std::vector<unsigned int> meshes(node.mMeshes, node.mMeshes + node.mNumMeshes);
     if (const auto known = m_objects.find(meshes); known != m_objects.end())
@@ -165,16 +171,16 @@ C3DBaseObject* SceneBuilder::ObjectOf(const aiNode& node, std::vector<C3DCurve*>
     std::vector<const aiMesh*> sources;
     for (const unsigned int mesh : meshes)
         sources.push_back(m_source.mMeshes[mesh]);
-    if (C3DObject* object = ImportMeshes(sources, m_materialIds, m_traits.joinPoints, m_options)) {
-        ImportLines(sources, m_materialIds, curves);
+    if (C3DObject* object = ImportMeshes(sources, m_materials, m_traits.joinPoints, m_options)) {
+        ImportLines(sources, m_materials, curves);
         if (curves.empty())    // lines of their own are nodes, not part of the object
             m_objects.emplace(std::move(meshes), object);
         return object;
     }
-    ImportLines(sources, m_materialIds, curves);
-    if (curves.size() == 1 && node.mNumChildren == 0)
+    ImportLines(sources, m_materials, curves);
+    if (curves.size() == 1 && !hasChildren)
         return std::exchange(curves, {}).front();
-    return node.mNumChildren > 0 || !curves.empty() ? C3DBaseObject::Create(OBJECT_GROUP) : C3DBaseObject::Create(OBJECT_DUMMY);
+    return hasChildren || !curves.empty() ? C3DBaseObject::Create(OBJECT_GROUP) : C3DBaseObject::Create(OBJECT_DUMMY);
 }
 
 }

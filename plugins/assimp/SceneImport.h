@@ -6,8 +6,10 @@
 
 struct aiScene;
 
-/// A scene with all that `source` holds: the node tree with names, order and matrices, polygon objects and curves, materials by name,
-/// the unit. Nodes with the same meshes share one object.
+/// A scene with all that `source` holds: the node tree with names, order, matrices or animation, polygon objects with their channels, curves,
+/// cameras and lights, materials with maps, the unit. Nodes with the same meshes share one object.
+///
+/// A camera or light is the object of the node of its name; where that has something else to carry, it gets a node below.
 ///
 /// @param title    names a node without name
 /// @param options  receives a line for whatever could not be taken over

@@ -41,6 +41,19 @@ public:
         return pairs;
     }
 
+    /// From a node's space to the scene's. `local(node)` is the node's own matrix, and `yUp` turns +y to +z.
+    template <class LOCAL> static aiMatrix4x4 NodeMatrix(const aiNode& node, bool yUp, LOCAL local)
+    {
+        aiMatrix4x4 matrix;
+        for (const aiNode* at = &node; at; at = at->mParent)
+            matrix = local(*at) * matrix;
+        return yUp ? aiMatrix4x4(1, 0, 0, 0, 0, 0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1) * matrix : matrix;
+    }
+    static aiMatrix4x4 NodeMatrix(const aiNode& node, bool yUp)
+    {
+        return NodeMatrix(node, yUp, [](const aiNode& at) { return at.mTransformation; });
+    }
+
 private:
     static void Collect(const aiNode& node, std::vector<const aiNode*>& nodes)
     {
