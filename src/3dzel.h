@@ -44,6 +44,7 @@
 #include "tools/Tree.h"
 #include "tools/Window.h"
 
+#include "geometry/2DPointExtList.h"
 #include "geometry/2DPointList.h"
 #include "geometry/3DFace.h"
 #include "geometry/3DFaceList.h"

@@ -5,6 +5,7 @@
 #include "geometry/Point.h"
 
 class C2DPointList;
+class C3DPointList;
 
 /// View of a face of a C3DFaceList: flags, material, and measures over the source 3D points of a CGeomInfo.
 ///
@@ -46,6 +47,11 @@ public:
     /// Lays the polygon in its own plane: `list` gets a point a corner, the first at the origin, the second on the
     /// positive x axis. Empty with fewer than 3 corners or a broken one.
     void Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const;
+
+    /// The normal and the plane of corners that are in no list. `xy` has a place for each corner; false, with nothing written, with fewer
+    /// than 3 corners or a broken one.
+    static void GetNormal(const C3DPointList& points, const int* corners, int count, C3DTVector<float>& normal, bool normalize);
+    static bool Get2DCoordinates(const C3DPointList& points, const int* corners, int count, float (*xy)[2]);
 
     /// Splits this face by cutting off ears in its plane (meshops/Triangulate.cpp).
     ///

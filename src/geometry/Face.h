@@ -8,9 +8,10 @@ class CGeomInfo;
 
 /// Bits of the first word of a face's main data. A face with FACE_INVALID or FACE_EMPTY is dead: loops skip it.
 enum _FACE_PROPERTIES : unsigned int {
-    FACE_INVALID = 0x1,      ///< Clean removes it
-    FACE_EMPTY = 0x2,        ///< keeps its place without a value: in a channel, a geometry face without data
-    FACE_BORDER = 0x1000,    ///< has an edge that no other face shares
+    FACE_INVALID = 0x1,        ///< Clean removes it
+    FACE_EMPTY = 0x2,          ///< keeps its place without a value: in a channel, a geometry face without data
+    FACE_BORDER = 0x1000,      ///< has an edge that no other face shares
+    FACE_TO_SPLIT = 0x8000,    ///< has too many corners: C3DGeomObject::Quadrangulate is at work
 };
 constexpr unsigned int FACE_DEAD = FACE_INVALID | FACE_EMPTY;
 

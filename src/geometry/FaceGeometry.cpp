@@ -180,27 +180,44 @@ bool C3DFace::IsConvex(const CGeomInfo* info) const
     return true;
 }
 
-void C3DFace::Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const
+void C3DFace::GetNormal(const C3DPointList& points, const int* corners, int count, C3DTVector<float>& normal, bool normalize)
 {
-    const CCorners corners(*this, info);
+    NormalOf(CCorners(&points, corners, count), normal, normalize);
+}
+
+// `setPoint(k, x, y)` for each corner. False, with nothing set, with fewer than 3 corners or a broken one.
+template <class SET> static bool LayInPlane(const CCorners& corners, SET setPoint)
+{
     const int size = corners.GetSize();
-    if (size < 3 || !corners.AreSound(size)) {
-        list.SetSize(0, false, -1);
-        return;
-    }
+    if (size < 3 || !corners.AreSound(size))
+        return false;
     C3DTVector<float> n;
-    GetNormal(info, n, true);
+    NormalOf(corners, n, true);
     const C3DTPoint<float> origin = *corners[0];
     C3DTVector<float> e = *corners[1] - origin, v = Cross(n, e);
     NormalizeUnlessTiny(e);
     NormalizeUnlessTiny(v);
-    list.SetSize(size, false, -1);
     for (int i = 0; i < size; i++) {
         const C3DTVector<float> d = *corners[i] - origin;
-        C2DTPoint<float>& point = *list.ElementAt(i);
-        point.x = static_cast<float>(Dot(d, e));
-        point.y = static_cast<float>(Dot(d, v));
+        setPoint(i, static_cast<float>(Dot(d, e)), static_cast<float>(Dot(d, v)));
     }
+    return true;
+}
+
+void C3DFace::Get2DCoordinates(const CGeomInfo* info, C2DPointList& list) const
+{
+    list.SetSize(GetSize(), false, -1);
+    const bool laid = LayInPlane(CCorners(*this, info), [&](int i, float x, float y) {
+        C2DTPoint<float>& point = *list.ElementAt(i);
+        point.x = x, point.y = y;
+    });
+    if (!laid)
+        list.SetSize(0, false, -1);
+}
+
+bool C3DFace::Get2DCoordinates(const C3DPointList& points, const int* corners, int count, float (*xy)[2])
+{
+    return LayInPlane(CCorners(&points, corners, count), [xy](int i, float x, float y) { xy[i][0] = x, xy[i][1] = y; });
 }
 
 // --- The list -------------------------------------------------------------------------------------------------------

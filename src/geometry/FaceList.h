@@ -191,6 +191,16 @@ public:
         FinishAppend(count);
         return true;
     }
+    /// The same for faces of sizes[k] corners each.
+    template <class FILL>
+    requires std::invocable<FILL&, int*, unsigned int>
+    bool AppendFaces(int count, const unsigned int* sizes, FILL&& fill)
+    {
+        if (!PrepareAppend(count) || !m_indexes.AppendEntries(count, sizes, fill))
+            return false;
+        FinishAppend(count);
+        return true;
+    }
     /// From a flat array of count * corners indices.
     bool AppendFaces(int count, int corners, const int* indexes);
     /// Faces of sizes[k] corners each, from a flat array that holds them one after the other.
