@@ -1,0 +1,55 @@
+#pragma once
+
+#include <vector>
+
+#include "geometry/Edge.h"
+#include "meshops/SlotTable.h"
+
+class CFaceList;
+
+/// The line around a set of faces. Where it starts, which way it runs and in which order the faces come is that of hash tables: tables of
+/// faces, edges and points are filled one from the other, each walked by slot (tools/Hash.h). Keep one for many sets.
+class CRegionBorder {
+public:
+    /// @param region  the faces in the order in which they joined, each once
+    /// @return        false unless the edges that one face of the set has alone form one closed line of at least 3 points that touches
+    ///                itself nowhere
+    bool Trace(const CFaceList& faces, const std::vector<int>& region);
+
+    /// The faces by slot; after any Trace.
+    const std::vector<int>& GetFaces() const { return m_faces; }
+
+    struct Corner {
+        int point;
+        int face;    ///< of the set, with an edge of the line at the point
+    };
+    /// The line, after a Trace that found one.
+    const std::vector<Corner>& GetLine() const { return m_line; }
+
+private:
+    struct Owner {
+        int face;
+        bool shared;
+    };
+    struct Node {
+        unsigned int neighbours[2];
+        unsigned int count = 0;
+        int face = -1;
+    };
+
+    void SortFaces(const std::vector<int>& region);
+    void FindEdges(const CFaceList& faces);
+    bool LinkPoints();
+    bool Connect(unsigned int node, unsigned int other, int face);
+    unsigned int GetFirstNeighbour(const Node& node) const;
+
+    CSlotTable<int> m_region;
+    std::vector<int> m_faces;
+    CSlotTable<C3DEdge> m_edges;
+    std::vector<Owner> m_owners;      // by entry of m_edges
+    CSlotTable<C3DEdge> m_border;     // edges that are not shared
+    std::vector<int> m_borderFace;    // by entry of m_border
+    CSlotTable<int> m_points;
+    std::vector<Node> m_nodes;    // by entry of m_points
+    std::vector<Corner> m_line;
+};
