@@ -104,6 +104,7 @@
 #include "scene/Curve.h"
 #include "scene/Dummy.h"
 #include "scene/Filter.h"
+#include "scene/ForeignData.h"
 #include "scene/Forward.h"
 #include "scene/GeomObject.h"
 #include "scene/Group.h"

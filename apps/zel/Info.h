@@ -6,5 +6,5 @@
 #include "Console.h"
 #include "ExitCode.h"
 
-/// zel info: what scene files hold, as text or as JSON (an object a file; an array for several files).
-ExitCode ShowInfo(const Console& console, const std::vector<std::string>& files, bool json);
+/// zel info: what scene files hold, as text or as JSON (an object a file; an array for several files). `tree` adds all nodes.
+ExitCode ShowInfo(const Console& console, const std::vector<std::string>& files, bool json, bool tree);

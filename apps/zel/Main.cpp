@@ -45,11 +45,12 @@ int main(int argc, char** argv)
     app.fallthrough();
     app.add_flag("-q,--quiet", quiet, "No talk but failures");
 
-    bool json = false;
+    bool json = false, tree = false;
     std::vector<std::string> files;
     CLI::App* info = app.add_subcommand("info", "Shows what scene files hold");
     info->add_option("FILE", files, "Files to read")->required();
     info->add_flag("--json", json, "Print JSON: an object a file, an array for several files");
+    info->add_flag("--tree", tree, "Show all nodes with their kinds, counts and matrices");
     CLI::App* formats = app.add_subcommand("formats", "Lists what can be read and written, and by whom");
     formats->add_flag("--json", json, "Print JSON");
 
@@ -66,5 +67,5 @@ int main(int argc, char** argv)
     console.SetQuiet(quiet);
 
     const Library library;
-    return info->parsed() ? ShowInfo(console, files, json) : ShowFormats(console, json);
+    return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);
 }

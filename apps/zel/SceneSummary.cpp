@@ -22,7 +22,35 @@ SceneSummary::SceneSummary(C3DScene& scene)
     }
     points = static_cast<std::uint64_t>(scene.GetPointNbr());
     faces = static_cast<std::uint64_t>(scene.GetFaceNbr());
-    materials = scene.GetMaterialList().GetCount();
+    materials = scene.GetMaterialNumber();
+    ListMaps(scene);
+    const CTimeRange range = scene.GetTimeRange(KEY_ANY);
+    firstFrame = range.start;
+    lastFrame = range.end;
+    scene.GetCustomData().GetDouble(SCENE_FRAME_RATE, frameRate, 0);
+}
+
+// By material id: the tables of a scene have no order that a user would know.
+void SceneSummary::ListMaps(C3DScene& scene)
+{
+    static constexpr struct {
+        MapType type;
+        const char* name;
+    } TYPES[] = {{MAP_DIFFUSE, "diffuse"},
+                 {MAP_AMBIENT, "ambient"},
+                 {MAP_SPECULAR, "specular"},
+                 {MAP_TRANSPARENCY, "transparency"},
+                 {MAP_BUMP, "bump"}};
+    std::map<unsigned int, const C3DMaterial*> byID;
+    for (unsigned int pos = scene.GetFirstMaterial(); pos != HASH_END;) {
+        const C3DMaterial* material = scene.GetNextMaterial(pos);
+        byID[material->GetMaterialID()] = material;
+    }
+    for (const auto& [id, material] : byID)
+        for (const auto& [type, name] : TYPES)
+            if (const CMaterialMap* map = material->GetMaterialMap(type))
+                maps.push_back({WideToUtf8(material->GetName()), name, WideToUtf8(map->GetFileName()),
+                                WideToUtf8(map->GetBitmapPath(&scene, false, true))});
 }
 
 void SceneSummary::CountNode(C3DSceneNode& node)

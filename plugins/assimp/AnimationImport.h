@@ -11,12 +11,6 @@ struct aiNode;
 struct aiNodeAnim;
 struct aiScene;
 
-// Custom data of an animated scene.
-
-constexpr unsigned int SCENE_FRAME_RATE = FourCC("FRAT");     ///< double: frames a second; absent when the file does not tell
-constexpr unsigned int SCENE_CLIP_NAMES = FourCC("CLNM");     ///< string array: names of the file's animations
-constexpr unsigned int SCENE_CLIP_RANGES = FourCC("CLRG");    ///< binary: first and last frame (int) of each
-
 /// The animations of a file as keys of nodes.
 ///
 /// The first animation keeps its times; each further one begins on the frame behind the one before. The frame rate is one in which the key

@@ -11,11 +11,6 @@
 struct aiNode;
 struct aiScene;
 
-// Custom data of lights and cameras beyond their own parameters.
-
-constexpr unsigned int LIGHT_ATTENUATION = FourCC("ATTN");    ///< binary, 3 doubles c, l, q: at distance d light is 1 / (c + l d + q d^2)
-constexpr unsigned int CAMERA_HALF_WIDTH = FourCC("HWID");    ///< double: half the width of what an orthographic camera sees, scene units
-
 /// The cameras and lights of a file, which belong to nodes by name.
 ///
 /// Fields of view are horizontal and in radians, as the camera's gizmo takes them; angles of spots are those of the whole cone. An area light

@@ -15,11 +15,6 @@ constexpr unsigned int TextureChannelId(unsigned int set) { return 1 + set; }
 /// Id of the vertex colours of the file's set number 0 to 7.
 constexpr unsigned int ColorChannelId(unsigned int set) { return 101 + set; }
 
-// Custom data of the weight channel of a bone.
-
-constexpr unsigned int WEIGHT_BONE_NAME = FourCC("NAME");    ///< string: name of the bone's node
-constexpr unsigned int WEIGHT_BONE_BIND = FourCC("BIND");    ///< binary, 12 floats by rows: from the object's space to the bone's, at rest
-
 /// Adds to an object of these polygons what the meshes hold for each corner: given normals, all sets of texture coordinates and of colours,
 /// and for each bone a weight of each point (the points-only form). The first set of colours becomes the object's.
 ///

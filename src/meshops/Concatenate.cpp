@@ -230,8 +230,7 @@ void Concatenation::AppendSource(Source& source)
     m_to.GetPointList()->GatherPoints(pointBase, points, choice.GetPoints(), choice.GetCount());
     if (faces) {
         m_to.GetFaceList()->AppendDataChunks(faces, true);
-        m_to.GetFaceList()->AppendCopies(*faces, source.GetFaces(), source.faceCount,
-                                         [&](int point) { return choice(point, pointBase); });
+        m_to.GetFaceList()->AppendCopies(*faces, source.GetFaces(), source.faceCount, [&](int point) { return choice(point, pointBase); });
         for (const auto& [from, to] : source.channels)
             if (to->GetFaceList())
                 AppendChannel(source, *from, *to, source.Choose(*from->GetPointList(), from->GetFaceList(), m_filter != nullptr));

@@ -96,9 +96,37 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
     for (const char* key : {"class", "format", "faces", "stored_faces", "stored_corners", "channels", "read_ms"})
         EXPECT_TRUE(one.contains(key)) << key;
 
+    EXPECT_TRUE(one["maps"].empty());
+    EXPECT_EQ(one["time"], (nlohmann::json{{"first", 0}, {"last", 0}, {"rate", nullptr}}));
+    EXPECT_EQ(one["unit"], (nlohmann::json{{"mode", 5}, {"centimetres", 100}, {"scale", 100}}));
+    EXPECT_FALSE(one.contains("tree"));
+
+    const auto tree = nlohmann::json::parse(Call("info --json --tree " + MODEL).out)["tree"];
+    ASSERT_EQ(tree.size(), 19u);
+    EXPECT_EQ(tree[2]["name"], "column 1");
+    EXPECT_EQ(tree[2]["depth"], 1);
+    EXPECT_EQ(tree[2]["kind"], "OBJECT_POLYGONAL");
+    EXPECT_EQ(tree[2]["faces"], 62);
+    EXPECT_FLOAT_EQ(tree[2]["matrix"][2][3], 0.6f);
+    EXPECT_EQ(tree[3]["instance"], true);
+
     const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
     ASSERT_TRUE(two.is_array());
     EXPECT_EQ(two.size(), 2u);
+}
+
+TEST_F(Zel, TellsWhichTexturesAreFound)
+{
+    std::ofstream(folder.Name("scene.mtl")) << "newmtl red\nKd 1 0 0\nmap_Kd here.png\nnewmtl blue\nKd 0 0 1\nmap_Kd away.png\n";
+    std::ofstream(folder.Name("scene.obj")) << "mtllib scene.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nusemtl red\nf 1/1 2/1 3/1\n"
+                                               "usemtl blue\nf 3/1 2/1 1/1\n";
+    std::ofstream(folder.Name("here.png")) << "any";
+    const auto info = nlohmann::json::parse(Call("info --json " + folder.Name("scene.obj")).out);
+    ASSERT_EQ(info["maps"].size(), 2u);
+    for (const auto& map : info["maps"]) {
+        EXPECT_EQ(map["type"], "diffuse");
+        EXPECT_EQ(map["found"].is_null(), map["material"] == "blue") << map;
+    }
 }
 
 TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)

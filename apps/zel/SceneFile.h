@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <3dzel.h>
+
+#include "Console.h"
+
+struct ReleaseScene {
+    void operator()(C3DScene* scene) const { DeleteMe(scene); }
+};
+
+/// A scene file that was read.
+struct SceneFile {
+    std::string name;
+    std::string fileClass;
+    std::string format;
+    double readMilliseconds;
+    std::unique_ptr<C3DScene, ReleaseScene> scene;
+};
+
+/// Reads a file of any format. Warnings are told; a failure is one line of the console, and no result.
+std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name);
