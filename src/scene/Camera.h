@@ -31,7 +31,7 @@ public:
     void SetNearFarClip(double nearDistance, double farDistance);
     double GetFocusDistance() const;
     void SetFocusDistance(double distance);
-    double GetFov() const;    ///< field of view, 45 unless set
+    double GetFov() const;    ///< horizontal field of view, as the display object takes it in radians; 45 unless set
     void SetFov(double fov);
     double GetZoom() const;    ///< of an orthographic view
     void SetZoom(double zoom);
