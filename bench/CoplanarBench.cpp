@@ -86,7 +86,8 @@ BENCHMARK(MergePlane)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Arg(4'000'000)
 // Nothing to merge.
 static void MergeNothing(benchmark::State& state)
 {
-    C3DObject* object = MakeTriangles(static_cast<int>(state.range(0)), [](int x, int y) { return std::sin(0.7f * x) * std::cos(0.9f * y); });
+    C3DObject* object =
+        MakeTriangles(static_cast<int>(state.range(0)), [](int x, int y) { return std::sin(0.7f * x) * std::cos(0.9f * y); });
     Run(state, object, -1);
 }
 BENCHMARK(MergeNothing)->Arg(1'000'000)->Unit(benchmark::kMillisecond);

@@ -130,6 +130,8 @@
 
 #include "meshops/IntCoordMap.h"
 #include "meshops/IsolateFaceTagger.h"
+#include "meshops/Slice.h"
+#include "meshops/SymetryMap.h"
 #include "meshops/UnifyTagger.h"
 
 #include "io/3DDlgFormatSelection.h"

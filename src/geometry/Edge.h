@@ -8,6 +8,15 @@ public:
     C3DEdge() = default;
     C3DEdge(int a, int b) : m_low(a < b ? a : b), m_high(a < b ? b : a) {}
 
+    /// The ends in that order, for who follows a direction: with b below a it equals no edge made from two ends.
+    static C3DEdge Directed(int a, int b)
+    {
+        C3DEdge edge;
+        edge.m_low = a;
+        edge.m_high = b;
+        return edge;
+    }
+
     int GetFirst() const { return m_low; }
     int GetSecond() const { return m_high; }
     bool operator==(const C3DEdge&) const = default;

@@ -38,7 +38,7 @@ constexpr int NO_FACE = -1;
 struct ChannelPair {
     CChannel* source;
     CChannel* target;
-    std::vector<int> corners;      // of the polygons that have data, one after the other
+    std::vector<int> corners;       // of the polygons that have data, one after the other
     std::vector<bool> hasData{};    // by polygon
 };
 
@@ -404,8 +404,8 @@ void CCoplanarMerge::Write(C3DFaceList& target)
     m_across.MarkBorder(m_points);
 }
 
-void CCoplanarMerge::WriteList(CFaceList& target, const CFaceList& source, const std::vector<int>& from,
-                               const std::vector<int>& corners, const std::vector<bool>* hasData) const
+void CCoplanarMerge::WriteList(CFaceList& target, const CFaceList& source, const std::vector<int>& from, const std::vector<int>& corners,
+                               const std::vector<bool>* hasData) const
 {
     target.RemoveAll();
     target.SetSize(0, CFaceList::SIZE_GROW, 4);

@@ -34,8 +34,8 @@ float Side(const Vector2& a, const Vector2& b, const Vector2& p) { return (p.y -
 class CEarTriangle {
 public:
     CEarTriangle(const Vector2& c, const Vector2& q, const Vector2& p)
-        : m_from{c, q, p}, m_to{q, p, c}, m_min{std::min({c.x, q.x, p.x}), std::min({c.y, q.y, p.y})},
-          m_max{std::max({c.x, q.x, p.x}), std::max({c.y, q.y, p.y})}
+        : m_from{c, q, p}, m_to{q, p, c}, m_min{std::min({c.x, q.x, p.x}), std::min({c.y, q.y, p.y})}, m_max{std::max({c.x, q.x, p.x}),
+                                                                                                             std::max({c.y, q.y, p.y})}
     {
     }
 
@@ -335,7 +335,7 @@ private:
     static constexpr int LEAF = 6;
 
     struct Node {
-        Vector2 min, max;             // around the corners that are in
+        Vector2 min, max;    // around the corners that are in
         bool empty = true;
         int first = 0, end = 0;    // of a leaf: in m_order
     };

@@ -56,9 +56,8 @@ void CFacesAcross::SortCorners(const C3DFaceList& faces, unsigned int pointCount
     for (unsigned int& p : place)
         sum += std::exchange(p, sum);
     Block<std::uint64_t> entries(sum);
-    forEachEdge([&](unsigned int low, unsigned int high, unsigned int corner) {
-        entries[place[low]++] = std::uint64_t{high} << 32 | corner;
-    });
+    forEachEdge(
+        [&](unsigned int low, unsigned int high, unsigned int corner) { entries[place[low]++] = std::uint64_t{high} << 32 | corner; });
     unsigned int first = 0;
     for (unsigned int point = 0; point < pointCount; point++) {
         const unsigned int end = place[point];    // where the next point's begin

@@ -20,7 +20,10 @@ public:
 
     /// The face across the edge from corner k to the next one: NONE, a face, or below NONE: see GetCrowd. An edge that the face itself
     /// runs along twice leads to that face.
-    int Get(unsigned int face, int k) const { return m_across.empty() ? NONE : m_across[m_firstCorner[face] + static_cast<unsigned int>(k)]; }
+    int Get(unsigned int face, int k) const
+    {
+        return m_across.empty() ? NONE : m_across[m_firstCorner[face] + static_cast<unsigned int>(k)];
+    }
 
     /// The faces of an edge of more than two, as often as they run along it: ordered by what is the same for faces that have the same
     /// corners in the same sense, wherever they start.

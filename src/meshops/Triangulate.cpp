@@ -282,7 +282,8 @@ int C3DFace::Triangulate(const CGeomInfo* info, int sourceFace, int firstTarget)
         if (!target->GetFace(firstTarget, to))
             return 0;
         to.Copy(*this);
-        forEachChannel([=](CFaceList& from, CFaceList& channel) { WriteChannelFace(channel, firstTarget, from, sourceFace, count, nullptr); });
+        forEachChannel(
+            [=](CFaceList& from, CFaceList& channel) { WriteChannelFace(channel, firstTarget, from, sourceFace, count, nullptr); });
         return 1;
     }
 

@@ -109,7 +109,8 @@ void CheckInStep(C3DGeomObject& object)
         ASSERT_EQ(channel->GetFaceList()->GetSize(), object.GetFaceNbr());
         for (int i = 0; i < object.GetFaceNbr(); i++) {
             const std::size_t size = Corners(*channel->GetFaceList(), i).size();
-            EXPECT_TRUE(channel->GetFaceList()->IsFaceFlagSet(i, FACE_EMPTY) ? size == 0 : size == Corners(*object.GetFaceList(), i).size());
+            EXPECT_TRUE(channel->GetFaceList()->IsFaceFlagSet(i, FACE_EMPTY) ? size == 0
+                                                                             : size == Corners(*object.GetFaceList(), i).size());
         }
     }
 }
@@ -404,10 +405,7 @@ TEST(CoplanarMerge, Regions)
          {},
          false},
         {"cube", Cube(), {}, false},
-        {"straight border",
-         MakeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 1, 0}}, {{0, 1, 3}, {1, 2, 3}}),
-         {{0, 2, 3}},
-         true},
+        {"straight border", MakeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 1, 0}}, {{0, 1, 3}, {1, 2, 3}}), {{0, 2, 3}}, true},
         {"corner beyond the points", MakeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}, {{0, 1, 2}, {0, 2, 9}}), {}, false},
     };
     for (auto& row : rows) {

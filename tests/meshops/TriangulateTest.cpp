@@ -101,10 +101,7 @@ Triangles CutPlainly(const CGeomInfo& info, const C3DFace& face)
 
 using Polygon = std::vector<XYZ>;
 
-Mesh MeshOf(const Polygon& polygon, const std::vector<int>& corners)
-{
-    return MakeMesh(polygon, {corners});
-}
+Mesh MeshOf(const Polygon& polygon, const std::vector<int>& corners) { return MakeMesh(polygon, {corners}); }
 std::vector<int> UpTo(int n)
 {
     std::vector<int> numbers(n);
@@ -387,8 +384,8 @@ TEST(Triangulate, ObjectsThatAreLeftAlone)
     };
     Owned<C3DObject> object(new C3DObject), empty(new C3DObject), bare(new C3DObject);
     Owned<C3DCurve> curve(new C3DCurve);
-    for (C3DGeomObject* o : {static_cast<C3DGeomObject*>(object.get()), static_cast<C3DGeomObject*>(empty.get()),
-                             static_cast<C3DGeomObject*>(curve.get())})
+    for (C3DGeomObject* o :
+         {static_cast<C3DGeomObject*>(object.get()), static_cast<C3DGeomObject*>(empty.get()), static_cast<C3DGeomObject*>(curve.get())})
         give(*o);
     empty->SetFlag(OBJECT_EMPTY, true);
     C3DFaceList* const faces = object->GetFaceList();
