@@ -116,6 +116,7 @@
 #include "scene/Material.h"
 #include "scene/MaterialMap.h"
 #include "scene/Materials.h"
+#include "scene/MeshObjectCreator.h"
 #include "scene/NodePos.h"
 #include "scene/NodeWalkTM.h"
 #include "scene/ObjectCreator.h"

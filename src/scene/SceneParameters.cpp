@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "channels/DependentChannels.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
@@ -136,7 +138,7 @@ void C3DScene::SetPatchLevel(unsigned int level)
     C3DBaseObject* object;
     for (C3DNodePos pos = GetFirstNode(OBJECT_PATCH, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
-        static_cast<C3DPatch*>(*object)->SetLevel(level);
+        static_cast<C3DPatch*>(*object)->SetLevel(static_cast<int>(std::min<unsigned int>(level, C3DPatch::MOST_LEVEL)));
     }
 }
 
