@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
+#include <utility>
 #include <vector>
 
 #include "geometry/3DFaceList.h"
@@ -61,6 +62,50 @@ C3DScene* CreateTree(int count)
     }
     return scene;
 }
+
+/// About `count` nodes in trees of that depth, entered as they are walked, each with a matrix key that moves it by (1, 0, 0). Every node but
+/// the last ones of a tree has `branches` children, of which `deep` go on.
+struct KeyedTree {
+    C3DScene* scene = C3DScene::Create();
+    int nodes = 0;
+    double depths = 0;    ///< sum of the levels of all nodes, 1 for the topmost: their places along x
+
+    KeyedTree(int count, int depth, int branches, int deep)
+    {
+        while (nodes < count)
+            Grow(depth, branches, deep);
+    }
+    ~KeyedTree() { DeleteMe(scene); }
+
+private:
+    void Grow(int depth, int branches, int deep)
+    {
+        std::vector<std::pair<C3DSceneNode*, int>> path{{nullptr, branches - 1}};    // with the child to add next; the trees have one top
+        while (!path.empty()) {
+            auto& [parent, child] = path.back();
+            if (child == branches) {
+                path.pop_back();
+                continue;
+            }
+            const bool goesOn = (parent == nullptr || child < deep) && static_cast<int>(path.size()) < depth;
+            C3DSceneNode* node = C3DSceneNode::Create();
+            node->SetObject(C3DBaseObject::Create(OBJECT_GROUP), true);
+            scene->AddNode(parent, node);
+            static_cast<C3DMatrixKey*>(node->CreateKey(0, KEY_MATRIX, 0))->SetMatrix(Step());
+            nodes++;
+            depths += static_cast<double>(path.size());
+            child++;
+            if (goesOn)
+                path.emplace_back(node, 0);
+        }
+    }
+    static C4x4TMatrix<float> Step()
+    {
+        C4x4TMatrix<float> matrix;
+        matrix.SetTranslation(1, 0, 0);
+        return matrix;
+    }
+};
 
 }
 
@@ -229,3 +274,24 @@ template <bool ALONG> static void Matrices(benchmark::State& state)
 }
 BENCHMARK(Matrices<false>)->Name("MatricesEach")->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Matrices<true>)->Name("MatricesAlongTheWalk")->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// The same with a key on every node. Arguments: depth, children of a node, how many of them have children. Watch: ns per node, the same for
+// any depth.
+static void MatricesOfKeyedNodes(benchmark::State& state)
+{
+    const KeyedTree tree(100000, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
+    C4x4TMatrix<float> matrix;
+    double sum = 0;
+    for (auto _ : state) {
+        sum = 0;
+        CNodeWalkTM walk(0, true);
+        for (C3DNodePos pos = tree.scene->GetFirstNode(OBJECT_GROUP); pos;) {
+            walk.Get(tree.scene->GetNextNode(pos), matrix);
+            sum += matrix.m[0][3];
+        }
+    }
+    if (sum != tree.depths)
+        state.SkipWithError("every node lies one step from its parent");
+    state.SetItemsProcessed(state.iterations() * tree.nodes);
+}
+BENCHMARK(MatricesOfKeyedNodes)->Args({10, 3, 3})->Args({10000, 10, 1})->Unit(benchmark::kMillisecond);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/MatrixProduct.h"
 #include "geometry/Quaternion.h"
 #include "tools/Archive.h"
 
@@ -111,17 +112,15 @@ template <class T> void C4x4TMatrix<T>::FromQuaternion(const CQuaternion& q)
 template <class T> C4x4TMatrix<T> C4x4TMatrix<T>::operator*(const C4x4TMatrix& right) const
 {
     C4x4TMatrix product;
-    for (int i = 0; i < 4; i++)
-        for (int j = 0; j < 4; j++) {
-            double sum = 0;
-            for (int k = 0; k < 4; k++)
-                sum += static_cast<double>(m[i][k]) * right.m[k][j];
-            product.m[i][j] = static_cast<T>(sum);
-        }
+    MultiplyMatrices(m, right.m, product.m);
     return product;
 }
 
-template <class T> C4x4TMatrix<T>& C4x4TMatrix<T>::operator*=(const C4x4TMatrix& right) { return *this = *this * right; }
+template <class T> C4x4TMatrix<T>& C4x4TMatrix<T>::operator*=(const C4x4TMatrix& right)
+{
+    MultiplyMatrices(m, right.m, m);
+    return *this;
+}
 
 template <class T> bool C4x4TMatrix<T>::operator==(const C4x4TMatrix& other) const
 {

@@ -28,10 +28,7 @@ struct Sum {
 
     void Add(const C3DTPoint<float>& p, double weight = 1) { x += weight * p.x, y += weight * p.y, z += weight * p.z, count++; }
     void Add(const Sum& sum, double weight) { x += weight * sum.x, y += weight * sum.y, z += weight * sum.z; }
-    void Store(C3DTPoint<float>& to) const
-    {
-        to.x = static_cast<float>(x), to.y = static_cast<float>(y), to.z = static_cast<float>(z);
-    }
+    void Store(C3DTPoint<float>& to) const { to.x = static_cast<float>(x), to.y = static_cast<float>(y), to.z = static_cast<float>(z); }
 };
 
 /// What a new point of a list is made of.
@@ -314,8 +311,7 @@ private:
             int size;
             const int* corners = m_faces.GetIndexes(faces[i], size);
             for (int k = 0; k < size; k++)
-                if (corners[k] != a && corners[k] != b &&
-                    std::find(m_opposite.begin(), m_opposite.end(), corners[k]) == m_opposite.end())
+                if (corners[k] != a && corners[k] != b && std::find(m_opposite.begin(), m_opposite.end(), corners[k]) == m_opposite.end())
                     m_opposite.push_back(corners[k]);
         }
         return m_opposite;

@@ -6,8 +6,40 @@
 #include "tools/Archive.h"
 
 namespace {
-bool Matches(const _KeyframeInfo& info, std::uint64_t classId) { return classId == KEY_ANY || info.key->GetClassID() == classId; }
+bool Matches(const _KeyframeInfo& info, std::uint64_t classId)
+{
+    return classId == KEY_ANY || (info.tag == KeyTag(classId) && info.key->GetClassID() == classId);
 }
+}
+
+// The places
+
+void CKeyPlaces::InsertAt(int index, const _KeyframeInfo& info)
+{
+    _KeyframeInfo* places = &(*this)[0];
+    if (m_size == m_capacity) {
+        const unsigned int capacity = m_capacity * 2;
+        _KeyframeInfo* block = new _KeyframeInfo[capacity];
+        std::copy_n(places, m_size, block);
+        if (m_capacity > 1)
+            delete[] m_block;
+        m_block = places = block;
+        m_capacity = capacity;
+    }
+    std::copy_backward(places + index, places + m_size, places + m_size + 1);
+    places[index] = info;
+    m_size++;
+}
+
+void CKeyPlaces::RemoveAll()
+{
+    if (m_capacity > 1)
+        delete[] m_block;
+    m_size = 0;
+    m_capacity = 1;
+}
+
+// The list
 
 C3DAnimatable::~C3DAnimatable() = default;
 
@@ -79,7 +111,7 @@ int C3DKeyframable::AddKey(int time, C3DKeyframe* key)
             return i;
         }
     }
-    m_keys.InsertAt(behind, {time, key});
+    m_keys.InsertAt(behind, {time, KeyTag(key->GetClassID()), key});
     return behind;
 }
 
@@ -213,7 +245,6 @@ int C3DKeyframable::FindFirst(int time) const
     return static_cast<int>(place - m_keys.begin());
 }
 
-/// Index of the first key after the time.
 int C3DKeyframable::FindBehind(int time) const
 {
     const auto place = std::upper_bound(m_keys.begin(), m_keys.end(), time, [](int t, const _KeyframeInfo& info) { return t < info.time; });

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "scene/Keyframe.h"
-#include "tools/Array.h"
 
 /// Bits of a key lookup. See C3DKeyframable::GetKey.
 enum _KEY_LOOKUP : unsigned int {
@@ -29,10 +28,41 @@ public:
     int GetKeyTime(int time, unsigned int mode, std::uint64_t classId) const;
 };
 
+/// Short form of a class id: another one is another class. Tells classes apart without a look at the keys.
+constexpr unsigned int KeyTag(std::uint64_t classId)
+{
+    return static_cast<unsigned int>(classId >> 32) * 31 + static_cast<unsigned int>(classId);
+}
+
 /// One place of a key list.
 struct _KeyframeInfo {
     int time;
+    unsigned int tag;    ///< of the key's class id
     C3DKeyframe* key;    ///< owned by the list
+};
+
+/// The places of a key list. One key, as most nodes have, needs no memory of its own.
+class CKeyPlaces {
+public:
+    CKeyPlaces() = default;
+    CKeyPlaces(const CKeyPlaces&) = delete;
+    ~CKeyPlaces() { RemoveAll(); }
+
+    int GetSize() const { return static_cast<int>(m_size); }
+    bool IsEmpty() const { return m_size == 0; }
+    const _KeyframeInfo* begin() const { return m_capacity == 1 ? &m_single : m_block; }
+    const _KeyframeInfo* end() const { return begin() + m_size; }
+    const _KeyframeInfo& operator[](int index) const { return begin()[index]; }
+    _KeyframeInfo& operator[](int index) { return const_cast<_KeyframeInfo&>(begin()[index]); }
+    void InsertAt(int index, const _KeyframeInfo& info);
+    void RemoveAll();
+
+private:
+    unsigned int m_size = 0, m_capacity = 1;
+    union {
+        _KeyframeInfo m_single;    ///< for a capacity of 1
+        _KeyframeInfo* m_block;
+    };
 };
 
 /// A list of keys, sorted by time. At one time there is at most one key of a class id; keys of different class ids at one
@@ -84,9 +114,13 @@ public:
     bool operator==(const C3DKeyframable& other) const;
     bool operator!=(const C3DKeyframable& other) const { return !(*this == other); }
 
-private:
-    int FindFirst(int time) const;
+protected:
+    const CKeyPlaces& GetKeyPlaces() const { return m_keys; }
+    /// Index of the first key after the time.
     int FindBehind(int time) const;
 
-    CXArray<_KeyframeInfo> m_keys;
+private:
+    int FindFirst(int time) const;
+
+    CKeyPlaces m_keys;
 };

@@ -195,8 +195,6 @@ bool C3DMatrixKey::operator=(const C3DKeyframe& other)
     return true;
 }
 
-const C4x4TMatrix<float>& C3DMatrixKey::ToMatrix() const { return m_matrix; }
-
 void C3DMatrixKey::SwapCoordinates(unsigned int code, bool adjust)
 {
     m_matrix = adjust ? AdjustMatrix(code, m_matrix) : SwapMatrix(code, m_matrix);

@@ -144,7 +144,7 @@ public:
     bool operator==(const C3DKeyframe& other) const override;
     bool operator=(const C3DKeyframe& other) override;
     bool operator=(const C3DMatrixKey& other) { return *this = static_cast<const C3DKeyframe&>(other); }
-    virtual const C4x4TMatrix<float>& ToMatrix() const;
+    virtual const C4x4TMatrix<float>& ToMatrix() const { return m_matrix; }
 
     void SetMatrix(const C4x4TMatrix<float>& matrix) { m_matrix = matrix; }
     /// Swap code through AdjustMatrix when `adjust` is set, else through SwapMatrix.

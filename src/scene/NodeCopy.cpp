@@ -20,7 +20,7 @@ C3DSceneNode* C3DSceneNode::Copy(int copyFlags, C3DObjectCreator* creator) const
 {
     C3DSceneNode* node = new C3DSceneNode;
     if (m_object && !(copyFlags & COPY_NO_OBJECT)) {
-        node->m_object = m_object->Copy(copyFlags, creator);
+        node->Hold(m_object->Copy(copyFlags, creator));
         if (!node->m_object) {
             node->Delete();
             return nullptr;

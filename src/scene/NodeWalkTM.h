@@ -8,6 +8,8 @@
 ///
 /// Keeps the transforms of the parents between two calls, so that a step pays for what differs from the step before. Any
 /// order of nodes gives right answers; only depth-first ones are fast. Stale as soon as a key or the tree changes.
+///
+/// Multiplies from the top down, GetNodeTM from the node up: below the children of the root's children the two differ by how they round.
 class ZEL_API CNodeWalkTM {
 public:
     CNodeWalkTM(int time, bool withRoot) : m_time(time), m_withRoot(withRoot) {}
@@ -18,9 +20,11 @@ public:
 private:
     struct Level {
         const C3DSceneNode* node;
-        C4x4TMatrix<float> matrix;    ///< of the node's children, without pivots
+        float matrix[4][4];    ///< of the node's children, without pivots
     };
+    bool IsInside(const C3DSceneNode* parent);
     void Enter(const C3DSceneNode* parent);
+    void Place(const C3DSceneNode* node, const C4x4TMatrix<float>* local, C4x4TMatrix<float>& matrix);
 
     int m_time;
     bool m_withRoot;

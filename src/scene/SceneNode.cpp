@@ -72,10 +72,16 @@ void C3DSceneNode::SetObject(C3DBaseObject* object, bool deleteOld)
     // The node's own object, handed over without a further reference, stays.
     if (old == object && (!object || object->GetRefCount() == 1))
         return;
-    m_object = object;
+    Hold(object);
     SetScene(m_scene);
     if (old && deleteOld)
         old->DeleteFromNode();
+}
+
+void C3DSceneNode::Hold(C3DBaseObject* object)
+{
+    m_object = object;
+    m_objectKind = object ? object->GetKindOf() : _OBJECT_KINDOF{};
 }
 
 C3DBaseObject* C3DSceneNode::GetBaseObject(int) const { return m_object; }

@@ -70,8 +70,8 @@ public:
     C3DBaseObject* GetFinalObject(int time = 0) const;
     /// The object when it is geometric, else null.
     C3DGeomObject* GetGeomObject(int time = 0) const;
-    _OBJECT_KINDOF GetObjectKindOf() const { return m_object ? m_object->GetKindOf() : _OBJECT_KINDOF{}; }
-    bool IsGeomObject() const { return m_object && m_object->IsGeomObject(); }
+    _OBJECT_KINDOF GetObjectKindOf() const { return m_objectKind; }
+    bool IsGeomObject() const { return (m_objectKind & OBJECT_GEOMETRIC) != 0; }
     /// Id of the object, which must be there.
     unsigned int GetObjectID() const { return m_object->GetObjectID(); }
 
@@ -133,13 +133,16 @@ public:
 private:
     bool GetInternalBox(const C4x4TMatrix<float>& matrix, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int boxFlags,
                         unsigned int pointFilter) const;
-    void ApplyPivot(int time, C4x4TMatrix<float>& matrix) const;
+    /// Without giving up what was held.
+    void Hold(C3DBaseObject* object);
     friend class CNodeWalkTM;
 
-    C3DScene* m_scene = nullptr;
-    C3DBaseObject* m_object = nullptr;
-    CCustomData m_customData;
+    // What walks look at comes first, next to the links and the keys.
+    _OBJECT_KINDOF m_objectKind = {};    ///< of the object, for walks that do not go there
     unsigned int m_nodeID;
+    C3DBaseObject* m_object = nullptr;
+    C3DScene* m_scene = nullptr;
+    CCustomData m_customData;
     unsigned int m_flags = 0;
     unsigned int m_updateFlags = 0;
     bool m_named = false;    ///< false: still has the default name, which costs nothing

@@ -62,8 +62,8 @@ TEST(Subdivide, PlacesPointsByTheSchemes)
     EXPECT_EQ(loop.GetFaceNbr(), 16);
     EXPECT_EQ(loop.GetPointNbr(), 10);
     EXPECT_EQ(EulerNumber(loop), 2);
-    ExpectNear(At(loop, 0), {0.25, 0.25, 0.25});                     // (1 - 3 b) p - b p, b = 3/16
-    ExpectNear(At(loop, 3), {0.5, 0, 0});                            // 3/8 (2, 0, 0) + 1/8 (-2, 0, 0)
+    ExpectNear(At(loop, 0), {0.25, 0.25, 0.25});    // (1 - 3 b) p - b p, b = 3/16
+    ExpectNear(At(loop, 3), {0.5, 0, 0});           // 3/8 (2, 0, 0) + 1/8 (-2, 0, 0)
     EXPECT_EQ(Corners(*loop.GetFaceList(), 0), (std::vector<int>{0, 3, 5}));
     EXPECT_EQ(Corners(*loop.GetFaceList(), 3), (std::vector<int>{3, 4, 5}));
 
@@ -73,8 +73,8 @@ TEST(Subdivide, PlacesPointsByTheSchemes)
     EXPECT_EQ(quads.GetFaceNbr(), 24);
     EXPECT_EQ(quads.GetPointNbr(), 26);
     EXPECT_EQ(EulerNumber(quads), 2);
-    ExpectNear(At(quads, 0), {0, 0, -1});                            // first face
-    const double moved = (1 - 1.75 / 3) + 1.5 / 9 - 0.25 / 9;        // E sums to p, F to -p
+    ExpectNear(At(quads, 0), {0, 0, -1});                        // first face
+    const double moved = (1 - 1.75 / 3) + 1.5 / 9 - 0.25 / 9;    // E sums to p, F to -p
     ExpectNear(At(quads, 1), {-moved, -moved, -moved});
     EXPECT_EQ(Corners(*quads.GetFaceList(), 0)[0], 1);
     EXPECT_EQ(Corners(*quads.GetFaceList(), 0)[2], 0);
@@ -93,8 +93,8 @@ TEST(Subdivide, ABorderStaysAndPartsStandApart)
     EXPECT_EQ(flat.GetFaceNbr(), 64);
 
     // A triangle, a quad and a pentagon, all along shared edges.
-    Owned<C3DPatch> mixed = PatchOf(
-        MakeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0, 0}, {-1, 0, 0}, {-1, 1, 0}}, {{1, 4, 2}, {0, 1, 2, 3}, {5, 0, 3, 6, 5}}));
+    Owned<C3DPatch> mixed = PatchOf(MakeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0, 0}, {-1, 0, 0}, {-1, 1, 0}},
+                                             {{1, 4, 2}, {0, 1, 2, 3}, {5, 0, 3, 6, 5}}));
     mixed->GetFaceList()->SetFaceMaterial(1, 9);
     const struct {
         int level, faces, points;
@@ -154,7 +154,7 @@ TEST(Subdivide, TheSurfaceComesAndGoesWithTheMesh)
     Owned<C3DBaseObject> detached(patch->GetFinalObject(true));
     const int level = static_cast<int>(C3DPreferences::Get3DPreferences().GetPatchLevel());
     EXPECT_EQ(patch->GetLevel(), level);
-    C3DBaseObject* again = patch->GetFinalObject(false);             // a new one
+    C3DBaseObject* again = patch->GetFinalObject(false);    // a new one
     EXPECT_TRUE(again && again != detached.get());
     EXPECT_EQ(patch->GetFinalObject(false), again);
     patch->SetLevel(9);

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <random>
 
 #include "scene/Filter.h"
@@ -117,6 +119,126 @@ TEST(NodeTransforms, AWalkGivesTheMatricesOfTheNodesInAnyOrder)
             node->GetNodeTM(0, expected, withRoot);
             walk.Get(node, got);
             ExpectNear(got, expected);
+        }
+    }
+}
+
+namespace {
+
+using Bits = std::array<std::uint32_t, 16>;
+
+Bits BitsOf(const Matrix& matrix)
+{
+    Bits bits;
+    std::memcpy(bits.data(), matrix.ValPtr(), sizeof(bits));
+    return bits;
+}
+
+/// Every product summed from the left, in double, and rounded once.
+Matrix SlowProduct(const Matrix& a, const Matrix& b)
+{
+    Matrix product;
+    for (int i = 0; i < 4; i++)
+        for (int j = 0; j < 4; j++) {
+            double sum = 0;
+            for (int k = 0; k < 4; k++)
+                sum += static_cast<double>(a.m[i][k]) * b.m[k][j];
+            product.m[i][j] = static_cast<float>(sum);
+        }
+    return product;
+}
+
+/// Each class of key asked for, whatever the node has.
+Matrix SlowLocal(const C3DSceneNode& node, int time)
+{
+    Matrix local;
+    const auto multiply = [&](C3DMatrixKey&& key) {
+        if (node.Evaluate(time, key))
+            local = SlowProduct(local, key.ToMatrix());
+    };
+    multiply(C3DMatrixKey(KEY_MATRIX));
+    multiply(C3DTranslateKey());
+    multiply(C3DRotateKey());
+    multiply(C3DScaleKey());
+    return local;
+}
+
+void SlowPivot(const C3DSceneNode& node, int time, Matrix& matrix)
+{
+    C3DVectorKey pivot(KEY_PIVOT);
+    if (!node.Evaluate(time, pivot) || pivot.GetVector() == C3DTVector<float>())
+        return;
+    const C3DTPoint<float> position = matrix * C3DTPoint<float>(pivot.GetVector());
+    matrix.SetTranslation(position.x, position.y, position.z);
+    matrix.m[3][3] = 1;
+}
+
+}
+
+TEST(NodeTransforms, EveryBitIsThatOfThePlainProducts)
+{
+    // Faults in mind: a shortcut for one key, for no key or for affine matrices that rounds otherwise or turns a zero's sign; a key of the
+    // wrong class or time; a pivot that reaches children; a level kept that is none of the node's parents.
+    std::mt19937 random(11);
+    const auto number = [&](int n) { return static_cast<int>(random() % n); };
+    const auto value = [&] { return number(4) ? (number(2001) - 1000) / 700.f : number(2) ? 0.0f : -0.0f; };
+    const auto vector = [&] { return C3DTVector<float>(value(), value(), value()); };
+    const auto addKey = [&](C3DSceneNode* node) {
+        const int time = 10 * number(4);
+        switch (number(8)) {
+        case 0: static_cast<C3DTranslateKey*>(node->CreateKey(time, KEY_TRANSLATE, 0))->SetVector(vector()); break;
+        case 1: static_cast<C3DScaleKey*>(node->CreateKey(time, KEY_SCALE, 0))->SetVector(vector()); break;
+        case 2: node->AddKey(time, C3DRotateKey(value(), vector())); break;
+        case 3: static_cast<C3DVectorKey*>(node->CreateKey(time, KEY_PIVOT, 0))->SetVector(vector()); break;
+        case 4: node->CreateKey(time, KEY_MAP_TILE, 0); break;    // no transform
+        default: {
+            Matrix matrix;
+            const int values = number(10) ? 12 : 16;    // now and then no affine one
+            for (int i = 0; i < values; i++)
+                matrix.ValPtr()[i] = value();
+            node->AddKey(time, C3DMatrixKey(matrix));
+        }
+        }
+    };
+    const CRef<C3DScene> scene(C3DScene::Create());
+    std::vector<C3DSceneNode*> nodes{scene->GetRoot()};
+    for (int i = 0; i < 400; i++) {
+        nodes.push_back(AddNode(*scene, nodes[nodes.size() - 1 - number(std::min<int>(nodes.size(), 5))], L"n", OBJECT_GROUP));
+        for (int keys = number(2) ? 1 : number(6); keys > 0; keys--)
+            addKey(nodes.back());
+    }
+    addKey(scene->GetRoot());
+    for (const int time : {-5, 0, 7, 10, 25, 90}) {
+        CNodeWalkTM walk(time, true), without(time, false);
+        std::vector<C3DSceneNode*> order = nodes;    // in the order of the tree, then mixed
+        for (int pass = 0; pass < 2; pass++, std::shuffle(order.begin(), order.end(), random)) {
+            for (const C3DSceneNode* node : order) {
+                Matrix got, up = SlowLocal(*node, time), down, downWithout;
+                node->GetObjectLocalTM(time, got);
+                ASSERT_EQ(BitsOf(got), BitsOf(up));
+
+                std::vector<const C3DSceneNode*> parents;
+                for (const C3DSceneNode* parent = node->GetParent(); parent; parent = parent->GetParent()) {
+                    up = SlowProduct(SlowLocal(*parent, time), up);
+                    parents.insert(parents.begin(), parent);
+                }
+                for (const C3DSceneNode* parent : parents) {
+                    down = SlowProduct(down, SlowLocal(*parent, time));
+                    if (parent->GetParent())
+                        downWithout = SlowProduct(downWithout, SlowLocal(*parent, time));
+                }
+                for (Matrix* matrix : {&down, &downWithout})
+                    *matrix = SlowProduct(*matrix, SlowLocal(*node, time));
+                if (node->GetParent())
+                    for (Matrix* matrix : {&up, &down, &downWithout})
+                        SlowPivot(*node, time, *matrix);
+                node->GetNodeTM(time, got, true);
+                ASSERT_EQ(BitsOf(got), BitsOf(up));
+                walk.Get(node, got);
+                ASSERT_EQ(BitsOf(got), BitsOf(down));
+                without.Get(node, got);
+                ASSERT_EQ(BitsOf(got), BitsOf(downWithout));
+            }
         }
     }
 }
