@@ -13,6 +13,7 @@
 #include "ExitCode.h"
 #include "Formats.h"
 #include "Info.h"
+#include "Process.h"
 
 namespace {
 
@@ -51,6 +52,7 @@ int main(int argc, char** argv)
     info->add_option("FILE", files, "Files to read")->required();
     info->add_flag("--json", json, "Print JSON: an object a file, an array for several files");
     info->add_flag("--tree", tree, "Show all nodes with their kinds, counts and matrices");
+    const ProcessVerb process(app);
     CLI::App* formats = app.add_subcommand("formats", "Lists what can be read and written, and by whom");
     formats->add_flag("--json", json, "Print JSON");
 
@@ -67,5 +69,7 @@ int main(int argc, char** argv)
     console.SetQuiet(quiet);
 
     const Library library;
+    if (process.IsAsked())
+        return process.Run(console);
     return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);
 }

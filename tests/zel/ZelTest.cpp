@@ -62,6 +62,11 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
         {"info", 2, 1},
         {"info --no-such-option x", 2, 1},
         {"no-such-verb", 2, 1},
+        {"process --stats --weld=x " + MODEL, 2, 1},
+        {"process --stats --clean=1 " + MODEL, 2, 1},
+        {"process --stats --slice " + MODEL, 2, 1},
+        {"process --stats -q --triangulate " + MODEL, 0, 0},
+        {"process --stats --clean " + missing, 3, 1},
         {"info " + missing, 3, 1},
         {"info -q " + broken, 3, 1},
         {"info '" + folder.Name("two\nlines.obj") + "'", 3, 1},
@@ -127,6 +132,42 @@ TEST_F(Zel, TellsWhichTexturesAreFound)
         EXPECT_EQ(map["type"], "diffuse");
         EXPECT_EQ(map["found"].is_null(), map["material"] == "blue") << map;
     }
+}
+
+TEST_F(Zel, ProcessesInTheOrderGiven)
+{
+    // What must hold whatever is done: the area; and the sum of the parts.
+    const auto run = [&](const std::string& steps) {
+        return nlohmann::json::parse(Call("process --stats --json -q " + steps + " " + MODEL).out);
+    };
+    const auto before = run("")["before"];
+    EXPECT_EQ(before["faces"], 265);
+    EXPECT_EQ(before["objects"], 6);
+    const struct {
+        const char* steps;
+        int objects, faces;    // afterwards; -1 is not looked at
+    } rows[] = {
+        {"--triangulate", 6, 1116 - 2 * 265},           {"--quadrangulate", 6, -1},
+        {"--weld --clean --unify-normals", 6, -1},      {"--triangulate --merge-coplanar=0.1", 6, -1},
+        {"--global-coordinates --concatenate", 1, 759}, {"--concatenate --explode --concatenate", 1, 759},
+        {"--concatenate-by-materials", 4, 759},         {"--concatenate --slice=100 --concatenate", 1, 759},
+        {"--flip-normals --flip-normals", 6, 265},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.steps);
+        const auto result = run(row.steps);
+        EXPECT_NEAR(result["after"]["area"].get<double>(), before["area"].get<double>(), 1e-4 * before["area"].get<double>());
+        if (row.objects >= 0) {
+            EXPECT_EQ(result["after"]["objects"], row.objects);
+        }
+        if (row.faces >= 0) {
+            EXPECT_EQ(result["after"]["faces"], row.faces);
+        }
+    }
+    const auto twice = run("--subdivide=1 --triangulate --subdivide=1");
+    EXPECT_EQ(twice["steps"].size(), 3u);
+    EXPECT_EQ(twice["steps"][2]["operation"], "subdivide");
+    EXPECT_GT(twice["after"]["faces"], 265 * 16);
 }
 
 TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)

@@ -1,0 +1,201 @@
+#include "SceneSteps.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+constexpr unsigned int ALL_CHANNELS = 0xFFFF;
+constexpr double RADIANS = 3.14159265358979323846 / 180;
+
+double Number(const std::string& text) { return text == "true" ? 0 : std::strtod(text.c_str(), nullptr); }
+unsigned int Count(const std::string& text) { return static_cast<unsigned int>(std::strtoul(text.c_str(), nullptr, 10)); }
+
+// Every geometric object once, however many nodes show it; whether any changed.
+template <class CHANGE> bool ForObjects(C3DScene& scene, CHANGE change)
+{
+    bool changed = false;
+    CHashTable<unsigned int> seen;
+    C3DNodePos pos = scene.GetFirstNode(OBJECT_GEOMETRIC);
+    C3DGeomObject* object;
+    while (scene.GetNextNode(object, pos))
+        if (object && seen.Insert(object->GetObjectID()))
+            changed |= change(*object);
+    return changed;
+}
+
+std::vector<C3DSceneNode*> ListNodes(C3DScene& scene)
+{
+    std::vector<C3DSceneNode*> nodes;
+    C3DNodePos pos = scene.GetFirstNode(OBJECT_GEOMETRIC);
+    while (C3DSceneNode* node = scene.GetNextNode(pos))
+        nodes.push_back(node);
+    return nodes;
+}
+
+bool Clean(C3DScene& scene, const std::string&)
+{
+    const auto count = [&] { return scene.GetPointNbr() + scene.GetFaceNbr(); };
+    const int before = count();
+    scene.Clean();
+    return count() != before;
+}
+
+bool Weld(C3DScene& scene, const std::string& tolerance)
+{
+    return ForObjects(scene, [&](C3DGeomObject& object) { return object.Weld3DPoints(Number(tolerance), true, ALL_CHANNELS, 0); });
+}
+
+bool Triangulate(C3DScene& scene, const std::string&)
+{
+    return ForObjects(scene, [](C3DGeomObject& object) { return object.Triangulate(ALL_CHANNELS, {}, true); });
+}
+
+bool Quadrangulate(C3DScene& scene, const std::string&)
+{
+    return ForObjects(scene, [](C3DGeomObject& object) { return object.Quadrangulate(ALL_CHANNELS); });
+}
+
+bool MergeCoplanar(C3DScene& scene, const std::string& angle)
+{
+    return ForObjects(scene, [&](C3DGeomObject& object) { return object.MergeCoplanarFaces(Number(angle) * RADIANS, ALL_CHANNELS); });
+}
+
+bool UnifyNormals(C3DScene& scene, const std::string&)
+{
+    return ForObjects(scene, [](C3DGeomObject& object) { return object.UnifyNormals(); });
+}
+
+bool FlipNormals(C3DScene& scene, const std::string&)
+{
+    return ForObjects(scene, [](C3DGeomObject& object) { return object.FlipNormals(); });
+}
+
+using PartsOfObjects = CHashMap<unsigned int, std::vector<C3DGeomObject*>>;
+
+// The parts of the node's object, made at the first node that shows it. A later node shares them.
+std::vector<C3DGeomObject*> PartsFor(C3DSceneNode& node, PartsOfObjects& made)
+{
+    if (const auto* known = made.Find(node.GetObjectID())) {
+        for (C3DGeomObject* part : *known)
+            node.GetScene()->CreateObjectInstance(part);
+        return *known;
+    }
+    CXArray<C3DGeomObject*, C3DGeomObject*> parts;
+    node.GetGeomObject()->ExplodeIntoIsolatedParts(parts);
+    std::vector<C3DGeomObject*> list(parts.begin(), parts.end());
+    made.SetAt(node.GetObjectID(), list);
+    return list;
+}
+
+// Each part becomes a node beside the one that it comes from, with its transform.
+bool Explode(C3DScene& scene, const std::string&)
+{
+    scene.MakeGroupForChilds(nullptr);
+    PartsOfObjects made;
+    bool changed = false;
+    for (C3DSceneNode* node : ListNodes(scene)) {
+        const std::vector<C3DGeomObject*> parts = PartsFor(*node, made);
+        for (std::size_t i = 0; i < parts.size(); i++) {
+            C3DSceneNode* child = C3DSceneNode::Create();
+            child->Inherit(node, 0);
+            CXTString<wchar_t> name;
+            name.FormatString(L"%ls-%zu", node->GetName().c_str(), i);
+            child->SetName(name);
+            child->SetObject(parts[i], true);
+            scene.AddNode(node->GetParent(), child);
+        }
+        if (!parts.empty())
+            scene.RemoveNode(node, true);
+        changed |= !parts.empty();
+    }
+    return changed;
+}
+
+bool Concatenate(C3DScene& scene, const std::string&)
+{
+    return scene.Concatenate(nullptr, scene.GetFilename().GetTitle(), nullptr, true, nullptr, false) != nullptr;
+}
+
+bool ConcatenateByMaterials(C3DScene& scene, const std::string&) { return scene.ConcatenateByMaterials(nullptr, true, nullptr) > 0; }
+
+bool Slice(C3DScene& scene, const std::string& most)
+{
+    CCustomData parameters;
+    parameters.SetUnsigned(FourCC("MODE"), 0);
+    parameters.SetUnsigned(FourCC("VERT"), Count(most));
+    return SliceScene(parameters, &scene);
+}
+
+/// Makes patches out of polygon objects.
+class PatchCreator : public C3DObjectCreator {
+public:
+    C3DBaseObject* ConvertToType(const C3DSceneNode*, const C3DBaseObject* object) override
+    {
+        const C3DGeomObject* mesh = *object;
+        if (!mesh || object->GetKindOf() != OBJECT_POLYGONAL)
+            return const_cast<C3DBaseObject*>(object);
+        C3DBaseObject* patch = C3DBaseObject::Create(OBJECT_PATCH);
+        return mesh->InternalCopy(patch, 0, this) ? patch : nullptr;
+    }
+};
+
+/// Makes polygon objects of what patches show.
+class SurfaceCreator : public C3DObjectCreator {
+public:
+    C3DBaseObject* ConvertToType(const C3DSceneNode*, const C3DBaseObject* object) override
+    {
+        auto* shown = const_cast<C3DBaseObject*>(object);
+        return object->GetKindOf() == OBJECT_PATCH ? shown->GetFinalObject(true) : shown;
+    }
+};
+
+bool Subdivide(C3DScene& scene, const std::string& level)
+{
+    PatchCreator toPatches;
+    SurfaceCreator toSurfaces;
+    scene.ConvertToType(nullptr, &toPatches);
+    scene.SetPatchLevel(Count(level));
+    return scene.ConvertToType(nullptr, &toSurfaces) > 0;
+}
+
+bool GlobalCoordinates(C3DScene& scene, const std::string&)
+{
+    scene.ConvertToGlobalCoordinates(nullptr);
+    return true;
+}
+
+constexpr SceneStep STEPS[] = {
+    {"clean", SceneStep::NONE, false, "Remove degenerate faces and points that no face uses", Clean},
+    {"weld", SceneStep::LENGTH, false, "Join points that are about that far apart; without a value a thousandth of the smallest extent", Weld},
+    {"triangulate", SceneStep::NONE, false, "Split all faces into triangles", Triangulate},
+    {"quadrangulate", SceneStep::NONE, false, "Split faces of more than four corners into triangles", Quadrangulate},
+    {"merge-coplanar", SceneStep::ANGLE, false, "Make one polygon of flat regions; the angle in degrees that counts as flat", MergeCoplanar},
+    {"unify-normals", SceneStep::NONE, false, "Turn faces the same way round, and outward", UnifyNormals},
+    {"flip-normals", SceneStep::NONE, false, "Turn all faces round", FlipNormals},
+    {"explode", SceneStep::NONE, false, "Make an object of each connected part", Explode},
+    {"concatenate", SceneStep::NONE, false, "Join all objects into one", Concatenate},
+    {"concatenate-by-materials", SceneStep::NONE, false, "Make one object for each material", ConcatenateByMaterials},
+    {"slice", SceneStep::COUNT, true, "Cut objects of more points than that into parts", Slice},
+    {"subdivide", SceneStep::COUNT, true, "Subdivide by Loop and Catmull-Clark that often, at most 8 times", Subdivide},
+    {"global-coordinates", SceneStep::NONE, false, "Bake the transforms of the nodes into the points", GlobalCoordinates},
+};
+
+}
+
+std::span<const SceneStep> GetSceneSteps() { return STEPS; }
+
+std::string CheckStepValue(const SceneStep& step, const std::string& text)
+{
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    const bool number = !text.empty() && *end == 0 && std::isfinite(value) && value >= 0;
+    switch (step.value) {
+    case SceneStep::NONE: return std::string("--") + step.name + " takes no value";
+    case SceneStep::LENGTH: return number ? "" : "not a length: " + text;
+    case SceneStep::ANGLE: return number && value <= 180 ? "" : "not an angle: " + text;
+    case SceneStep::COUNT: return number && value <= 0xFFFFFFFE && value == std::floor(value) ? "" : "not a count: " + text;
+    }
+    return {};
+}
