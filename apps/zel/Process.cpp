@@ -109,8 +109,7 @@ ExitCode ProcessVerb::Run(const Console& console) const
         return EXIT_DONE;
     const MeshStatistics after(*file->scene);
     if (m_json) {
-        const Json document = {
-            {"schema", 1}, {"file", m_file}, {"steps", timings}, {"before", ToJson(*before)}, {"after", ToJson(after)}};
+        const Json document = {{"schema", 1}, {"file", m_file}, {"steps", timings}, {"before", ToJson(*before)}, {"after", ToJson(after)}};
         std::printf("%s\n", document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
     } else {
         std::printf("%s\n", console.Heading(m_file).c_str());

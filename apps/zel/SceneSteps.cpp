@@ -168,10 +168,12 @@ bool GlobalCoordinates(C3DScene& scene, const std::string&)
 
 constexpr SceneStep STEPS[] = {
     {"clean", SceneStep::NONE, false, "Remove degenerate faces and points that no face uses", Clean},
-    {"weld", SceneStep::LENGTH, false, "Join points that are about that far apart; without a value a thousandth of the smallest extent", Weld},
+    {"weld", SceneStep::LENGTH, false, "Join points that are about that far apart; without a value a thousandth of the smallest extent",
+     Weld},
     {"triangulate", SceneStep::NONE, false, "Split all faces into triangles", Triangulate},
     {"quadrangulate", SceneStep::NONE, false, "Split faces of more than four corners into triangles", Quadrangulate},
-    {"merge-coplanar", SceneStep::ANGLE, false, "Make one polygon of flat regions; the angle in degrees that counts as flat", MergeCoplanar},
+    {"merge-coplanar", SceneStep::ANGLE, false, "Make one polygon of flat regions; the angle in degrees that counts as flat",
+     MergeCoplanar},
     {"unify-normals", SceneStep::NONE, false, "Turn faces the same way round, and outward", UnifyNormals},
     {"flip-normals", SceneStep::NONE, false, "Turn all faces round", FlipNormals},
     {"explode", SceneStep::NONE, false, "Make an object of each connected part", Explode},
