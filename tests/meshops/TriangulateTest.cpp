@@ -341,13 +341,14 @@ TEST(Triangulate, ChannelsAndSideDataFollow)
     uvw->GetFaceList()->SetFaceFlag(1, FACE_EMPTY, true);
     uvw->GetPointList()->SetSize(50);
     CPointList* const values = uvw->GetPointList();
+    const unsigned int id = uvw->GetChannelID();
     const auto cornersBefore = AllCorners(faces);
 
     ASSERT_TRUE(object->Triangulate(CHANNEL_ALL, ALL_FACES, true));
     C3DFaceList& split = *object->GetFaceList();
     CheckConsistent(split, 6);
     ASSERT_EQ(split.GetSize(), 3 + 2 + 1 + 2 + 2);
-    auto* followed = static_cast<CUVWChannel*>(object->GetChannelByID(uvw->GetChannelID(), CHANNEL_UVW));
+    auto* followed = static_cast<CUVWChannel*>(object->GetChannelByID(id, CHANNEL_UVW));
     ASSERT_TRUE(followed);
     EXPECT_EQ(followed->GetPointList(), values);
     CheckConsistent(*followed->GetFaceList(), 50);
