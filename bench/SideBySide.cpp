@@ -183,6 +183,110 @@ void Clean(const std::string& op, const std::string& input)
         });
 }
 
+// --- Mesh operations ---------------------------------------------------------------------------------------------------------
+
+using Parts = CXArray<C3DGeomObject*, C3DGeomObject*>;
+
+// An object of the class given, with texture coordinates for each corner where the mesh has them.
+template <class OBJECT> Owned<OBJECT> ObjectOf(const RawMesh& raw)
+{
+    Mesh mesh;
+    mesh.Fill(raw);
+    Owned<OBJECT> object(new OBJECT(mesh.points.release(), mesh.faces.release(), nullptr));
+    if (!raw.uv.empty()) {
+        auto* channel = new CUVWChannel;
+        int next = 0;
+        channel->GetFaceList()->AppendCopies(*object->GetFaceList(), nullptr, object->GetFaceNbr(), [&](int) { return next++; });
+        channel->GetPointList()->SetSize(next, false, 0);
+        for (int i = 0; i < next; i++) {
+            CUVWPoint& point = *(*channel->GetUVWPointList())[i];
+            point.u = raw.uv[2 * static_cast<std::size_t>(i)], point.v = raw.uv[2 * static_cast<std::size_t>(i) + 1];
+        }
+        object->AddChannel(channel);
+    }
+    return object;
+}
+
+Result Counts(const C3DGeomObject& object)
+{
+    return {static_cast<std::size_t>(object.GetFaceNbr()), static_cast<std::size_t>(object.GetPointNbr())};
+}
+
+template <class WORK> void MeasureOnObject(const std::string& op, const std::string& input, WORK work)
+{
+    const RawMesh raw = loadRaw(input);
+    bench::measure(
+        op, NAME, stem(input), raw.faces(), raw.points(), [&] { return ObjectOf<C3DObject>(raw); },
+        [&](Owned<C3DObject>& object) { Expect(work(*object), "the operation does something"); },
+        [](Owned<C3DObject>& object) { return Counts(*object); });
+}
+
+void Weld(const std::string& op, const std::string& input)
+{
+    MeasureOnObject(op, input, [](C3DObject& object) { return object.Weld3DPoints(1e-5, true, CHANNEL_ALL, 0); });
+}
+
+void Triangulate(const std::string& op, const std::string& input)
+{
+    MeasureOnObject(op, input, [](C3DObject& object) { return object.Triangulate(CHANNEL_ALL, {}, true); });
+}
+
+void MergeCoplanar(const std::string& op, const std::string& input)
+{
+    MeasureOnObject(op, input, [](C3DObject& object) { return object.MergeCoplanarFaces(0.0017453, CHANNEL_ALL); });
+}
+
+void Orient(const std::string& op, const std::string& input)
+{
+    MeasureOnObject(op, input, [](C3DObject& object) { return object.UnifyNormals(); });
+}
+
+// Each part as an object of its own.
+void Components(const std::string& op, const std::string& input)
+{
+    const RawMesh raw = loadRaw(input);
+    std::size_t count = 0;
+    bench::measure(
+        op, NAME, stem(input), raw.faces(), raw.points(), [&] { return ObjectOf<C3DObject>(raw); },
+        [&](Owned<C3DObject>& object) {
+            Parts parts;
+            count = static_cast<std::size_t>(object->ExplodeIntoIsolatedParts(parts));
+            for (C3DGeomObject* part : parts)
+                DeleteMe(part);
+        },
+        [&](Owned<C3DObject>&) {
+            return Result{count, 0};
+        });
+}
+
+void Concatenate(const std::string& op, const std::string& input)
+{
+    constexpr int COUNT = 1000;
+    const RawMesh raw = loadRaw(input);
+    std::vector<Owned<C3DObject>> owners;
+    Parts parts;
+    for (int i = 0; i < COUNT; i++) {
+        owners.push_back(ObjectOf<C3DObject>(raw));
+        parts.Add(owners.back().get());
+    }
+    bench::measure(
+        op, NAME, stem(input) + "x1000", raw.faces() * COUNT, raw.points() * COUNT, [] { return ObjectOf<C3DObject>(RawMesh()); },
+        [&](Owned<C3DObject>& all) { Expect(all->Concatenate(nullptr, parts, nullptr), "the parts are joined"); },
+        [](Owned<C3DObject>& all) { return Counts(*all); });
+}
+
+// BENCH_LEVEL levels.
+void Subdivide(const std::string& op, const std::string& input)
+{
+    const RawMesh raw = loadRaw(input);
+    const char* text = std::getenv("BENCH_LEVEL");
+    const int level = text ? std::atoi(text) : 3;
+    bench::measure(
+        op, NAME, stem(input) + "@" + std::to_string(level), raw.faces(), raw.points(), [&] { return ObjectOf<C3DPatch>(raw); },
+        [&](Owned<C3DPatch>& patch) { patch->SetLevel(level); },
+        [](Owned<C3DPatch>& patch) { return Counts(static_cast<const C3DObject&>(*patch->GetFinalObject(false))); });
+}
+
 // --- Scenes ------------------------------------------------------------------------------------------------------------------
 
 // Groups with a matrix key each, eight children a node.
@@ -245,6 +349,14 @@ int main(int argc, char** argv)
                                    {"bounding_box", BoundingBox},
                                    {"transform", Transform},
                                    {"clean", Clean},
+                                   {"weld", Weld},
+                                   {"triangulate", Triangulate},
+                                   {"coplanar", MergeCoplanar},
+                                   {"orient", Orient},
+                                   {"components", Components},
+                                   {"concat", Concatenate},
+                                   {"subdiv_loop", Subdivide},
+                                   {"subdiv_catmark", Subdivide},
                                    {"scene", WalkScene}});
     FreeIOPlugins(FILE_FAMILY_3D);
     return result;
