@@ -129,10 +129,13 @@
 #include "scene/UpAxis.h"
 #include "scene/UpdateFlags.h"
 
+#include "meshops/GroupMap.h"
 #include "meshops/IntCoordMap.h"
 #include "meshops/IsolateFaceTagger.h"
+#include "meshops/MapChannelID.h"
 #include "meshops/Slice.h"
 #include "meshops/SymetryMap.h"
+#include "meshops/UVGeneration.h"
 #include "meshops/UnifyTagger.h"
 
 #include "io/3DDlgFormatSelection.h"

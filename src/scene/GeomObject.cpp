@@ -73,16 +73,12 @@ bool C3DGeomObject::Update(C3DScene* scene, unsigned int flags)
     C3DBaseObject::Update(scene, flags);
     bool generated = false;
     if (former & OBJECT_UPDATE_UVW) {
-        generated = GenerateMissingUVW(scene);
+        generated = GenerateUVW(scene);
         SetUpdateFlags(OBJECT_UPDATE_UVW, false);
     }
     SetUpdateFlags(former & OBJECT_UPDATE_BOXES, true);
     return generated;
 }
-
-/// Texture coordinates for materials whose maps ask for a projection. There are no projections yet, so there is nothing to
-/// generate: the object is up to date as it stands.
-bool C3DGeomObject::GenerateMissingUVW(C3DScene*) { return false; }
 
 // Copies
 

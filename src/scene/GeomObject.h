@@ -235,7 +235,6 @@ private:
     void CopyGeometry(C3DGeomObject& target, C3DObjectCreator& creator) const;
     bool MeasurePoints(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted, C4x4TMatrix<float>* matrix);
     bool MeasureFaces(C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int filter, bool wanted, C4x4TMatrix<float>* matrix);
-    bool GenerateMissingUVW(C3DScene* scene);
 
     bool m_hasFaceBox = false;
     Box m_pointBox;
