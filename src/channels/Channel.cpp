@@ -178,6 +178,8 @@ void CChannel::Load(CXArchive& ar)
     m_graph.reset();
     LoadFaces(ar);
     LoadPoints(ar);
+    if (m_faceList && !m_faceList->AreIndexesBelow(m_pointList ? m_pointList->GetSize() : 0, true))
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE, L"corner of a channel");
     m_customData.Serialize(ar);
 
     m_flags = flags;

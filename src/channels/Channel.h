@@ -71,8 +71,8 @@ public:
     /// The next id of the process, from 10000 on; never NO_CHANNEL_ID. When the last channel dies the count starts anew.
     static unsigned int CreateID();
 
-    /// Type, flags, id, lists (each behind a presence word), custom data. Loading checks the kind of the channel and of its
-    /// points; corner indices are not looked at. A channel with CHANNEL_DERIVED comes out stale, and the id counter moves
+    /// Type, flags, id, lists (each behind a presence word), custom data. Loading checks the kind of the channel, of its
+    /// points and that its corners lie inside them. A channel with CHANNEL_DERIVED comes out stale, and the id counter moves
     /// past the id.
     void Serialize(CXArchive& ar) override;
     /// Exchanges and mirrors axes by a code of GetXYZSwap. True when the data changed.

@@ -10,6 +10,8 @@ namespace {
 
 constexpr unsigned int NO_ID = 0xFFFFFFFF;
 constexpr unsigned int STORED_FLAGS = 0xFF;
+constexpr unsigned int MOST_LOADED_CHUNKS = 4096;    // they are found one by one
+constexpr int MOST_LOADED_GROWTH = 1 << 20;          // elements: what a stream says costs no more than some megabytes
 
 }
 
@@ -294,9 +296,9 @@ void CDataChunk::Load(CXArchive& ar)
     unsigned int count, size, grow;
     ar >> count >> size >> grow;
     ar.CheckCount(count, 3 * sizeof(unsigned int));
-    if (size > 0x7FFFFFFF)
+    if (size > 0x7FFFFFFF || count > MOST_LOADED_CHUNKS)
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT);
-    m_grow = static_cast<int>(grow);
+    m_grow = std::clamp(static_cast<int>(grow), -1, MOST_LOADED_GROWTH);
     CHashTable<unsigned int> ids;
     for (unsigned int i = 0; i < count; i++) {
         unsigned int id, flags, hasClass;

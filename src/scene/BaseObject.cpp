@@ -34,8 +34,11 @@ void C3DBaseObject::Serialize(CXArchive& ar)
     Move(ar, m_flags);
     Move(ar, m_objectID);
     m_customData.Serialize(ar);
-    if (ar.IsLoading())
+    if (ar.IsLoading()) {
+        if (m_objectID == 0xFFFFFFFF)
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         AdvanceSceneID(ID_OBJECT, m_objectID);
+    }
 }
 
 void C3DBaseObject::DeleteFromNode()

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "channels/DependentChannels.h"
 #include "geometry/3DPointList.h"
 #include "scene/GeomObject.h"
@@ -22,22 +24,35 @@ template <class LIST> static void MoveList(CXArchive& ar, LIST*& list)
     list->Serialize(ar);
 }
 
+// Nothing after the reading looks at a corner before it is used: broken ones end here. A channel may stop short of the geometry's
+// faces, as it does between AddChannel and its filling.
+static bool FitTogether(const C3DGeomObject& object)
+{
+    const C3DFaceList* const faces = object.GetFaceList();
+    if (faces && !faces->AreIndexesBelow(object.GetPointNbr(), true))
+        return false;
+    const CDependentChannels& channels = *object.GetChannels();
+    for (int i = 0; i < channels.GetSize(); i++) {
+        const CFaceList* const corners = channels[i]->GetFaceList();
+        if (corners && corners->GetSize() > object.GetFaceNbr())
+            return false;
+    }
+    return true;
+}
+
 void C3DGeomObject::Serialize(CXArchive& ar)
 {
     C3DBaseObject::Serialize(ar);
     if (ar.IsLoading()) {
-        DeleteMe(m_faces);
-        m_faces = nullptr;
-        DeleteMe(m_points);
-        m_points = nullptr;
-        m_channels->RemoveAll();
+        DeleteMe(std::exchange(m_faces, nullptr));
+        DeleteMe(std::exchange(m_points, nullptr));
+        DeleteMe(std::exchange(m_channels, CDependentChannels::Create()));
     }
     MoveList(ar, m_faces);
     MoveList(ar, m_points);
-    // Nothing after this looks at a corner before it is used: broken ones end here.
-    if (ar.IsLoading() && m_faces && !m_faces->AreIndexesBelow(GetPointNbr(), true))
-        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     m_channels->Serialize(ar);
+    if (ar.IsLoading() && !FitTogether(*this))
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     Move(ar, m_smoothAngle);
     Move(ar, m_faceMode);
     Move(ar, m_smoothMode);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 
 #include "tools/Archive.h"
 
@@ -85,6 +86,7 @@ void C3DKeyframable::Serialize(CXArchive& ar)
     }
 
     ar.CheckCount(count, sizeof(int) + 2 * sizeof(std::uint64_t) + sizeof(unsigned int));
+    std::set<std::uint64_t> classesAtTime;
     for (unsigned int i = 0; i < count; i++) {
         int time;
         std::uint64_t classId;
@@ -92,8 +94,16 @@ void C3DKeyframable::Serialize(CXArchive& ar)
         std::unique_ptr<C3DKeyframe> key(C3DKeyframe::CreateKey(classId, 0));
         if (!key)
             XThrowArchive(CXArchiveException::ARCHIVE_UNKNOWN_TYPE);
+        // In the order of a list, so that each key goes behind the others.
+        const int last = m_keys.GetSize() - 1;
+        if (last >= 0 && time < m_keys[last].time)
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+        if (last >= 0 && time > m_keys[last].time)
+            classesAtTime.clear();
+        if (!classesAtTime.insert(classId).second)
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         key->Serialize(ar);
-        AddKey(time, key.release());
+        m_keys.InsertAt(m_keys.GetSize(), {time, KeyTag(classId), key.release()});
     }
 }
 

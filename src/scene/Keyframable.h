@@ -77,7 +77,7 @@ public:
     CTimeRange GetTimeRange(std::uint64_t classId) override;
     const C3DKeyframe* GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const override;
     /// Number of keys, then time, class id and contents of each. Loading replaces all keys; a type id that is not known
-    /// throws ARCHIVE_UNKNOWN_TYPE.
+    /// throws ARCHIVE_UNKNOWN_TYPE, keys out of order ARCHIVE_BAD_VALUE.
     virtual void Serialize(CXArchive& ar);
 
     /// Takes ownership of the key and puts it in its place, where it replaces a key of the same time and class id.

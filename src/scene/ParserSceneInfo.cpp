@@ -12,8 +12,7 @@ CParserSceneInfo::~CParserSceneInfo() = default;
 
 void CParserSceneInfo::Serialize(CXArchive& ar)
 {
-    // A handle means nothing to another process: only its low half is written, and nobody reads it.
-    auto handle = static_cast<std::int64_t>(static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(m_data)));
+    std::int64_t handle = 0;    // the place of a handle, which means nothing to another process
     Move(ar, handle);
     Move(ar, m_size);
     Move(ar, m_owner);

@@ -15,7 +15,7 @@ public:
     CParserSceneInfo(const CParserSceneInfo&) = delete;
     CParserSceneInfo& operator=(const CParserSceneInfo&) = delete;
 
-    /// Data (low 32 bits; read and dropped), size, owner flag.
+    /// A word that was the data once (0; read and dropped), size, owner flag.
     void Serialize(CXArchive& ar);
 
     void* GetData() const { return m_data; }

@@ -18,6 +18,8 @@ static C3DBaseObject* LoadObject(CXArchive& ar)
     if (!object)
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_CLASS);
     try {
+        if (!object->GetKindOf())    // a base class, which no node holds
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_CLASS);
         object->Serialize(ar);
     } catch (...) {
         DeleteMe(object);

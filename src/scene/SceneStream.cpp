@@ -55,6 +55,8 @@ void C3DScene::Serialize(CXArchive& ar)
     CSceneStreamContext context(this);
     const CContextScope scope(ar, context);
     if (ar.IsStoring()) {
+        if (!GetRoot())
+            return;
         bool first = true;
         for (C3DNodePos pos = GetFirstNode(OBJECT_ANY); pos; first = false)
             GetNextNode(pos)->PreSerialize(ar, first);
@@ -65,13 +67,12 @@ void C3DScene::Serialize(CXArchive& ar)
     if (version != VERSION)
         return;
     Move(ar, hasInfo);
-    if (hasInfo) {
-        if (ar.IsLoading()) {
-            ReleaseParserInfo();
-            m_parserInfo = new CParserSceneInfo(nullptr, 0, false);
-        }
-        m_parserInfo->Serialize(ar);
+    if (ar.IsLoading()) {
+        ReleaseParserInfo();
+        m_parserInfo = hasInfo ? new CParserSceneInfo(nullptr, 0, false) : nullptr;
     }
+    if (m_parserInfo)
+        m_parserInfo->Serialize(ar);
     m_customData.Serialize(ar);
     m_materials.Serialize(ar);
     CTree::Serialize(ar);

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr std::uint64_t LENGTH_UNKNOWN = ~std::uint64_t{0};
 constexpr std::uint32_t COUNT_IS_LONG = 0xFFFFFFFF;    // a 64-bit count follows
 constexpr std::uint32_t NO_CLASS = 0;                  // class n of the stream is told as n + 1
 constexpr std::size_t MOST_CLASS_NAME = 255;
@@ -20,7 +19,7 @@ CXArchive::CXArchive(IoFile* file, Mode mode, unsigned int bufferSize) : m_file(
 {
     if (IsLoading() && file) {
         const std::uint64_t length = file->GetLength(), position = file->GetPosition();
-        m_left = length == LENGTH_UNKNOWN ? length : length - std::min(position, length);
+        m_left = length == IoFile::LENGTH_UNKNOWN ? length : length - std::min(position, length);
     }
 }
 
@@ -99,12 +98,12 @@ void CXArchive::Read(void* bytes, std::size_t size)
 std::size_t CXArchive::ReadFile(void* bytes, std::size_t size)
 {
     const std::size_t got = m_file ? m_file->ReadBytes(bytes, size) : 0;
-    if (m_left != LENGTH_UNKNOWN)
+    if (m_left != IoFile::LENGTH_UNKNOWN)
         m_left = got < size ? 0 : m_left - std::min<std::uint64_t>(got, m_left);
     return got;
 }
 
-std::uint64_t CXArchive::GetRemaining() const { return m_left == LENGTH_UNKNOWN ? m_left : m_left + (m_filled - m_position); }
+std::uint64_t CXArchive::GetRemaining() const { return m_left == IoFile::LENGTH_UNKNOWN ? m_left : m_left + (m_filled - m_position); }
 
 void CXArchive::CheckCount(std::uint64_t count, std::size_t size) const
 {

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr std::uint64_t LENGTH_UNKNOWN = ~std::uint64_t{0};
 constexpr std::size_t MOST_AT_ONCE = std::size_t{1} << 30;    // the system moves less than 2 GiB a call
 constexpr int MOST_LINKS = 40;
 

@@ -13,6 +13,8 @@
 /// old one. A write-protected file is refused.
 class ZEL_API IoFile {
 public:
+    static constexpr std::uint64_t LENGTH_UNKNOWN = ~std::uint64_t{0};
+
     /// `silent`: no message on failure. `options` are kept and not looked at.
     explicit IoFile(bool silent = true, unsigned int options = 0);
     virtual ~IoFile();    // an open write is dropped
@@ -30,7 +32,7 @@ public:
     virtual bool WriteBytes(const void* bytes, std::size_t size);
     virtual std::uint64_t GetPosition() const;
     virtual bool SetPosition(std::uint64_t position);
-    /// Size of the file; ~0 when it cannot be told (a pipe).
+    /// Size of the file; LENGTH_UNKNOWN when it cannot be told (a pipe).
     virtual std::uint64_t GetLength() const;
 
     bool IsSilent() const { return m_silent; }
