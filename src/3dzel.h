@@ -141,4 +141,5 @@
 #include "io/3DDlgFormatSelection.h"
 #include "io/3DIo.h"
 #include "io/3DParser.h"
+#include "io/NativeFile.h"
 #include "io/SceneOptions.h"

@@ -16,6 +16,12 @@ struct FormatRow {
     std::vector<std::string> handlers;
 };
 
+/// Whether the library handles the class itself.
+bool IsBuiltIn(const CFileExt& format)
+{
+    return C3DIo(format.fileClass, FILEIO_READ | FILEIO_NO_FILE | FILEIO_SILENT, nullptr).InitParser() != nullptr;
+}
+
 std::vector<FormatRow> ListFormats()
 {
     std::vector<FormatRow> rows;
@@ -25,6 +31,8 @@ std::vector<FormatRow> ListFormats()
         for (const CIoPluginInfo& plugin : plugins)
             if (std::ranges::any_of(plugin.formats, [&](const CFileExt& own) { return own.fileClass == format.fileClass; }))
                 row.handlers.push_back(WideToUtf8(plugin.name));
+        if (row.handlers.empty() && IsBuiltIn(format))
+            row.handlers.push_back("3dzel");
         if (!row.handlers.empty())
             rows.push_back(std::move(row));
     }

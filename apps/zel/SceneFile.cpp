@@ -29,7 +29,7 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
         if (!file.scene)
             reason = Reason(io, options);
     } catch (const CXException* error) {
-        reason = WideToUtf8(error->GetText());
+        reason = error->GetText().IsEmpty() ? Reason(io, options) : WideToUtf8(error->GetText());
         XDeleteThreadException();
     } catch (const std::bad_alloc&) {
         reason = "not enough memory";

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 
+#include "io/NativeFile.h"
 #include "tools/FileExt.h"
 
 namespace {
+
+template <class PARSER> CFileParser* Create(unsigned int, CFileIo* fileIo) { return new PARSER(fileIo); }
 
 struct BuiltIn {
     unsigned int fileClass;
@@ -14,7 +17,7 @@ struct BuiltIn {
 };
 
 constexpr BuiltIn BUILT_IN[] = {
-    {FourCC("3DIF"), nullptr, L".3dif", L"3D scenes"},
+    {FourCC("3DIF"), &Create<C3DIFIo>, L".3dif", L"3D scenes"},
     {FourCC("3MAX"), nullptr, nullptr, nullptr},
     {FourCC("MAYA"), nullptr, nullptr, nullptr},
 };

@@ -1,0 +1,157 @@
+#include "io/NativeFile.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "scene/3DScene.h"
+#include "tools/Archive.h"
+#include "tools/Exception.h"
+#include "tools/FileIo.h"
+#include "tools/FileNameSpec.h"
+#include "tools/IoFile.h"
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+
+constexpr unsigned int SCENE_FILE = 2;    // what the file is told of its content
+constexpr unsigned int BUFFER = 4096;
+
+struct Header {
+    unsigned char magic[8];
+    unsigned int version;
+    unsigned int lowestReader;
+};
+
+void MoveHeader(CXArchive& ar, Header& header)
+{
+    ar.MoveNumbers(header.magic, std::size(header.magic));
+    Move(ar, header.version);
+    Move(ar, header.lowestReader);
+}
+
+/// False, with a line in the log, when the stream behind the header is not for this reader.
+bool CheckHeader(CXArchive& ar, const Text& name, CIoOptions& options)
+{
+    Header header;
+    if (ar.GetRemaining() >= sizeof header)
+        MoveHeader(ar, header);
+    else
+        header = {};
+    Text reason;
+    if (!std::equal(std::begin(header.magic), std::end(header.magic), C3DIFIo::MAGIC))
+        reason = name + L" is not a native scene file";
+    else if (header.lowestReader > C3DIFIo::VERSION)
+        reason.FormatString(L"%s was written by a newer release: file version %u asks for readers of version %u, this one is %u",
+                            name.Str().c_str(), header.version, header.lowestReader, C3DIFIo::VERSION);
+    if (!reason.IsEmpty())
+        options.AddLogInfo(IoLogInfo::FAILURE, reason);
+    return reason.IsEmpty();
+}
+
+const wchar_t* GetDamageText(int type)
+{
+    switch (type) {
+    case CXArchiveException::ARCHIVE_END_OF_FILE: return L"it ends too early";
+    case CXArchiveException::ARCHIVE_BAD_COUNT: return L"a count in it exceeds its size";
+    case CXArchiveException::ARCHIVE_BAD_CLASS: return L"a class in it is unknown or out of place";
+    case CXArchiveException::ARCHIVE_UNKNOWN_TYPE: return L"a type in it is unknown";
+    default: return L"a value in it cannot be";
+    }
+}
+
+/// All that a file of unknown length, such as a pipe, still gives: counts can then be held against it.
+std::vector<unsigned char> ReadToEnd(IoFile& file)
+{
+    constexpr std::size_t STEP = 1 << 20;
+    std::vector<unsigned char> bytes;
+    for (std::size_t size = 0, got = STEP; got == STEP; size += got) {
+        bytes.resize(size + STEP);
+        got = file.ReadBytes(bytes.data() + size, STEP);
+        bytes.resize(size + got);
+    }
+    return bytes;
+}
+
+/// True when the scene came through whole.
+bool ReadScene(IoFile& file, C3DScene& scene, const Text& name, CSceneImportOptions& options)
+{
+    if (file.GetLength() == IoFile::LENGTH_UNKNOWN) {
+        const std::vector<unsigned char> bytes = ReadToEnd(file);
+        CCustomMemFile memory(bytes.data(), bytes.size());
+        return ReadScene(memory, scene, name, options);
+    }
+    CXArchive ar(&file, CXArchive::LOAD, BUFFER);
+    if (!CheckHeader(ar, name, options))
+        return false;
+    scene.Serialize(ar);
+    ar.Close();
+    return true;
+}
+
+/// The file name of a scene is not stored with it. It comes back unless the scene was saved.
+class CNameOutOfTheWay {
+public:
+    explicit CNameOutOfTheWay(C3DScene& scene) : m_scene(scene), m_name(scene.GetFilename()) { scene.SetFilename(CFileNameSpec()); }
+    ~CNameOutOfTheWay()
+    {
+        if (!m_saved)
+            m_scene.SetFilename(m_name);
+    }
+    CNameOutOfTheWay(const CNameOutOfTheWay&) = delete;
+    CNameOutOfTheWay& operator=(const CNameOutOfTheWay&) = delete;
+    void SetSaved() { m_saved = true; }
+
+private:
+    C3DScene& m_scene;
+    const CFileNameSpec m_name;
+    bool m_saved = false;
+};
+
+}
+
+C3DIFIo::~C3DIFIo() = default;
+
+C3DScene* C3DIFIo::Read(const CXTString<wchar_t>& name, CSceneImportOptions& options)
+{
+    IoFile file(IsSilent(), SCENE_FILE);
+    if (!file.OpenFile(name, 1, nullptr)) {
+        SetIoError(IORESULT_NO_FILE, &options, IoLogInfo::FAILURE);
+        return nullptr;
+    }
+    SetScene(C3DScene::Create());
+    try {
+        if (!ReadScene(file, *GetScene(), name, options)) {
+            DeleteMe(GetScene());
+            SetScene(nullptr);
+        }
+    } catch (const CXArchiveException* damage) {
+        options.AddLogInfo(IoLogInfo::FAILURE, name + L" is damaged: " + GetDamageText(damage->GetType()));
+        throw;
+    }
+    file.CloseFile();
+    return GetScene();
+}
+
+bool C3DIFIo::Save(const CXTString<wchar_t>& name, C3DScene* scene, CSceneExportOptions& options)
+{
+    IoFile file(IsSilent(), SCENE_FILE);
+    if (!file.OpenFile(name, 0, nullptr)) {
+        SetIoError(IORESULT_NO_FILE, &options, IoLogInfo::FAILURE);
+        return false;
+    }
+    CNameOutOfTheWay sceneName(*scene);
+    CXArchive ar(&file, CXArchive::STORE, BUFFER);
+    Header header = {{}, VERSION, LOWEST_READER};
+    std::copy(std::begin(MAGIC), std::end(MAGIC), header.magic);
+    MoveHeader(ar, header);
+    scene->Serialize(ar);
+    ar.Close();
+    if (!file.CloseFile()) {
+        SetIoError(IORESULT_FAILED, &options, IoLogInfo::FAILURE);
+        return false;
+    }
+    sceneName.SetSaved();
+    return true;
+}

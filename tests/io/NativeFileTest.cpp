@@ -1,0 +1,191 @@
+#include "io/NativeFile.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+
+#include "io/3DIo.h"
+#include "scene/3DObject.h"
+#include "support/FullScene.h"
+#include "support/Owned.h"
+#include "support/SceneEqual.h"
+#include "support/TempFolder.h"
+#include "tools/Exception.h"
+
+namespace {
+
+using Text = CXTString<wchar_t>;
+using OwnedScene = Owned<C3DScene>;
+
+class NativeFile : public testing::Test {
+protected:
+    bool Save(C3DScene& scene, const char* name)
+    {
+        C3DIo io(m_folder.Wide(name), FILEIO_SILENT, nullptr);
+        CSceneExportOptions options;
+        const bool saved = io.Save(false, &scene, &options);
+        m_log = WideToUtf8(options.GetLogText(IoLogInfo::ALL));
+        return saved;
+    }
+    /// Null for a file that is refused; m_log tells why.
+    OwnedScene Read(const char* name)
+    {
+        C3DIo io(m_folder.Wide(name), FILEIO_READ | FILEIO_SILENT, nullptr);
+        CSceneImportOptions options(IMPORT_NO_CHECKOUT);
+        OwnedScene scene;
+        try {
+            scene.reset(io.Read(false, &options));
+        } catch (const CXArchiveException*) {
+            XDeleteThreadException();
+            m_threw = true;
+        }
+        m_log = WideToUtf8(options.GetLogText(IoLogInfo::ALL));
+        m_result = io.GetLastResult();
+        return scene;
+    }
+    /// Through a file and back, file names apart.
+    OwnedScene RoundTrip(C3DScene& scene)
+    {
+        EXPECT_TRUE(Save(scene, "trip.3dif")) << m_log;
+        OwnedScene read = Read("trip.3dif");
+        scene.SetFilename({});
+        if (read)
+            read->SetFilename({});
+        return read;
+    }
+
+    TempFolder m_folder;
+    std::string m_log;
+    int m_result = IORESULT_OK;
+    bool m_threw = false;
+};
+
+}
+
+TEST_F(NativeFile, EverythingComesBack)
+{
+    for (unsigned int seed = 1; seed <= 40; seed++) {
+        SCOPED_TRACE(seed);
+        const OwnedScene scene(CreateFullScene(seed));
+        const OwnedScene read = RoundTrip(*scene);
+        ASSERT_TRUE(read) << m_log;
+        EXPECT_EQ(FirstDifference(*scene, *read), "");
+    }
+}
+
+TEST_F(NativeFile, TakesAHundredThousandLevels)
+{
+    const OwnedScene scene(C3DScene::Create());
+    C3DSceneNode* parent = nullptr;
+    for (int i = 0; i < 100000; i++) {
+        C3DSceneNode* const node = C3DSceneNode::Create();
+        if (i % 1000 == 0)
+            node->SetObject(C3DBaseObject::Create(OBJECT_POLYGONAL), true);
+        ASSERT_TRUE(scene->AddNode(parent, node));
+        parent = i % 10 == 9 ? parent : node;
+    }
+    const OwnedScene read = RoundTrip(*scene);
+    ASSERT_TRUE(read) << m_log;
+    EXPECT_EQ(FirstDifference(*scene, *read), "");
+}
+
+TEST_F(NativeFile, TheSameSceneGivesTheSameBytes)
+{
+    const OwnedScene scene(CreateFullScene());
+    for (const char* const name : {"first.3dif", "a.3dif", "b.3dif"})    // the first save clears the marks of changed materials
+        ASSERT_TRUE(Save(*scene, name));
+    EXPECT_TRUE(m_folder.Read("a.3dif") == m_folder.Read("b.3dif"));
+    const OwnedScene read = Read("a.3dif");    // where derived channels are stale
+    ASSERT_TRUE(read && Save(*read, "c.3dif"));
+    const OwnedScene again = Read("c.3dif");
+    ASSERT_TRUE(again && Save(*again, "d.3dif"));
+    EXPECT_TRUE(m_folder.Read("c.3dif") == m_folder.Read("d.3dif"));
+}
+
+TEST_F(NativeFile, IsRefusedByItsHeader)
+{
+    const OwnedScene scene(CreateFullScene());
+    ASSERT_TRUE(Save(*scene, "good.3dif"));
+    const std::string good = m_folder.Read("good.3dif");
+    ASSERT_EQ(good.substr(1, 4), "3DIF");
+    const auto with = [&](std::size_t place, const std::string& bytes) { return std::string(good).replace(place, bytes.size(), bytes); };
+    const struct {
+        const char* name;
+        std::string file;
+        bool reads, throws;
+        int result;
+        const char* log;
+    } rows[] = {
+        {"written by a later release that keeps to this form", with(8, "\2"), true, false, IORESULT_OK, ""},
+        {"written for later readers", with(8, std::string("\3\0\0\0\2", 5)), false, false, IORESULT_FAILED,
+         "x.3dif was written by a newer release: file version 3 asks for readers of version 2, this one is 1"},
+        {"another magic", with(0, "x"), false, false, IORESULT_FAILED, "x.3dif is not a native scene file"},
+        {"line ends changed on the way", with(5, "\n"), false, false, IORESULT_FAILED, "x.3dif is not a native scene file"},
+        {"empty", "", false, false, IORESULT_FAILED, "x.3dif is not a native scene file"},
+        {"cut in the header", good.substr(0, 15), false, false, IORESULT_FAILED, "x.3dif is not a native scene file"},
+        {"cut behind the header", good.substr(0, 16), false, true, IORESULT_FAILED, "x.3dif is damaged: it ends too early"},
+        {"cut in the scene", good.substr(0, good.size() - 1), false, true, IORESULT_FAILED, "x.3dif is damaged"},
+        {"a stream of another version", with(16, "\2"), false, false, IORESULT_EMPTY, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        m_folder.Write("x.3dif", row.file);
+        m_threw = false;
+        EXPECT_EQ(Read("x.3dif") != nullptr, row.reads);
+        EXPECT_EQ(m_threw, row.throws);
+        EXPECT_EQ(m_result, row.result);
+        EXPECT_NE(m_log.find(row.log), std::string::npos) << m_log;
+    }
+}
+
+TEST_F(NativeFile, AFailedSaveLosesNothing)
+{
+    const OwnedScene scene(CreateFullScene());
+    scene->SetFilename(m_folder.Wide("former.3dif"));
+    ASSERT_TRUE(Save(*scene, "target.3dif"));
+    const std::string before = m_folder.Read("target.3dif");
+    const CFileNameSpec name = scene->GetFilename();
+    EXPECT_EQ(WideToUtf8(name.GetFullName()), m_folder.Name("target.3dif"));    // the caller of the parser set it
+    const std::size_t files = m_folder.CountFiles();
+
+    // No room: the writer may write less than the scene needs.
+    rlimit former, tight;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    tight = former;
+    tight.rlim_cur = before.size() / 2;
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &tight);
+    bool threw = false;
+    try {
+        EXPECT_FALSE(Save(*scene, "target.3dif"));
+    } catch (const CXArchiveException*) {
+        XDeleteThreadException();
+        threw = true;
+    }
+    setrlimit(RLIMIT_FSIZE, &former);
+    EXPECT_TRUE(threw);
+    EXPECT_EQ(m_folder.Read("target.3dif"), before);
+    EXPECT_EQ(m_folder.CountFiles(), files);
+    EXPECT_EQ(scene->GetFilename(), name);
+
+    EXPECT_FALSE(Save(*scene, "no such folder/target.3dif"));
+    EXPECT_EQ(scene->GetFilename(), name);
+}
+
+TEST_F(NativeFile, ComesThroughAPipe)
+{
+    const OwnedScene scene(CreateFullScene());
+    ASSERT_TRUE(Save(*scene, "good.3dif"));
+    const std::string good = m_folder.Read("good.3dif");
+    ASSERT_EQ(mkfifo(m_folder.Name("pipe.3dif").c_str(), 0600), 0);
+    std::thread writer([&] { m_folder.Write("pipe.3dif", good); });
+    const OwnedScene read = Read("pipe.3dif");
+    writer.join();
+    ASSERT_TRUE(read) << m_log;
+    scene->SetFilename({});
+    read->SetFilename({});
+    EXPECT_EQ(FirstDifference(*scene, *read), "");
+}
