@@ -120,6 +120,15 @@ bool Concatenate(C3DScene& scene, const std::string&)
 
 bool ConcatenateByMaterials(C3DScene& scene, const std::string&) { return scene.ConcatenateByMaterials(nullptr, true, nullptr) > 0; }
 
+bool GenerateUV(C3DScene& scene, const std::string&) { return scene.GenerateUVW(); }
+
+// Where texture coordinates or colours differ along an edge.
+bool DisconnectFaces(C3DScene& scene, const std::string&)
+{
+    constexpr unsigned int POINT_FLAG = 0x90, FACE_FLAG = 0x5000;
+    return scene.DisconnectBorderFaces(ALL_CHANNELS, POINT_FLAG, FACE_FLAG);
+}
+
 bool Slice(C3DScene& scene, const std::string& most)
 {
     CCustomData parameters;
@@ -179,6 +188,9 @@ constexpr SceneStep STEPS[] = {
     {"explode", SceneStep::NONE, false, "Make an object of each connected part", Explode},
     {"concatenate", SceneStep::NONE, false, "Join all objects into one", Concatenate},
     {"concatenate-by-materials", SceneStep::NONE, false, "Make one object for each material", ConcatenateByMaterials},
+    {"generate-uv", SceneStep::NONE, false, "Make texture coordinates of the materials' projections", GenerateUV},
+    {"disconnect-faces", SceneStep::NONE, false, "Give faces points of their own where texture coordinates or colours differ",
+     DisconnectFaces},
     {"slice", SceneStep::COUNT, true, "Cut objects of more points than that into parts", Slice},
     {"subdivide", SceneStep::COUNT, true, "Subdivide by Loop and Catmull-Clark that often, at most 8 times", Subdivide},
     {"global-coordinates", SceneStep::NONE, false, "Bake the transforms of the nodes into the points", GlobalCoordinates},

@@ -151,7 +151,7 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
         {"--weld --clean --unify-normals", 6, -1},      {"--triangulate --merge-coplanar=0.1", 6, -1},
         {"--global-coordinates --concatenate", 1, 759}, {"--concatenate --explode --concatenate", 1, 759},
         {"--concatenate-by-materials", 4, 759},         {"--concatenate --slice=100 --concatenate", 1, 759},
-        {"--flip-normals --flip-normals", 6, 265},
+        {"--flip-normals --disconnect-faces --generate-uv", 6, 265},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.steps);
