@@ -103,8 +103,7 @@ template <class OBJECT, class WORK> void Run(benchmark::State& state, const OBJE
             return state.SkipWithError("the operation did nothing");
     }
     const int elements = element == PER_FACE ? model.GetFaceNbr() : model.GetPointNbr();
-    state.counters["each"] =
-        benchmark::Counter(elements, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["each"] = benchmark::Counter(elements, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 constexpr int K = 1000, M = 1000 * K;
@@ -168,8 +167,8 @@ static void ConcatenateThousand(benchmark::State& state)
         all.reset();
         state.ResumeTiming();
     }
-    state.counters["each"] = benchmark::Counter(1000.0 * ball->GetFaceNbr(),
-                                                benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["each"] =
+        benchmark::Counter(1000.0 * ball->GetFaceNbr(), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(ConcatenateThousand) ZEL_SIZES;
 
@@ -264,9 +263,8 @@ static void SubdivideFiveLevels(benchmark::State& state)
     channel->GetPointList()->SetSize(patch->GetPointNbr());
     for (int i = 0; i < patch->GetPointNbr(); i++)
         (*channel->GetUVWPointList())[i]->u = static_cast<float>(i);
-    channel->GetFaceList()->AppendFaces(faces.GetSize(), static_cast<unsigned int>(corners), [&](int* to, unsigned int k) {
-        CopyCorners(faces, k, to);
-    });
+    channel->GetFaceList()->AppendFaces(faces.GetSize(), static_cast<unsigned int>(corners),
+                                        [&](int* to, unsigned int k) { CopyCorners(faces, k, to); });
     patch->AddChannel(channel);
     for (auto _ : state) {
         patch->SetLevel(5);

@@ -6,13 +6,13 @@
 
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 #include "channels/Block.h"
 #include "channels/Channel.h"
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
 #include "geometry/PointList.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -137,8 +137,8 @@ private:
     bool m_joined = false;
     CBlock<unsigned int> m_map;
     CBlock<unsigned int> m_met;    ///< the geometry point that met a channel point last
-    std::vector<unsigned int> m_candidates;
-    std::vector<unsigned int> m_table;
+    CBlockVector<unsigned int> m_candidates;
+    CBlockVector<unsigned int> m_table;
 };
 
 }    // namespace

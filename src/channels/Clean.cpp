@@ -14,6 +14,7 @@
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
 #include "geometry/PointList.h"
+#include "tools/BlockVector.h"
 
 using CRemap = CXArray<unsigned int, unsigned int>;
 
@@ -102,7 +103,7 @@ private:
     struct Run {
         unsigned int from, end;
     };
-    std::vector<Run> m_runs;
+    CBlockVector<Run> m_runs;
     unsigned int m_kept = 0;
 };
 
@@ -211,7 +212,7 @@ public:
     }
 
 private:
-    std::vector<int> m_gone;    ///< positions before the walk, ascending
+    CBlockVector<int> m_gone;    ///< positions before the walk, ascending
 };
 
 /// The face lists of the channels that lose the corners which the geometry loses.

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "geometry/FaceList.h"
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
 /// Where faces hold a point. Faces with many corners are searched in a sorted copy that is made when first asked for, so that a walk
@@ -47,7 +47,7 @@ private:
         int point, corner;
         bool operator<(const PointCorner& other) const { return point != other.point ? point < other.point : corner < other.corner; }
     };
-    using Sorted = std::vector<PointCorner>;
+    using Sorted = CBlockVector<PointCorner>;
 
     template <class BODY> void Walk(int face, int point, BODY body)
     {

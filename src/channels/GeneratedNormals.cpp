@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "channels/Cosine.h"
 #include "channels/FaceCorners.h"
@@ -13,6 +12,7 @@
 #include "geometry/3DFaceList.h"
 #include "geometry/3DVectorList.h"
 #include "geometry/GeomInfo.h"
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
 namespace {
@@ -166,7 +166,7 @@ private:
     CFaceCorners m_faceCorners;
     int m_used;                     // vectors; those behind are room
     CHashMap<int, int> m_shared;    // by point: the vector for all its corners
-    std::vector<int> m_corners;     // of the current face, to be filled
+    CBlockVector<int> m_corners;    // of the current face, to be filled
 };
 
 }    // namespace

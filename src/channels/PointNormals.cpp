@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "channels/Cosine.h"
 #include "channels/FaceCorners.h"
@@ -23,6 +22,7 @@
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
 #include "geometry/GeomInfo.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -43,11 +43,11 @@ void LayOutFaces(const CFaceList& geometry, CNormalFaceList& normals)
         normals.AppendFaces(size, static_cast<int>(first), [first](int* corners, unsigned int) { std::fill_n(corners, first, 0); });
         return;
     }
-    std::vector<unsigned int> sizes(static_cast<std::size_t>(size));
+    CBlockVector<unsigned int> sizes(static_cast<std::size_t>(size));
     std::size_t cornerCount = 0;
     for (int face = 0; face < size; face++)
         cornerCount += sizes[face] = cornersOf(face);
-    normals.AppendFaces(size, sizes.data(), std::vector<int>(cornerCount).data());
+    normals.AppendFaces(size, sizes.data(), CBlockVector<int>(cornerCount).data());
     for (int face = 0; face < size; face++)
         if (flags[face] & FACE_INVALID)
             normals.SetFaceFlags(face, FACE_EMPTY, true);
@@ -204,11 +204,11 @@ private:
     CVectorIndex m_vectors;
 
     // Of the batch.
-    std::vector<const C3DTVector<float>*> m_seeds;    // by group
-    std::vector<C3DTVector<float>> m_sums;            // by group
-    std::vector<CVectorIndex::Hash> m_hashes;         // by group
-    std::vector<unsigned int> m_numbers;              // by group
-    std::vector<unsigned int> m_groups;               // point by point, of each of its faces
+    CBlockVector<const C3DTVector<float>*> m_seeds;    // by group
+    CBlockVector<C3DTVector<float>> m_sums;            // by group
+    CBlockVector<CVectorIndex::Hash> m_hashes;         // by group
+    CBlockVector<unsigned int> m_numbers;              // by group
+    CBlockVector<unsigned int> m_groups;               // point by point, of each of its faces
 };
 
 }    // namespace

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "channels/Cosine.h"
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 #include "tools/HashMix.h"
 
@@ -42,6 +42,6 @@ private:
 
     CAngleTest m_angle;
     double m_cellsPerUnit;
-    std::vector<Seed> m_seeds;
+    CBlockVector<Seed> m_seeds;
     CHashMap<Cell, int> m_lastInCell;
 };

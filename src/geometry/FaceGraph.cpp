@@ -9,14 +9,13 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "geometry/Edge.h"
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
 #include "geometry/PointList.h"
 #include "tools/AssociationMap.h"
-#include "tools/Memory.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ private:
     }
 
     unsigned int m_pointCount;
-    std::vector<int> m_lastFace;    // by point, for faces with many corners
+    CBlockVector<int> m_lastFace;    // by point, for faces with many corners
 };
 
 }
@@ -146,7 +145,7 @@ void CFaceList::DropGraphs()
 // Count, lay out, fill. PLACE counts the items of the pool.
 template <class PLACE> static void BuildPointGraph(const CFaceList& faces, unsigned int pointCount, CFaceList::PointGraph& graph)
 {
-    std::vector<PLACE, XBlockAllocator<PLACE>> table(pointCount, 0);
+    CBlockVector<PLACE> table(pointCount, 0);
     PLACE* const byPoint = table.data();    // the number of its faces, then the place of its next one
     DistinctCorners distinct(pointCount);
     ForEachLiveFace(faces, [&](const int* corners, int count, int face) {

@@ -9,6 +9,7 @@
 #include "geometry/FaceList.h"
 #include "geometry/GeomInfo.h"
 #include "tools/AssociationMap.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -155,7 +156,7 @@ bool CFaceList::AreFacesConnected(const CGeomInfo* info, CHashTable<int>& faces)
 {
     InitPointToFaceGraph(info);
     CHashTable<int> visited, spreadFrom;    // a point passes its faces on once, however many of them ask
-    std::vector<int> stack;
+    CBlockVector<int> stack;
     if (!faces.IsEmpty())
         stack.push_back(*faces.begin());
     while (!stack.empty()) {

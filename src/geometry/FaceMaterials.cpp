@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <numeric>
-#include <vector>
 
 #include "geometry/3DFaceList.h"
 #include "geometry/ElementMethods.h"
+#include "tools/BlockVector.h"
 
 // Materials of faces: front in the main data, back in a chunk of its own; the map that counts faces by material;
 // sorting.
@@ -161,8 +161,8 @@ namespace {
 void SortByMaterial(const CWords& materials, unsigned int count, unsigned int* order)
 {
     CHashMap<unsigned int, unsigned int> slotOf;
-    std::vector<unsigned int> ids, places;
-    std::vector<unsigned int> slots(count);
+    CBlockVector<unsigned int> ids, places;
+    CBlockVector<unsigned int> slots(count);
     for (unsigned int i = 0; i < count; i++) {
         if (i > 0 && materials[i] == materials[i - 1])
             slots[i] = slots[i - 1];
@@ -177,7 +177,7 @@ void SortByMaterial(const CWords& materials, unsigned int count, unsigned int* o
         places[slots[i]]++;
     }
 
-    std::vector<unsigned int> ascending(ids.size());
+    CBlockVector<unsigned int> ascending(ids.size());
     std::iota(ascending.begin(), ascending.end(), 0u);
     std::sort(ascending.begin(), ascending.end(), [&](unsigned int a, unsigned int b) { return ids[a] < ids[b]; });
     unsigned int place = 0;

@@ -1,7 +1,7 @@
-#include <vector>
 
 #include "geometry/FaceList.h"
 #include "tools/BitArray.h"
+#include "tools/BlockVector.h"
 
 // Reordering: the order becomes one table, position -> face that comes there; it is checked, then the pool and the
 // chunks are each laid out anew in one pass. Nothing moves face by face.
@@ -11,9 +11,9 @@ namespace {
 constexpr unsigned int STAYS = 0xFFFFFFFF;
 
 // Empty when `order` is no permutation.
-std::vector<unsigned int> SourceTable(const unsigned int* order, unsigned int n, bool inverse)
+CBlockVector<unsigned int> SourceTable(const unsigned int* order, unsigned int n, bool inverse)
 {
-    std::vector<unsigned int> table(order, order + n);
+    CBlockVector<unsigned int> table(order, order + n);
     CBitArray seen(n, false);
     for (unsigned int i = 0; i < n; i++) {
         if (table[i] == STAYS)
@@ -24,7 +24,7 @@ std::vector<unsigned int> SourceTable(const unsigned int* order, unsigned int n,
     }
     if (!inverse)
         return table;
-    std::vector<unsigned int> source(n);
+    CBlockVector<unsigned int> source(n);
     for (unsigned int i = 0; i < n; i++)
         source[table[i]] = i;
     return source;
@@ -36,7 +36,7 @@ bool CFaceList::ReorderFaces(const unsigned int* order, unsigned int n, bool inv
 {
     if (!order || n == 0 || n != static_cast<unsigned int>(m_size))
         return false;
-    const std::vector<unsigned int> source = SourceTable(order, n, inverse);
+    const CBlockVector<unsigned int> source = SourceTable(order, n, inverse);
     if (source.empty())
         return false;
     DropSurplus();

@@ -8,6 +8,7 @@
 #include "geometry/FaceTagger.h"
 #include "geometry/GeomInfo.h"
 #include "tools/BitArray.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -38,10 +39,10 @@ private:
     CFaceTagger& m_tagger;
     const bool m_byEdge;
     const CFaceFlags m_flags;
-    CBitArray m_visited;                  // in a group
-    CBitArray m_queued;                   // in the queue, now or earlier
-    std::vector<unsigned int> m_queue;    // what has been taken out of it is the group
-    std::vector<int> m_neighbours;
+    CBitArray m_visited;                   // in a group
+    CBitArray m_queued;                    // in the queue, now or earlier
+    CBlockVector<unsigned int> m_queue;    // what has been taken out of it is the group
+    CBlockVector<int> m_neighbours;
 };
 
 void FaceFlood::FillGroup(unsigned int group, int start)

@@ -9,7 +9,6 @@
 // their ids.
 
 #include <algorithm>
-#include <vector>
 
 #include "channels/DependentChannels.h"
 #include "geometry/3DPointList.h"
@@ -17,6 +16,7 @@
 #include "scene/3DScene.h"
 #include "scene/Curve.h"
 #include "scene/Filter.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ public:
     /// All points.
     explicit PointChoice(const CPointList& points) : m_count(points.GetSize()) {}
     /// Those that the faces use.
-    PointChoice(const CPointList& points, const CFaceList& faces, const std::vector<int>& chosen);
+    PointChoice(const CPointList& points, const CFaceList& faces, const CBlockVector<int>& chosen);
 
     int GetCount() const { return m_count; }
     /// Null for all.
@@ -42,11 +42,11 @@ public:
 private:
     bool m_all = true;
     int m_count;
-    std::vector<int> m_points;
-    std::vector<int> m_numbers;    // by old number
+    CBlockVector<int> m_points;
+    CBlockVector<int> m_numbers;    // by old number
 };
 
-PointChoice::PointChoice(const CPointList& points, const CFaceList& faces, const std::vector<int>& chosen)
+PointChoice::PointChoice(const CPointList& points, const CFaceList& faces, const CBlockVector<int>& chosen)
     : m_all(false), m_numbers(points.GetSize(), 0)
 {
     for (const int face : chosen) {
@@ -68,9 +68,9 @@ PointChoice::PointChoice(const CPointList& points, const CFaceList& faces, const
 struct Source {
     C3DGeomObject* object = nullptr;
     bool allFaces = true;
-    std::vector<int> faces;    // unless all of them
+    CBlockVector<int> faces;    // unless all of them
     int faceCount = 0;
-    std::vector<std::pair<CChannel*, CChannel*>> channels;    // of the source, of the destination
+    CBlockVector<std::pair<CChannel*, CChannel*>> channels;    // of the source, of the destination
 
     const int* GetFaces() const { return allFaces ? nullptr : faces.data(); }
     PointChoice Choose(const CPointList& points, const CFaceList* list, bool filtered) const
@@ -103,7 +103,7 @@ private:
 
     C3DGeomObject& m_to;
     const C3DFilter* const m_filter;
-    std::vector<Source> m_sources;
+    CBlockVector<Source> m_sources;
     CChannelMap m_channels;
     std::int64_t m_faces = 0, m_corners = 0, m_points = 0;
 };
@@ -156,7 +156,7 @@ bool Concatenation::ListFaces(Source& source)
     source.faceCount = static_cast<int>(source.faces.size());
     source.allFaces = source.faceCount == count;
     if (source.allFaces)
-        std::vector<int>().swap(source.faces);
+        CBlockVector<int>().swap(source.faces);
     m_corners += corners;
     return corners > 0;
 }

@@ -28,6 +28,7 @@
 #include "scene/GeomObject.h"
 #include "scene/UpdateFlags.h"
 #include "tools/BitArray.h"
+#include "tools/BlockVector.h"
 #include "tools/Progress.h"
 
 namespace {
@@ -38,7 +39,7 @@ constexpr int NO_FACE = -1;
 struct ChannelPair {
     CChannel* source;
     CChannel* target;
-    std::vector<int> corners;       // of the polygons that have data, one after the other
+    CBlockVector<int> corners;      // of the polygons that have data, one after the other
     std::vector<bool> hasData{};    // by polygon
 };
 
@@ -128,7 +129,7 @@ private:
     void KeepTurns();
     void AddChannelCorners(ChannelPair& pair);
     void Copy(int face);
-    void WriteList(CFaceList& target, const CFaceList& source, const std::vector<int>& from, const std::vector<int>& corners,
+    void WriteList(CFaceList& target, const CFaceList& source, const CBlockVector<int>& from, const CBlockVector<int>& corners,
                    const std::vector<bool>* hasData) const;
     unsigned int GetMaterial(int face) const { return *reinterpret_cast<const unsigned int*>(m_materials + face * m_materialStride); }
 
@@ -141,25 +142,25 @@ private:
     std::size_t m_materialStride;
     std::unique_ptr<C3DVectorList, void (*)(C3DVectorList*)> m_normals;
     const CFacesAcross m_across;
-    std::vector<ChannelPair> m_channels;
-    std::vector<CSeam> m_seams;
+    CBlockVector<ChannelPair> m_channels;
+    CBlockVector<CSeam> m_seams;
     CFaceCorners m_cornersOfFaces;
     CPercent m_percent;
 
     CBitArray m_processed;
-    std::vector<int> m_seedOf;    // by face: the seed of the region that it joined last
-    std::vector<int> m_region;    // the faces of a region in the order in which they joined; also their queue
+    CBlockVector<int> m_seedOf;    // by face: the seed of the region that it joined last
+    CBlockVector<int> m_region;    // the faces of a region in the order in which they joined; also their queue
     CRegionBorder m_border;
-    std::vector<CRegionBorder::Corner> m_polygon;    // where the border turns
-    std::vector<int> m_polygonPoints;
+    CBlockVector<CRegionBorder::Corner> m_polygon;    // where the border turns
+    CBlockVector<int> m_polygonPoints;
 
     // The result, face by face. A polygon takes the next of the corners.
     struct Result {
         int from;       // the face that is copied, or the seed of the polygon
         int corners;    // of a polygon; 0 for a copy
     };
-    std::vector<Result> m_results;
-    std::vector<int> m_corners;
+    CBlockVector<Result> m_results;
+    CBlockVector<int> m_corners;
 };
 
 }
@@ -345,7 +346,7 @@ static bool IsStraight(const C3DTVector<float>& a, const C3DTVector<float>& b)
 /// A corner stays unless it lies on the line from the one before it to the one behind it.
 void CCoplanarMerge::KeepTurns()
 {
-    const std::vector<CRegionBorder::Corner>& line = m_border.GetLine();
+    const CBlockVector<CRegionBorder::Corner>& line = m_border.GetLine();
     const C3DTPoint<float>* const points = m_points.GetFirst();
     m_polygon.clear();
     const std::size_t count = line.size();
@@ -383,7 +384,7 @@ void CCoplanarMerge::Copy(int face) { m_results.push_back({face, 0}); }
 
 void CCoplanarMerge::Write(C3DFaceList& target)
 {
-    std::vector<int> from(m_results.size());
+    CBlockVector<int> from(m_results.size());
     for (std::size_t i = 0; i < from.size(); i++)
         from[i] = m_results[i].from;
     WriteList(target, m_faces, from, m_corners, nullptr);
@@ -404,12 +405,12 @@ void CCoplanarMerge::Write(C3DFaceList& target)
     m_across.MarkBorder(m_points);
 }
 
-void CCoplanarMerge::WriteList(CFaceList& target, const CFaceList& source, const std::vector<int>& from, const std::vector<int>& corners,
+void CCoplanarMerge::WriteList(CFaceList& target, const CFaceList& source, const CBlockVector<int>& from, const CBlockVector<int>& corners,
                                const std::vector<bool>* hasData) const
 {
     target.RemoveAll();
     target.SetSize(0, CFaceList::SIZE_GROW, 4);
-    std::vector<unsigned int, XBlockAllocator<unsigned int>> sizes(m_results.size());
+    CBlockVector<unsigned int> sizes(m_results.size());
     std::size_t polygon = 0;
     for (std::size_t i = 0; i < sizes.size(); i++) {
         int count = m_results[i].corners;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "channels/FaceNormals.h"
 #include "geometry/3DFaceList.h"
@@ -11,6 +10,7 @@
 #include "geometry/GeomInfo.h"
 #include "tools/AssociationMap.h"
 #include "tools/BitArray.h"
+#include "tools/BlockVector.h"
 
 /// In float, as corners have always been told apart.
 static double FloatDot(const C3DTVector<float>& a, const C3DTVector<float>& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
@@ -64,7 +64,7 @@ private:
 
     C3DTPoint<float>* m_points;
     double m_limit;
-    std::vector<int> m_neighbour;
+    CBlockVector<int> m_neighbour;
     unsigned int m_count = 0;
 };
 

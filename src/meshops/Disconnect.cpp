@@ -22,6 +22,7 @@
 #include "meshops/GroupMap.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 #include "tools/HashMix.h"
 
 namespace {
@@ -97,11 +98,11 @@ private:
     const bool m_noPoints;
     C3DFaceList* const m_extra;
 
-    int m_next = 0;                  // number of the next copy
-    std::vector<int> m_originals;    // of the copies
-    std::vector<char> m_used;        // channels that had a part in it, by place
+    int m_next = 0;                   // number of the next copy
+    CBlockVector<int> m_originals;    // of the copies
+    std::vector<char> m_used;         // channels that had a part in it, by place
     // Of the current point.
-    std::vector<int> m_slots;        // the point that each face around gets
+    CBlockVector<int> m_slots;       // the point that each face around gets
     std::vector<char> m_assigned;    // faces that opened one
     int m_distinct = 0;
 };

@@ -15,6 +15,7 @@
 
 #include "geometry/3DFace.h"
 #include "geometry/3DPointList.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -283,8 +284,8 @@ private:
     }
 
     int m_leaves = 1;
-    std::vector<float> m_key;
-    std::vector<int> m_winner;    // by node; the leaves are the corners
+    CBlockVector<float> m_key;
+    CBlockVector<int> m_winner;    // by node; the leaves are the corners
 };
 
 /// The corners of negative angle, in a tree of boxes: each box is split in the middle of its longer side's order, down to a few corners.
@@ -400,11 +401,11 @@ private:
         return false;
     }
 
-    std::vector<Vector2> m_place;
-    std::vector<int> m_leafOf;
-    std::vector<unsigned char> m_isIn;
-    std::vector<int> m_order;
-    std::vector<Node> m_nodes;    // the children of node n are 2n and 2n + 1
+    CBlockVector<Vector2> m_place;
+    CBlockVector<int> m_leafOf;
+    CBlockVector<unsigned char> m_isIn;
+    CBlockVector<int> m_order;
+    CBlockVector<Node> m_nodes;    // the children of node n are 2n and 2n + 1
     int m_firstLeaf = 1;
 };
 

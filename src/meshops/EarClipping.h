@@ -1,11 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "geometry/2DPointExtList.h"
 #include "tools/Api.h"
-#include "tools/Memory.h"
+#include "tools/BlockVector.h"
 
 class C3DPointList;
 
@@ -13,7 +12,7 @@ class C3DPointList;
 struct Ear {
     unsigned short corner, next, prev;
 };
-using EarArray = std::vector<Ear, XBlockAllocator<Ear>>;
+using EarArray = CBlockVector<Ear>;
 
 /// Cuts polygons into triangles, ear by ear.
 ///
@@ -38,7 +37,7 @@ private:
     class CLargePolygon;
 
     C2DPointExtList m_corners;
-    std::vector<float> m_coordinates;
+    CBlockVector<float> m_coordinates;
     std::unique_ptr<CSharpest> m_sharpest;
     std::unique_ptr<CReflexTree> m_reflex;
 };

@@ -4,6 +4,7 @@
 
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
+#include "tools/BlockVector.h"
 #include "tools/HashMix.h"
 
 CFacesAcross::CFacesAcross(const C3DFaceList& faces, const C3DPointList& points)
@@ -95,7 +96,7 @@ void CFacesAcross::Match(std::uint64_t* first, std::uint64_t* end, int low, cons
 void CFacesAcross::AddCrowd(const std::uint64_t* first, const std::uint64_t* end, const C3DFaceList& faces)
 {
     const int crowd = NONE - static_cast<int>(m_crowds.size());
-    std::vector<std::pair<std::uint64_t, int>> members;
+    CBlockVector<std::pair<std::uint64_t, int>> members;
     for (; first < end; first++) {
         m_across[static_cast<unsigned int>(*first)] = crowd;
         const int face = FaceOf(*first);

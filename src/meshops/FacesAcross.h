@@ -1,10 +1,8 @@
 #pragma once
 
+#include "tools/BlockVector.h"
 #include <cstdint>
 #include <utility>
-#include <vector>
-
-#include "tools/Memory.h"
 
 class C3DFaceList;
 class C3DPointList;
@@ -43,7 +41,7 @@ public:
     void MarkBorder(C3DPointList& points) const;
 
 private:
-    template <class T> using Block = std::vector<T, XBlockAllocator<T>>;
+    template <class T> using Block = CBlockVector<T>;
     enum PointStatus : unsigned char { ON_BORDER = 1, ON_INNER_EDGE = 2 };
 
     void SortCorners(const C3DFaceList& faces, unsigned int pointCount);
@@ -55,8 +53,8 @@ private:
     bool m_triangles = true;              // every face has 3 corners
     Block<int> m_faceOfCorner;            // empty for triangles
     Block<int> m_across;                  // by corner
-    std::vector<unsigned int> m_crowds{0};
-    std::vector<int> m_crowdFaces;
-    std::vector<std::uint64_t> m_crowdShapes;
+    CBlockVector<unsigned int> m_crowds{0};
+    CBlockVector<int> m_crowdFaces;
+    CBlockVector<std::uint64_t> m_crowdShapes;
     Block<unsigned char> m_status;    // by point
 };

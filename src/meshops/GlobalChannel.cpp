@@ -3,13 +3,13 @@
 // Equal corners of one channel stay one point, so that seams stay seams. Points of different channels are never joined.
 
 #include <utility>
-#include <vector>
 
 #include "channels/DependentChannels.h"
 #include "geometry/3DPointList.h"
 #include "meshops/MapChannelID.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ using ChannelTable = CHashTable<CMapChannelID>;
 struct Giver {
     unsigned int material;
     const CChannel* channel;
-    std::vector<int> numbers;    // by old number; -1
+    CBlockVector<int> numbers;    // by old number; -1
 };
 
 class GlobalChannel {
@@ -33,7 +33,7 @@ public:
             while (shared < m_givers.size() && m_givers[shared].channel != channel)
                 shared++;
             if (gives && shared == m_givers.size())
-                m_givers.push_back({entry.GetMaterialID(), channel, std::vector<int>(channel->GetPointList()->GetSize(), -1)});
+                m_givers.push_back({entry.GetMaterialID(), channel, CBlockVector<int>(channel->GetPointList()->GetSize(), -1)});
             if (gives)
                 m_giverOf.SetAt(entry.GetMaterialID(), static_cast<int>(shared));
         }
@@ -87,11 +87,11 @@ private:
         m_sizes.back() = static_cast<unsigned int>(size);
     }
 
-    std::vector<Giver> m_givers;
+    CBlockVector<Giver> m_givers;
     CHashMap<unsigned int, int> m_giverOf;    // by material
-    std::vector<unsigned int> m_sizes;
-    std::vector<int> m_corners;
-    std::vector<std::pair<int, int>> m_points;    // giver and its point, by new number
+    CBlockVector<unsigned int> m_sizes;
+    CBlockVector<int> m_corners;
+    CBlockVector<std::pair<int, int>> m_points;    // giver and its point, by new number
 };
 
 }
@@ -100,7 +100,7 @@ CChannel* C3DGeomObject::MakeGlobalChannel(CHashTable<CMapChannelID>*& table, _C
 {
     if (!table || table->IsEmpty() || !m_faces)
         return nullptr;
-    std::vector<CMapChannelID> gone;
+    CBlockVector<CMapChannelID> gone;
     for (const CMapChannelID& entry : *table)
         if (!GetChannelByID(entry.GetChannelID(), type))
             gone.push_back(entry);

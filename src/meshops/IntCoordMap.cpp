@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
-#include <vector>
 
 #include "geometry/3DPointList.h"
 #include "meshops/CellTable.h"
 #include "meshops/FiniteBox.h"
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
 /// The points, cell by cell in one array. The value of a cell is where its points end there, and they begin where those of the cell before
@@ -26,7 +26,7 @@ struct CIntCoordMap::Cells {
 
     CCellTable<unsigned int> table;
     CBlock<int> points;
-    std::vector<unsigned int> order;    ///< entries in the order of the walk; empty until it is asked for
+    CBlockVector<unsigned int> order;    ///< entries in the order of the walk; empty until it is asked for
 };
 
 // Geometry
@@ -120,11 +120,11 @@ std::uint32_t CIntCoordMap::GetSurroundings(const Cell& cell) const { return m_c
 
 /// Entries in the slot order that the header tells. A sum of coordinates puts whole diagonals on one probe path; but places that were taken
 /// stay taken, so each path goes on where the cell before it ended.
-static std::vector<unsigned int> OrderBySlots(const CCellTable<unsigned int>& table)
+static CBlockVector<unsigned int> OrderBySlots(const CCellTable<unsigned int>& table)
 {
     const unsigned int count = table.GetCount();
     const unsigned int size = std::max(NextPrime(101), NextPrime(2 * count));
-    std::vector<unsigned int> slots(size, table.NO_ENTRY), nextProbe(size, 0);
+    CBlockVector<unsigned int> slots(size, table.NO_ENTRY), nextProbe(size, 0);
     for (unsigned int entry = 0; entry < count; entry++) {
         const CIntCoordMap::Cell& cell = table[entry].cell;
         const unsigned int start =

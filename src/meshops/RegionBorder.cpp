@@ -1,8 +1,9 @@
 #include "meshops/RegionBorder.h"
 
 #include "geometry/FaceList.h"
+#include "tools/BlockVector.h"
 
-bool CRegionBorder::Trace(const CFaceList& faces, const std::vector<int>& region)
+bool CRegionBorder::Trace(const CFaceList& faces, const CBlockVector<int>& region)
 {
     m_line.clear();
     SortFaces(region);
@@ -24,7 +25,7 @@ bool CRegionBorder::Trace(const CFaceList& faces, const std::vector<int>& region
     return m_line.size() == m_nodes.size();
 }
 
-void CRegionBorder::SortFaces(const std::vector<int>& region)
+void CRegionBorder::SortFaces(const CBlockVector<int>& region)
 {
     m_region.Reset();
     for (const int face : region)

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "geometry/Edge.h"
 #include "meshops/SlotTable.h"
+#include "tools/BlockVector.h"
 
 class CFaceList;
 
@@ -14,17 +13,17 @@ public:
     /// @param region  the faces in the order in which they joined, each once
     /// @return        false unless the edges that one face of the set has alone form one closed line of at least 3 points that touches
     ///                itself nowhere
-    bool Trace(const CFaceList& faces, const std::vector<int>& region);
+    bool Trace(const CFaceList& faces, const CBlockVector<int>& region);
 
     /// The faces by slot; after any Trace.
-    const std::vector<int>& GetFaces() const { return m_faces; }
+    const CBlockVector<int>& GetFaces() const { return m_faces; }
 
     struct Corner {
         int point;
         int face;    ///< of the set, with an edge of the line at the point
     };
     /// The line, after a Trace that found one.
-    const std::vector<Corner>& GetLine() const { return m_line; }
+    const CBlockVector<Corner>& GetLine() const { return m_line; }
 
 private:
     struct Owner {
@@ -37,19 +36,19 @@ private:
         int face = -1;
     };
 
-    void SortFaces(const std::vector<int>& region);
+    void SortFaces(const CBlockVector<int>& region);
     void FindEdges(const CFaceList& faces);
     bool LinkPoints();
     bool Connect(unsigned int node, unsigned int other, int face);
     unsigned int GetFirstNeighbour(const Node& node) const;
 
     CSlotTable<int> m_region;
-    std::vector<int> m_faces;
+    CBlockVector<int> m_faces;
     CSlotTable<C3DEdge> m_edges;
-    std::vector<Owner> m_owners;      // by entry of m_edges
-    CSlotTable<C3DEdge> m_border;     // edges that are not shared
-    std::vector<int> m_borderFace;    // by entry of m_border
+    CBlockVector<Owner> m_owners;      // by entry of m_edges
+    CSlotTable<C3DEdge> m_border;      // edges that are not shared
+    CBlockVector<int> m_borderFace;    // by entry of m_border
     CSlotTable<int> m_points;
-    std::vector<Node> m_nodes;    // by entry of m_points
-    std::vector<Corner> m_line;
+    CBlockVector<Node> m_nodes;    // by entry of m_points
+    CBlockVector<Corner> m_line;
 };

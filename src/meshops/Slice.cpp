@@ -21,6 +21,7 @@
 #include "meshops/SubObjectCutter.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
 bool SliceScene(const CCustomData& parameters, C3DScene* scene)
@@ -76,7 +77,7 @@ public:
 
     void Run()
     {
-        std::vector<int> toCut{0};
+        CBlockVector<int> toCut{0};
         while (!toCut.empty()) {
             while (!toCut.empty()) {
                 const int slice = toCut.back();
@@ -92,7 +93,7 @@ public:
 
     /// All faces are still together, above the limit.
     bool IsWhole() { return m_groups.size() == 1 && CountPoints(0) > m_mostPoints; }
-    const std::vector<FaceRun>& GetParts() const { return m_groups; }
+    const CBlockVector<FaceRun>& GetParts() const { return m_groups; }
     const int* GetFaces() const { return m_faceOrder.data(); }
 
 private:
@@ -106,7 +107,7 @@ private:
     // Points
 
     /// Halves a slice; a half with too many points is to be cut again. Points at one place cannot be cut: their slice stays.
-    void Cut(int slice, std::vector<int>& toCut)
+    void Cut(int slice, CBlockVector<int>& toCut)
     {
         const Slice whole = m_slices[slice];
         int axis;
@@ -149,7 +150,7 @@ private:
         cell = CellDistance(min[axis], max[axis], 2) / 2;
         return true;
     }
-    void AddHalf(int begin, int end, std::vector<int>& toCut)
+    void AddHalf(int begin, int end, CBlockVector<int>& toCut)
     {
         const int slice = static_cast<int>(m_slices.size());
         m_slices.push_back({begin, end});
@@ -166,7 +167,7 @@ private:
     {
         const int size = m_faces.GetSize();
         const CFaceFlags flags(m_faces);
-        std::vector<int> groupOfSlice(m_slices.size(), NO_GROUP), groupOf(static_cast<std::size_t>(size), NO_GROUP);
+        CBlockVector<int> groupOfSlice(m_slices.size(), NO_GROUP), groupOf(static_cast<std::size_t>(size), NO_GROUP);
         m_groups.clear();
         m_sliceOfGroup.clear();
         for (int face = 0; face < size; face++) {
@@ -234,12 +235,12 @@ private:
     const C3DTPoint<float>* m_points;
     const C3DFaceList& m_faces;
     unsigned int m_mostPoints;
-    std::vector<int> m_slice;       ///< by point
-    CBlock<int> m_order;            ///< points, slice by slice
-    std::vector<Slice> m_slices;    ///< by number; one that was cut is empty
-    std::vector<FaceRun> m_groups;
-    std::vector<int> m_sliceOfGroup, m_faceOrder;
-    std::vector<std::uint64_t> m_usedBy;    ///< by point
+    CBlockVector<int> m_slice;       ///< by point
+    CBlock<int> m_order;             ///< points, slice by slice
+    CBlockVector<Slice> m_slices;    ///< by number; one that was cut is empty
+    CBlockVector<FaceRun> m_groups;
+    CBlockVector<int> m_sliceOfGroup, m_faceOrder;
+    CBlockVector<std::uint64_t> m_usedBy;    ///< by point
     std::uint64_t m_stamp = 0;
     CHashMap<int, int> m_counts;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "channels/VCChannel.h"
 #include "channels/VCFaceList.h"
@@ -15,6 +14,7 @@
 #include "meshops/SliceScene.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -69,8 +69,8 @@ void ColourFaces(CVCFaceList& colours, const C3DFaceList& faces, const CGridColo
 {
     const unsigned int size = static_cast<unsigned int>(faces.GetSize());
     const CFaceFlags flags(faces);
-    std::vector<unsigned int> sizes(size, 0);
-    std::vector<int> indexes;
+    CBlockVector<unsigned int> sizes(size, 0);
+    CBlockVector<int> indexes;
     for (unsigned int face = 0; face < size; face++) {
         int count;
         const int* corners = faces.GetIndexes(face, count);

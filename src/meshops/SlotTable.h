@@ -2,8 +2,8 @@
 
 #include <bit>
 #include <cstdint>
-#include <vector>
 
+#include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
 /// Set of keys that is filled, walked by slot and emptied again and again.
@@ -104,7 +104,7 @@ private:
         }
     }
 
-    template <class T> using Block = std::vector<T, XBlockAllocator<T>>;
+    template <class T> using Block = CBlockVector<T>;
 
     unsigned int m_size = 0;
     std::uint64_t m_inverse = 0;

@@ -4,6 +4,7 @@
 #include "geometry/3DPointList.h"
 #include "meshops/SubObjectCutter.h"
 #include "scene/3DObject.h"
+#include "tools/BlockVector.h"
 
 CSubObjectCutter::Renumbering::Renumbering(const CPointList* points) : m_numbers(points ? points->GetSize() : 0, -1) {}
 
@@ -43,7 +44,7 @@ C3DObject* CSubObjectCutter::Cut(const int* faces, unsigned int count)
     C3DFaceList* partFaces = C3DFaceList::Create(m_object.GetFaceList());
     partFaces->AppendCopies(*m_object.GetFaceList(), m_live.data(), static_cast<int>(m_live.size()), m_points);
     C3DPointList* partPoints = C3DPointList::Create(m_object.GetPointList());
-    const std::vector<int>& used = m_points.GetUsed();
+    const CBlockVector<int>& used = m_points.GetUsed();
     partPoints->SetSize(static_cast<int>(used.size()), false, 0);
     partPoints->GatherPoints(0, *m_object.GetPointList(), used.data(), static_cast<int>(used.size()));
 
@@ -78,7 +79,7 @@ CChannel* CSubObjectCutter::CutChannel(const CChannel& channel, Renumbering& num
     const bool byFace = channel.GetFaceList() && part->GetFaceList();
     if (byFace)
         part->GetFaceList()->AppendCopies(*channel.GetFaceList(), m_live.data(), static_cast<int>(m_live.size()), numbers);
-    const std::vector<int>& used = byFace ? numbers.GetUsed() : m_points.GetUsed();
+    const CBlockVector<int>& used = byFace ? numbers.GetUsed() : m_points.GetUsed();
     const int count = static_cast<int>(used.size());
     const bool filled = count > 0 && channel.GetPointList() && part->GetPointList()->SetSize(count, false, 0) &&
                         part->GetPointList()->GatherPoints(0, *channel.GetPointList(), used.data(), count);
@@ -98,7 +99,7 @@ C3DObject* C3DGeomObject::SubObject(int corners, _SUBOBJECT_MODE mode)
     if (!m_faces || (mode != SUBOBJECT_EXACT && mode != SUBOBJECT_MORE))
         return nullptr;
     const CFaceFlags flags(*m_faces);
-    std::vector<int> fitting;
+    CBlockVector<int> fitting;
     for (int face = 0; face < m_faces->GetSize(); face++) {
         const int size = static_cast<int>(m_faces->GetIndexCollection().GetItemCount(static_cast<unsigned int>(face)));
         if (!flags.IsDead(face) && (mode == SUBOBJECT_EXACT ? size == corners : size > corners))

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <vector>
-
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 /// Cuts objects out of one object. The tables that this takes are made once, so that many small parts cost what they hold.
 class ZEL_API CSubObjectCutter {
@@ -22,18 +21,18 @@ private:
         void Reset();
         /// The new number of a point, the next one when it is met for the first time; -1 for one that is not there.
         int operator()(int point);
-        const std::vector<int>& GetUsed() const { return m_used; }
+        const CBlockVector<int>& GetUsed() const { return m_used; }
 
     private:
-        std::vector<int> m_numbers;    // by old number; -1
-        std::vector<int> m_used;       // old numbers, by new number
+        CBlockVector<int> m_numbers;    // by old number; -1
+        CBlockVector<int> m_used;       // old numbers, by new number
     };
 
     void ListLiveFaces(const int* faces, unsigned int count);
     CChannel* CutChannel(const CChannel& channel, Renumbering& numbers);
 
     C3DGeomObject& m_object;
-    std::vector<int> m_live;
+    CBlockVector<int> m_live;
     Renumbering m_points;
-    std::vector<Renumbering> m_channelPoints;    // by channel
+    CBlockVector<Renumbering> m_channelPoints;    // by channel
 };

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <memory>
 #include <unordered_map>
-#include <vector>
 
 #include "channels/Block.h"
 #include "geometry/3DPointList.h"
@@ -19,6 +18,7 @@
 #include "geometry/FaceList.h"
 #include "meshops/FiniteBox.h"
 #include "meshops/IntCoordMap.h"
+#include "tools/BlockVector.h"
 #include "tools/HashMix.h"
 
 C3DPointSymetryMap::~C3DPointSymetryMap() = default;
@@ -176,8 +176,8 @@ private:
     }
 
     const C3DTPoint<float>* m_points;
-    std::vector<int> m_items;
-    std::vector<Node> m_nodes;
+    CBlockVector<int> m_items;
+    CBlockVector<Node> m_nodes;
 };
 
 /// The lowest point at each place.

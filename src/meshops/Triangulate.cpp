@@ -16,6 +16,7 @@
 #include "meshops/EarClipping.h"
 #include "meshops/GatherFaces.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -130,7 +131,7 @@ private:
         }
     }
 
-    std::vector<int, XBlockAllocator<int>> m_from;    // source face by face of the result
+    CBlockVector<int> m_from;    // source face by face of the result
     EarArray m_ears;
 };
 

@@ -19,6 +19,7 @@
 #include "geometry/3DVectorList.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -185,8 +186,8 @@ public:
     {
         const CUVWFaceList& old = *m_channel.GetUVWFaceList();
         const int count = m_object.GetFaceNbr();
-        std::vector<unsigned int> sizes(count), flags(count);
-        std::vector<int> corners;
+        CBlockVector<unsigned int> sizes(count), flags(count);
+        CBlockVector<int> corners;
         corners.reserve(old.GetIndexMemory() / sizeof(int) + std::size_t(count) * 3);
         m_used = m_channel.GetPointList()->GetSize();
         m_channel.GetPointList()->SetSize(m_used + static_cast<int>(m_numbers.size()));
@@ -206,8 +207,8 @@ public:
 
 private:
     template <class AXIS>
-    void Map(unsigned int material, const CUVWFaceList& old, std::vector<unsigned int>& sizes, std::vector<unsigned int>& flags,
-             std::vector<int>& corners, AXIS axisOf)
+    void Map(unsigned int material, const CUVWFaceList& old, CBlockVector<unsigned int>& sizes, CBlockVector<unsigned int>& flags,
+             CBlockVector<int>& corners, AXIS axisOf)
     {
         const C3DFaceList& faces = *m_object.GetFaceList();
         const CFaceFlags oldFlags(old);
@@ -248,7 +249,7 @@ private:
     const CMaterialMap& m_map;
     const Projection m_projection;
     CUVWChannel& m_channel;
-    std::vector<int> m_numbers;    // by point, for a box by point and axis
+    CBlockVector<int> m_numbers;    // by point, for a box by point and axis
     int m_used = 0;
 };
 
@@ -260,9 +261,9 @@ CMaterialMap* GetProjectedMap(const C3DScene& scene, unsigned int material)
 }
 
 // The ids that the object uses, in the order of its table, which changes of the object take away.
-std::vector<unsigned int> ListMaterials(C3DGeomObject& object)
+CBlockVector<unsigned int> ListMaterials(C3DGeomObject& object)
 {
-    std::vector<unsigned int> materials;
+    CBlockVector<unsigned int> materials;
     if (const C3DGeomObject::MaterialMap* used = object.GetMaterialsHashMap(true))
         for (const auto& entry : *used)
             materials.push_back(entry.first);
@@ -302,7 +303,7 @@ bool C3DGeomObject::GenerateUVW(C3DScene* scene)
 {
     if (!scene)
         return false;
-    std::vector<unsigned int> made;
+    CBlockVector<unsigned int> made;
     for (const unsigned int material : ListMaterials(*this))
         if (CMaterialMap* map = GetProjectedMap(*scene, material))
             if (const unsigned int id = CreateUVWChannel(map, material, false); GetChannelByID(id, CHANNEL_UVW))
@@ -322,7 +323,7 @@ bool C3DScene::GenerateUVW()
     for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
         generated |= object->GenerateUVW(this);
-        for (const unsigned int material : generated ? ListMaterials(*object) : std::vector<unsigned int>())
+        for (const unsigned int material : generated ? ListMaterials(*object) : CBlockVector<unsigned int>())
             if (CMaterialMap* map = GetProjectedMap(*this, material)) {
                 if (CChannel* channel = object->GetChannelByID(map->GetChannelID(), CHANNEL_UVW))
                     channel->SetFlag(CHANNEL_UNFOLLOWED, false);

@@ -22,6 +22,7 @@
 #include "geometry/GeomInfo.h"
 #include "meshops/UnifyTagger.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 
 namespace {
 
@@ -66,7 +67,7 @@ private:
     void FollowSheet(const unsigned int* faces, unsigned int count);
     void PrepareFollowing(const unsigned int* faces, unsigned int count);
     void Tell(int face);
-    std::vector<Turned>* GetNews(int point, bool ask);
+    CBlockVector<Turned>* GetNews(int point, bool ask);
     unsigned int OpenNews(int point);
     bool Follow(int face);
     bool LiesAlong(const C3DTVector<float> (&edges)[2], int face, int point) const;
@@ -84,20 +85,20 @@ private:
     CBitArray& m_flipped;
     CBitArray m_visited;
     C3DTPoint<float> m_min, m_max;
-    std::vector<int> m_sheet;    // the flood's queue: in the end all faces of the sheet
+    CBlockVector<int> m_sheet;    // the flood's queue: in the end all faces of the sheet
 
     // Of groups with several sheets; made for the first of them.
-    bool m_numbered = false;                    // m_places holds for the group
-    std::vector<int> m_places;                  // in the group, by face
-    unsigned int m_round = 0;                   // counts the floods that left faces
-    int m_place = -1;                           // of the face that looks
-    std::vector<unsigned int> m_askedIn;        // round, by face
-    std::vector<unsigned int> m_pointRounds;    // for which m_newsOf holds, by point
-    std::vector<unsigned int> m_newsOf;         // index into m_news, or NONE where no face is left, by point
-    std::vector<std::vector<Turned>> m_news;    // turned faces around a point that those left have not looked at yet, ascending
+    bool m_numbered = false;                     // m_places holds for the group
+    CBlockVector<int> m_places;                  // in the group, by face
+    unsigned int m_round = 0;                    // counts the floods that left faces
+    int m_place = -1;                            // of the face that looks
+    CBlockVector<unsigned int> m_askedIn;        // round, by face
+    CBlockVector<unsigned int> m_pointRounds;    // for which m_newsOf holds, by point
+    CBlockVector<unsigned int> m_newsOf;         // index into m_news, or NONE where no face is left, by point
+    std::vector<CBlockVector<Turned>> m_news;    // turned faces around a point that those left have not looked at yet, ascending
     unsigned int m_newsCount = 0;
-    std::vector<int> m_late;    // turned in the last round: faces that stand before them have not looked at them
-    std::priority_queue<int, std::vector<int>, std::greater<>> m_asked;    // places of the faces that are to look
+    CBlockVector<int> m_late;    // turned in the last round: faces that stand before them have not looked at them
+    std::priority_queue<int, CBlockVector<int>, std::greater<>> m_asked;    // places of the faces that are to look
 };
 
 void CUnifyTagger::Run::Unify(const unsigned int* faces, unsigned int count)
@@ -195,7 +196,7 @@ void CUnifyTagger::Run::Tell(int face)
     const int* corners = m_faces.GetIndexes(face, size);
     Turned turned{-1, {}};
     for (int k = 0; k < size; k++)
-        if (std::vector<Turned>* news = GetNews(corners[k], true)) {
+        if (CBlockVector<Turned>* news = GetNews(corners[k], true)) {
             if (turned.face < 0)
                 turned = {face, GetNormal(face)};
             const auto place = std::lower_bound(news->begin(), news->end(), turned);
@@ -205,7 +206,7 @@ void CUnifyTagger::Run::Tell(int face)
 }
 
 // Null where there are none. `ask` opens the list of a point, and queues the faces around.
-std::vector<CUnifyTagger::Run::Turned>* CUnifyTagger::Run::GetNews(int point, bool ask)
+CBlockVector<CUnifyTagger::Run::Turned>* CUnifyTagger::Run::GetNews(int point, bool ask)
 {
     if (static_cast<std::size_t>(point) >= m_pointRounds.size())
         return nullptr;
@@ -248,7 +249,7 @@ bool CUnifyTagger::Run::Follow(int face)
     const int* corners = m_faces.GetIndexes(face, size);
     const C3DTVector<float> normal = GetNormal(face);
     for (int k = 0; k < size; k++) {
-        const std::vector<Turned>* news = GetNews(corners[k], false);
+        const CBlockVector<Turned>* news = GetNews(corners[k], false);
         C3DTVector<float> edges[2];
         if (!news || !GetEdgesAt(face, k, edges))
             continue;

@@ -8,7 +8,6 @@
 #include <bit>
 #include <cstdarg>
 #include <unordered_map>
-#include <vector>
 
 #include "channels/Block.h"
 #include "channels/DependentChannels.h"
@@ -16,6 +15,7 @@
 #include "geometry/GeomInfo.h"
 #include "meshops/CellTable.h"
 #include "scene/GeomObject.h"
+#include "tools/BlockVector.h"
 #include "tools/HashMix.h"
 #include "tools/Progress.h"
 
@@ -49,7 +49,7 @@ private:
                 return true;
         return false;
     }
-    std::vector<Pair> m_pairs;
+    CBlockVector<Pair> m_pairs;
 };
 
 /// The plan. Told point by point it is this: each point i in order that nobody has taken yet becomes a source; it takes each point j of its
@@ -192,7 +192,7 @@ private:
     }
     std::size_t MakeList(unsigned int entry)
     {
-        std::vector<unsigned int>& list = m_scratch;
+        CBlockVector<unsigned int>& list = m_scratch;
         list.clear();
         m_cells.ForSurroundings(m_cells[entry].cell, [&](unsigned int near) {
             for (unsigned int source = m_cells[near].value.own; source != NONE; source = m_sources[source].next)
@@ -253,14 +253,14 @@ private:
     int m_count;
     const CWeldConditions& m_conditions;
     Table m_cells;
-    std::vector<Source> m_sources;
+    CBlockVector<Source> m_sources;
     CBlock<unsigned int> m_target;    ///< after pass 1 the cell of a point that will be joined, or STAYS
     bool m_merges = false;
 
     CBlock<std::size_t> m_lists;    ///< by cell: where its list is; 0 for none yet
-    std::vector<unsigned int> m_pool{0};
+    CBlockVector<unsigned int> m_pool{0};
     std::unordered_map<Place, unsigned int, PlaceHash> m_owners;
-    std::vector<unsigned int> m_around, m_scratch;
+    CBlockVector<unsigned int> m_around, m_scratch;
 };
 
 /// True when a corner moved, or a point of a cloud goes.

@@ -39,6 +39,7 @@ protected:
     void Subdivide(int level);
     void Subdivide3(C3DObject* object);    // m_level times
     void Subdivide4(C3DObject* object);
+    C3DObject* Join(const CXArray<C3DGeomObject*, C3DGeomObject*>& parts);
 
 private:
     int m_level = -1;

@@ -122,7 +122,7 @@ private:
         unsigned char* bytes;
         std::size_t size;
     };
-    static constexpr int MOST_BLOCKS = 8;
+    static constexpr int MOST_BLOCKS = 32;
     static constexpr std::size_t MOST_BYTES = std::size_t{256} << 20;
 
     Block Remove(int index)

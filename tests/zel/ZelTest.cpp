@@ -147,10 +147,14 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
         const char* steps;
         int objects, faces;    // afterwards; -1 is not looked at
     } rows[] = {
-        {"--triangulate", 6, 1116 - 2 * 265},           {"--quadrangulate", 6, -1},
-        {"--weld --clean --unify-normals", 6, -1},      {"--triangulate --merge-coplanar=0.1", 6, -1},
-        {"--global-coordinates --concatenate", 1, 759}, {"--concatenate --explode --concatenate", 1, 759},
-        {"--concatenate-by-materials", 4, 759},         {"--concatenate --slice=100 --concatenate", 1, 759},
+        {"--triangulate", 6, 1116 - 2 * 265},
+        {"--quadrangulate", 6, -1},
+        {"--weld --clean --unify-normals", 6, -1},
+        {"--triangulate --merge-coplanar=0.1", 6, -1},
+        {"--global-coordinates --concatenate", 1, 759},
+        {"--concatenate --explode --concatenate", 1, 759},
+        {"--concatenate-by-materials", 4, 759},
+        {"--concatenate --slice=100 --concatenate", 1, 759},
         {"--flip-normals --disconnect-faces --generate-uv", 6, 265},
     };
     for (const auto& row : rows) {
