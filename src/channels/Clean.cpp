@@ -127,8 +127,10 @@ bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
     runs.FillMap(map, m_size);
     if (runs.GetKept() == 0)
         RemoveAll();
-    else
+    else {
+        runs.Move(m_chunks);
         CompressFaces(map, runs.GetKept());
+    }
     SetFlag(FACELIST_CHANGED, true);
     return true;
 }
@@ -173,6 +175,8 @@ class CRepetitionWalk {
 public:
     static bool HasRepetition(const int* corners, int count)
     {
+        if (count == 3)
+            return corners[0] == corners[1] || corners[1] == corners[2] || corners[2] == corners[0];
         for (int k = 0; k < count; k++) {
             const int next = k + 1 < count ? k + 1 : 0, second = next + 1 < count ? next + 1 : 0;
             if (corners[k] == corners[next] || corners[k] == corners[second])
@@ -246,17 +250,13 @@ void CFaceList::CleanPointsIndex(const CGeomInfo* info)
     const CFaceFlags flags(*this);
     CRepetitionWalk walk;
     bool cut = false;
-    for (int face = 0; face < m_size; face++) {
-        if (flags.IsDead(face))
-            continue;
-        int count;
-        int* corners = GetIndexes(face, count);
+    ForEachLiveFace([&](int face, int* corners, int count) {
         bool dead = count < 3;
         if (!dead && CRepetitionWalk::HasRepetition(corners, count)) {
             dead = count == 3;
             if (!dead) {
                 count = walk.Run(corners, count);
-                m_indexes.SetEntrySize(face, count, true);
+                m_indexes.SetEntrySize(face, count, true);    // no larger: it stays where it is
                 for (CFaceList* follower : followers)
                     CutFollower(*follower, face, walk);
                 dead = count < 3;
@@ -264,11 +264,11 @@ void CFaceList::CleanPointsIndex(const CGeomInfo* info)
             }
         }
         if (!dead)
-            continue;
+            return;
         flags[face] |= FACE_INVALID;
         for (CFaceList* follower : followers)
             follower->SetFaceFlags(face, FACE_DEAD, true);
-    }
+    });
     if (!cut)
         return;
     SetFlag(FACELIST_CHANGED, true);

@@ -21,19 +21,6 @@ namespace {
 
 constexpr unsigned int FEW = 16;    // up to here a search costs less than memory
 
-// Calls `body(corners, count, face)` for each live face.
-template <class BODY> void ForEachLiveFace(const CFaceList& faces, BODY body)
-{
-    const CFaceFlags flags(faces);
-    for (int face = 0, size = faces.GetSize(); face < size; face++) {
-        if (flags.IsDead(static_cast<unsigned int>(face)))
-            continue;
-        int count;
-        const int* corners = faces.GetIndexes(static_cast<unsigned int>(face), count);
-        body(corners, count, face);
-    }
-}
-
 // Passes the corners of a face on, each point once, the first time that it comes.
 class DistinctCorners {
 public:
@@ -148,12 +135,11 @@ template <class PLACE> static void BuildPointGraph(const CFaceList& faces, unsig
     CBlockVector<PLACE> table(pointCount, 0);
     PLACE* const byPoint = table.data();    // the number of its faces, then the place of its next one
     DistinctCorners distinct(pointCount);
-    ForEachLiveFace(faces, [&](const int* corners, int count, int face) {
-        distinct.Visit(corners, count, face, [&](int point) { byPoint[point]++; });
-    });
+    faces.ForEachLiveFace(
+        [&](int face, const int* corners, int count) { distinct.Visit(corners, count, face, [&](int point) { byPoint[point]++; }); });
     int* const pool = graph.InitPlaces(pointCount, byPoint);
     distinct = DistinctCorners(pointCount);
-    ForEachLiveFace(faces, [&](const int* corners, int count, int face) {
+    faces.ForEachLiveFace([&](int face, const int* corners, int count) {
         distinct.Visit(corners, count, face, [&](int point) { pool[byPoint[point]++] = face; });
     });
 }
@@ -187,7 +173,7 @@ void CFaceList::CreateEdgeToFaceGraph()
     int owners[BATCH];
     unsigned int pending = 0;
     const auto flush = [&] { graph.AddAll(edges, owners, std::exchange(pending, 0)); };
-    ForEachLiveFace(*this, [&](const int* corners, int count, int face) {
+    ForEachLiveFace([&](int face, const int* corners, int count) {
         for (int k = 0; k < count; k++) {
             edges[pending] = C3DEdge(corners[k], corners[k + 1 < count ? k + 1 : 0]);
             owners[pending] = face;

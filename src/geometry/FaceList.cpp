@@ -178,10 +178,6 @@ void CFaceList::RemoveAll()
 
 void CFaceList::CompressFaces(const unsigned int* target, unsigned int kept)
 {
-    std::vector<unsigned int> order(m_size);    // the faces that stay, then the others
-    for (unsigned int i = 0, dropped = kept; i < order.size(); i++)
-        order[target[i] != 0xFFFFFFFF ? target[i] : dropped++] = i;
-    m_chunks.Reorder(order.data(), order.size(), false);
     DropSurplus();
     m_indexes.Compress(target, kept);
     m_size = static_cast<int>(kept);
@@ -224,7 +220,7 @@ bool CFaceList::AppendFaces(int count, const unsigned int* sizes, const int* ind
     return true;
 }
 
-std::vector<unsigned int> CFaceList::GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform)
+CBlockVector<unsigned int> CFaceList::GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform)
 {
     const CFaceFlags flags(source);
     const auto size = [&](int k) {
@@ -237,7 +233,7 @@ std::vector<unsigned int> CFaceList::GetSizes(const CFaceList& source, const int
         k++;
     if (k == count)
         return {};
-    std::vector<unsigned int> sizes(static_cast<std::size_t>(count), uniform);
+    CBlockVector<unsigned int> sizes(static_cast<std::size_t>(count), uniform);
     for (; k < count; k++)
         sizes[static_cast<std::size_t>(k)] = size(k);
     return sizes;

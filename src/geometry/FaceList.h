@@ -2,11 +2,11 @@
 
 #include <concepts>
 #include <memory>
-#include <vector>
 
 #include "geometry/ConnectionInfo.h"
 #include "geometry/DataChunk.h"
 #include "geometry/Face.h"
+#include "tools/BlockVector.h"
 #include "tools/ElementArray.h"
 #include "tools/FourCC.h"
 #include "tools/Hash.h"
@@ -206,13 +206,16 @@ public:
     /// Faces of sizes[k] corners each, from a flat array that holds them one after the other.
     bool AppendFaces(int count, const unsigned int* sizes, const int* indexes);
 
+    /// `visit(int face, int* corners, int count)` for each live face, in order. It leaves the list alone, but for corners and flags.
+    template <class VISIT> void ForEachLiveFace(VISIT&& visit) const;
+
     /// Copies of the faces faces[0], faces[1] ... of another list (null: all, from the first on): chunk data, flags included, and
     /// corners, each through `map`, called in order. A dead face comes without corners.
     template <class MAP> bool AppendCopies(const CFaceList& source, const int* faces, int count, MAP&& map)
     {
         const int first = m_size;
         unsigned int corners;
-        const std::vector<unsigned int> sizes = GetSizes(source, faces, count, corners);
+        const CBlockVector<unsigned int> sizes = GetSizes(source, faces, count, corners);
         const auto fill = [&](int* to, unsigned int k) {
             unsigned int all;
             const int* from = source.m_indexes.GetItems(faces ? static_cast<unsigned int>(faces[k]) : k, all);
@@ -334,8 +337,8 @@ protected:
     /// Takes repeated corners out of live faces and marks what is left with fewer than 3 corners; the source channels
     /// lose the same corners.
     void CleanPointsIndex(const CGeomInfo* info);
-    /// Keeps the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. Chunk data moves
-    /// along, memory is trimmed. Marks nothing.
+    /// Keeps the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. Their chunk data stands at its new
+    /// place already; memory is trimmed. Marks nothing.
     void CompressFaces(const unsigned int* target, unsigned int kept);
 
     CFaceList();
@@ -359,7 +362,7 @@ protected:
 private:
     unsigned int GetCornerChecksum() const;
     /// Number of corners of each face, 0 for a dead one; empty when all have as many, which then is `uniform`.
-    static std::vector<unsigned int> GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform);
+    static CBlockVector<unsigned int> GetSizes(const CFaceList& source, const int* faces, int count, unsigned int& uniform);
     bool PrepareAppend(int count);
     void FinishAppend(int count);
     void ClearCorners(unsigned int first, unsigned int end);
@@ -389,3 +392,12 @@ private:
     unsigned char* m_words;
     std::size_t m_stride;    // 0 when the list has no main chunk: all faces are dead then
 };
+
+template <class VISIT> void CFaceList::ForEachLiveFace(VISIT&& visit) const
+{
+    const CFaceFlags flags(*this);
+    m_indexes.ForEach(static_cast<unsigned int>(m_size), [&](unsigned int face, int* corners, unsigned int count) {
+        if (!flags.IsDead(face))
+            visit(static_cast<int>(face), corners, static_cast<int>(count));
+    });
+}

@@ -3,7 +3,6 @@
 #include "geometry/ElementMethods.h"
 #include "geometry/FaceList.h"
 #include "tools/Archive.h"
-#include "tools/BitArray.h"
 #include "tools/Exception.h"
 
 ZEL_IMPLEMENT_DYNAMIC(CPointList, CElementArray)
@@ -217,21 +216,15 @@ void CPointList::SetInvalidPoints(CFaceList* faces, bool keep)
     if (!keep)
         SetPointsFlags(POINT_INVALID, false);
     const unsigned int pointCount = static_cast<unsigned int>(GetSize());
-    CBitArray unused(pointCount, true);
-    if (faces) {
-        const CFaceFlags flags(*faces);
-        for (int face = 0; face < faces->GetSize(); face++) {
-            if (flags.IsDead(static_cast<unsigned int>(face)))
-                continue;
-            int cornerCount;
-            const int* corners = faces->GetIndexes(static_cast<unsigned int>(face), cornerCount);
-            for (int k = 0; k < cornerCount; k++)
+    CBlockVector<unsigned char> used(pointCount, 0);
+    if (faces)
+        faces->ForEachLiveFace([&, used = used.data()](int, const int* corners, int count) {
+            for (int k = 0; k < count; k++)
                 if (static_cast<unsigned int>(corners[k]) < pointCount)
-                    unused.SetAt(static_cast<unsigned int>(corners[k]), false);
-        }
-    }
+                    used[corners[k]] = 1;
+        });
     CPt* point = GetFirst();
     for (unsigned int i = 0; i < pointCount; i++, point = GetNext(point))
-        if (unused[i])
+        if (!used[i])
             point->flags |= POINT_INVALID;
 }

@@ -99,18 +99,13 @@ Edges::Edges(const CFaceList& faces, int points, int corners)
 // `visit(smaller end, larger end, number of the side)`.
 template <class VISIT> void Edges::ForEachSide(int points, VISIT visit) const
 {
-    const CFaceFlags flags(m_faces);
-    for (int face = 0; face < m_faces.GetSize(); face++) {
-        int size;
-        const int* corners = m_faces.GetIndexes(face, size);
-        if (size != static_cast<int>(m_corners) || flags.IsDead(face))
-            continue;
-        for (int k = 0; k < size; k++) {
+    m_faces.ForEachLiveFace([&](int face, const int* corners, int size) {
+        for (int k = 0; k < size && size == static_cast<int>(m_corners); k++) {
             const auto [a, b] = std::minmax(corners[k], corners[k + 1 < size ? k + 1 : 0]);
             if (a >= 0 && b < points)
                 visit(a, b, static_cast<unsigned int>(face) * m_corners + k);
         }
-    }
+    });
 }
 
 /// What a new point of a list is made of.

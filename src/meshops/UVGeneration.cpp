@@ -184,48 +184,58 @@ public:
 
     void Run(unsigned int material)
     {
-        const CUVWFaceList& old = *m_channel.GetUVWFaceList();
-        const int count = m_object.GetFaceNbr();
-        CBlockVector<unsigned int> sizes(count), flags(count);
-        CBlockVector<int> corners;
-        corners.reserve(old.GetIndexMemory() / sizeof(int) + std::size_t(count) * 3);
         m_used = m_channel.GetPointList()->GetSize();
         m_channel.GetPointList()->SetSize(m_used + static_cast<int>(m_numbers.size()));
+        m_uvw = m_channel.GetUVWPointList()->GetFirst();
+        CUVWFaceList* faces = CUVWFaceList::Create(m_channel.GetUVWFaceList());
         if (m_projection.IsBox())
-            Map(material, old, sizes, flags, corners, [this, axes = FaceAxes(m_object, m_map)](int face) { return axes[face]; });
+            Map(material, *faces, [axes = FaceAxes(m_object, m_map)](int face) { return axes[face]; });
         else
-            Map(material, old, sizes, flags, corners, [](int) { return 0; });
+            Map(material, *faces, [](int) { return 0; });
         m_channel.GetPointList()->SetSize(m_used);
-
-        CUVWFaceList* faces = CUVWFaceList::Create(&old);
-        faces->AppendFaces(count, sizes.data(), corners.data());
-        const CFaceFlags words(*faces);
-        for (int face = 0; face < count; face++)
-            words[face] = flags[face];
         m_channel.SetFaceList(CHANNEL_UVW, faces, true);
     }
 
 private:
-    template <class AXIS>
-    void Map(unsigned int material, const CUVWFaceList& old, CBlockVector<unsigned int>& sizes, CBlockVector<unsigned int>& flags,
-             CBlockVector<int>& corners, AXIS axisOf)
+    // Faces of the material get new corners, all others keep what they have; beyond the old list that is nothing.
+    template <class AXIS> void Map(unsigned int material, CUVWFaceList& to, AXIS axisOf)
     {
         const C3DFaceList& faces = *m_object.GetFaceList();
-        const CFaceFlags oldFlags(old);
-        for (int face = 0; face < faces.GetSize(); face++) {
-            int size;
-            if (faces.GetFaceMaterial(face) != material) {
-                const int* kept = old.GetIndexes(face, size);
-                corners.insert(corners.end(), kept, kept + size);
-                flags[face] = oldFlags[face];
-            } else {
-                const int* points = faces.GetIndexes(face, size);
-                const int axis = axisOf(face);
-                for (int k = 0; k < size; k++)
-                    corners.push_back(GetNumber(points[k], axis));
-            }
-            sizes[face] = static_cast<unsigned int>(size);
+        const CUVWFaceList& old = *m_channel.GetUVWFaceList();
+        const int count = faces.GetSize();
+        CBlockVector<unsigned int> sizes(count);
+        CBlockVector<int> kept;
+        bool uniform = true;
+        for (int face = 0; face < count; face++) {
+            const bool isOld = faces.GetFaceMaterial(face) != material;
+            if (isOld)
+                kept.push_back(face);
+            sizes[face] =
+                (isOld ? old : static_cast<const CFaceList&>(faces)).GetIndexCollection().GetItemCount(static_cast<unsigned int>(face));
+            uniform &= sizes[face] == sizes[0];
         }
+        std::size_t next = 0;
+        const auto fill = [&](int* corners, unsigned int k) {
+            const int face = static_cast<int>(k);
+            int size;
+            if (next < kept.size() && kept[next] == face) {
+                const int* from = old.GetIndexes(face, size);
+                std::copy_n(from, size, corners);
+                next++;
+                return;
+            }
+            const int* points = faces.GetIndexes(face, size);
+            const int axis = axisOf(face);
+            for (int i = 0; i < size; i++)
+                corners[i] = GetNumber(points[i], axis);
+        };
+        if (uniform && count > 0)
+            to.AppendFaces(count, static_cast<int>(sizes[0]), fill);
+        else
+            to.AppendFaces(count, sizes.data(), fill);
+        const CFaceFlags flags(to), oldFlags(old);
+        for (const int face : kept)
+            flags[face] = face < old.GetSize() ? oldFlags[face] : FACE_EMPTY;
     }
 
     // The channel point of a point, made when it is met for the first time; 0 for a point that is not there.
@@ -238,7 +248,7 @@ private:
             number = m_used++;
             const C3DTPoint<float>& place = *m_points.ElementAt(point);
             const UV uv = m_projection.IsBox() ? m_projection.ProjectAlong(place, axis) : m_projection.Project(place);
-            CUVWPoint& to = *(*m_channel.GetUVWPointList())[number];
+            CUVWPoint& to = m_uvw[number];
             to.u = static_cast<float>(uv.u), to.v = static_cast<float>(uv.v);
         }
         return number;
@@ -251,6 +261,7 @@ private:
     CUVWChannel& m_channel;
     CBlockVector<int> m_numbers;    // by point, for a box by point and axis
     int m_used = 0;
+    CUVWPoint* m_uvw = nullptr;    // the channel's points
 };
 
 CMaterialMap* GetProjectedMap(const C3DScene& scene, unsigned int material)
@@ -288,8 +299,6 @@ unsigned int C3DGeomObject::CreateUVWChannel(CMaterialMap* map, unsigned int mat
         channel = new CUVWChannel(id);
         channel->SetFlag(CHANNEL_UNFOLLOWED, true);
     }
-    if (channel->GetFaceList()->GetSize() < m_faces->GetSize())
-        channel->GetFaceList()->SetSizeAndFlags(m_faces->GetSize(), FACE_EMPTY);
     Mapper(*this, *map, *channel).Run(materialID);
     if (freeExtra)
         channel->GetFaceList()->FreeExtra();

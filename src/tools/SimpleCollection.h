@@ -119,9 +119,27 @@ public:
     std::uint64_t GetLiveSize() const
     {
         std::uint64_t size = 0;
-        for (unsigned int i = 0; i < m_entryCount; i++)
-            size += EntryBytes(HeaderAt(i)->count);
+        ForEach(m_entryCount, [&](unsigned int, const T*, unsigned int count) { size += EntryBytes(count); });
         return size;
+    }
+
+    /// `visit(unsigned int entry, T* items, unsigned int count)` for the first `entries` ones, in order. It leaves the collection alone, but
+    /// for the items.
+    template <class VISIT> void ForEach(unsigned int entries, VISIT&& visit) const
+    {
+        entries = std::min(entries, m_entryCount);
+        const auto visitAt = [&](unsigned int entry, unsigned char* bytes) {
+            Header* const header = reinterpret_cast<Header*>(bytes);
+            visit(entry, ItemsOf(header), static_cast<unsigned int>(header->count));
+        };
+        unsigned char* const pool = m_pool;
+        std::uint64_t base, stride;
+        if (m_offsets.IsProgression(base, stride))    // no question an entry which form the offsets have
+            for (unsigned int i = 0; i < entries; i++)
+                visitAt(i, pool + base + i * stride);
+        else
+            for (unsigned int i = 0; i < entries; i++)
+                visitAt(i, pool + m_offsets[i]);
     }
 
     /// Brings an entry that is about to be used into the cache.
@@ -408,6 +426,9 @@ public:
     /// drops it. The pool comes out compact.
     void Compress(const unsigned int* target, unsigned int kept)
     {
+        std::uint64_t base, stride;
+        if (m_offsets.IsProgression(base, stride) && base + stride * m_entryCount >= base)
+            return CloseUp(target, kept);    // entries lie in their order: each moves down at once
         COffsetArray offsets;
         offsets.PreAllocate(kept);
         for (unsigned int i = 0; i < m_entryCount; i++)
@@ -445,6 +466,30 @@ private:
     Header* HeaderAt(unsigned int entry) { return reinterpret_cast<Header*>(m_pool + m_offsets[entry]); }
     const Header* HeaderAt(unsigned int entry) const { return reinterpret_cast<const Header*>(m_pool + m_offsets[entry]); }
     T* ItemsAt(unsigned int entry) { return ItemsOf(HeaderAt(entry)); }
+
+    void CloseUp(const unsigned int* target, unsigned int kept)
+    {
+        COffsetArray offsets;
+        offsets.PreAllocate(kept);
+        std::uint64_t used = 0;
+        ForEach(m_entryCount, [&](unsigned int entry, const T* items, unsigned int count) {
+            if (target[entry] == 0xFFFFFFFF)
+                return;
+            offsets.Append(used);
+            Header* const header = reinterpret_cast<Header*>(m_pool + used);
+            if (count == 3) {    // by far the most frequent size: no call
+                T three[3] = {items[0], items[1], items[2]};
+                std::memcpy(ItemsOf(header), three, sizeof(three));
+            } else
+                std::memmove(ItemsOf(header), items, count * sizeof(T));
+            *header = {static_cast<S>(count), static_cast<S>(count)};
+            used += EntryBytes(count);
+        });
+        m_offsets.Swap(offsets);
+        m_entryCount = m_offsets.GetSize();
+        m_poolUsed = used;
+        TrimPool();
+    }
 
     std::uint64_t Margin(std::uint64_t required) const { return std::max<std::uint64_t>(required / 4, EntryBytes(m_defaultCapacity)); }
 
