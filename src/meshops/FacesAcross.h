@@ -1,8 +1,9 @@
 #pragma once
 
-#include "tools/BlockVector.h"
 #include <cstdint>
 #include <utility>
+
+#include "tools/BlockVector.h"
 
 class C3DFaceList;
 class C3DPointList;
