@@ -246,7 +246,7 @@ void CFaceList::Inherit(const CFaceList& model)
     if (&model == this)
         return;
     m_flags = 0;
-    m_chunks.InitDataChunks(model.m_chunks, 0xFFFFFFFF);
+    m_chunks.InitDataChunks(model.m_chunks, static_cast<unsigned int>(m_size));
 }
 
 CFaceList& CFaceList::operator=(const CFaceList& model)

@@ -58,7 +58,7 @@ public:
     virtual CFace* CreateFace() = 0;
     /// Mask 4: corners of the live faces; mask 8: chunks. 0 for an empty list.
     virtual unsigned int GetChecksum(unsigned int mask) const;
-    /// Takes the model's inherited chunks, with default elements; clears the list flags.
+    /// Takes the model's inherited chunks, with default elements, one a face of this list; clears the list flags.
     virtual void Inherit(const CFaceList& model);
     /// Becomes a copy: chunks, corners; drops the graphs and marks the list changed.
     virtual CFaceList& operator=(const CFaceList& model);

@@ -14,7 +14,7 @@ void CPointList::Init(CElementMethods* methods, const CPointList* model)
     SetMethods(methods);
     DeleteMe(methods);
     if (model)
-        m_chunks.InitDataChunks(model->m_chunks, 0xFFFFFFFF);
+        m_chunks.InitDataChunks(model->m_chunks, 0);
 }
 
 void CPointList::Serialize(CXArchive& ar)
@@ -82,7 +82,7 @@ int CPointList::GetChecksumStart() const
 void CPointList::Inherit(const CPointList& model)
 {
     m_listFlags = model.m_listFlags;
-    m_chunks.InitDataChunks(model.m_chunks, 0xFFFFFFFF);
+    m_chunks.InitDataChunks(model.m_chunks, static_cast<unsigned int>(GetSize()));
 }
 
 CPointList& CPointList::operator=(const CPointList& other)

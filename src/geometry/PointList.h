@@ -37,7 +37,7 @@ public:
     CElementArray* Duplicate(bool data) const override;
     /// Mask 1: coordinates; 2: flags. Points with POINT_INVALID do not count.
     virtual unsigned int GetChecksum(unsigned int mask) const;
-    /// Takes the list flags and the inherited chunks of the model. Chunks may have the model's size until the next SetSize.
+    /// Takes the list flags and the inherited chunks of the model. Their elements are default ones, one a point of this list.
     virtual void Inherit(const CPointList& model);
     /// Becomes a copy: flags, chunks, points (converted when of another class); marks the list changed.
     virtual CPointList& operator=(const CPointList& other);
