@@ -57,6 +57,8 @@ public:
     void FreeExtra();
     /// `grow` for every chunk; 0 when there is none.
     int SetGrowFactor(int grow);
+    /// What the last SetDataSize was told.
+    int GetGrowFactor() const { return m_grow; }
 
     /// Takes the model's inherited chunks, with `n` default elements (0xFFFFFFFF: as many as the model has).
     void InitDataChunks(const CDataChunk& model, unsigned int n);

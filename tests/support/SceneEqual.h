@@ -338,6 +338,7 @@ private:
     {
         Same("number of chunks", a.GetChunksNbr(), b.GetChunksNbr());
         Same("size of chunks", a.GetDataSize(), b.GetDataSize());
+        Same("growth of chunks", a.GetGrowFactor(), b.GetGrowFactor());
         unsigned int posA = a.GetFirstChunk(), posB = b.GetFirstChunk();
         for (unsigned int i = 0; i < a.GetChunksNbr() && !IsOver(); i++) {
             unsigned int idA = 0, idB = 0;
