@@ -5,28 +5,17 @@
 #include <sstream>
 
 #include <assimp/Importer.hpp>
-#include <assimp/ProgressHandler.hpp>
 #include <assimp/config.h>
 #include <assimp/scene.h>
 
+#include "ExportFormats.h"
 #include "Formats.h"
 #include "Preflight.h"
+#include "ProgressBridge.h"
 #include "SceneImport.h"
+#include "Writers.h"
 
 namespace {
-
-/// Passes the library's progress on, and the user's wish to stop back.
-class ProgressBridge : public Assimp::ProgressHandler {
-public:
-    explicit ProgressBridge(CProgress& progress) : m_progress(progress) {}
-    bool Update(float fraction) override
-    {
-        return fraction < 0 ? m_progress.Update() : m_progress.SetPos(static_cast<std::uint64_t>(fraction * 1000));
-    }
-
-private:
-    CProgress& m_progress;
-};
 
 /// Keeps what importers print to themselves: their errors come back as texts, and standard error is the host's.
 class MuteStandardError {
@@ -83,4 +72,57 @@ C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOption
     if (!reason.IsEmpty())
         options.AddLogInfo(IoLogInfo::FAILURE, reason);
     return scene;
+}
+
+void CAssimpParser::SaveDefaultOptions(CSceneExportOptions& options)
+{
+    const ExportFormat* format = FindExportFormat(m_fileClass, options);
+    if (!format)
+        return;
+    options.forcedFlags = format->forcedFlags;
+    options.defaultFlags = EXPORT_GENERATE_UV;
+    options.upAxis = format->upAxis;
+    options.unit = format->unit;
+    options.maxPoints = format->maxPoints;
+    options.maxFaces = format->maxFaces;
+    options.objectNameRule = format->objectNameRule;
+    options.materialNameRule = format->materialNameRule;
+}
+
+bool CAssimpParser::Save(const CXTString<wchar_t>& path, C3DScene* scene, CSceneExportOptions& options)
+{
+    const ExportFormat* format = FindExportFormat(m_fileClass, options);
+    if (!format || !scene)
+        return C3DParser::Save(path, scene, options);
+    CXTString<wchar_t> reason;
+    const MuteStandardError mute;
+    try {
+        reason = Write(path, *scene, *format, options);
+    } catch (const std::exception& error) {
+        reason = Utf8ToWide(error.what());
+    }
+    if (!reason.IsEmpty())
+        options.AddLogInfo(IoLogInfo::FAILURE, reason);
+    return reason.IsEmpty();
+}
+
+CXTString<wchar_t> CAssimpParser::Write(const CXTString<wchar_t>& path, C3DScene& scene, const ExportFormat& format,
+                                        CSceneExportOptions& options)
+{
+    OutputFiles files(path);
+    LossLog losses;
+    CXTString<wchar_t> reason;
+    const WriterTask task{scene, format, path, files, losses};
+    switch (format.writer) {
+    case WRITER_OBJ: WriteObj(task); break;
+    case WRITER_PLY: WritePly(task); break;
+    case WRITER_STL: WriteStl(task); break;
+    case WRITER_LIBRARY:
+    case WRITER_ARCHIVE: reason = WriteThroughLibrary(task); break;
+    }
+    if (reason.IsEmpty() && !files.Commit())
+        reason = files.GetFailedPath() + L" could not be written";
+    if (reason.IsEmpty())
+        losses.Report(options);
+    return reason;
 }

@@ -11,6 +11,8 @@
 
 #include <assimp/mesh.h>
 
+#include "Convert.h"
+
 namespace {
 
 using Part = MeshPolygons::Part;
@@ -25,26 +27,19 @@ const Position* Triples(const aiVector3D* values) { return reinterpret_cast<cons
 
 unsigned char ToByte(float value) { return static_cast<unsigned char>(std::isnan(value) ? 0 : std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f); }
 
-// Colours are told apart as bytes. Two of these fit into the digits of a float.
 BlockVector<Position> ColorTriples(const aiColor4D* colors, std::size_t count)
 {
     BlockVector<Position> triples(count);
     for (std::size_t i = 0; i < count; i++) {
         const aiColor4D& color = colors[i];
-        triples[i] = {static_cast<float>(ToByte(color.r) + 256 * ToByte(color.g)),
-                      static_cast<float>(ToByte(color.b) + 256 * ToByte(color.a)), 0};
+        triples[i] = PackColor({ToByte(color.r), ToByte(color.g), ToByte(color.b), ToByte(color.a)});
     }
     return triples;
 }
 
 void Assign(C3DTVector<float>& normal, const Position& value) { normal.x = value.x, normal.y = value.y, normal.z = value.z; }
 void Assign(CUVWPoint& point, const Position& value) { point.u = value.x, point.v = value.y, point.w = value.z; }
-void Assign(CVCPoint& point, const Position& value)
-{
-    const auto redGreen = static_cast<unsigned int>(value.x), blueAlpha = static_cast<unsigned int>(value.y);
-    point[0] = static_cast<unsigned char>(redGreen & 255), point[1] = static_cast<unsigned char>(redGreen >> 8);
-    point[2] = static_cast<unsigned char>(blueAlpha & 255), point[3] = static_cast<unsigned char>(blueAlpha >> 8);
-}
+void Assign(CVCPoint& point, const Position& value) { point.SetColor(UnpackColor(value)); }
 
 /// Fills one per-corner channel, part by part.
 class LayerBuilder {

@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <sstream>
+#include <string_view>
 
+#include <assimp/Exporter.hpp>
 #include <assimp/Importer.hpp>
 #include <assimp/importerdesc.h>
+
+#include "ExportFormats.h"
 
 namespace {
 
@@ -18,6 +22,18 @@ struct {
     {"md5anim", FourCC("MD5A")}, {"md5camera", FourCC("MD5C")}, {"md5mesh", FourCC("MD5M")}, {"mesh.xml", FourCC("MXML")},
     {"irrmesh", FourCC("IRRM")}, {"ifczip", FourCC("IFCZ")},    {"assbin", FourCC("ASSB")},  {"x3db", FourCC("X3DB")},
 };
+
+// The library's description of a form, without what tells the form.
+std::string DescriptionOf(const ExportFormat& format)
+{
+    const Assimp::Exporter exporter;
+    for (std::size_t i = 0; i < exporter.GetExportFormatCount(); i++)
+        if (const aiExportFormatDesc* info = exporter.GetExportFormatDescription(i); std::string_view(info->id) == format.exporter)
+            return info->description;
+    return format.extension;
+}
+
+}
 
 unsigned int ClassOf(const std::string& extension)
 {
@@ -32,8 +48,6 @@ unsigned int ClassOf(const std::string& extension)
     return fileClass;
 }
 
-}
-
 std::vector<Format> ListFormats()
 {
     std::vector<Format> formats;
@@ -44,8 +58,15 @@ std::vector<Format> ListFormats()
         for (std::string extension; extensions >> extension;) {
             const bool known = std::ranges::find(formats, extension, &Format::extension) != formats.end();
             if (!known)
-                formats.push_back({extension, info->mName, ClassOf(extension)});
+                formats.push_back({extension, info->mName, ClassOf(extension), FILE_KIND_READ});
         }
+    }
+    for (const ExportFormat* written : ListExportFormats()) {
+        const auto known = std::ranges::find(formats, written->extension, &Format::extension);
+        if (known != formats.end())
+            known->abilities |= FILE_KIND_WRITE;
+        else
+            formats.push_back({written->extension, DescriptionOf(*written), ClassOf(written->extension), FILE_KIND_WRITE});
     }
     return formats;
 }

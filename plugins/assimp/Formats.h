@@ -16,14 +16,18 @@ struct FormatTraits {
     _UNIT_MODE unit = UNIT_UNDEFINED;
 };
 
-/// An extension that the import library reads.
+/// An extension that the import library reads or that is written.
 struct Format {
     std::string extension;    ///< lower case, without its point
     std::string description;
     unsigned int fileClass;
+    unsigned int abilities;    ///< FILE_KIND_READ, FILE_KIND_WRITE
 };
 
-/// Every extension of every importer, once, in the library's order.
+/// Every extension of every importer and exporter, once, in the library's order.
 std::vector<Format> ListFormats();
+
+/// The class under which an extension is registered.
+unsigned int ClassOf(const std::string& extension);
 
 FormatTraits GetFormatTraits(unsigned int fileClass);

@@ -1,4 +1,4 @@
-// IO plug-in over the Open Asset Import Library: reads every format which that library reads.
+// IO plug-in over the Open Asset Import Library: reads and writes every format which that library reads or writes.
 
 #include "AssimpParser.h"
 #include "Formats.h"
@@ -14,7 +14,7 @@ extern "C" ZEL_API unsigned int zelRegisterIoPlugin(unsigned int apiVersion, IIo
     if (apiVersion == ZEL_IO_PLUGIN_API)
         for (const Format& format : ListFormats())
             registrar->RegisterFormat(CFileExt(Utf8ToWide(format.description), Utf8ToWide("." + format.extension), format.fileClass,
-                                               FILE_FAMILY_3D | FILE_KIND_LISTED | FILE_KIND_READ),
+                                               FILE_FAMILY_3D | FILE_KIND_LISTED | format.abilities),
                                       &CreateParser);
     return ZEL_IO_PLUGIN_API;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <3dzel.h>
@@ -26,6 +27,8 @@ public:
     void Add(const Position* positions, std::size_t count, BlockVector<int>& numbers);
     /// The different positions, by number.
     const BlockVector<Position>& GetPositions() const { return m_positions; }
+    /// The same, out of here.
+    BlockVector<Position> TakePositions() { return std::move(m_positions); }
 
 private:
     static constexpr std::size_t BATCH = 32;

@@ -1,0 +1,240 @@
+#include "ExportFormats.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <assimp/Exporter.hpp>
+
+#include "Formats.h"
+
+namespace {
+
+// Rule words for names: the top byte tells what is repaired, the rest how long a name may be.
+constexpr unsigned int NAME_NO_BLANKS = 0x1000000, NAME_NOT_EMPTY = 0x2000000, NAME_LETTERS = 0x4000000;
+constexpr unsigned int NAME_UNIQUE = NAME_NOT_EMPTY | 255;    // where nodes are referred to by name
+constexpr unsigned int NAME_IDENTIFIER = NAME_NOT_EMPTY | NAME_LETTERS | 255;
+
+constexpr unsigned int DIFFUSE = 1u << MAP_DIFFUSE, AMBIENT = 1u << MAP_AMBIENT, SPECULAR = 1u << MAP_SPECULAR,
+                       TRANSPARENCY = 1u << MAP_TRANSPARENCY, BUMP = 1u << MAP_BUMP;
+constexpr unsigned int ALL_MAPS = DIFFUSE | AMBIENT | SPECULAR | TRANSPARENCY | BUMP;
+
+constexpr unsigned int ALWAYS = EXPORT_PATCHES_SUBDIVIDED;
+constexpr unsigned int FLAT = ALWAYS | EXPORT_GLOBAL_COORDINATES | EXPORT_REMOVE_GROUPS;    // no tree
+constexpr unsigned int ONE_MESH = FLAT | EXPORT_CONCATENATE;
+
+constexpr unsigned int EVERYTHING = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS |
+                                    CAN_BONES | CAN_CURVES | CAN_POINTS | CAN_SHINE_STRENGTH;
+
+// The first row of an extension is what the extension stands for: the binary form, and of glTF version 2.
+const ExportFormat s_formats[] = {
+    {.exporter = "gltf2",
+     .extension = "gltf",
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_CURVES | CAN_POINTS,
+     .maps = DIFFUSE | AMBIENT | BUMP,
+     .uvSets = 8,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .upAxis = UP_AXIS_Y,
+     .unit = UNIT_METER,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "gltf",
+     .extension = "gltf",
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS,
+     .maps = DIFFUSE | AMBIENT | SPECULAR,
+     .uvSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .upAxis = UP_AXIS_Y,
+     .unit = UNIT_METER,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "glb2",
+     .extension = "glb",
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_CURVES | CAN_POINTS | CAN_EMBED,
+     .maps = DIFFUSE | AMBIENT | BUMP,
+     .uvSets = 8,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .upAxis = UP_AXIS_Y,
+     .unit = UNIT_METER,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "glb",
+     .extension = "glb",
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_EMBED,
+     .maps = DIFFUSE | AMBIENT | SPECULAR,
+     .uvSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .upAxis = UP_AXIS_Y,
+     .unit = UNIT_METER,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "obj",
+     .extension = "obj",
+     .writer = WRITER_OBJ,
+     .abilities = CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_CURVES | CAN_POINTS,
+     .maps = ALL_MAPS,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = FLAT,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_NO_BLANKS | NAME_NOT_EMPTY,
+     .materialNameRule = NAME_NO_BLANKS | NAME_NOT_EMPTY},
+    {.exporter = "objnomtl",
+     .extension = "obj",
+     .writer = WRITER_OBJ,
+     .abilities = CAN_POLYGONS | CAN_NORMALS | CAN_CURVES | CAN_POINTS,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = FLAT,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_NO_BLANKS | NAME_NOT_EMPTY},
+    {.exporter = "plyb",
+     .extension = "ply",
+     .writer = WRITER_PLY,
+     .abilities = CAN_POLYGONS | CAN_NORMALS | GIVEN_NORMALS_ONLY | CAN_POINTS,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = ONE_MESH},
+    {.exporter = "ply",
+     .extension = "ply",
+     .writer = WRITER_PLY,
+     .abilities = CAN_POLYGONS | CAN_NORMALS | GIVEN_NORMALS_ONLY | CAN_POINTS,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = ONE_MESH},
+    {.exporter = "stlb", .extension = "stl", .writer = WRITER_STL, .forcedFlags = ONE_MESH | EXPORT_TRIANGULATE},
+    {.exporter = "stl", .extension = "stl", .writer = WRITER_STL, .forcedFlags = ONE_MESH | EXPORT_TRIANGULATE},
+    {.exporter = "collada",
+     .extension = "dae",
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS | CAN_BONES | CAN_CURVES,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 8,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .unit = UNIT_METER,
+     .objectNameRule = NAME_UNIQUE,
+     .materialNameRule = NAME_NOT_EMPTY},
+    {.exporter = "fbx",
+     .extension = "fbx",
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_SHINE_STRENGTH,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "fbxa",
+     .extension = "fbx",
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_SHINE_STRENGTH,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "3ds",
+     .extension = "3ds",
+     .abilities = CAN_TREE | CAN_MATERIALS | CAN_SHINE_STRENGTH,
+     .maps = DIFFUSE | SPECULAR | TRANSPARENCY | BUMP,
+     .uvSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .maxPoints = 65535,
+     .maxFaces = 65535,
+     .objectNameRule = NAME_NOT_EMPTY | 10,
+     .materialNameRule = NAME_NOT_EMPTY | 10},
+    {.exporter = "x",
+     .extension = "x",
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS,
+     .maps = DIFFUSE,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_IDENTIFIER,
+     .materialNameRule = NAME_IDENTIFIER},
+    {.exporter = "x3d",
+     .extension = "x3d",
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_LIGHTS,
+     .maps = DIFFUSE,
+     .uvSets = 1,
+     .colorSets = 1,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "3mf",
+     .extension = "3mf",
+     .writer = WRITER_ARCHIVE,
+     .abilities = CAN_MATERIALS,
+     .forcedFlags = FLAT | EXPORT_TRIANGULATE,
+     .unit = UNIT_MILLIMETER,
+     .objectNameRule = NAME_NOT_EMPTY},
+    {.exporter = "stp", .extension = "stp", .forcedFlags = FLAT | EXPORT_TRIANGULATE, .objectNameRule = NAME_UNIQUE},
+    {.exporter = "assbin",
+     .extension = "assbin",
+     .abilities = EVERYTHING,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 8,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "assxml",
+     .extension = "assxml",
+     .abilities = EVERYTHING,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 8,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "assjson",
+     .extension = "json",
+     .abilities = EVERYTHING,
+     .maps = ALL_MAPS,
+     .uvSets = 8,
+     .colorSets = 8,
+     .forcedFlags = ALWAYS,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+    {.exporter = "pbrt",
+     .extension = "pbrt",
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_CAMERAS | CAN_LIGHTS,
+     .maps = DIFFUSE,
+     .uvSets = 1,
+     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .upAxis = UP_AXIS_Y,
+     .objectNameRule = NAME_UNIQUE},
+};
+
+bool IsInLibrary(const ExportFormat& format)
+{
+    const Assimp::Exporter exporter;
+    for (std::size_t i = 0; i < exporter.GetExportFormatCount(); i++)
+        if (std::string_view(exporter.GetExportFormatDescription(i)->id) == format.exporter)
+            return true;
+    return false;
+}
+
+}
+
+const ExportFormat* FindExportFormat(unsigned int fileClass, const CIoOptions& options)
+{
+    CXTString<wchar_t> form;
+    options.GetCustomData().GetString(EXPORT_FORM, form);
+    const std::string wanted = WideToUtf8(form);
+    const ExportFormat* first = nullptr;
+    for (const ExportFormat& format : s_formats)
+        if (ClassOf(format.extension) == fileClass) {
+            if (format.exporter == wanted)
+                return &format;
+            first = first ? first : &format;
+        }
+    return first;
+}
+
+std::vector<const ExportFormat*> ListExportFormats()
+{
+    std::vector<const ExportFormat*> formats;
+    for (const ExportFormat& format : s_formats)
+        if (format.writer >= WRITER_OBJ || IsInLibrary(format))
+            formats.push_back(&format);
+    return formats;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <3dzel.h>
+
+/// What a format can hold, one bit each. What a scene holds beyond that is left out, with a line in the log.
+enum ExportAbility : unsigned int {
+    CAN_TREE = 0x1,         ///< nodes with names and matrices; objects that several nodes share
+    CAN_POLYGONS = 0x2,     ///< faces of more than three corners
+    CAN_NORMALS = 0x4,      ///< per corner
+    CAN_MATERIALS = 0x8,    ///< colours and factors
+    CAN_KEYS = 0x10,        ///< animation of nodes
+    CAN_CAMERAS = 0x20,
+    CAN_LIGHTS = 0x40,
+    CAN_BONES = 0x80,
+    CAN_CURVES = 0x100,             ///< lines
+    CAN_POINTS = 0x200,             ///< objects of points without faces
+    CAN_SHINE_STRENGTH = 0x400,     ///< a specular factor beside the specular colour
+    CAN_EMBED = 0x800,              ///< image files inside
+    GIVEN_NORMALS_ONLY = 0x1000,    ///< of normals, only specified ones are written
+};
+
+/// Who writes a format.
+enum ExportWriter {
+    WRITER_LIBRARY,    ///< the import library
+    WRITER_ARCHIVE,    ///< the same, where it packs files into an archive on disk, past all that would keep the old file whole
+    WRITER_OBJ,        ///< ObjWriter: a tenth of the library's time, corners share indices, points stay as they are
+    WRITER_PLY,        ///< PlyWriter: the library splits and triangulates
+    WRITER_STL,        ///< StlWriter
+};
+
+/// A format that is written, and what it imposes on a scene.
+struct ExportFormat {
+    const char* exporter;    ///< its name in the library
+    const char* extension;
+    ExportWriter writer = WRITER_LIBRARY;
+    unsigned int abilities = 0;    ///< ExportAbility
+    unsigned int maps = 0;         ///< of the types of maps, 1 << MapType each
+    unsigned int uvSets = 0;       ///< at most
+    unsigned int colorSets = 0;
+    unsigned int forcedFlags = 0;    ///< _EXPORT_FLAGS
+    _UP_AXIS_MODE upAxis = UP_AXIS_Z;
+    _UNIT_MODE unit = UNIT_UNDEFINED;                              ///< that lengths are in, when the format fixes it
+    unsigned int maxPoints = 0xFFFFFFFF, maxFaces = 0xFFFFFFFF;    ///< of an object
+    unsigned int objectNameRule = 0, materialNameRule = 0;         ///< as in CSceneExportOptions
+
+    bool Can(unsigned int ability) const { return (abilities & ability) == ability; }
+    bool HasMap(MapType type) const { return maps & 1u << type; }
+};
+
+/// Key in the settings of an export (CIoOptions::GetCustomData) of a string that names one of several forms of a format by its name in the
+/// library: "ply" and "stl" are the text forms, "fbxa" that of FBX, "gltf" and "glb" version 1 of glTF. Absent, and for a name that the
+/// extension does not have: the binary form, or the newest version.
+constexpr unsigned int EXPORT_FORM = FourCC("FORM");
+
+/// The form of a format that the options ask for; null for a class that is not written.
+const ExportFormat* FindExportFormat(unsigned int fileClass, const CIoOptions& options);
+/// All forms that the library of this system writes, the preferred form of an extension first.
+std::vector<const ExportFormat*> ListExportFormats();

@@ -1,0 +1,96 @@
+// Writing through the library's exporters.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include <assimp/Exporter.hpp>
+#include <assimp/scene.h>
+
+#include "LibraryFiles.h"
+#include "ProgressBridge.h"
+#include "SceneExport.h"
+#include "Writers.h"
+
+namespace {
+
+/// A folder of our own that goes with all that is in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "3dzel-XXXXXX").string();
+        if (mkdtemp(name.data()))
+            m_path = name;
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code error;
+        if (!m_path.empty())
+            std::filesystem::remove_all(m_path, error);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& GetPath() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+/// One run of WriteThroughLibrary.
+class LibraryWriter {
+public:
+    explicit LibraryWriter(const WriterTask& task) : m_task(task), m_content(ExportScene(task.scene, task.format, task.target, task.losses))
+    {
+    }
+
+    CXTString<wchar_t> Run()
+    {
+        const bool written = m_task.format.writer == WRITER_ARCHIVE ? WriteArchive() : Write(WideToUtf8(fileStripPath(m_task.target)));
+        if (written || !m_task.files.GetFailedPath().IsEmpty())
+            return {};
+        return m_error.empty() ? m_task.target + L" could not be written" : Utf8ToWide(m_error);
+    }
+
+private:
+    bool Write(const std::string& name)
+    {
+        CProgress progress(L"Writing", 1000);
+        ProgressBridge bridge(progress);
+        Assimp::Exporter exporter;
+        exporter.SetProgressHandler(&bridge);
+        exporter.SetIOHandler(new LibraryFiles(m_task.files, fileGetPath(m_task.target)));    // the exporter's own
+        const bool written = exporter.Export(m_content.get(), m_task.format.exporter, name) == aiReturn_SUCCESS;
+        exporter.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
+        m_error = exporter.GetErrorString();
+        return written;
+    }
+
+    // An archive that lacks the record which ends archives was cut short.
+    bool WriteArchive()
+    {
+        constexpr std::string_view END = "PK\5\6";
+        constexpr std::size_t END_SIZE = 22;
+        const TemporaryFolder folder;
+        const std::string archive = folder.GetPath() + "/archive";
+        OutputFile* main = m_task.files.OpenMain();
+        if (folder.GetPath().empty() || !main || !Write(archive))
+            return false;
+        std::ifstream file(archive, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        main->Write(bytes);
+        return bytes.size() >= END_SIZE && bytes.compare(bytes.size() - END_SIZE, END.size(), END) == 0;
+    }
+
+    const WriterTask& m_task;
+    const std::unique_ptr<aiScene> m_content;
+    std::string m_error;
+};
+
+}
+
+CXTString<wchar_t> WriteThroughLibrary(const WriterTask& task) { return LibraryWriter(task).Run(); }
