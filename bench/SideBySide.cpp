@@ -287,6 +287,51 @@ void Subdivide(const std::string& op, const std::string& input)
         [](Owned<C3DPatch>& patch) { return Counts(static_cast<const C3DObject&>(*patch->GetFinalObject(false))); });
 }
 
+// --- Native files ------------------------------------------------------------------------------------------------------------
+
+// The bare mesh, as the other programs write it.
+Owned<C3DScene> SceneOf(RawMesh raw)
+{
+    raw.uv.clear();
+    Owned<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* const node = C3DSceneNode::Create();
+    node->SetObject(ObjectOf<C3DObject>(raw).release(), true);
+    scene->AddNode(nullptr, node);
+    return scene;
+}
+
+void Write(C3DScene& scene, const std::string& file)
+{
+    C3DIo io(CFileNameSpec(Utf8ToWide(file)), FILEIO_SILENT, nullptr);
+    CSceneExportOptions options(EXPORT_IN_PLACE);
+    Expect(io.Save(false, &scene, &options), "the scene is written");
+}
+
+// Synced to the disk before the name is given, as every save is.
+void SaveNative(const std::string& op, const std::string& input)
+{
+    const RawMesh raw = loadRaw(input);
+    const Owned<C3DScene> scene = SceneOf(raw);
+    const std::string file = scratch("ours.3dif");
+    bench::measure(
+        op, NAME, stem(input), raw.faces(), raw.points(), [] { return 0; }, [&](int&) { Write(*scene, file); },
+        [&](int&) {
+            return Result{raw.faces(), raw.points(), fileSize(file)};
+        });
+    unlink(file.c_str());
+}
+
+void LoadNative(const std::string& op, const std::string& input)
+{
+    const RawMesh raw = loadRaw(input);
+    const std::string file = scratch("ours.3dif");
+    Write(*SceneOf(raw), file);
+    bench::measure(
+        op, NAME, stem(input), raw.faces(), raw.points(), [] { return Owned<C3DScene>(); },
+        [&](Owned<C3DScene>& scene) { scene = Read(file); }, [](const Owned<C3DScene>& scene) { return Counts(scene); });
+    unlink(file.c_str());
+}
+
 // --- Scenes ------------------------------------------------------------------------------------------------------------------
 
 // Groups with a matrix key each, eight children a node.
@@ -344,6 +389,8 @@ int main(int argc, char** argv)
                                    {"load_glb", LoadFile},
                                    {"load_scene", LoadFile},
                                    {"load_many", LoadMany},
+                                   {"save_native", SaveNative},
+                                   {"load_native", LoadNative},
                                    {"connectivity", Connectivity},
                                    {"smooth_normals", SmoothNormals},
                                    {"bounding_box", BoundingBox},
