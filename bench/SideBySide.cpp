@@ -262,7 +262,8 @@ void Components(const std::string& op, const std::string& input)
 void Concatenate(const std::string& op, const std::string& input)
 {
     constexpr int COUNT = 1000;
-    const RawMesh raw = loadRaw(input);
+    RawMesh raw = loadRaw(input);
+    raw.uv.clear();    // as the others take it
     std::vector<Owned<C3DObject>> owners;
     Parts parts;
     for (int i = 0; i < COUNT; i++) {

@@ -1,41 +1,13 @@
 #include "AssimpParser.h"
 
 #include <exception>
-#include <iostream>
-#include <sstream>
-
-#include <assimp/Importer.hpp>
-#include <assimp/config.h>
-#include <assimp/scene.h>
 
 #include "ExportFormats.h"
 #include "Formats.h"
-#include "Preflight.h"
-#include "ProgressBridge.h"
-#include "SceneImport.h"
+#include "ImportWorker.h"
+#include "LibraryImport.h"
+#include "MuteStandardError.h"
 #include "Writers.h"
-
-namespace {
-
-/// Keeps what importers print to themselves: their errors come back as texts, and standard error is the host's.
-class MuteStandardError {
-public:
-    MuteStandardError() : m_former(std::cerr.rdbuf(m_swallowed.rdbuf())) {}
-    ~MuteStandardError() { std::cerr.rdbuf(m_former); }
-
-private:
-    std::ostringstream m_swallowed;
-    std::streambuf* m_former;
-};
-
-void SetUp(Assimp::Importer& importer)
-{
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);           // no made-up geometry for bare skeletons
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);         // no helper nodes
-    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);    // names, not ids
-}
-
-}
 
 CAssimpParser::CAssimpParser(unsigned int fileClass, CFileIo* fileIo) : C3DParser(fileIo), m_fileClass(fileClass) {}
 
@@ -50,28 +22,7 @@ void CAssimpParser::LoadDefaultOptions(CSceneImportOptions& options)
 C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOptions& options)
 {
     CProgress progress(L"Reading", 1000);
-    ProgressBridge bridge(progress);
-    Assimp::Importer importer;
-    importer.SetProgressHandler(&bridge);
-    SetUp(importer);
-
-    CXTString<wchar_t> reason;
-    C3DScene* scene = nullptr;
-    const MuteStandardError mute;
-    try {
-        if (EndsBeforeItsContent(m_fileClass, WideToUtf8(path)))
-            reason = L"the file ends before what it announces";
-        else if (const aiScene* source = importer.ReadFile(WideToUtf8(path), 0))
-            scene = ImportScene(*source, GetFormatTraits(m_fileClass), CFileNameSpec(path).GetTitle(), options);
-        else
-            reason = Utf8ToWide(importer.GetErrorString());
-    } catch (const std::exception& error) {    // the library's own, such as a file that is too large for it
-        reason = Utf8ToWide(error.what());
-    }
-    importer.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
-    if (!reason.IsEmpty())
-        options.AddLogInfo(IoLogInfo::FAILURE, reason);
-    return scene;
+    return ImportsInProcess() ? ImportFile(m_fileClass, path, options, progress) : ImportInWorker(m_fileClass, path, options, progress);
 }
 
 void CAssimpParser::SaveDefaultOptions(CSceneExportOptions& options)

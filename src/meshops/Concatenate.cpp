@@ -96,6 +96,7 @@ private:
     CChannel* FindPartner(C3DGeomObject& object, const CChannel& channel) const;
 
     void Reserve();
+    void ReserveChannel(CChannel& channel);
     void AppendSource(Source& source);
     void TakeGlobalChannels(C3DGeomObject& object);
     void AppendChannel(const Source& source, const CChannel& from, CChannel& to, const PointChoice& points);
@@ -212,6 +213,28 @@ void Concatenation::Reserve()
         m_to.GetFaceList()->PreAllocate(static_cast<int>(m_faces), static_cast<int>(std::min<std::int64_t>(m_corners, INT32_MAX)), false);
     if (m_to.GetPointNbr() == 0)
         m_to.GetPointList()->PreAllocate(static_cast<int>(m_points), false);
+    for (CChannel* channel : *m_to.GetChannels())
+        if (channel->GetPointList() && channel->GetPointList()->GetSize() == 0)
+            ReserveChannel(*channel);
+}
+
+// Room in a channel that is empty yet for all that comes.
+void Concatenation::ReserveChannel(CChannel& channel)
+{
+    std::int64_t points = 0, corners = 0;
+    for (const Source& source : m_sources)
+        for (const auto& [from, to] : source.channels)
+            if (to == &channel) {
+                points += from->GetPointList()->GetSize();
+                if (from->GetFaceList())
+                    corners += static_cast<std::int64_t>(from->GetFaceList()->GetIndexCollection().GetPoolUsed() / sizeof(int)) -
+                               from->GetFaceList()->GetSize();
+            }
+    if (points > INT32_MAX)
+        return;
+    channel.GetPointList()->PreAllocate(static_cast<int>(points), false);
+    if (channel.GetFaceList() && channel.GetFaceList()->GetSize() == 0 && corners <= INT32_MAX)
+        channel.GetFaceList()->PreAllocate(static_cast<int>(m_faces), static_cast<int>(corners), false);
 }
 
 void Concatenation::AppendSource(Source& source)
