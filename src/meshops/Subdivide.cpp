@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "channels/DependentChannels.h"
+#include "channels/UVWPointList.h"
 #include "geometry/3DPointList.h"
 #include "geometry/GeomInfo.h"
 #include "scene/3DObject.h"
@@ -313,12 +314,37 @@ C3DPointList* Level::CreatePoints()
     return m_new;
 }
 
-// Corners take the value of their point, all others means.
-void FillValues(const Split& split, CPointList& from, CPointList& to)
+// Corners take the value of their point, all others means. Texture coordinates without a call a point; the sums are those of C4DPoint.
+void FillUVW(const Split& split, const CUVWPoint* from, CUVWPoint* to)
+{
+    for (const auto& [index, kind] : split.GetOrigins()) {
+        if (kind == Origin::POINT) {
+            *to++ = from[index];
+            continue;
+        }
+        double sum[3] = {};
+        int count = 0;
+        const auto add = [&](const CUVWPoint& point) { sum[0] += point.u, sum[1] += point.v, sum[2] += point.w, count++; };
+        if (kind == Origin::EDGE) {
+            const auto [a, b] = split.GetEdges().GetEnds(index);
+            add(from[a]);
+            add(from[b]);
+        } else {
+            int size;
+            const int* corners = split.GetFaces().GetIndexes(index, size);
+            for (int k = 0; k < size; k++)
+                add(from[corners[k]]);
+        }
+        to->u = static_cast<float>(sum[0] / count), to->v = static_cast<float>(sum[1] / count), to->w = static_cast<float>(sum[2] / count);
+        to++;
+    }
+}
+
+// The same for any kind of value.
+void FillAny(const Split& split, CPointList& from, CPointList& to)
 {
     const CBlockVector<Origin>& origins = split.GetOrigins();
     const CGeomInfo info(&split.GetFaces(), &from);
-    to.SetSize(static_cast<int>(origins.size()), false, 0);
     C4DPoint value, second;
     for (std::size_t i = 0; i < origins.size(); i++) {
         const auto [index, kind] = origins[i];
@@ -337,6 +363,17 @@ void FillValues(const Split& split, CPointList& from, CPointList& to)
             point = (value + second) * 0.5;
         }
     }
+}
+
+void FillValues(const Split& split, CPointList& from, CPointList& to)
+{
+    to.SetSize(static_cast<int>(split.GetOrigins().size()), false, 0);
+    auto* const uvw = dynamic_cast<CUVWPointList*>(&from);
+    auto* const newUVW = dynamic_cast<CUVWPointList*>(&to);
+    if (uvw && newUVW && uvw->GetDataChunkNbr() == 0)
+        FillUVW(split, uvw->GetFirst(), newUVW->GetFirst());
+    else
+        FillAny(split, from, to);
 }
 
 int NoFaceAcross(int, int) { return -1; }
