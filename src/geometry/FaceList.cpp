@@ -159,6 +159,13 @@ void CFaceList::PreAllocate(int faces, int corners, bool construct)
     m_chunks.PreAllocate(std::max(faces, 0), construct);
 }
 
+void CFaceList::PreAllocateExact(int faces, std::int64_t corners)
+{
+    RemoveAll();
+    m_indexes.ReserveExact(static_cast<unsigned int>(faces), static_cast<std::uint64_t>(corners));
+    m_chunks.PreAllocate(faces, false);
+}
+
 void CFaceList::FreeExtra()
 {
     DropSurplus();

@@ -169,6 +169,8 @@ public:
     bool SetFacesSize(unsigned int corners);
     /// Starts anew with room for that many faces and corners in all; `construct` fills the room of the chunks at once.
     void PreAllocate(int faces, int corners, bool construct);
+    /// Starts anew with room for exactly that, for who knows what comes.
+    void PreAllocateExact(int faces, std::int64_t corners);
     void FreeExtra();
     /// No faces; the chunks stay. Drops the graphs, clears the flags, then marks the list changed.
     void RemoveAll();

@@ -210,7 +210,7 @@ void Concatenation::Append()
 void Concatenation::Reserve()
 {
     if (m_to.GetFaceNbr() == 0)
-        m_to.GetFaceList()->PreAllocate(static_cast<int>(m_faces), static_cast<int>(std::min<std::int64_t>(m_corners, INT32_MAX)), false);
+        m_to.GetFaceList()->PreAllocateExact(static_cast<int>(m_faces), m_corners);
     if (m_to.GetPointNbr() == 0)
         m_to.GetPointList()->PreAllocate(static_cast<int>(m_points), false);
     for (CChannel* channel : *m_to.GetChannels())
@@ -233,8 +233,8 @@ void Concatenation::ReserveChannel(CChannel& channel)
     if (points > INT32_MAX)
         return;
     channel.GetPointList()->PreAllocate(static_cast<int>(points), false);
-    if (channel.GetFaceList() && channel.GetFaceList()->GetSize() == 0 && corners <= INT32_MAX)
-        channel.GetFaceList()->PreAllocate(static_cast<int>(m_faces), static_cast<int>(corners), false);
+    if (channel.GetFaceList() && channel.GetFaceList()->GetSize() == 0)
+        channel.GetFaceList()->PreAllocateExact(static_cast<int>(m_faces), corners);
 }
 
 void Concatenation::AppendSource(Source& source)

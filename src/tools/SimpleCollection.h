@@ -273,6 +273,14 @@ public:
         m_offsets.PreAllocate(static_cast<unsigned int>(e));
     }
 
+    /// The same without a margin: room for as many as that and not for one more.
+    void ReserveExact(unsigned int entries, std::uint64_t items)
+    {
+        RemoveAll();
+        SetPoolCapacity(std::uint64_t{entries} * HEADER_SIZE + items * sizeof(T));
+        m_offsets.PreAllocate(entries);
+    }
+
     /// Adds an entry for each of `other`'s, with its capacity. `other` may be this collection, unless `reset`.
     ///
     /// @param layoutOnly  the new entries have no items
