@@ -9,6 +9,7 @@
 #include "channels/WeightChannel.h"
 #include "channels/WeightFaceList.h"
 #include "geometry/FaceList.h"
+#include "geometry/LoadedCorners.h"
 #include "geometry/PointList.h"
 
 ZEL_IMPLEMENT_DYNAMIC(CChannel, CXObject)
@@ -178,7 +179,7 @@ void CChannel::Load(CXArchive& ar)
     m_graph.reset();
     LoadFaces(ar);
     LoadPoints(ar);
-    if (m_faceList && !m_faceList->AreIndexesBelow(m_pointList ? m_pointList->GetSize() : 0, true))
+    if (m_faceList && !CheckLoadedCorners(*m_faceList, m_pointList ? m_pointList->GetSize() : 0))
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE, L"corner of a channel");
     m_customData.Serialize(ar);
 

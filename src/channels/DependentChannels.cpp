@@ -295,6 +295,8 @@ bool CDependentChannels::Weld(const CGeomInfo* info, double tolerance, unsigned 
 
 /// Class, type, flags, id and two presence words, at the least.
 constexpr unsigned int SMALLEST_CHANNEL = 21;
+/// They are found one by one, for every node that shares their object.
+constexpr unsigned int MOST_LOADED_CHANNELS = 4096;
 
 void CDependentChannels::Serialize(CXArchive& ar)
 {
@@ -314,6 +316,8 @@ void CDependentChannels::Serialize(CXArchive& ar)
 
     RemoveAll();
     const std::uint64_t count = ar.ReadCount(SMALLEST_CHANNEL);
+    if (count > MOST_LOADED_CHANNELS)
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT, L"number of channels");
     for (std::uint64_t i = 0; i < count; i++) {
         const CXRuntimeClass* type = ar.ReadClass(CChannel::GetThisRuntimeClassDescriptor());
         CXObject* object = type ? type->CreateObject() : nullptr;

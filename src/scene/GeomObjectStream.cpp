@@ -2,6 +2,7 @@
 
 #include "channels/DependentChannels.h"
 #include "geometry/3DPointList.h"
+#include "geometry/LoadedCorners.h"
 #include "scene/GeomObject.h"
 #include "tools/Archive.h"
 
@@ -24,20 +25,15 @@ template <class LIST> static void MoveList(CXArchive& ar, LIST*& list)
     list->Serialize(ar);
 }
 
-// Nothing after the reading looks at a corner before it is used: broken ones end here. A channel may stop short of the geometry's
-// faces, as it does between AddChannel and its filling.
-static bool FitTogether(const C3DGeomObject& object)
+// Nothing after the reading looks at a corner before it is used: broken ones end here. A channel with more faces than the geometry is out
+// of step with it, as one is after its object got another face list.
+static void FitTogether(const C3DGeomObject& object)
 {
-    const C3DFaceList* const faces = object.GetFaceList();
-    if (faces && !faces->AreIndexesBelow(object.GetPointNbr(), true))
-        return false;
-    const CDependentChannels& channels = *object.GetChannels();
-    for (int i = 0; i < channels.GetSize(); i++) {
-        const CFaceList* const corners = channels[i]->GetFaceList();
-        if (corners && corners->GetSize() > object.GetFaceNbr())
-            return false;
-    }
-    return true;
+    if (object.GetFaceList() && !CheckLoadedCorners(*object.GetFaceList(), object.GetPointNbr()))
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+    for (CChannel* const channel : *object.GetChannels())
+        if (channel->GetFaceList() && channel->GetFaceList()->GetSize() > object.GetFaceNbr())
+            channel->SetFlag(CHANNEL_INVALID, true);
 }
 
 void C3DGeomObject::Serialize(CXArchive& ar)
@@ -51,8 +47,8 @@ void C3DGeomObject::Serialize(CXArchive& ar)
     MoveList(ar, m_faces);
     MoveList(ar, m_points);
     m_channels->Serialize(ar);
-    if (ar.IsLoading() && !FitTogether(*this))
-        XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+    if (ar.IsLoading())
+        FitTogether(*this);
     Move(ar, m_smoothAngle);
     Move(ar, m_faceMode);
     Move(ar, m_smoothMode);

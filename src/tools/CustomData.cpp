@@ -436,6 +436,7 @@ void CCustomData::Load(CXArchive& ar, unsigned int depth)
         return;
     m_values = std::make_unique<Values>();
     auto& entries = m_values->entries;
+    entries.reserve(count);
     for (std::uint64_t i = 0; i < count; i++) {
         unsigned int id;
         unsigned char type;

@@ -29,6 +29,12 @@ std::string FileOf(C3DScene& scene)
     return std::string(bytes.begin(), bytes.end());
 }
 
+int* CornersOf(CFaceList& faces, unsigned int face)
+{
+    int count;
+    return faces.GetIndexes(face, count);
+}
+
 }
 
 TEST(NativeDamage, IsRefusedOrReadButNeverHarmful)
@@ -87,4 +93,54 @@ TEST(NativeDamage, TheComparisonSeesEveryFieldThatIsStored)
         EXPECT_NE(FirstDifference(*read, *scene), "") << place;
     }
     EXPECT_GT(changed, whole.size() / 30);
+}
+
+TEST(NativeDamage, WhatOperationsLeaveBehindIsReadAgain)
+{
+    for (unsigned int seed = 1; seed <= 20; seed++) {
+        SCOPED_TRACE(seed);
+        const Owned<C3DScene> scene(CreateFullScene(seed)), read(C3DScene::Create()), again(C3DScene::Create());
+        WorkWith(*scene);
+        ASSERT_TRUE(Load(*read, Stored(*scene)));    // where dead faces have no corners beyond the points any more
+        ASSERT_TRUE(Load(*again, Stored(*read)));
+        EXPECT_EQ(FirstDifference(*read, *again), "");
+    }
+}
+
+TEST(NativeDamage, CornersAreHeldAgainstPointsAndChannelsAgainstFaces)
+{
+    struct {
+        const char* name;
+        void (*change)(C3DGeomObject&);
+        bool reads;
+    } const rows[] = {
+        {"a live face beyond the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = 8; }, false},
+        {"a live face before the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = -1; }, false},
+        {"a dead face beyond the points",
+         [](C3DGeomObject& o) {
+             CornersOf(*o.GetFaceList(), 0)[1] = 8;
+             o.GetFaceList()->SetFaceFlag(0, FACE_INVALID, true);
+         },
+         true},
+        {"faces without points", [](C3DGeomObject& o) { o.SetPointList(nullptr, true); }, false},
+        {"a channel beyond its points", [](C3DGeomObject& o) { CornersOf(*(*o.GetChannels())[0]->GetFaceList(), 2)[0] = 24; }, false},
+        {"fewer faces than the channel has", [](C3DGeomObject& o) { o.GetFaceList()->SetSize(5, 0, CFaceList::SIZE_GROW); }, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Mesh cube = Cube();
+        const Owned<C3DObject> object(new C3DObject(std::exchange(cube.points, nullptr), std::exchange(cube.faces, nullptr), nullptr));
+        auto* const channel = new CUVWChannel;
+        int next = 0;
+        channel->GetFaceList()->AppendCopies(*object->GetFaceList(), nullptr, 6, [&](int) { return next++; });
+        channel->GetPointList()->SetSize(24);
+        object->AddChannel(channel);
+        row.change(*object);
+        const Owned<C3DObject> read(new C3DObject);
+        ASSERT_EQ(Load(*read, Stored(*object)), row.reads);
+        if (!row.reads)
+            continue;
+        EXPECT_TRUE(read->GetFaceList()->AreIndexesBelow(read->GetPointNbr(), true));
+        EXPECT_EQ((*read->GetChannels())[0]->IsFlagSet(CHANNEL_INVALID), read->GetFaceNbr() < 6);
+    }
 }
