@@ -85,11 +85,11 @@ bool CFaceList::UpdatePointToFaceGraph(const CGeomInfo* info)
     return false;
 }
 
-void CFaceList::InitEdgeToFaceGraph(const CGeomInfo* info)
+void CFaceList::InitEdgeToFaceGraph(const CGeomInfo* info, CBlockVector<unsigned int>* entries)
 {
     UpdateList(info);
     if (m_edgeGraphUse == 0 || GetEdgeGraph().IsEmpty())
-        CreateEdgeToFaceGraph();
+        CreateEdgeToFaceGraph(entries);
     m_edgeGraphUse++;
 }
 
@@ -103,7 +103,7 @@ bool CFaceList::UpdateEdgeToFaceGraph(const CGeomInfo*)
 {
     if (m_edgeGraphUse == 0)
         return false;
-    CreateEdgeToFaceGraph();
+    CreateEdgeToFaceGraph(nullptr);
     return true;
 }
 
@@ -158,7 +158,7 @@ void CFaceList::CreatePointToFaceGraph(const CGeomInfo* info)
         BuildPointGraph<std::uint64_t>(*this, pointCount, m_pointGraph);
 }
 
-void CFaceList::CreateEdgeToFaceGraph()
+void CFaceList::CreateEdgeToFaceGraph(CBlockVector<unsigned int>* entries)
 {
     constexpr unsigned int BATCH = 256;    // edges handed over together
     EdgeGraph& graph = GetEdgeGraph();
@@ -172,7 +172,13 @@ void CFaceList::CreateEdgeToFaceGraph()
     C3DEdge edges[BATCH];
     int owners[BATCH];
     unsigned int pending = 0;
-    const auto flush = [&] { graph.AddAll(edges, owners, std::exchange(pending, 0)); };
+    const auto flush = [&] {
+        const std::size_t done = entries ? entries->size() : 0;
+        if (entries)
+            entries->resize(done + pending);
+        graph.AddAll(edges, owners, pending, entries ? entries->data() + done : nullptr);
+        pending = 0;
+    };
     ForEachLiveFace([&](int face, const int* corners, int count) {
         for (int k = 0; k < count; k++) {
             edges[pending] = C3DEdge(corners[k], corners[k + 1 < count ? k + 1 : 0]);

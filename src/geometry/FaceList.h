@@ -267,7 +267,9 @@ public:
     bool UpdatePointToFaceGraph(const CGeomInfo* info);
     bool HasPointToFaceGraph() const { return m_pointGraphUse > 0; }
     /// Edge to live faces, ascending; a face as often as it runs along the edge.
-    void InitEdgeToFaceGraph(const CGeomInfo* info);
+    void InitEdgeToFaceGraph(const CGeomInfo* info) { InitEdgeToFaceGraph(info, nullptr); }
+    /// When it is built now, `entries` receives the entry of each corner's edge, for the live faces one after the other.
+    void InitEdgeToFaceGraph(const CGeomInfo* info, CBlockVector<unsigned int>* entries);
     void DeleteEdgeToFaceGraph();
     /// Builds afresh when the graph is in use; tells whether it did.
     bool UpdateEdgeToFaceGraph(const CGeomInfo* info);
@@ -351,7 +353,7 @@ protected:
 
     bool HasMainChunk(unsigned int elementSize) const;
     void CreatePointToFaceGraph(const CGeomInfo* info);
-    void CreateEdgeToFaceGraph();
+    void CreateEdgeToFaceGraph(CBlockVector<unsigned int>* entries);
     /// Joins two sets of `type`, into `set`; its size.
     int GetConnectionSet(CHashTable<int>& set, const int* first, int firstCount, const int* second, int secondCount,
                          _ConnectionInfoType type) const;

@@ -3,7 +3,9 @@
 // The tagger hears of every neighbour that no group has yet, as often as it is met. The queue takes each of them once:
 // a second place would find the face visited when its turn comes.
 
-#include "geometry/Edge.h"
+#include <optional>
+
+#include "geometry/CornerEdges.h"
 #include "geometry/FaceList.h"
 #include "geometry/FaceTagger.h"
 #include "geometry/GeomInfo.h"
@@ -15,8 +17,9 @@ namespace {
 /// One run of TagFaces.
 class FaceFlood {
 public:
-    FaceFlood(CFaceList& faces, CFaceTagger& tagger, bool byEdge)
-        : m_faces(faces), m_tagger(tagger), m_byEdge(byEdge), m_flags(faces), m_visited(static_cast<unsigned int>(faces.GetSize()), false),
+    /// By the edges given; without them by points.
+    FaceFlood(CFaceList& faces, CFaceTagger& tagger, const CCornerEdges* edges)
+        : m_faces(faces), m_tagger(tagger), m_edges(edges), m_flags(faces), m_visited(static_cast<unsigned int>(faces.GetSize()), false),
           m_queued(static_cast<unsigned int>(faces.GetSize()), false)
     {
     }
@@ -33,11 +36,11 @@ public:
 private:
     void FillGroup(unsigned int group, int start);
     void Spread(int face);
-    bool Ask(int face, int corner, int next);
+    bool Ask(int face, int k, int corner, int next);
 
     CFaceList& m_faces;
     CFaceTagger& m_tagger;
-    const bool m_byEdge;
+    const CCornerEdges* const m_edges;
     const CFaceFlags m_flags;
     CBitArray m_visited;                   // in a group
     CBitArray m_queued;                    // in the queue, now or earlier
@@ -63,7 +66,7 @@ void FaceFlood::Spread(int face)
     m_faces.GetIndexes(static_cast<unsigned int>(face), count);
     for (int k = 0; k < count; k++) {
         const int* corners = m_faces.GetIndexes(static_cast<unsigned int>(face), count);    // a tagger may edit faces
-        if (k >= count || !Ask(face, corners[k], corners[(k + 1) % count]))
+        if (k >= count || !Ask(face, k, corners[k], corners[k + 1 < count ? k + 1 : 0]))
             continue;
         for (const int neighbour : m_neighbours) {
             const unsigned int place = static_cast<unsigned int>(neighbour);
@@ -75,13 +78,13 @@ void FaceFlood::Spread(int face)
     }
 }
 
-// Collects the neighbours at a corner that are in no group yet. False when there are none, or when the tagger refuses
+// Collects the neighbours at corner k that are in no group yet. False when there are none, or when the tagger refuses
 // them.
-bool FaceFlood::Ask(int face, int corner, int next)
+bool FaceFlood::Ask(int face, int k, int corner, int next)
 {
     C3DEdge edge(corner, next);
     int count;
-    const int* connected = m_byEdge ? m_faces.GetFacesConnectedToEdge(edge, count) : m_faces.GetFacesConnectedToPoint(corner, count);
+    const int* connected = m_edges ? m_edges->GetFaces(face, k, edge, count) : m_faces.GetFacesConnectedToPoint(corner, count);
     m_neighbours.clear();
     for (int i = 0; i < count; i++)
         if (connected[i] != face && !m_visited[static_cast<unsigned int>(connected[i])])
@@ -89,7 +92,7 @@ bool FaceFlood::Ask(int face, int corner, int next)
     if (m_neighbours.empty())
         return false;
     const unsigned int number = static_cast<unsigned int>(m_neighbours.size());
-    return m_byEdge
+    return m_edges
                ? m_tagger.BelongToGroup(static_cast<unsigned int>(face), edge, m_neighbours.data(), number)
                : m_tagger.BelongToGroup(static_cast<unsigned int>(face), static_cast<unsigned int>(corner), m_neighbours.data(), number);
 }
@@ -105,11 +108,12 @@ unsigned int CFaceList::TagFaces(CGeomInfo* info, CFaceTagger& tagger, bool byEd
     tagger.m_faces = this;
     if (!tagger.InitProcess(info))
         return 0;
+    std::optional<CCornerEdges> edges;
     if (byEdge)
-        InitEdgeToFaceGraph(info);
+        edges.emplace(*this, info);
     else
         InitPointToFaceGraph(info);
-    const unsigned int groups = FaceFlood(*this, tagger, byEdge).Run();
+    const unsigned int groups = FaceFlood(*this, tagger, edges ? &*edges : nullptr).Run();
     tagger.EndProcess(groups);
     return groups;
 }

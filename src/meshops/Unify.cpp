@@ -18,6 +18,7 @@
 #include "channels/DependentChannels.h"
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
+#include "geometry/CornerEdges.h"
 #include "geometry/Edge.h"
 #include "geometry/GeomInfo.h"
 #include "meshops/UnifyTagger.h"
@@ -44,7 +45,7 @@ bool NormalizeUnlessTiny(C3DTVector<float>& v)
 class CUnifyTagger::Run {
 public:
     Run(CGeomInfo& info, CBitArray& flipped)
-        : m_info(info), m_faces(*info.GetSrc3DFaceList()), m_points(*info.GetSrc3DPointList()), m_flipped(flipped),
+        : m_info(info), m_faces(*info.GetSrc3DFaceList()), m_points(*info.GetSrc3DPointList()), m_edges(m_faces, &info), m_flipped(flipped),
           m_visited(static_cast<unsigned int>(m_faces.GetSize()), false)
     {
         m_points.GetBoundingBox(m_min, m_max);
@@ -82,6 +83,7 @@ private:
     CGeomInfo& m_info;
     C3DFaceList& m_faces;
     C3DPointList& m_points;
+    const CCornerEdges m_edges;
     CBitArray& m_flipped;
     CBitArray m_visited;
     C3DTPoint<float> m_min, m_max;
@@ -139,7 +141,7 @@ void CUnifyTagger::Run::Spread(int face)
         if (a == b)
             continue;
         int count;
-        const int* around = m_faces.GetFacesConnectedToEdge(C3DEdge(a, b), count);
+        const int* around = m_edges.GetFaces(face, k, C3DEdge(a, b), count);
         for (int i = 0; i < count; i++) {
             if (IsVisited(around[i]))
                 continue;
@@ -365,7 +367,6 @@ bool CUnifyTagger::InitProcess(CGeomInfo* info)
 {
     if (!info->GetSrc3DFaceList() || !info->GetSrc3DPointList())
         return false;
-    info->GetSrc3DFaceList()->InitEdgeToFaceGraph(info);
     m_run = std::make_unique<Run>(*info, m_flipped);
     return true;
 }

@@ -59,13 +59,13 @@ public:
     bool Add(const KEY& key, const VALUE& value) { return AddValue(Insert(key), value); }
     /// Add for each key, values[i] to keys[i], in order. For builds: the table, the keys and the entries are looked at
     /// behind prefetches, a batch at a time, so that a table in memory of its own costs little more than one in the
-    /// cache.
-    void AddAll(const KEY* keys, const VALUE* values, unsigned int count)
+    /// cache. `entries` receives the entry of each key; may be null.
+    void AddAll(const KEY* keys, const VALUE* values, unsigned int count, unsigned int* entries = nullptr)
     {
         if (m_size == 0)
             InitSlots(TableSize(0));
         for (unsigned int done = 0; done < count; done += BATCH)
-            AddBatch(keys + done, values + done, count - done < BATCH ? count - done : BATCH);
+            AddBatch(keys + done, values + done, count - done < BATCH ? count - done : BATCH, entries ? entries + done : nullptr);
     }
 
     const KEY& GetKey(unsigned int entry) const { return m_keys[entry]; }
@@ -122,7 +122,7 @@ private:
         m_valueCount += added;
         return added;
     }
-    void AddBatch(const KEY* keys, const VALUE* values, unsigned int count)
+    void AddBatch(const KEY* keys, const VALUE* values, unsigned int count, unsigned int* entries)
     {
         unsigned int starts[BATCH];
         for (unsigned int i = 0; i < count; i++) {
@@ -135,8 +135,12 @@ private:
                 m_values.Prefetch(used - 1);
             }
         const unsigned int size = m_size;
-        for (unsigned int i = 0; i < count; i++)
-            AddValue(InsertAt(keys[i], size == m_size ? starts[i] : Start(keys[i])), values[i]);
+        for (unsigned int i = 0; i < count; i++) {
+            const unsigned int entry = InsertAt(keys[i], size == m_size ? starts[i] : Start(keys[i]));
+            AddValue(entry, values[i]);
+            if (entries)
+                entries[i] = entry;
+        }
     }
     static unsigned int TableSize(std::uint64_t wanted)
     {
