@@ -65,6 +65,7 @@ CXTString<wchar_t> CAssimpParser::Write(const CXTString<wchar_t>& path, C3DScene
     CXTString<wchar_t> reason;
     const WriterTask task{scene, format, path, files, losses};
     switch (format.writer) {
+    case WRITER_GLTF: WriteGltf(task); break;
     case WRITER_OBJ: WriteObj(task); break;
     case WRITER_PLY: WritePly(task); break;
     case WRITER_STL: WriteStl(task); break;

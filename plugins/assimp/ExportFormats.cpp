@@ -29,7 +29,9 @@ constexpr unsigned int EVERYTHING = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_
 const ExportFormat s_formats[] = {
     {.exporter = "gltf2",
      .extension = "gltf",
-     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_CURVES | CAN_POINTS,
+     .writer = WRITER_GLTF,
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS | NORMAL_MAPS_ONLY | CAN_BONES | CAN_CURVES |
+                  CAN_POINTS,
      .maps = DIFFUSE | AMBIENT | BUMP,
      .uvSets = 8,
      .colorSets = 1,
@@ -48,7 +50,9 @@ const ExportFormat s_formats[] = {
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "glb2",
      .extension = "glb",
-     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_CURVES | CAN_POINTS | CAN_EMBED,
+     .writer = WRITER_GLTF,
+     .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS | NORMAL_MAPS_ONLY | CAN_BONES | CAN_CURVES |
+                  CAN_POINTS | CAN_EMBED,
      .maps = DIFFUSE | AMBIENT | BUMP,
      .uvSets = 8,
      .colorSets = 1,
@@ -234,7 +238,7 @@ std::vector<const ExportFormat*> ListExportFormats()
 {
     std::vector<const ExportFormat*> formats;
     for (const ExportFormat& format : s_formats)
-        if (format.writer >= WRITER_OBJ || IsInLibrary(format))
+        if (format.writer >= WRITER_GLTF || IsInLibrary(format))
             formats.push_back(&format);
     return formats;
 }

@@ -19,6 +19,7 @@ enum ExportAbility : unsigned int {
     CAN_POINTS = 0x200,             ///< objects of points without faces
     CAN_SHINE_STRENGTH = 0x400,     ///< a specular factor beside the specular colour
     CAN_EMBED = 0x800,              ///< image files inside
+    NORMAL_MAPS_ONLY = 0x2000,      ///< of bump maps, those that hold normals
     GIVEN_NORMALS_ONLY = 0x1000,    ///< of normals, only specified ones are written
 };
 
@@ -26,6 +27,7 @@ enum ExportAbility : unsigned int {
 enum ExportWriter {
     WRITER_LIBRARY,    ///< the import library
     WRITER_ARCHIVE,    ///< the same, where it packs files into an archive on disk, past all that would keep the old file whole
+    WRITER_GLTF,       ///< GltfWriter: a fourth of the library's time; cameras and lights too
     WRITER_OBJ,        ///< ObjWriter: a tenth of the library's time, corners share indices, points stay as they are
     WRITER_PLY,        ///< PlyWriter: the library splits and triangulates
     WRITER_STL,        ///< StlWriter

@@ -51,6 +51,8 @@ public:
     CXTString<wchar_t> Run()
     {
         const bool written = m_task.format.writer == WRITER_ARCHIVE ? WriteArchive() : Write(WideToUtf8(fileStripPath(m_task.target)));
+        if (written && std::string_view(m_task.format.exporter) == "glb")
+            RepairLength();
         if (written || !m_task.files.GetFailedPath().IsEmpty())
             return {};
         return m_error.empty() ? m_task.target + L" could not be written" : Utf8ToWide(m_error);
@@ -68,6 +70,16 @@ private:
         exporter.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
         m_error = exporter.GetErrorString();
         return written;
+    }
+
+    // The library forgets what it fills up between scene and data in the length at the head of a binary file of version 1 of glTF.
+    void RepairLength()
+    {
+        constexpr std::uint64_t LENGTH_AT = 8;
+        OutputFile* main = m_task.files.OpenMain();
+        const auto length = static_cast<std::uint32_t>(main->GetLength());
+        if (main->SetPosition(LENGTH_AT))
+            main->WriteValue(length);
     }
 
     // An archive that lacks the record which ends archives was cut short.

@@ -144,12 +144,12 @@ void MaterialExport::SetExtras(const C3DMaterial& from, aiMaterial& to)
 
 void MaterialExport::SetMap(unsigned int id, const CMaterialMap& map, aiMaterial& to)
 {
-    if (!m_format.HasMap(map.GetType())) {
+    bool isNormalMap = false;
+    map.GetCustomData().GetBool(MAP_NORMAL_MAP, isNormalMap);
+    if (!m_format.HasMap(map.GetType()) || (map.GetType() == MAP_BUMP && !isNormalMap && m_format.Can(NORMAL_MAPS_ONLY))) {
         m_losses.Add(LOSS_MAPS);
         return;
     }
-    bool isNormalMap = false;
-    map.GetCustomData().GetBool(MAP_NORMAL_MAP, isNormalMap);
     const aiTextureType types[] = {aiTextureType_NONE,    aiTextureType_DIFFUSE,
                                    aiTextureType_AMBIENT, aiTextureType_SPECULAR,
                                    aiTextureType_OPACITY, isNormalMap ? aiTextureType_NORMALS : aiTextureType_HEIGHT};
