@@ -176,9 +176,9 @@ Text DescribeEnd(int status)
 /// Why a worker's result does not count; empty when it does.
 Text WaitForResult(Worker& worker, WorkerState& state, double seconds, CProgress& progress)
 {
-    constexpr std::chrono::milliseconds LOOK(20);
+    constexpr std::chrono::milliseconds LOOK(2);
     const auto start = Clock::now();
-    while (!worker.WaitFor(LOOK)) {
+    while (!state.done && !worker.WaitFor(LOOK)) {    // a worker that is done may take its time to end
         if (!progress.SetPos(state.thousandths))
             return L"reading was stopped";
         if (seconds > 0 && std::chrono::duration<double>(Clock::now() - start).count() > seconds) {
