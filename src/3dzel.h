@@ -43,6 +43,7 @@
 #include "tools/StringTable.h"
 #include "tools/Time.h"
 #include "tools/Tree.h"
+#include "tools/UniqueName.h"
 #include "tools/Window.h"
 
 #include "geometry/2DPointExtList.h"
@@ -142,6 +143,7 @@
 #include "io/3DDlgFormatSelection.h"
 #include "io/3DIo.h"
 #include "io/3DParser.h"
+#include "io/ConversionReport.h"
 #include "io/ImportLimits.h"
 #include "io/NativeFile.h"
 #include "io/SceneOptions.h"

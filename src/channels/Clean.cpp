@@ -30,6 +30,11 @@ bool CFaceList::Clean(const CGeomInfo* info)
     CPointList* points = info ? info->GetSrcPointList() : nullptr;
     const bool pointsChanged = points && points->Clean(this, &pointMap);
     if (pointsChanged) {
+        // A face that is empty keeps its place, but no corners: their points may be gone.
+        const CFaceFlags flags(*this);
+        for (int face = 0; face < m_size; face++)
+            if (flags.IsDead(face))
+                m_indexes.SetEntrySize(face, 0, true);
         facesChanged |= UpdateIndex(&pointMap, true);
         points->SetFlag(POINTLIST_CHANGED, true);
     }

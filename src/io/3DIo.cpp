@@ -3,7 +3,6 @@
 #include <atomic>
 
 #include "io/BuiltInParsers.h"
-#include "io/Checkout.h"
 #include "scene/3DScene.h"
 #include "tools/Exception.h"
 #include "tools/FileExt.h"
@@ -199,7 +198,7 @@ C3DScene* C3DIo::FinishReading(C3DScene* scene, CSceneImportOptions& options)
 {
     if (scene->GetFilename().IsEmpty())
         scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
-    CheckoutImport(*scene, options);
+    scene->CheckoutImport(options);
     if (scene->GetChildCount(nullptr, SHAPES) > 0) {
         SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);    // whatever a parser before this one had to say
         return scene;
@@ -260,13 +259,13 @@ bool C3DIo::Save(bool showDialog, C3DScene* scene, CSceneExportOptions* options)
 bool C3DIo::WriteFile(C3DScene* scene, CSceneExportOptions& options)
 {
     const auto fail = [&](const CXException* exception) {
-        ReleaseExport(options);
+        C3DScene::ReleaseExport(options);
         SetIoError(IORESULT_EXCEPTION, &options, IoLogInfo::FAILURE);
         LogException(options, exception);
         ReportIoError(&options, FAILURE_LEVELS);
     };
     try {
-        C3DScene* const working = InitExport(*scene, options);
+        C3DScene* const working = scene->InitExport(options);
         bool written = false;
         if (!working || !working->GetChildNode(nullptr))
             SetIoError(IORESULT_NOTHING_TO_SAVE, &options, IoLogInfo::FAILURE);
@@ -277,7 +276,7 @@ bool C3DIo::WriteFile(C3DScene* scene, CSceneExportOptions& options)
             const bool update = options.flags & EXPORT_UPDATE_ORIGINAL && dataClass == GetClass() && parser.CanUpdate(data);
             written = update ? parser.Update(options.filePath, working, data, options) : parser.Save(options.filePath, working, options);
         }
-        ReleaseExport(options);
+        C3DScene::ReleaseExport(options);
         return written;
     } catch (const CXException* exception) {
         fail(exception);

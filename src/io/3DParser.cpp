@@ -1,15 +1,8 @@
 #include "io/3DParser.h"
 
-#include "io/Checkout.h"
+#include "io/ExportSheet.h"
+#include "io/Texts.h"
 #include "tools/FileIo.h"
-
-namespace {
-
-constexpr unsigned int STRING_DEFAULT_PARAMETERS = 7368;
-constexpr const wchar_t* DEFAULT_PARAMETERS = L"using default parameters\n";
-constexpr const wchar_t* CUSTOM_PARAMETERS = L"using custom parameters\n";
-
-}
 
 C3DParser::C3DParser(CFileIo* fileIo) : CFileParser(fileIo) {}
 
@@ -21,12 +14,7 @@ void C3DParser::LoadDefaultOptions(CSceneImportOptions&) {}
 
 bool C3DParser::LoadOptionsDialog(CSceneImportOptions&) { return true; }
 
-CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&)
-{
-    CXTString<wchar_t> text;
-    text.LoadStringW(STRING_DEFAULT_PARAMETERS);
-    return text;
-}
+CXTString<wchar_t> C3DParser::GetLoadParametersInfo(CSceneImportOptions&) { return LoadText(TEXT_DEFAULT_PARAMETERS); }
 
 C3DScene* C3DParser::Read(const CXTString<wchar_t>&, CSceneImportOptions&) { return nullptr; }
 
@@ -36,7 +24,7 @@ bool C3DParser::SaveOptionsDialog(CSceneExportOptions& options) { return ShowExp
 
 CXTString<wchar_t> C3DParser::GetSaveParametersInfo(CSceneExportOptions& options)
 {
-    return options.flags == (options.defaultFlags | options.forcedFlags) ? DEFAULT_PARAMETERS : CUSTOM_PARAMETERS;
+    return LoadText(options.flags == (options.defaultFlags | options.forcedFlags) ? TEXT_DEFAULT_PARAMETERS : TEXT_CUSTOM_PARAMETERS);
 }
 
 bool C3DParser::Save(const CXTString<wchar_t>&, C3DScene*, CSceneExportOptions& options)

@@ -88,7 +88,7 @@ public:
     /// The settings to remember.
     const CCustomData& SaveToSavedPrefs();
 
-    CHashTable<CXTString<wchar_t>> textureNames;    ///< in use, for uniqueness
+    CHashTable<CXTString<wchar_t>> textureNames;    ///< in use by the export at work: names made up, files written
     C3DScene* exportScene = nullptr;                ///< the working copy during an export; owned
     unsigned int flags;                             ///< _EXPORT_FLAGS
     int swapCoordinates = 0;
@@ -106,4 +106,7 @@ public:
     CXTString<wchar_t> textureFolder;             ///< where moved textures go
     bool textureFolderFixed = false;              ///< they go to the folder of the scene
     unsigned int textureCodePage = 0xFFFFFFFF;    ///< code page in which a texture's name must survive; 0xFFFFFFFF: none
+    /// Textures are moved wherever they lie. Without it only from the folder of the scene and the texture paths: names in a file that
+    /// somebody else made may lead anywhere.
+    bool texturesFromAnywhere = false;
 };

@@ -13,6 +13,8 @@
 #include "tools/Tree.h"
 
 class CFileNameSpec;
+class CSceneExportOptions;
+class CSceneImportOptions;
 
 /// Flags of the copies of scenes, branches and nodes.
 enum _SCENE_COPY_FLAGS : int {
@@ -287,6 +289,38 @@ public:
     /// File names of the diffuse maps of all materials, as they stand in the maps; empties the array first.
     void GetLinkedFiles(CXArray<CXTString<wchar_t>>& files, bool) const;
 
+    // On the way in and out (io/: Checkout.cpp, ExportPreparation.cpp, MoveTextures.cpp)
+
+    /// Brings what a parser delivered into the state that the rest of the system counts on, then does what the import flags ask for.
+    /// Repairs and steps that changed something become lines of the log. Nothing with IMPORT_NO_CHECKOUT.
+    ///
+    /// Cost without flags: a pass over points and corners of each object.
+    void CheckoutImport(CSceneImportOptions& options);
+    /// The scene to write: a copy, in CSceneExportOptions::exportScene until ReleaseExport, or with EXPORT_IN_PLACE this scene itself,
+    /// turned into what the export flags and limits allow. Null when nothing is left to save (with EXPORT_IN_PLACE this scene all the same).
+    C3DScene* InitExport(CSceneExportOptions& options);
+    /// The preparation alone, on `working`. False for null, and when no object is left.
+    static bool InitExport(CSceneExportOptions& options, C3DScene* working);
+    static void ReleaseExport(CSceneExportOptions& options);
+    /// Copies the files of diffuse maps to a folder and lets the maps name the copies.
+    ///
+    /// @param scenePath      file for which the scene is prepared; its maps then are named relative to its folder
+    /// @param textureFolder  where to; relative to that folder, or absolute. Made when missing
+    /// @param options        flags, limits and log; may be null
+    /// @return               false when the folder cannot be made
+    ///
+    /// A file outside the folder that the scene came from and outside the texture paths stays where it is, unless the options say
+    /// otherwise: what a file names is not to be trusted.
+    bool MoveTextures(const CXTString<wchar_t>& scenePath, const CXTString<wchar_t>& textureFolder, CSceneExportOptions* options);
+
+    // Joining scenes (io/Merge.cpp)
+
+    /// Moves all nodes of another scene under `parent` (null: the root) and joins materials of equal parameters. `other` is given up, one
+    /// reference of it. False, with nothing changed, for null, for this scene, and for a parent that is not in this scene.
+    bool Merge(C3DScene* other, C3DSceneNode* parent);
+    /// Copies another scene into this one, with its parameters (unless SCENE_COPY_NO_SCENE_DATA) and parser info. False for null.
+    bool AddScene(const C3DScene* other, int flags, C3DObjectCreator* creator);
+
     // What a parser keeps with the scene
 
     /// Nothing for null data; releases what was there.
@@ -298,8 +332,15 @@ public:
 protected:
     ~C3DScene() override;
 
+    /// Names, points, faces and channels of all objects, then the order of siblings (io/Checkout.cpp).
+    void CheckoutNode(CSceneImportOptions& options);
+    /// Copies one texture into `folder` (io/MoveTextures.cpp). True when it was copied; its new name goes to `newPath`.
+    bool MoveTextureFile(const CXTString<wchar_t>& source, const CXTString<wchar_t>& folder, CXTString<wchar_t>& newPath,
+                         CSceneExportOptions* options);
+
 private:
     friend class C3DNodePos;
+    void SortSiblings();
     bool PassesWalk(const C3DSceneNode* node, C3DNodePos& pos) const;
     void Advance(C3DNodePos& pos) const;
     static void SetBranchScene(C3DSceneNode* node, C3DScene* scene);

@@ -47,7 +47,7 @@ bool C3DGeomObject::ReplaceMaterials(const MaterialMap& map)
     }
     if (!changed)
         return false;
-    m_faces->DeleteMaterialsHashMap();
+    Invalidate(CHANGE_FACES, true);
     SetUpdateFlags(OBJECT_UPDATE_DISPLAY, true);
     return true;
 }

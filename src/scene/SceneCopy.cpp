@@ -252,8 +252,10 @@ C3DScene* C3DScene::Copy(C3DSceneNode* start, int flags, C3DObjectCreator* creat
     }
     copy->Inherit(this, flags);
     // The whole scene stands where, and when, it stood.
-    if (!start || IsSceneRoot(start))
-        copy->GetRoot()->Inherit(GetRoot(), 0);
+    if (!start || IsSceneRoot(start)) {
+        copy->GetRoot()->Inherit(GetRoot(), COPY_FOREIGN_SCENE);
+        copy->GetRoot()->GetBaseObject()->InheritFlags(*GetRoot()->GetBaseObject(), COPY_FOREIGN_SCENE);
+    }
     copy->m_currentTime = m_currentTime;
     return copy;
 }

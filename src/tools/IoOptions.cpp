@@ -12,10 +12,14 @@ CIoOptions::CIoOptions(bool reading) : m_reading(reading) {}
 
 CIoOptions::~CIoOptions() = default;
 
-void CIoOptions::AddLogInfo(IoLogInfo::loglevel level, const CXTString<wchar_t>& text)
+void CIoOptions::AddLogInfo(IoLogInfo::loglevel level, const CXTString<wchar_t>& text) { AddLine({level, text}); }
+
+void CIoOptions::AddLossInfo(const CXTString<wchar_t>& text) { AddLine({IoLogInfo::INFORMATION, text, true}); }
+
+void CIoOptions::AddLine(const IoLogInfo& line)
 {
-    if (m_log.size() < MAX_LOG_LINES || level == IoLogInfo::FAILURE)
-        m_log.push_back({level, text});
+    if (m_log.size() < MAX_LOG_LINES || line.level == IoLogInfo::FAILURE)
+        m_log.push_back(line);
     else
         m_dropped++;
 }

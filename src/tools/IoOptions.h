@@ -15,8 +15,12 @@ struct IoLogInfo {
         ALL = 255,    ///< a mask, as the levels are
     };
 
+    /// Something of the scene does not come through: told as information where it was foreseen, else a warning or a failure.
+    bool IsLoss() const { return loss || level != INFORMATION; }
+
     loglevel level;
     CXTString<wchar_t> text;
+    bool loss = false;
 };
 
 enum IoOptionsFlags : unsigned int {
@@ -43,6 +47,8 @@ public:
     void AddLogInfo(IoLogInfo::loglevel level, const CXTString<wchar_t>& text);
     /// The same for one of the numbers 1, 2, 4.
     void AddLogInfo(int level, const CXTString<wchar_t>& text) { AddLogInfo(static_cast<IoLogInfo::loglevel>(level), text); }
+    /// Information about something of the scene that does not come through.
+    void AddLossInfo(const CXTString<wchar_t>& text);
     const std::vector<IoLogInfo>& GetLog() const { return m_log; }
     /// Lines that were counted and not kept.
     unsigned int GetDroppedLogCount() const { return m_dropped; }
@@ -52,6 +58,8 @@ public:
     void RemoveLog();
 
 private:
+    void AddLine(const IoLogInfo& line);
+
     CCustomData m_data;
     std::vector<IoLogInfo> m_log;
     unsigned int m_dropped = 0;

@@ -22,11 +22,14 @@ using OwnedScene = Owned<C3DScene>;
 
 class NativeFile : public testing::Test {
 protected:
+    /// The scene as it stands: without the export preparation, which changes what the file then holds.
     bool Save(C3DScene& scene, const char* name)
     {
         C3DIo io(m_folder.Wide(name), FILEIO_SILENT, nullptr);
         CSceneExportOptions options;
-        const bool saved = io.Save(false, &scene, &options);
+        const bool saved = io.PrepareSaving() && io.GetParser()->Save(m_folder.Wide(name), &scene, options);
+        if (saved)
+            scene.SetFilename(m_folder.Wide(name));
         m_log = WideToUtf8(options.GetLogText(IoLogInfo::ALL));
         return saved;
     }
@@ -73,6 +76,24 @@ TEST_F(NativeFile, EverythingComesBack)
         const OwnedScene read = RoundTrip(*scene);
         ASSERT_TRUE(read) << m_log;
         EXPECT_EQ(FirstDifference(*scene, *read), "");
+    }
+}
+
+TEST_F(NativeFile, SavingThroughTheFrontEndLeavesTheSceneAsItIs)
+{
+    for (unsigned int seed = 1; seed <= 8; seed++) {
+        SCOPED_TRACE(seed);
+        const OwnedScene scene(CreateFullScene(seed));
+        ASSERT_TRUE(Save(*scene, "first.3dif") && Save(*scene, "before.3dif"));
+        for (const unsigned int flags :
+             {0u, EXPORT_TRIANGULATE | EXPORT_GLOBAL_COORDINATES | EXPORT_PATCHES_SOURCE | EXPORT_NORMALISE_NAMES}) {
+            CSceneExportOptions options(flags);
+            C3DIo io(m_folder.Wide("out.3dif"), FILEIO_SILENT, nullptr);
+            ASSERT_TRUE(io.Save(false, scene.get(), &options));
+            EXPECT_TRUE(Read("out.3dif")) << m_log;    // whatever the preparation leaves of a mesh
+        }
+        ASSERT_TRUE(Save(*scene, "after.3dif"));
+        EXPECT_TRUE(m_folder.Read("before.3dif") == m_folder.Read("after.3dif"));
     }
 }
 

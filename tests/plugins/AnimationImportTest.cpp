@@ -138,8 +138,8 @@ TEST_F(PluginTest, AnimationsFollowOneAnother)
     EXPECT_EQ(names[1], L"run");
     EXPECT_EQ(std::vector<int>(ranges, ranges + 4), (std::vector<int>{0, 24, 25, 43}));
 
-    const C3DSceneNode* box = scene->GetChildNode(nullptr);
-    const C3DSceneNode* ball = scene->GetRightNode(box);
+    const C3DSceneNode* ball = scene->GetChildNode(nullptr);
+    const C3DSceneNode* box = scene->GetRightNode(ball);
     const struct {
         int frame;
         float box, ball;    // x of both

@@ -91,8 +91,8 @@ TEST_F(PluginTest, PolygonsLinesAndNodesComeInAsTheyAre)
             EXPECT_EQ(node->GetGeomObject()->GetPointNbr(), 3);
         }
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"first", "second", "path"}));
-    EXPECT_EQ(kinds, (std::vector<unsigned int>{OBJECT_POLYGONAL, OBJECT_POLYGONAL, OBJECT_CURVE}));
+    EXPECT_EQ(names, (std::vector<std::string>{"first", "path", "second"}));
+    EXPECT_EQ(kinds, (std::vector<unsigned int>{OBJECT_POLYGONAL, OBJECT_CURVE, OBJECT_POLYGONAL}));
     EXPECT_EQ(FaceSizes(*FirstObject(scene)), (std::vector<int>{5, 3}));
 }
 
@@ -121,8 +121,7 @@ TEST_F(PluginTest, SharedMeshesAreInstancesInATreeWithItsMatrices)
     EXPECT_EQ(scene->GetMaterialList().GetCount(), 4u);
     EXPECT_EQ(scene->GetScaleFactor(), 100);
 
-    C3DSceneNode* floor = scene->GetChildNode(nullptr);
-    C3DSceneNode* columns = scene->GetRightNode(floor);
+    C3DSceneNode* columns = scene->GetChildNode(nullptr);
     EXPECT_EQ(columns->GetName(), L"columns");
     C3DSceneNode* first = scene->GetChildNode(columns);
     C3DSceneNode* second = scene->GetRightNode(first);
@@ -133,7 +132,7 @@ TEST_F(PluginTest, SharedMeshesAreInstancesInATreeWithItsMatrices)
 
     // The file is z up: whatever the importer turns on the way is turned back to the bit.
     C4x4TMatrix<float> matrix;
-    scene->GetRightNode(columns)->GetNodeTM(0, matrix, true);
+    static_cast<C3DSceneNode*>(scene->GetRoot()->GetLastChild())->GetNodeTM(0, matrix, true);
     EXPECT_EQ(matrix.m[2][3], 3.5f);
     for (int i = 0; i < 3; i++)
         EXPECT_EQ(matrix.m[i][i], 1);

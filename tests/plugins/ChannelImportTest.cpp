@@ -184,7 +184,7 @@ TEST_F(PluginTest, CornersKeepTheValuesOfTheFile)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const Scene scene = Read(ModelFile::Folder() + row.name);
+        const Scene scene = Read(ModelFile::Folder() + row.name, IMPORT_NO_CHECKOUT);    // faces and nodes in the order of the file
         const ModelFile model(ModelFile::Folder() + row.name);
         ASSERT_TRUE(scene && model);
         const auto pairs = model.NodePairs(*scene);

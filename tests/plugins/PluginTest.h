@@ -17,10 +17,10 @@ protected:
     static void SetUpTestSuite() { Init3DZel(1); }
     static void TearDownTestSuite() { Close3DZel(0); }
 
-    Scene Read(const std::string& path)
+    Scene Read(const std::string& path, unsigned int flags = 0)
     {
         C3DIo io(CFileNameSpec(Utf8ToWide(path)), FILEIO_READ | FILEIO_SILENT, nullptr);
-        options = CSceneImportOptions();
+        options = CSceneImportOptions(flags);
         Scene scene(io.Read(false, &options));
         result = io.GetLastResult();
         return scene;

@@ -108,12 +108,12 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
 
     const auto tree = nlohmann::json::parse(Call("info --json --tree " + MODEL).out)["tree"];
     ASSERT_EQ(tree.size(), 19u);
-    EXPECT_EQ(tree[2]["name"], "column 1");
-    EXPECT_EQ(tree[2]["depth"], 1);
-    EXPECT_EQ(tree[2]["kind"], "OBJECT_POLYGONAL");
-    EXPECT_EQ(tree[2]["faces"], 62);
-    EXPECT_FLOAT_EQ(tree[2]["matrix"][2][3], 0.6f);
-    EXPECT_EQ(tree[3]["instance"], true);
+    EXPECT_EQ(tree[1]["name"], "column 1");
+    EXPECT_EQ(tree[1]["depth"], 1);
+    EXPECT_EQ(tree[1]["kind"], "OBJECT_POLYGONAL");
+    EXPECT_EQ(tree[1]["faces"], 62);
+    EXPECT_FLOAT_EQ(tree[1]["matrix"][2][3], 0.6f);
+    EXPECT_EQ(tree[2]["instance"], true);
 
     const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
     ASSERT_TRUE(two.is_array());
