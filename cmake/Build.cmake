@@ -23,7 +23,8 @@ if(LLD)
 endif()
 
 add_library(zel_build INTERFACE)
-target_compile_options(zel_build INTERFACE -Wall -Wextra -Werror -ffp-contract=off)   # the same bits on every machine
+# Warnings of the compiler that everything is built with are errors; another one's stop nothing. No contraction: the same bits on every machine.
+target_compile_options(zel_build INTERFACE -Wall -Wextra $<$<CXX_COMPILER_ID:GNU>:-Werror> -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     target_compile_options(zel_build INTERFACE -Wno-tautological-undefined-compare -Wno-undefined-bool-conversion)
 endif()
@@ -32,6 +33,9 @@ if(ZEL_SANITIZE)
     set(ZEL_SANITIZERS -fsanitize=address,undefined -fno-sanitize=null,vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(zel_build INTERFACE ${ZEL_SANITIZERS})
     target_link_options(zel_build INTERFACE ${ZEL_SANITIZERS})
+endif()
+if(ZEL_FUZZ)
+    target_compile_options(zel_build INTERFACE -fsanitize=fuzzer-no-link)    # so that libFuzzer sees which branches an input takes
 endif()
 
 # Queries on a null `this` are part of the interface, inline ones included, so hosts get the flag too.

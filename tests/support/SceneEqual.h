@@ -238,6 +238,8 @@ private:
         if (!Both("object", first, second))
             return;
         const CStep step(*this, "object");
+        if (second->GetScene() != b.GetScene())
+            Differ("its scene is not that of the node");
         // The same object on one side is the same on the other, and is compared once.
         const auto [partner, isNew] = m_objects.insert({first, second});
         const auto [back, isNewBack] = m_partners.insert({second, first});

@@ -1,0 +1,21 @@
+#!/bin/bash
+# check-fuzz.sh [RUNS]: builds the fuzz targets, and runs each over its kept inputs and RUNS more that it makes of them. What it finds stays in
+# build/fuzz/found. To keep new inputs: build/fuzz/bin/X_fuzz -merge=1 fuzz/corpus/X FOLDER.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+runs=${1:-20000}
+scripts/build.sh fuzz fuzz_targets
+mkdir -p build/fuzz/found
+for program in build/fuzz/bin/*_fuzz; do
+    subject=$(basename "$program" _fuzz)
+    inputs=$(mktemp -d)
+    dictionary=
+    [ ! -f "fuzz/$subject.dict" ] || dictionary=-dict=fuzz/$subject.dict
+    log=build/fuzz/$subject.log
+    # shellcheck disable=SC2086  # absent when there is none
+    "$program" -runs="$runs" -seed=1 -timeout=10 -rss_limit_mb=1500 -malloc_limit_mb=256 -max_len=65536 $dictionary \
+        -artifact_prefix=build/fuzz/found/ "$inputs" "fuzz/corpus/$subject" >"$log" 2>&1 || { tail -60 "$log"; exit 1; }
+    echo "fuzz: $subject, $(ls "fuzz/corpus/$subject" | wc -l) kept inputs and $runs runs"
+    rm -rf "$inputs"
+done
