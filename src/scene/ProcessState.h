@@ -7,7 +7,7 @@
 /// Counters of ids. Each starts at 1.
 enum _ID_COUNTER { ID_OBJECT, ID_NODE, ID_MATERIAL, ID_COUNTERS };
 
-/// The next id of that counter.
+/// The next id of that counter; never 0xFFFFFFFF, nor 0: behind the last one it starts anew.
 ZEL_API unsigned int CreateSceneID(_ID_COUNTER counter);
 /// An id was read from a stream: the counter goes behind it, never back.
 ZEL_API void AdvanceSceneID(_ID_COUNTER counter, unsigned int id);

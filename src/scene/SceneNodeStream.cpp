@@ -47,11 +47,10 @@ void C3DSceneNode::Serialize(CXArchive& ar)
     if (ar.IsStoring()) {
         if (!m_object)
             return;
-        const unsigned int id = m_object->GetObjectID();
-        const int isReference = context && m_object->IsInstanciated() && !context->storedObjects.Insert(id);
+        const int isReference = context && m_object->IsInstanciated() && context->IsStored(m_object);
         ar << isReference;
         if (isReference) {
-            ar << id;
+            ar << m_object->GetObjectID();
             return;
         }
         ar.WriteClass(GetStoredClass(*m_object));

@@ -6,6 +6,14 @@
 
 static constexpr int VERSION = 1;
 
+bool CSceneStreamContext::IsStored(const C3DBaseObject* object)
+{
+    if (const C3DBaseObject* const* const stored = storedObjects.Find(object->GetObjectID()))
+        return *stored == object;
+    storedObjects.Insert(object->GetObjectID(), object);
+    return false;
+}
+
 void CSceneStreamContext::ObjectLoaded(C3DBaseObject* object)
 {
     if (indexed)

@@ -121,3 +121,33 @@ TEST(SceneStream, DamagedBytesNeverCrash)
         }
     }
 }
+
+TEST(SceneStream, TheLastIdOfAllEndsNothing)
+{
+    // Faults in mind: the next object gets the id that stands for none, which no reader takes; one that gets an id twice is read as the other.
+    const CRef<C3DGroup> group(new C3DGroup);
+    StreamBytes bytes = Stored(*group);
+    const unsigned int last = 0xFFFFFFFE, none = 0xFFFFFFFF;
+    std::memcpy(bytes.data() + 4, &last, sizeof last);
+    ASSERT_TRUE(Load(*group, bytes));
+    std::memcpy(bytes.data() + 4, &none, sizeof none);
+    EXPECT_FALSE(Load(*group, bytes));
+
+    const CRef<C3DScene> scene(CreateScene()), read(C3DScene::Create());
+    C3DSceneNode* const b = scene->GetChildNode(scene->GetChildNode(nullptr));
+    EXPECT_LT(b->GetObjectID(), 100u);
+    const CRef<C3DObject> twin(CreateSquare());
+    StreamBytes square = Stored(*twin);
+    const unsigned int id = b->GetObjectID();
+    std::memcpy(square.data() + 4, &id, sizeof id);
+    ASSERT_TRUE(Load(*twin, square));
+    C3DSceneNode* const e = AddNode(*scene, nullptr, L"e", 0);
+    e->SetObject(scene->CreateObjectInstance(twin), true);
+    AddSharer(*scene, nullptr, L"f", e);
+    ASSERT_TRUE(Load(*read, Stored(*scene)));
+    const C3DSceneNode* const d = read->GetRightNode(read->GetChildNode(nullptr));
+    const C3DSceneNode* const readE = read->GetRightNode(d);
+    EXPECT_NE(readE->GetBaseObject(), d->GetBaseObject());
+    EXPECT_EQ(readE->GetGeomObject()->GetChannels()->GetSize(), 0);
+    EXPECT_EQ(read->GetRightNode(readE)->GetGeomObject()->GetChannels()->GetSize(), 0);
+}
