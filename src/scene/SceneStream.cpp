@@ -1,6 +1,7 @@
 #include "scene/SceneStream.h"
 
 #include "scene/3DScene.h"
+#include "scene/Group.h"
 #include "scene/ParserSceneInfo.h"
 #include "tools/Archive.h"
 
@@ -84,8 +85,11 @@ void C3DScene::Serialize(CXArchive& ar)
     m_customData.Serialize(ar);
     m_materials.Serialize(ar);
     CTree::Serialize(ar);
-    if (ar.IsLoading())
+    if (ar.IsLoading()) {
         CheckNodes(*this);
+        if (!GetRoot()->GetBaseObject())    // whatever a stream says, the root holds one
+            GetRoot()->SetObject(new C3DGroup, true);
+    }
 
     for (C3DNodePos pos = GetFirstNode(OBJECT_ANY); pos;) {
         C3DSceneNode* node = GetNextNode(pos);

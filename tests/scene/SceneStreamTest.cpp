@@ -122,6 +122,18 @@ TEST(SceneStream, DamagedBytesNeverCrash)
     }
 }
 
+TEST(SceneStream, TheRootHasAnObjectWhateverTheStreamSays)
+{
+    const CRef<C3DScene> source(C3DScene::Create()), scene(C3DScene::Create());
+    source->GetRoot()->SetObject(nullptr, true);
+    ASSERT_TRUE(Load(*scene, Stored(*source)));
+    ASSERT_NE(scene->GetRoot()->GetBaseObject(), nullptr);
+    EXPECT_EQ(scene->GetRoot()->GetBaseObject()->GetScene(), static_cast<C3DScene*>(scene));
+    AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
+    const CRef<C3DScene> copy(scene->Copy(nullptr, 0, nullptr));    // takes the flags of the root's object over
+    EXPECT_EQ(Outline(*copy), L"a");
+}
+
 TEST(SceneStream, TheLastIdOfAllEndsNothing)
 {
     // Faults in mind: the next object gets the id that stands for none, which no reader takes; one that gets an id twice is read as the other.
