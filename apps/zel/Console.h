@@ -17,6 +17,15 @@ public:
     /// A heading for standard output: bold on a terminal, unless NO_COLOR is set.
     std::string Heading(const std::string& text) const;
 
+    /// Progress is shown: standard error is a terminal, and nobody asked for quiet.
+    bool HasProgress() const;
+    /// A bar on the last line of the terminal, which everything said then takes away.
+    void ShowProgress(const std::string& text, double fraction) const;
+    void ClearProgress() const;
+    /// Text that another process had for standard error.
+    void PassOn(const std::string& talk) const;
+
 private:
     bool m_quiet = false;
+    mutable bool m_showsProgress = false;
 };

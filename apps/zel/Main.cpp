@@ -10,9 +10,11 @@
 #include <CLI/CLI.hpp>
 
 #include "Console.h"
+#include "Convert.h"
 #include "ExitCode.h"
 #include "Formats.h"
 #include "Info.h"
+#include "Merge.h"
 #include "Process.h"
 
 namespace {
@@ -29,7 +31,7 @@ private:
 
 void OnInterrupt(int)
 {
-    _exit(EXIT_INTERRUPTED);    // nothing that is read needs tidying up
+    _exit(EXIT_INTERRUPTED);    // files are written beside their targets: what is there is whole
 }
 
 }
@@ -52,6 +54,8 @@ int main(int argc, char** argv)
     info->add_option("FILE", files, "Files to read")->required();
     info->add_flag("--json", json, "Print JSON: an object a file, an array for several files");
     info->add_flag("--tree", tree, "Show all nodes with their kinds, counts and matrices");
+    const ConvertVerb convert(app);
+    const MergeVerb merge(app);
     const ProcessVerb process(app);
     CLI::App* formats = app.add_subcommand("formats", "Lists what can be read and written, and by whom");
     formats->add_flag("--json", json, "Print JSON");
@@ -69,6 +73,10 @@ int main(int argc, char** argv)
     console.SetQuiet(quiet);
 
     const Library library;
+    if (convert.IsAsked())
+        return convert.Run(console);
+    if (merge.IsAsked())
+        return merge.Run(console);
     if (process.IsAsked())
         return process.Run(console);
     return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);

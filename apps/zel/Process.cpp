@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "MeshStatistics.h"
+#include "ProgressBar.h"
 #include "SceneFile.h"
 #include "SceneSteps.h"
 
@@ -74,9 +75,11 @@ std::vector<Step> ListSteps(const CLI::App& verb)
 
 }
 
-ProcessVerb::ProcessVerb(CLI::App& app) : m_verb(app.add_subcommand("process", "Runs mesh operations on a file, in the order given"))
+ProcessVerb::ProcessVerb(CLI::App& app)
+    : m_verb(app.add_subcommand("process", "Runs mesh operations on a file, in the order given")), m_input(*m_verb), m_output(*m_verb)
 {
     m_verb->add_option("FILE", m_file, "File to read")->required();
+    m_verb->add_option("-o,--output,OUT", m_target, "File to write; without it nothing is written");
     m_verb->add_flag("--stats", m_statistics, "Print counts, area and volume before and after");
     m_verb->add_flag("--json", m_json, "Print the statistics as JSON, with the time of each operation");
     for (const SceneStep& step : GetSceneSteps()) {
@@ -91,7 +94,13 @@ ProcessVerb::ProcessVerb(CLI::App& app) : m_verb(app.add_subcommand("process", "
 ExitCode ProcessVerb::Run(const Console& console) const
 {
     const std::vector<Step> steps = ListSteps(*m_verb);
-    const std::optional<SceneFile> file = ReadSceneFile(console, m_file);
+    const InputFiles inputs({m_file});
+    unsigned int fileClass;
+    if (!m_target.empty() && (m_output.IsInput(console, m_target, inputs) || !m_output.GetFormat(console, fileClass)))
+        return EXIT_USAGE;
+    const ProgressBar bar(console);
+    C3DConversionReport report;
+    const std::optional<SceneFile> file = m_input.Read(console, m_file, report);
     if (!file)
         return EXIT_UNREADABLE;
     std::optional<MeshStatistics> before;
@@ -105,15 +114,19 @@ ExitCode ProcessVerb::Run(const Console& console) const
         timings.push_back({{"operation", step.operation->name}, {"changed", changed}, {"ms", elapsed.count()}});
         console.Say(std::string(step.operation->name) + (changed ? "" : ": nothing to do"));
     }
-    if (!m_statistics)
-        return EXIT_DONE;
-    const MeshStatistics after(*file->scene);
+    if (m_statistics)
+        PrintResult(console, timings, *before, MeshStatistics(*file->scene));
+    return m_target.empty() ? EXIT_DONE : m_output.Write(console, *file->scene, m_target, inputs, report);
+}
+
+void ProcessVerb::PrintResult(const Console& console, const nlohmann::ordered_json& timings, const MeshStatistics& before,
+                              const MeshStatistics& after) const
+{
     if (m_json) {
-        const Json document = {{"schema", 1}, {"file", m_file}, {"steps", timings}, {"before", ToJson(*before)}, {"after", ToJson(after)}};
+        const Json document = {{"schema", 1}, {"file", m_file}, {"steps", timings}, {"before", ToJson(before)}, {"after", ToJson(after)}};
         std::printf("%s\n", document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
     } else {
         std::printf("%s\n", console.Heading(m_file).c_str());
-        PrintStatistics(*before, after);
+        PrintStatistics(before, after);
     }
-    return EXIT_DONE;
 }

@@ -3,11 +3,15 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "Console.h"
 #include "ExitCode.h"
+#include "MeshStatistics.h"
+#include "SceneInput.h"
+#include "SceneOutput.h"
 
-/// zel process: runs mesh operations on a file, in the order in which they stand on the command line.
+/// zel process: runs mesh operations on a file, in the order in which they stand on the command line, and saves the result.
 class ProcessVerb {
 public:
     /// Adds the verb with its options to the program.
@@ -17,7 +21,12 @@ public:
     ExitCode Run(const Console& console) const;
 
 private:
+    void PrintResult(const Console& console, const nlohmann::ordered_json& timings, const MeshStatistics& before,
+                     const MeshStatistics& after) const;
+
     CLI::App* m_verb;
-    std::string m_file;
+    SceneInput m_input;
+    SceneOutput m_output;
+    std::string m_file, m_target;
     bool m_statistics = false, m_json = false;
 };

@@ -4,10 +4,8 @@
 #include <exception>
 #include <new>
 
-namespace {
-
-// The first failure of the log is the exact one; later ones only say that the reading failed.
-std::string Reason(const C3DIo& io, const CSceneImportOptions& options)
+// The first failure of the log is the exact one; later ones only say that the work failed.
+std::string GetFailureReason(const C3DIo& io, const CIoOptions& options)
 {
     for (const IoLogInfo& line : options.GetLog())
         if (line.level == IoLogInfo::FAILURE)
@@ -15,21 +13,37 @@ std::string Reason(const C3DIo& io, const CSceneImportOptions& options)
     return WideToUtf8(io.GetResultText());
 }
 
+// A broken file can be wrong in each of its faces; the report of a conversion has them all.
+static void SayWarnings(const Console& console, const std::string& name, const CSceneImportOptions& options)
+{
+    constexpr std::size_t MOST_LINES = 5;
+    std::size_t count = 0;
+    for (const IoLogInfo& line : options.GetLog())
+        if (line.level == IoLogInfo::WARNING && count++ < MOST_LINES)
+            console.Say(name + ": " + WideToUtf8(line.text));
+    count += options.GetDroppedLogCount();
+    if (count > MOST_LINES)
+        console.Say(name + ": " + std::to_string(count - MOST_LINES) + " more warnings");
 }
 
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name)
 {
-    C3DIo io(CFileNameSpec(Utf8ToWide(name)), FILEIO_READ | FILEIO_SILENT, nullptr);
     CSceneImportOptions options;
+    return ReadSceneFile(console, name, options);
+}
+
+std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options)
+{
+    C3DIo io(CFileNameSpec(Utf8ToWide(name)), FILEIO_READ | FILEIO_SILENT, nullptr);
     SceneFile file;
     const auto start = std::chrono::steady_clock::now();
     std::string reason;
     try {
         file.scene.reset(io.Read(false, &options));
         if (!file.scene)
-            reason = Reason(io, options);
+            reason = GetFailureReason(io, options);
     } catch (const CXException* error) {
-        reason = error->GetText().IsEmpty() ? Reason(io, options) : WideToUtf8(error->GetText());
+        reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
         XDeleteThreadException();
     } catch (const std::bad_alloc&) {
         reason = "not enough memory";
@@ -40,9 +54,7 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
         console.Fail(reason.find(name) == std::string::npos ? name + ": " + reason : reason);
         return std::nullopt;
     }
-    for (const IoLogInfo& line : options.GetLog())
-        if (line.level == IoLogInfo::WARNING)
-            console.Say(name + ": " + WideToUtf8(line.text));
+    SayWarnings(console, name, options);
     const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
     CFileExt format;
     fileGetExtensionInfo(io.GetClass(), &format);

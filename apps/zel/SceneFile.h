@@ -23,3 +23,8 @@ struct SceneFile {
 
 /// Reads a file of any format. Warnings are told; a failure is one line of the console, and no result.
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name);
+/// The same with import flags; the log is left in the options.
+std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options);
+
+/// Why a reading or a writing came to nothing.
+std::string GetFailureReason(const C3DIo& io, const CIoOptions& options);
