@@ -136,7 +136,7 @@ public:
         std::uint64_t base, stride;
         if (m_offsets.IsProgression(base, stride))    // no question an entry which form the offsets have
             for (unsigned int i = 0; i < entries; i++)
-                visitAt(i, pool + base + i * stride);
+                visitAt(i, pool + (base + i * stride));    // steps down wrap around
         else
             for (unsigned int i = 0; i < entries; i++)
                 visitAt(i, pool + m_offsets[i]);
