@@ -16,6 +16,7 @@
 #include "Info.h"
 #include "Merge.h"
 #include "Process.h"
+#include "SceneFile.h"
 
 namespace {
 
@@ -48,6 +49,14 @@ int main(int argc, char** argv)
     app.fallthrough();
     app.add_flag("-q,--quiet", quiet, "No talk but failures");
 
+    ReadSettings reading;
+    const char* const READING = "Reading";
+    app.add_option("--read-as", reading.extension, "Extension of the format that files are in, whatever their names say")->group(READING);
+    app.add_option("--read-seconds", reading.seconds, "Most time for a file of another program; 600 by default, 0: no limit")
+        ->group(READING);
+    app.add_option("--read-megabytes", reading.megabytes, "Most memory for one; 4096 and 64 times its size by default, 0: no limit")
+        ->group(READING);
+
     bool json = false, tree = false;
     std::vector<std::string> files;
     CLI::App* info = app.add_subcommand("info", "Shows what scene files hold");
@@ -71,6 +80,7 @@ int main(int argc, char** argv)
         return EXIT_USAGE;
     }
     console.SetQuiet(quiet);
+    SetReadSettings(reading);
 
     const Library library;
     if (convert.IsAsked())

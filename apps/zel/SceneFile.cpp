@@ -4,6 +4,24 @@
 #include <exception>
 #include <new>
 
+static ReadSettings s_settings;
+
+void SetReadSettings(const ReadSettings& settings) { s_settings = settings; }
+
+// The class that the extension of the settings asks for; 0 for none, or by name.
+static unsigned int GetWantedClass()
+{
+    return s_settings.extension.empty() ? 0 : CFileNameSpec(Utf8ToWide("file." + s_settings.extension)).GetClass();
+}
+
+static void ApplyLimits(CSceneImportOptions& options)
+{
+    if (s_settings.seconds)
+        options.GetCustomData().SetUnsigned(IMPORT_SECONDS, *s_settings.seconds);
+    if (s_settings.megabytes)
+        options.GetCustomData().SetUnsigned(IMPORT_MEGABYTES, *s_settings.megabytes);
+}
+
 // The first failure of the log is the exact one; later ones only say that the work failed.
 std::string GetFailureReason(const C3DIo& io, const CIoOptions& options)
 {
@@ -34,7 +52,13 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
 
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options)
 {
-    C3DIo io(CFileNameSpec(Utf8ToWide(name)), FILEIO_READ | FILEIO_SILENT, nullptr);
+    const unsigned int wantedClass = GetWantedClass();
+    if (wantedClass == 0 && !s_settings.extension.empty()) {
+        console.Fail(name + ": no reader for files like ." + s_settings.extension + " (see zel formats)");
+        return std::nullopt;
+    }
+    ApplyLimits(options);
+    C3DIo io(CFileNameSpec(Utf8ToWide(name), wantedClass), FILEIO_READ | FILEIO_SILENT, nullptr);
     SceneFile file;
     const auto start = std::chrono::steady_clock::now();
     std::string reason;

@@ -21,6 +21,13 @@ struct SceneFile {
     std::unique_ptr<C3DScene, ReleaseScene> scene;
 };
 
+/// How files are read, for the whole run.
+struct ReadSettings {
+    std::optional<unsigned int> seconds, megabytes;    ///< limits for a file of another program; 0 is none
+    std::string extension;                             ///< of the format that files are in, whatever their names say; empty: by name
+};
+void SetReadSettings(const ReadSettings& settings);
+
 /// Reads a file of any format. Warnings are told; a failure is one line of the console, and no result.
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name);
 /// The same with import flags; the log is left in the options.

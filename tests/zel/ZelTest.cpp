@@ -7,6 +7,8 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
     std::ofstream(folder.Name("broken.3ds")) << "nothing of the kind";
     std::ofstream(folder.Name("two\nlines.obj")) << "";
     const std::string broken = folder.Name("broken.3ds"), missing = folder.Name("missing.obj");
+    const std::string renamed = folder.Name("model.data");
+    std::filesystem::copy_file(MODEL, renamed);
     const struct {
         std::string arguments;
         int code;
@@ -45,6 +47,10 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
         {"info " + missing + " " + broken, 3, 2},
         {"info " + folder.Name(""), 3, 1},
         {"info " + folder.Name("name.unknown"), 3, 1},
+        {"info --read-as nothing " + MODEL, 3, 1},
+        {"info --read-as ply " + MODEL, 3, 1},
+        {"info --read-as dae --read-seconds 0 --read-megabytes 0 " + renamed, 0, 0},
+        {"info --read-seconds soon " + MODEL, 2, 1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments);
