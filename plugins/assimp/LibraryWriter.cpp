@@ -8,8 +8,10 @@
 #include <string_view>
 
 #include <assimp/Exporter.hpp>
+#include <assimp/cexport.h>
 #include <assimp/scene.h>
 
+#include "FbxRepair.h"
 #include "LibraryFiles.h"
 #include "ProgressBridge.h"
 #include "SceneExport.h"
@@ -50,8 +52,15 @@ public:
 
     CXTString<wchar_t> Run()
     {
-        const bool written = m_task.format.writer == WRITER_ARCHIVE ? WriteArchive() : Write(WideToUtf8(fileStripPath(m_task.target)));
-        if (written && std::string_view(m_task.format.exporter) == "glb")
+        const std::string_view exporter = m_task.format.exporter;
+        bool written = false;
+        if (m_task.format.writer == WRITER_ARCHIVE)
+            written = WriteArchive();
+        else if (exporter == "fbx")
+            written = WriteRepaired();
+        else
+            written = Write(WideToUtf8(fileStripPath(m_task.target)));
+        if (written && exporter == "glb")
             RepairLength();
         if (written || !m_task.files.GetFailedPath().IsEmpty())
             return {};
@@ -70,6 +79,18 @@ private:
         exporter.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
         m_error = exporter.GetErrorString();
         return written;
+    }
+
+    bool WriteRepaired()
+    {
+        Assimp::Exporter exporter;
+        const aiExportDataBlob* blob = exporter.ExportToBlob(m_content.get(), m_task.format.exporter);
+        m_error = exporter.GetErrorString();
+        const std::string file = blob ? RepairFbx({static_cast<const char*>(blob->data), blob->size}) : std::string();
+        OutputFile* main = file.empty() ? nullptr : m_task.files.OpenMain();
+        if (main)
+            main->Write(file);
+        return main != nullptr;
     }
 
     // The library forgets what it fills up between scene and data in the length at the head of a binary file of version 1 of glTF.
