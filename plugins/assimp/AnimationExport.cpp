@@ -9,6 +9,7 @@
 namespace {
 
 constexpr double UNTOLD_RATE = 30;
+constexpr const char* UNTOLD_NAME = "animation";    // without one, some programs pass an animation over
 
 /// Frames from `first` to `last`, of which `origin` is time 0.
 struct Clip {
@@ -27,13 +28,13 @@ std::vector<Clip> ClipsOf(const C3DScene& scene, int firstFrame)
     for (int i = 0; ranges && i < names.GetSize() && 2 * static_cast<std::size_t>(i + 1) * sizeof(int) <= size; i++) {
         const int first = ranges[2 * i];
         if (!clips.empty() && first <= clips.back().first)
-            return {{"", FIRST, LAST, std::min(firstFrame, 0)}};    // not the rows that they should be
+            return {{UNTOLD_NAME, FIRST, LAST, std::min(firstFrame, 0)}};    // not the rows that they should be
         if (!clips.empty())
             clips.back().last = first - 1;
         clips.push_back({WideToUtf8(names[i]), i > 0 ? first : FIRST, LAST, i > 0 ? first : std::min(firstFrame, 0)});
     }
     if (clips.empty())
-        clips.push_back({"", FIRST, LAST, std::min(firstFrame, 0)});
+        clips.push_back({UNTOLD_NAME, FIRST, LAST, std::min(firstFrame, 0)});
     return clips;
 }
 
@@ -60,13 +61,16 @@ template <class KEY> void MoveTo(const std::vector<KEY>& keys, KEY*& array, unsi
 /// The keys of one node in one clip.
 class Track {
 public:
-    Track(const C3DSceneNode& node, const Clip& clip) : m_node(node), m_clip(clip) {}
+    Track(const C3DSceneNode& node, const Clip& clip, double frames, bool together)
+        : m_node(node), m_clip(clip), m_frames(frames), m_together(together)
+    {
+    }
 
     /// Null when the clip has no key of the node.
     std::unique_ptr<aiNodeAnim> Build(LossLog& losses)
     {
         const NodePlace place(m_node);
-        place.IsPlain() ? TakeKeys() : TakeSamples(place, losses);
+        place.IsPlain() && !m_together ? TakeKeys() : TakeSamples(place, losses);
         if (m_isEmpty)
             return nullptr;
         auto to = std::make_unique<aiNodeAnim>();
@@ -79,7 +83,7 @@ public:
 
 private:
     bool IsInClip(int time) const { return m_clip.first <= time && time <= m_clip.last; }
-    double TimeOf(int frame) const { return frame - m_clip.origin; }
+    double TimeOf(int frame) const { return (frame - m_clip.origin) / m_frames; }
 
     /// Hands each key of a class in the clip to `take(frame, key)`; where there is none, `rest()` stands for it.
     template <class KEY, class TAKE> void ForKeys(KEY& rest, TAKE take)
@@ -138,19 +142,22 @@ private:
 
     const C3DSceneNode& m_node;
     const Clip& m_clip;
+    const double m_frames;    // a tick
+    const bool m_together;
     std::vector<aiVectorKey> m_positions, m_scales;
     std::vector<aiQuatKey> m_rotations;
     bool m_isEmpty = true;
 };
 
-std::unique_ptr<aiAnimation> AnimationOf(const std::vector<C3DSceneNode*>& nodes, const Clip& clip, double rate, LossLog& losses)
+std::unique_ptr<aiAnimation> AnimationOf(const std::vector<C3DSceneNode*>& nodes, const Clip& clip, double rate, const ExportFormat& format,
+                                         LossLog& losses)
 {
     auto to = std::make_unique<aiAnimation>();
     to->mName = aiString(clip.name);
-    to->mTicksPerSecond = rate;
+    to->mTicksPerSecond = format.Can(TIMES_IN_SECONDS) ? 1 : rate;
     std::vector<std::unique_ptr<aiNodeAnim>> tracks;
     for (const C3DSceneNode* node : nodes)
-        if (auto track = Track(*node, clip).Build(losses)) {
+        if (auto track = Track(*node, clip, rate / to->mTicksPerSecond, format.Can(KEYS_TOGETHER)).Build(losses)) {
             const auto last = [](const auto* keys, unsigned int count) { return count > 0 ? keys[count - 1].mTime : 0; };
             to->mDuration =
                 std::max({to->mDuration, last(track->mPositionKeys, track->mNumPositionKeys),
@@ -184,7 +191,7 @@ std::vector<std::unique_ptr<aiAnimation>> ExportAnimations(const C3DScene& scene
     double rate;
     scene.GetCustomData().GetDouble(SCENE_FRAME_RATE, rate, UNTOLD_RATE);
     for (const Clip& clip : ClipsOf(scene, firstFrame))
-        if (auto animation = AnimationOf(nodes, clip, rate > 0 ? rate : UNTOLD_RATE, losses); animation->mNumChannels > 0)
+        if (auto animation = AnimationOf(nodes, clip, rate > 0 ? rate : UNTOLD_RATE, format, losses); animation->mNumChannels > 0)
             animations.push_back(std::move(animation));
     return animations;
 }

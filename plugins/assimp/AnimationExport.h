@@ -14,5 +14,5 @@
 /// scene names, else one. A clip holds all keys before the next one begins; each but the first counts from its beginning, and so does the
 /// first when it begins before 0.
 ///
-/// A node whose keys are not all (NodePlace::IsPlain) gets a key of each kind at every key time.
+/// A node whose keys are not all (NodePlace::IsPlain), and any node under KEYS_TOGETHER, gets a key of each kind at every key time.
 std::vector<std::unique_ptr<aiAnimation>> ExportAnimations(const C3DScene& scene, const ExportFormat& format, LossLog& losses);

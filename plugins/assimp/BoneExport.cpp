@@ -20,6 +20,8 @@ C3DSceneNode* FindNode(const C3DScene& scene, const CXTString<wchar_t>& name)
 
 BoneExport::BoneExport(const C3DScene& scene, C3DGeomObject& object, const C3DSceneNode& node, const ExportFormat& format, LossLog& losses)
 {
+    if (!format.Can(CAN_BONES))
+        return;
     CXArray<unsigned int, unsigned int> positions;
     object.GetChannels()->GetChannels(CHANNEL_WEIGHT, positions, true);
     for (const unsigned int position : positions) {
@@ -29,8 +31,6 @@ BoneExport::BoneExport(const C3DScene& scene, C3DGeomObject& object, const C3DSc
         const C3DSceneNode* bone = name.IsEmpty() ? nullptr : FindNode(scene, name);
         if (!bone || channel.GetFaceList() || channel.GetWeightPointList()->GetSize() != object.GetPointNbr())
             losses.Add(LOSS_NAMELESS_WEIGHTS);
-        else if (!format.Can(CAN_BONES))
-            losses.Add(LOSS_BONES);
         else
             m_bones.push_back({WideToUtf8(name), channel.GetWeightPointList(), BindOf(*bone, node, channel)});
     }

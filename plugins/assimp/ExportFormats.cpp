@@ -20,11 +20,14 @@ constexpr unsigned int ALL_MAPS = DIFFUSE | AMBIENT | SPECULAR | TRANSPARENCY | 
 
 constexpr unsigned int ALWAYS = EXPORT_PATCHES_SUBDIVIDED;
 constexpr unsigned int FLAT = ALWAYS | EXPORT_GLOBAL_COORDINATES | EXPORT_REMOVE_GROUPS;    // no tree
-constexpr unsigned int ONE_MESH = FLAT | EXPORT_CONCATENATE;
 
 constexpr unsigned int EVERYTHING = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS |
                                     CAN_BONES | CAN_CURVES | CAN_POINTS | CAN_SHINE_STRENGTH;
 
+// Formats of one mesh (PLY, STL) take the objects one after the other; joined before, they would come without cameras and lights, which
+// nobody could tell of then. 3DS has matrices, and its writer forgets those of parents; X3D
+// has lights, images and a tree, but its writer crashes on lights and leaves out the quotes of file names, and the reader loses matrices.
+//
 // The first row of an extension is what the extension stands for: the binary form, and of glTF version 2.
 const ExportFormat s_formats[] = {
     {.exporter = "gltf2",
@@ -95,19 +98,20 @@ const ExportFormat s_formats[] = {
      .abilities = CAN_POLYGONS | CAN_NORMALS | GIVEN_NORMALS_ONLY | CAN_POINTS,
      .uvSets = 1,
      .colorSets = 1,
-     .forcedFlags = ONE_MESH},
+     .forcedFlags = FLAT},
     {.exporter = "ply",
      .extension = "ply",
      .writer = WRITER_PLY,
      .abilities = CAN_POLYGONS | CAN_NORMALS | GIVEN_NORMALS_ONLY | CAN_POINTS,
      .uvSets = 1,
      .colorSets = 1,
-     .forcedFlags = ONE_MESH},
-    {.exporter = "stlb", .extension = "stl", .writer = WRITER_STL, .forcedFlags = ONE_MESH | EXPORT_TRIANGULATE},
-    {.exporter = "stl", .extension = "stl", .writer = WRITER_STL, .forcedFlags = ONE_MESH | EXPORT_TRIANGULATE},
+     .forcedFlags = FLAT},
+    {.exporter = "stlb", .extension = "stl", .writer = WRITER_STL, .forcedFlags = FLAT | EXPORT_TRIANGULATE},
+    {.exporter = "stl", .extension = "stl", .writer = WRITER_STL, .forcedFlags = FLAT | EXPORT_TRIANGULATE},
     {.exporter = "collada",
      .extension = "dae",
-     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_CAMERAS | CAN_LIGHTS | CAN_BONES | CAN_CURVES,
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | TIMES_IN_SECONDS | IMAGE_HIDES_COLOR | KEYS_TOGETHER |
+                  CAN_CAMERAS | CAN_LIGHTS | CAN_BONES | CAN_CURVES,
      .maps = ALL_MAPS,
      .uvSets = 8,
      .colorSets = 8,
@@ -118,7 +122,7 @@ const ExportFormat s_formats[] = {
      .materialNameRule = NAME_NOT_EMPTY},
     {.exporter = "fbx",
      .extension = "fbx",
-     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_SHINE_STRENGTH,
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | TIMES_IN_SECONDS | CAN_BONES | CAN_SHINE_STRENGTH,
      .maps = ALL_MAPS,
      .uvSets = 8,
      .colorSets = 1,
@@ -127,7 +131,7 @@ const ExportFormat s_formats[] = {
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "fbxa",
      .extension = "fbx",
-     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | CAN_BONES | CAN_SHINE_STRENGTH,
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | TIMES_IN_SECONDS | CAN_BONES | CAN_SHINE_STRENGTH,
      .maps = ALL_MAPS,
      .uvSets = 8,
      .colorSets = 1,
@@ -139,14 +143,14 @@ const ExportFormat s_formats[] = {
      .abilities = CAN_TREE | CAN_MATERIALS | CAN_SHINE_STRENGTH,
      .maps = DIFFUSE | SPECULAR | TRANSPARENCY | BUMP,
      .uvSets = 1,
-     .forcedFlags = ALWAYS | EXPORT_TRIANGULATE,
+     .forcedFlags = ALWAYS | EXPORT_GLOBAL_COORDINATES | EXPORT_TRIANGULATE,
      .maxPoints = 65535,
      .maxFaces = 65535,
      .objectNameRule = NAME_NOT_EMPTY | 10,
      .materialNameRule = NAME_NOT_EMPTY | 10},
     {.exporter = "x",
      .extension = "x",
-     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS,
+     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | NORMALS_TURNED | CAN_MATERIALS,
      .maps = DIFFUSE,
      .uvSets = 1,
      .colorSets = 1,
@@ -156,11 +160,10 @@ const ExportFormat s_formats[] = {
      .materialNameRule = NAME_IDENTIFIER},
     {.exporter = "x3d",
      .extension = "x3d",
-     .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_LIGHTS,
-     .maps = DIFFUSE,
+     .abilities = CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS,
      .uvSets = 1,
      .colorSets = 1,
-     .forcedFlags = ALWAYS,
+     .forcedFlags = FLAT,
      .upAxis = UP_AXIS_Y,
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "3mf",

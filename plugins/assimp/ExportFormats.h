@@ -19,6 +19,10 @@ enum ExportAbility : unsigned int {
     CAN_POINTS = 0x200,             ///< objects of points without faces
     CAN_SHINE_STRENGTH = 0x400,     ///< a specular factor beside the specular colour
     CAN_EMBED = 0x800,              ///< image files inside
+    NORMALS_TURNED = 0x20000,       ///< the library turns normals inwards, unless they are
+    TIMES_IN_SECONDS = 0x8000,      ///< the library takes key times for seconds, whatever it is told
+    IMAGE_HIDES_COLOR = 0x10000,    ///< a material has a diffuse image or a diffuse colour
+    KEYS_TOGETHER = 0x4000,         ///< a node has as many keys of each kind
     NORMAL_MAPS_ONLY = 0x2000,      ///< of bump maps, those that hold normals
     GIVEN_NORMALS_ONLY = 0x1000,    ///< of normals, only specified ones are written
 };

@@ -88,6 +88,7 @@ private:
     const std::unique_ptr<aiScene> m_scene;
     GltfBuffer m_buffer;
     Section m_nodes, m_meshes, m_skins, m_materials, m_textures, m_images, m_samplers, m_animations, m_cameras, m_lights;
+    std::vector<int> m_materialNumbers;    // by the library's index; -1 for none
     std::vector<const aiNode*> m_order;    // nodes by their number
     std::map<const aiNode*, int> m_numbers;
     std::map<std::string, int> m_numberOfName;                 // of the first node of a name
@@ -229,7 +230,10 @@ void GltfWriter::WritePrimitive(const aiMesh& mesh)
     const bool isCloud = mesh.mPrimitiveTypes == aiPrimitiveType_POINT, isLine = mesh.mPrimitiveTypes == aiPrimitiveType_LINE;
     if (!isCloud)
         json.Member("indices", WriteIndices(mesh));
-    json.Member("mode", static_cast<int>(isCloud ? POINTS : isLine ? LINES : TRIANGLES)).Member("material", mesh.mMaterialIndex).Close('}');
+    json.Member("mode", static_cast<int>(isCloud ? POINTS : isLine ? LINES : TRIANGLES));
+    if (const int material = m_materialNumbers[mesh.mMaterialIndex]; material >= 0)
+        json.Member("material", material);
+    json.Close('}');
 }
 
 int GltfWriter::WriteVectors(const aiVector3D* values, std::size_t count, bool unit)
@@ -375,13 +379,16 @@ void GltfWriter::WriteMaterial(const aiMaterial& material)
 {
     JsonText& json = m_materials.json;
     const aiString name = material.GetName();
-    const bool isOwn = !(name == aiString(AI_DEFAULT_MATERIAL_NAME));
+    if (name == aiString(AI_DEFAULT_MATERIAL_NAME)) {    // stands for none
+        m_materialNumbers.push_back(-1);
+        return;
+    }
     const aiColor3D color = Get(material, aiColor3D(0.8f, 0.8f, 0.8f), AI_MATKEY_COLOR_DIFFUSE);
     const float opacity = Get(material, 1.0f, AI_MATKEY_OPACITY), base[] = {color.r, color.g, color.b, opacity};
     json.Open('{').Member("name", name.C_Str()).Key("pbrMetallicRoughness").Open('{');
     json.Key("baseColorFactor").Numbers(base, 4);
     json.Member("metallicFactor", std::clamp(Get(material, 0.0f, AI_MATKEY_METALLIC_FACTOR), 0.0f, 1.0f));
-    json.Member("roughnessFactor", isOwn ? RoughnessOf(material) : 1.0f);
+    json.Member("roughnessFactor", RoughnessOf(material));
     WriteMap("baseColorTexture", material, aiTextureType_DIFFUSE);
     WriteMap("metallicRoughnessTexture", material, aiTextureType_METALNESS);
     json.Close('}');
@@ -412,7 +419,7 @@ void GltfWriter::WriteMaterial(const aiMaterial& material)
         json.Close('}');
     }
     json.Close('}');
-    m_materials.Finish();
+    m_materialNumbers.push_back(m_materials.Finish());
 }
 
 void GltfWriter::WriteMap(const char* key, const aiMaterial& material, aiTextureType type, const char* factorKey, float factor)
@@ -519,10 +526,11 @@ void GltfWriter::WriteAnimation(const aiAnimation& animation)
         channels.json.Close('}').Close('}');
         channels.Finish();
     };
-    const auto vector = [](const aiVector3D& from, float* to) { to[0] = from.x, to[1] = from.y, to[2] = from.z; };
+    const auto vector = [](const aiVector3D& from, float* to) { to[0] = Sound(from.x), to[1] = Sound(from.y), to[2] = Sound(from.z); };
     const auto quaternion = [](aiQuaternion from, float* to) {
         from.Normalize();
-        to[0] = from.x, to[1] = from.y, to[2] = from.z, to[3] = from.w;
+        const bool isSound = std::isfinite(from.x + from.y + from.z + from.w);
+        to[0] = isSound ? from.x : 0, to[1] = isSound ? from.y : 0, to[2] = isSound ? from.z : 0, to[3] = isSound ? from.w : 1;
     };
     for (unsigned int i = 0; i < animation.mNumChannels; i++) {
         const aiNodeAnim& track = *animation.mChannels[i];

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <string>
 #include <string_view>
@@ -34,6 +35,8 @@ public:
     template <class NUMBER>
     requires std::integral<NUMBER> || std::floating_point<NUMBER> JsonText& Value(NUMBER value)
     {
+        if constexpr (std::floating_point<NUMBER>)
+            value = std::isfinite(value) ? value : 0;    // others are no JSON
         char digits[64];
         return Raw({digits, static_cast<std::size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits)});
     }

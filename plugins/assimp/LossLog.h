@@ -21,6 +21,7 @@ enum Loss : unsigned int {
     LOSS_MATERIALS,
     LOSS_MAPS,
     LOSS_PROJECTIONS,
+    LOSS_COLORS,
     LOSS_ALPHA_FILES,
     LOSS_TEXTURES,
     LOSS_FACES,

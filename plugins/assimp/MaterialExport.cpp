@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <assimp/GltfMaterial.h>
+
 namespace {
 
 aiColor3D ToColor(const CRGBColor& color, float factor)
@@ -162,6 +164,11 @@ void MaterialExport::SetMap(unsigned int id, const CMaterialMap& map, aiMaterial
         Set(to, wrap, AI_MATKEY_MAPPINGMODE_U(type, 0));
     if (int wrap; map.GetCustomData().GetInt(MAP_WRAP_V, wrap))
         Set(to, wrap, AI_MATKEY_MAPPINGMODE_V(type, 0));
+    if (float opacity; map.GetType() == MAP_DIFFUSE && to.Get(AI_MATKEY_OPACITY, opacity) == AI_SUCCESS && opacity >= 1)
+        SetText(to, !map.IsFlagSet(MAP_NO_ALPHA_TEST) && m_textures.HasAlpha(map) ? "MASK" : "OPAQUE", AI_MATKEY_GLTF_ALPHAMODE);
+    if (aiColor3D color; map.GetType() == MAP_DIFFUSE && m_format.Can(IMAGE_HIDES_COLOR) &&
+                         to.Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS && !(color == aiColor3D(1, 1, 1)))
+        m_losses.Add(LOSS_COLORS);
     if (map.GetProjection() > PROJECTION_UVW)
         m_losses.Add(LOSS_PROJECTIONS);
     if (!map.GetAlphaFileName().IsEmpty())

@@ -41,6 +41,8 @@ ObjectLayers ReadLayers(C3DGeomObject& object, ObjectCorners& corners, const Exp
         losses.Add(LOSS_COLOR_SETS, colorSets - format.colorSets);
         layers.colors.resize(std::min<std::size_t>(layers.colors.size(), format.colorSets), CornerLayer(NO_CHANNEL_ID, 0));
     }
+    if (!format.Can(CAN_BONES))
+        losses.Add(LOSS_BONES, static_cast<std::size_t>(object.GetChannels()->GetChannelsNumber(CHANNEL_WEIGHT, true)));
     return layers;
 }
 
@@ -205,6 +207,9 @@ std::unique_ptr<aiMesh> MeshExport::ExportPart(const ObjectCorners& corners, con
     }
     if (!layers.normals.empty())
         mesh->mNormals = Spread(&layers.normals.front(), cornerOfVertex, aiVector3D(0, 0, 1), ToVector);
+    if (mesh->mNormals && m_format.Can(NORMALS_TURNED))
+        for (unsigned int i = 0; i < mesh->mNumVertices; i++)
+            mesh->mNormals[i] *= -1;
     SetCoordinates(*mesh, sets, cornerOfVertex);
     SetColors(*mesh, layers.colors, cornerOfVertex);
     bones.AddTo(*mesh, corners, split);

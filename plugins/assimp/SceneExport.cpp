@@ -42,6 +42,7 @@ private:
     void MarkTwoSided();
     aiNode* BuildRoot();
     void BuildBelow(const C3DSceneNode* parent, aiNode& to);
+    bool SkipBare(const C3DSceneNode& node);
     std::unique_ptr<aiNode> BuildNode(C3DSceneNode& from);
     const std::vector<unsigned int>& MeshesOf(const C3DSceneNode& node, C3DGeomObject& object);
     void SetUnit(aiScene& to) const;
@@ -105,12 +106,29 @@ void SceneWriter::BuildBelow(const C3DSceneNode* parent, aiNode& to)
         open.pop_back();
         std::vector<std::unique_ptr<aiNode>> children;
         for (C3DSceneNode* child = m_scene.GetChildNode(from); child; child = m_scene.GetRightNode(child)) {
+            if (!m_format.Can(CAN_TREE) && SkipBare(*child))
+                continue;
             children.push_back(BuildNode(*child));
             children.back()->mParent = node;
             open.emplace_back(child, children.back().get());
         }
         MoveTo(std::move(children), node->mChildren, node->mNumChildren);
     }
+}
+
+// Without a tree, branches without geometry are nothing. What is lost with them is counted.
+bool SceneWriter::SkipBare(const C3DSceneNode& node)
+{
+    if (node.IsGeomObject() || m_scene.GetChildCount(&node, OBJECT_GEOMETRIC) > 0)
+        return false;
+    m_cameras.Take(node);
+    m_losses.Add(LOSS_DUMMIES, node.GetObjectKindOf() == OBJECT_DUMMY);
+    for (C3DNodePos pos = m_scene.GetFirstNode(&node, ITER_SUBTREE, nullptr); pos;) {
+        const C3DSceneNode* below = m_scene.GetNextNode(pos);
+        m_cameras.Take(*below);
+        m_losses.Add(LOSS_DUMMIES, below->GetObjectKindOf() == OBJECT_DUMMY);
+    }
+    return true;
 }
 
 std::unique_ptr<aiNode> SceneWriter::BuildNode(C3DSceneNode& from)

@@ -40,6 +40,16 @@ std::string TextureExport::NameOf(const CMaterialMap& map, bool alpha)
     return ToName(path.IsEmpty() ? name : path);
 }
 
+bool TextureExport::HasAlpha(const CMaterialMap& map) const
+{
+    constexpr std::size_t COLOR_TYPE_AT = 25;
+    constexpr unsigned char HAS_ALPHA = 4;
+    unsigned char head[COLOR_TYPE_AT + 1];
+    IoFile file;
+    return file.OpenFile(map.GetBitmapPath(&m_scene, false, true), 1, nullptr) && file.ReadBytes(head, sizeof head) == sizeof head &&
+           std::memcmp(head, "\x89PNG", 4) == 0 && head[COLOR_TYPE_AT] & HAS_ALPHA;
+}
+
 std::string TextureExport::ToName(const CXTString<wchar_t>& file)
 {
     if (file.IsEmpty())

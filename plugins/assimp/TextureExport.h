@@ -19,6 +19,8 @@ public:
 
     /// Name of the map's image, or of its alpha image, as ToName gives it; empty when the map names none.
     std::string NameOf(const CMaterialMap& map, bool alpha = false);
+    /// The map's image is a PNG file with an alpha channel.
+    bool HasAlpha(const CMaterialMap& map) const;
     /// Relative to the target's folder, with '/', for a file below that; else the complete name; as it stands when the file is nowhere. An
     /// image that goes inside is "*0", "*1" ...
     std::string ToName(const CXTString<wchar_t>& file);
