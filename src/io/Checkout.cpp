@@ -45,6 +45,19 @@ bool AreCornersBelow(const CFaceList& faces, unsigned int face, int pointCount)
     return true;
 }
 
+// Every face is live and has points that are there. The usual answer is yes, and this is the fast way to it.
+bool IsSound(const CFaceList& faces, int pointCount)
+{
+    int live = 0;
+    bool sound = true;
+    faces.ForEachLiveFace([&](int, const int* corners, int count) {
+        live++;
+        for (int i = 0; i < count; i++)
+            sound &= static_cast<unsigned int>(corners[i]) < static_cast<unsigned int>(pointCount);
+    });
+    return sound && live == faces.GetSize();
+}
+
 /// The checkout of one geometric object.
 class CObjectCheckout {
 public:
@@ -95,10 +108,10 @@ void CObjectCheckout::RepairPoints()
 bool CObjectCheckout::RepairFaces()
 {
     C3DFaceList* const faces = m_object.GetFaceList();
-    if (!faces)
+    const int pointCount = m_object.GetPointNbr();
+    if (!faces || IsSound(*faces, pointCount))
         return false;
     bool mustClean = false;
-    const int pointCount = m_object.GetPointNbr();
     const CFaceFlags flags(*faces);
     for (int face = 0; face < faces->GetSize(); face++) {
         if (flags.IsDead(face)) {
@@ -119,13 +132,15 @@ void CObjectCheckout::RepairChannels()
     CDependentChannels& channels = *m_object.GetChannels();
     bool changed = false;
     // Given normals go first: making them unit vectors follows their corners.
-    if (CSpecNormalChannel* const normals = channels.GetSpecNormalChannel()) {
+    CSpecNormalChannel* const normals = channels.GetSpecNormalChannel();
+    if (normals) {
         changed |= RepairChannelFaces(*normals);
         if (!normals->Normalize())
             channels.RemoveChannel(normals);
     }
     for (CChannel* const channel : channels)
-        changed |= RepairChannelFaces(*channel);
+        if (channel != normals)
+            changed |= RepairChannelFaces(*channel);
     if (changed)
         m_object.Invalidate(OBJECT_UPDATE_DISPLAY, true);
 }
@@ -138,8 +153,10 @@ bool CObjectCheckout::RepairChannelFaces(CChannel& channel)
         return false;
     if (faces->GetSize() != m_object.GetFaceNbr())
         channel.SetFlag(CHANNEL_INVALID, true);
-    bool changed = false;
     const int pointCount = channel.GetPointList() ? channel.GetPointList()->GetSize() : 0;
+    if (IsSound(*faces, pointCount))
+        return false;
+    bool changed = false;
     const int size = std::min(faces->GetSize(), m_object.GetFaceNbr());
     const CFaceFlags flags(*faces);
     for (int i = 0; i < size; i++) {
