@@ -105,7 +105,7 @@ const struct {
     {"fbx", "", SURFACE | POLYGONS | TREE | BONES, 32, {"Cameras", "Lights"}},    // keys are there; the importer passes over binary ones
     {"fbx", "fbxa", SURFACE | POLYGONS | TREE | KEYS | BONES, 32, {"Cameras", "Lights"}},
     {"3ds", "", COORDINATES, 32, {"Cameras", "Lights", "Weights", "colors", "normals"}},
-    {"x", "", NORMALS | COORDINATES | COLORS | POLYGONS | TREE, 16, {"Cameras", "Lights", "animation", "Weights"}},
+    {"x", "", NORMALS | COORDINATES | COLORS | POLYGONS | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "Materials"}},
     {"x3d", "", POLYGONS, 16, {"Cameras", "Lights", "Weights"}},
     {"assbin", "", SURFACE | POLYGONS | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {}},
 };

@@ -59,7 +59,7 @@ TEST_F(Zel, ReportsWhatWasDoneAndLost)
     const auto report = [&](const std::string& options) { return Call("convert -q " + options + " " + MODEL + " " + target); };
     EXPECT_EQ(report("").out, "");
     const Outcome text = report("--report");
-    EXPECT_NE(text.out.find("export: Concatenating 3D scene\n"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("export: Converting Whole scene from local to global coordinates\n"), std::string::npos) << text.out;
     EXPECT_NE(text.out.find("export: warning: "), std::string::npos) << text.out;
     EXPECT_EQ(text.code, 0);
     const Outcome strict = report("--report=json --strict");
