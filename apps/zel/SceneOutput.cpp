@@ -58,6 +58,8 @@ SceneOutput::SceneOutput(CLI::App& verb)
 {
     const auto add = [&](const char* name, auto& value, const char* help) { return verb.add_option(name, value, help); };
     add("--format", m_format, "Extension or class of the format (zel formats); otherwise that of OUT");
+    add("--form", m_form, "Another form of the format: text (PLY, STL, FBX), 1 (the first glTF), no-materials (OBJ)")
+        ->check(CLI::IsMember({"text", "1", "no-materials"}));
     add("--unit", m_unit, "Scale to this unit where the file tells its own")->check(CLI::IsMember(UNITS));
     add("--up-axis", m_upAxis, "Axis that points up in the file, whatever the format is used to")->check(CLI::IsMember(AXES));
     add("--textures", m_textures, "Copy texture files to this folder; relative to that of OUT");
@@ -145,11 +147,13 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
         return EXIT_USAGE;
     C3DIo io(CFileNameSpec(Utf8ToWide(target), fileClass), FILEIO_SILENT, nullptr);
     CSceneExportOptions options;
+    options.GetCustomData().SetString(EXPORT_FORM, Utf8ToWide(m_form));
     bool written = false;
     std::string reason;
     try {
         if (io.PrepareSaving()) {
             CSceneExportOptions asked;
+            asked.GetCustomData() = options.GetCustomData();
             io.GetParser()->SaveDefaultOptions(asked);
             options.flags = GetFlags(asked.defaultFlags, io.GetClass());
             options.textureFolder = Utf8ToWide(m_textures);

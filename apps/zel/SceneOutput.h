@@ -42,6 +42,6 @@ private:
     void PrintReport(const InputFiles& inputs, const std::string& target, bool written, const C3DConversionReport& report) const;
 
     std::vector<std::pair<CLI::Option*, unsigned int>> m_flags;
-    std::string m_format, m_unit, m_upAxis, m_textures, m_report;
+    std::string m_format, m_form, m_unit, m_upAxis, m_textures, m_report;
     bool m_anyTextures = false, m_strict = false, m_overwrite = false;
 };

@@ -44,6 +44,7 @@ const ExportFormat s_formats[] = {
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "gltf",
      .extension = "gltf",
+     .form = "1",
      .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS,
      .maps = DIFFUSE | AMBIENT | SPECULAR,
      .uvSets = 1,
@@ -65,6 +66,7 @@ const ExportFormat s_formats[] = {
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "glb",
      .extension = "glb",
+     .form = "1",
      .abilities = CAN_TREE | CAN_NORMALS | CAN_MATERIALS | CAN_EMBED,
      .maps = DIFFUSE | AMBIENT | SPECULAR,
      .uvSets = 1,
@@ -85,6 +87,7 @@ const ExportFormat s_formats[] = {
      .materialNameRule = NAME_NO_BLANKS | NAME_NOT_EMPTY},
     {.exporter = "objnomtl",
      .extension = "obj",
+     .form = "no-materials",
      .writer = WRITER_OBJ,
      .abilities = CAN_POLYGONS | CAN_NORMALS | CAN_CURVES | CAN_POINTS,
      .uvSets = 1,
@@ -101,13 +104,14 @@ const ExportFormat s_formats[] = {
      .forcedFlags = FLAT},
     {.exporter = "ply",
      .extension = "ply",
+     .form = "text",
      .writer = WRITER_PLY,
      .abilities = CAN_POLYGONS | CAN_NORMALS | GIVEN_NORMALS_ONLY | CAN_POINTS,
      .uvSets = 1,
      .colorSets = 1,
      .forcedFlags = FLAT},
     {.exporter = "stlb", .extension = "stl", .writer = WRITER_STL, .forcedFlags = FLAT | EXPORT_TRIANGULATE},
-    {.exporter = "stl", .extension = "stl", .writer = WRITER_STL, .forcedFlags = FLAT | EXPORT_TRIANGULATE},
+    {.exporter = "stl", .extension = "stl", .form = "text", .writer = WRITER_STL, .forcedFlags = FLAT | EXPORT_TRIANGULATE},
     {.exporter = "collada",
      .extension = "dae",
      .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | TIMES_IN_SECONDS | IMAGE_HIDES_COLOR | KEYS_TOGETHER |
@@ -131,6 +135,7 @@ const ExportFormat s_formats[] = {
      .objectNameRule = NAME_UNIQUE},
     {.exporter = "fbxa",
      .extension = "fbx",
+     .form = "text",
      .abilities = CAN_TREE | CAN_POLYGONS | CAN_NORMALS | CAN_MATERIALS | CAN_KEYS | TIMES_IN_SECONDS | CAN_BONES | CAN_SHINE_STRENGTH,
      .maps = ALL_MAPS,
      .uvSets = 8,
@@ -227,7 +232,7 @@ const ExportFormat* FindExportFormat(unsigned int fileClass, const CIoOptions& o
     const ExportFormat* first = nullptr;
     for (const ExportFormat& format : s_formats)
         if (ClassOf(format.extension) == fileClass) {
-            if (format.exporter == wanted)
+            if (!wanted.empty() && format.form == wanted)
                 return &format;
             first = first ? first : &format;
         }

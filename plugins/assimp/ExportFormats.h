@@ -41,6 +41,7 @@ enum ExportWriter {
 struct ExportFormat {
     const char* exporter;    ///< its name in the library
     const char* extension;
+    const char* form = "";    ///< see EXPORT_FORM; empty for what the extension stands for
     ExportWriter writer = WRITER_LIBRARY;
     unsigned int abilities = 0;    ///< ExportAbility
     unsigned int maps = 0;         ///< of the types of maps, 1 << MapType each
@@ -55,11 +56,6 @@ struct ExportFormat {
     bool Can(unsigned int ability) const { return (abilities & ability) == ability; }
     bool HasMap(MapType type) const { return maps & 1u << type; }
 };
-
-/// Key in the settings of an export (CIoOptions::GetCustomData) of a string that names one of several forms of a format by its name in the
-/// library: "ply" and "stl" are the text forms, "fbxa" that of FBX, "gltf" and "glb" version 1 of glTF. Absent, and for a name that the
-/// extension does not have: the binary form, or the newest version.
-constexpr unsigned int EXPORT_FORM = FourCC("FORM");
 
 /// The form of a format that the options ask for; null for a class that is not written.
 const ExportFormat* FindExportFormat(unsigned int fileClass, const CIoOptions& options);

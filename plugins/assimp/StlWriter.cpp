@@ -12,7 +12,7 @@ namespace {
 
 class StlWriter {
 public:
-    explicit StlWriter(const WriterTask& task) : m_task(task), m_isText(std::string_view(task.format.exporter) == "stl") {}
+    explicit StlWriter(const WriterTask& task) : m_task(task), m_isText(std::string_view(task.format.form) == "text") {}
 
     void Run()
     {

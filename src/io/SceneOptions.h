@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/UpAxis.h"
+#include "tools/FourCC.h"
 #include "tools/Hash.h"
 #include "tools/IoOptions.h"
 #include "tools/String.h"
@@ -73,6 +74,10 @@ public:
     unsigned int forcedFlags = 0;        ///< what the parser imposes
     unsigned int defaultFlags = 0;       ///< used when nothing was remembered
 };
+
+/// Key in the settings of an export of a string: which of several forms of the format to write. "text" of those that are binary otherwise,
+/// "1" for the first version of one, "no-materials" for one without its file of materials. A form that a format does not have is ignored.
+constexpr unsigned int EXPORT_FORM = FourCC("FORM");
 
 /// Options of writing a scene.
 class ZEL_API CSceneExportOptions : public CIoOptions {

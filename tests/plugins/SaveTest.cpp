@@ -13,11 +13,11 @@ namespace {
 
 class SaveTest : public PluginTest {
 protected:
-    /// `form`: one of several forms of the format, by its name in the import library.
+    /// `form`: see EXPORT_FORM.
     bool Save(C3DScene& scene, const std::string& path, const std::string& form = "")
     {
         saved.reset(CSceneExportOptions::Create(0));
-        saved->GetCustomData().SetString(FourCC("FORM"), Utf8ToWide(form));
+        saved->GetCustomData().SetString(EXPORT_FORM, Utf8ToWide(form));
         C3DIo io(CFileNameSpec(Utf8ToWide(path)), FILEIO_SILENT, nullptr);
         const bool written = io.Save(false, &scene, saved.get());
         result = io.GetLastResult();
@@ -93,17 +93,17 @@ const struct {
 } s_formats[] = {
     {"gltf", "", SURFACE | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {}},
     {"glb", "", SURFACE | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {}},
-    {"gltf", "gltf", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
-    {"glb", "glb", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
+    {"gltf", "1", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
+    {"glb", "1", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
     {"obj", "", SURFACE | POLYGONS, 16, {"Cameras", "Lights", "Weights"}},
-    {"obj", "objnomtl", NORMALS | COORDINATES | COLORS | POLYGONS, 16, {"Cameras", "Lights", "Weights", "Materials"}},
+    {"obj", "no-materials", NORMALS | COORDINATES | COLORS | POLYGONS, 16, {"Cameras", "Lights", "Weights", "Materials"}},
     {"ply", "", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights"}},
-    {"ply", "ply", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights"}},
+    {"ply", "text", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights"}},
     {"stl", "", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals"}},
-    {"stl", "stl", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals"}},
+    {"stl", "text", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals"}},
     {"dae", "", (SURFACE & ~SHADES) | POLYGONS | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {"Colors of materials"}},
     {"fbx", "", SURFACE | POLYGONS | TREE | BONES, 32, {"Cameras", "Lights"}},    // keys are there; the importer passes over binary ones
-    {"fbx", "fbxa", SURFACE | POLYGONS | TREE | KEYS | BONES, 32, {"Cameras", "Lights"}},
+    {"fbx", "text", SURFACE | POLYGONS | TREE | KEYS | BONES, 32, {"Cameras", "Lights"}},
     {"3ds", "", COORDINATES, 32, {"Cameras", "Lights", "Weights", "colors", "normals"}},
     {"x", "", NORMALS | COORDINATES | COLORS | POLYGONS | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "Materials"}},
     {"x3d", "", POLYGONS, 16, {"Cameras", "Lights", "Weights"}},
@@ -216,7 +216,7 @@ TEST_F(SaveTest, ScenesOfAllKindsAreWrittenTheSameTwice)
             }
             const std::string extension = row.extension;
             const bool isDated = extension == "dae" || extension == "fbx" || extension == "assbin";    // the library tells when it wrote
-            const bool isOrdered = extension != "3ds" && *row.form != 'g';    // in these it goes by what lies in memory
+            const bool isOrdered = extension != "3ds" && *row.form != '1';    // in these it goes by what lies in memory
             if (!isDated && isOrdered) {
                 EXPECT_EQ(folder.Read("1/" + once), folder.Read("2/" + once));
             }

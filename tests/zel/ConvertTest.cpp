@@ -53,6 +53,15 @@ TEST_F(Zel, ConvertsAFileAsTheOptionsTell)
     EXPECT_NEAR(Info(folder.Name("up.3dif"))["bounds"]["max"][1].get<float>(), height, 1e-4 * height);
 }
 
+TEST_F(Zel, WritesTheFormAskedFor)
+{
+    EXPECT_EQ(Call("convert --form=text " + MODEL + " " + folder.Name("text.ply")).code, 0);
+    EXPECT_EQ(folder.Read("text.ply").rfind("ply\nformat ascii", 0), 0u);
+    EXPECT_EQ(Call("convert " + MODEL + " " + folder.Name("plain.ply")).code, 0);
+    EXPECT_EQ(folder.Read("plain.ply").rfind("ply\nformat binary", 0), 0u);
+    EXPECT_EQ(Call("convert --form=prose " + MODEL + " " + folder.Name("x.ply")).code, 2);
+}
+
 TEST_F(Zel, ReportsWhatWasDoneAndLost)
 {
     const std::string target = folder.Name("out.stl");
