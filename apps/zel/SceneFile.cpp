@@ -23,12 +23,27 @@ static void ApplyLimits(CSceneImportOptions& options)
 }
 
 // The first failure of the log is the exact one; later ones only say that the work failed.
-std::string GetFailureReason(const C3DIo& io, const CIoOptions& options)
+static std::string GetFailureReason(const C3DIo& io, const CIoOptions& options)
 {
     for (const IoLogInfo& line : options.GetLog())
         if (line.level == IoLogInfo::FAILURE)
             return WideToUtf8(line.text);
     return WideToUtf8(io.GetResultText());
+}
+
+std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::function<bool()>& work)
+{
+    try {
+        return work() ? "" : GetFailureReason(io, options);
+    } catch (const CXException* error) {
+        const std::string reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
+        XDeleteThreadException();
+        return reason;
+    } catch (const std::bad_alloc&) {
+        return "not enough memory";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
 }
 
 // A broken file can be wrong in each of its faces; the report of a conversion has them all.
@@ -61,19 +76,10 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
     C3DIo io(CFileNameSpec(Utf8ToWide(name), wantedClass), FILEIO_READ | FILEIO_SILENT, nullptr);
     SceneFile file;
     const auto start = std::chrono::steady_clock::now();
-    std::string reason;
-    try {
+    const std::string reason = RunIo(io, options, [&] {
         file.scene.reset(io.Read(false, &options));
-        if (!file.scene)
-            reason = GetFailureReason(io, options);
-    } catch (const CXException* error) {
-        reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
-        XDeleteThreadException();
-    } catch (const std::bad_alloc&) {
-        reason = "not enough memory";
-    } catch (const std::exception& error) {
-        reason = error.what();
-    }
+        return file.scene != nullptr;
+    });
     if (!file.scene) {
         console.Fail(reason.find(name) == std::string::npos ? name + ": " + reason : reason);
         return std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,5 +34,5 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
 /// The same with import flags; the log is left in the options.
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options);
 
-/// Why a reading or a writing came to nothing.
-std::string GetFailureReason(const C3DIo& io, const CIoOptions& options);
+/// Why a reading or a writing came to nothing; empty when `work` tells that it did not. Its exceptions are reasons too.
+std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::function<bool()>& work);

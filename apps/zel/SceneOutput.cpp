@@ -148,30 +148,20 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
     C3DIo io(CFileNameSpec(Utf8ToWide(target), fileClass), FILEIO_SILENT, nullptr);
     CSceneExportOptions options;
     options.GetCustomData().SetString(EXPORT_FORM, Utf8ToWide(m_form));
-    bool written = false;
-    std::string reason;
-    try {
-        if (io.PrepareSaving()) {
-            CSceneExportOptions asked;
-            asked.GetCustomData() = options.GetCustomData();
-            io.GetParser()->SaveDefaultOptions(asked);
-            options.flags = GetFlags(asked.defaultFlags, io.GetClass());
-            options.textureFolder = Utf8ToWide(m_textures);
-            options.texturesFromAnywhere = m_anyTextures;
-            ChangeUnit(console, scene);
-            TurnUp(scene, asked.upAxis);
-            written = io.Save(false, &scene, &options);
-        }
-        if (!written)
-            reason = GetFailureReason(io, options);
-    } catch (const CXException* error) {
-        reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
-        XDeleteThreadException();
-    } catch (const std::bad_alloc&) {
-        reason = "not enough memory";
-    } catch (const std::exception& error) {
-        reason = error.what();
-    }
+    const std::string reason = RunIo(io, options, [&] {
+        if (!io.PrepareSaving())
+            return false;
+        CSceneExportOptions asked;
+        asked.GetCustomData() = options.GetCustomData();
+        io.GetParser()->SaveDefaultOptions(asked);
+        options.flags = GetFlags(asked.defaultFlags, io.GetClass());
+        options.textureFolder = Utf8ToWide(m_textures);
+        options.texturesFromAnywhere = m_anyTextures;
+        ChangeUnit(console, scene);
+        TurnUp(scene, asked.upAxis);
+        return io.Save(false, &scene, &options);
+    });
+    const bool written = reason.empty();
     report.Add(options);
     PrintReport(inputs, target, written, report);
     if (!written) {

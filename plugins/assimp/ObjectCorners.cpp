@@ -163,12 +163,7 @@ std::vector<CornerLayer> ObjectCorners::ReadCoordinates() const
     CUVWFaceList* faces;
     CUVWPointList* points;
     for (int i = 0; const CChannel* channel = m_object.GetChannels()->GetUVWChannelByIndex(i, faces, points); i++)
-        if (IsInStep(faces)) {
-            CornerLayer& layer = layers.emplace_back(channel->GetChannelID(), m_points.size());
-            PointJoin join(static_cast<std::size_t>(points->GetSize()));
-            Fill(layer, *faces, NumberPoints(*points, join, IsAlways));
-            layer.values = join.TakePositions();
-        }
+        AddLayer(layers, *channel, faces, points);
     return layers;
 }
 
@@ -178,11 +173,17 @@ std::vector<CornerLayer> ObjectCorners::ReadColors() const
     CVCFaceList* faces;
     CVCPointList* points;
     for (int i = 0; const CChannel* channel = m_object.GetChannels()->GetVCChannelByIndex(i, faces, points); i++)
-        if (IsInStep(faces)) {
-            CornerLayer& layer = layers.emplace_back(channel->GetChannelID(), m_points.size());
-            PointJoin join(static_cast<std::size_t>(points->GetSize()));
-            Fill(layer, *faces, NumberPoints(*points, join, IsAlways));
-            layer.values = join.TakePositions();
-        }
+        AddLayer(layers, *channel, faces, points);
     return layers;
+}
+
+template <class POINTS>
+void ObjectCorners::AddLayer(std::vector<CornerLayer>& layers, const CChannel& channel, const CFaceList* faces, const POINTS* points) const
+{
+    if (!IsInStep(faces))
+        return;
+    CornerLayer& layer = layers.emplace_back(channel.GetChannelID(), m_points.size());
+    PointJoin join(static_cast<std::size_t>(points->GetSize()));
+    Fill(layer, *faces, NumberPoints(*points, join, IsAlways));
+    layer.values = join.TakePositions();
 }

@@ -54,6 +54,8 @@ private:
     void PlaceFaces(BlockVector<unsigned int>&& live, const BlockVector<unsigned int>& parts);
     bool IsInStep(const CFaceList* channelFaces) const;
     /// Gives corners without a value that of the channel's corner.
+    template <class POINTS>
+    void AddLayer(std::vector<CornerLayer>& layers, const CChannel& channel, const CFaceList* faces, const POINTS* points) const;
     void Fill(CornerLayer& layer, const CFaceList& channelFaces, const BlockVector<int>& numbers) const;
 
     C3DGeomObject& m_object;
