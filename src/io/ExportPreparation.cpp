@@ -203,8 +203,12 @@ void CExportPreparation::ArrangeTree()
         m_scene.MakeGroupForChilds(nullptr);
     if (IsAsked(EXPORT_CLEAN_GROUPS))
         m_scene.CleanGroups(true);
-    if (IsAsked(EXPORT_REMOVE_GROUPS))
-        m_scene.RemoveGroups();
+    if (!IsAsked(EXPORT_REMOVE_GROUPS))
+        return;
+    const int groups = m_scene.GetChildCount(nullptr, OBJECT_GROUP);
+    m_scene.RemoveGroups();
+    if (groups > 0 && IsForced(EXPORT_REMOVE_GROUPS))    // the user did not ask: the format has no tree
+        LogLoss(FormatText(TEXT_REMOVING_GROUPS, static_cast<unsigned int>(groups)), true);
 }
 
 void CExportPreparation::SplitFaces()

@@ -71,6 +71,7 @@ TEST_F(Zel, ReportsWhatWasDoneAndLost)
     EXPECT_NE(text.out.find("export: Converting Whole scene from local to global coordinates\n"), std::string::npos) << text.out;
     EXPECT_NE(text.out.find("export: warning: "), std::string::npos) << text.out;
     EXPECT_EQ(text.code, 0);
+    EXPECT_NE(text.out.find("export: loss: Removing the groups (3)\n"), std::string::npos) << text.out;
     const Outcome strict = report("--report=json --strict");
     EXPECT_EQ(strict.code, 4);
     const auto json = nlohmann::json::parse(strict.out);
