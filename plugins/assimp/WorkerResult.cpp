@@ -1,10 +1,9 @@
 #include "WorkerResult.h"
 
 #include <cerrno>
+#include <memory>
 
 #include <unistd.h>
-
-#include <memory>
 
 namespace {
 
