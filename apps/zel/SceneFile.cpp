@@ -33,17 +33,20 @@ static std::string GetFailureReason(const C3DIo& io, const CIoOptions& options)
 
 std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::function<bool()>& work)
 {
+    std::string reason;
     try {
-        return work() ? "" : GetFailureReason(io, options);
+        if (work())
+            return {};
+        reason = GetFailureReason(io, options);
     } catch (const CXException* error) {
-        const std::string reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
+        reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
         XDeleteThreadException();
-        return reason;
     } catch (const std::bad_alloc&) {
-        return "not enough memory";
+        reason = "not enough memory";
     } catch (const std::exception& error) {
-        return error.what();
+        reason = error.what();
     }
+    return reason.empty() ? "failed" : reason;    // a failure without words is one too
 }
 
 // A broken file can be wrong in each of its faces; the report of a conversion has them all.

@@ -1,9 +1,7 @@
 #include "SceneOutput.h"
 
 #include <cstdio>
-#include <exception>
 #include <map>
-#include <new>
 
 #include <nlohmann/json.hpp>
 
