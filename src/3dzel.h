@@ -4,6 +4,7 @@
 
 #include "tools/2DIo.h"
 #include "tools/Api.h"
+#include "tools/Application.h"
 #include "tools/Archive.h"
 #include "tools/Array.h"
 #include "tools/AssociationMap.h"
@@ -147,3 +148,14 @@
 #include "io/ImportLimits.h"
 #include "io/NativeFile.h"
 #include "io/SceneOptions.h"
+
+#include "render/CallLists.h"
+#include "render/DrawText.h"
+#include "render/GLPlatform.h"
+#include "render/GLViewSettings.h"
+#include "render/RenderElement.h"
+#include "render/RenderingMode.h"
+#include "render/SceneBitmap.h"
+#include "render/View.h"
+#include "render/ViewHost.h"
+#include "render/ViewProfile.h"

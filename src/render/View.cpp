@@ -1,0 +1,33 @@
+#include "render/View.h"
+
+#include "render/RenderingMode.h"
+#include "render/ViewHost.h"
+#include "scene/3DScene.h"
+
+IViewHost::~IViewHost() = default;
+
+_RenderElement::~_RenderElement() = default;
+
+static void Paint(C3DMaterial& material, const CRGBColor& color)
+{
+    material.SetAmbientColor(0, color);
+    material.SetDiffuseColor(0, color);
+}
+
+C3DView::C3DView()
+{
+    Paint(m_selectionMaterial, m_settings.selectionColor);
+    Paint(m_cameraMaterial, {0, 0, 255});
+    Paint(m_lightMaterial, {255, 0, 255});
+    Paint(m_wireframeMaterial, m_settings.wireframeColor);
+    m_element.view = this;
+    LoadDefaultSettings();
+}
+
+C3DView::~C3DView()
+{
+    SetPeer(nullptr);    // OnDestroy runs while this still is a view
+    if (IsDrawingFlagSet(GLDRAW_MEMORY))
+        DeleteMemoryRendering();
+    DeleteMe(m_scene);
+}

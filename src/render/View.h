@@ -1,0 +1,346 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "render/CallLists.h"
+#include "render/GLPlatform.h"
+#include "render/GLViewSettings.h"
+#include "render/RenderElement.h"
+#include "scene/Material.h"
+#include "tools/Array.h"
+#include "tools/Bitmap.h"
+#include "tools/Hash.h"
+#include "tools/Window.h"
+
+class CGLDrawText;
+class CGLRenderingMode;
+class C3DCurve;
+class IViewHost;
+struct glPickInfo;
+
+/// When a display callback is called.
+enum glCallbackDisplayState : unsigned int {
+    DISPLAY_PASS_BEGIN = 0,    ///< 0 as the answer refuses the pass
+    DISPLAY_PASS_END = 1,
+    DISPLAY_NODE = 2,    ///< 0 leaves the node out
+    DISPLAY_OVERLAY_BEGIN = 3,
+    DISPLAY_OVERLAY_END = 4,
+    DISPLAY_OVERLAY_NODE = 5,    ///< draws directly, in the node's space
+};
+
+/// State of a view's GL contexts.
+enum _OPENGL_DRAWING_SETTINGS : unsigned int {
+    GLDRAW_ALT_FORMAT = 0x1,              ///< the pixel format is that of the profile
+    GLDRAW_MEMORY = 0x1000000,            ///< off screen: no tint of what is selected, no boxes, no labels
+    GLDRAW_DEFERRED_PAINT = 0x2000000,    ///< the paint under way is the late one, which draws what is too slow for interaction
+    GLDRAW_MULTISAMPLE = 0x4000000,
+    GLDRAW_PBUFFER = 0x8000000,
+};
+
+/// Context of a view. Lists belong to one context.
+struct _GLContext {
+    void* reserved = nullptr;
+    HDC dc = nullptr;
+    HGLRC context = nullptr;
+};
+
+/// The parameters are not looked at.
+enum GLSelectMode : unsigned int { GLSELECT_DEFAULT = 0 };
+
+/// Draws a scene with OpenGL, in a window or off screen.
+///
+/// Off screen no window, display, GPU or toolkit is needed: CreateMemoryRendering, SetScene, SetViewSettings or UpdateView, then
+/// CreateBitmapFromScene any number of times, DeleteMemoryRendering.
+///
+/// A view is used by the thread that made it. Several threads may each have views of their own, of scenes of their own. Nothing is drawn of a
+/// scene before UpdateView; geometry goes to GL once, as one call list for each object, and is sent again when it changes.
+class ZEL_API C3DView : public CWnd {
+public:
+    using DisplayCallback = int (*)(C3DSceneNode* node, glCallbackDisplayState state, unsigned int mode, void* data);
+    using FlushCallback = void (*)(C3DSceneNode* node, void* data);
+    using BeginNodeCallback = int (*)(_RenderElement* element, _CallListType& type, void* data);
+    using FaceCallback = _FACE_RESULT (*)(_RenderElement* element);
+    using PointMaterialCallback = int (*)(_RenderElement* element);
+
+    C3DView();
+    ~C3DView() override;
+
+    // Scene and settings (ViewUpdate.cpp)
+
+    /// Takes a reference; null for none. Nothing is drawn before UpdateView. `flags`: GLSET_FIT...
+    void SetScene(C3DScene* scene, unsigned int flags);
+    C3DScene* GetScene() const { return m_scene; }
+    /// Takes the fields that the record's change mask names.
+    virtual void SetViewSettings(const GlViewSettings* settings);
+    const GlViewSettings* GetViewSettings() const { return &m_settings; }
+    unsigned int GetViewFlag() const { return m_settings.viewFlags; }
+    /// Brings what is drawn up to date with scene and settings. `flags`: the high bits of _GLSET_FLAGS.
+    void UpdateView(int flags);
+    /// Between the two UpdateView only notes what is asked for. Counted; the last UnlockWindow runs it once.
+    void LockWindow();
+    void UnlockWindow();
+    void SetBackgroundColor(unsigned char red, unsigned char green, unsigned char blue);
+    /// Null for none.
+    void SetHost(IViewHost* host) { m_host = host; }
+    IViewHost* GetHost() const { return m_host; }
+
+    // Point of view (Framing.cpp)
+
+    /// Numbers that have a direction of their own; 0 for the default. `angle`: of the slanted ones, radians; 0 takes the preferences'.
+    void SetView(_RVIEW_FLAG number, int redraw, float angle);
+    /// Looks through a camera; false for null and for nodes that hold none.
+    bool LoadCamera(C3DSceneNode* node);
+    int GetCurrentCameraId() const { return m_cameraID; }    ///< node id, -1 for none
+    void SetCurrentCameraId(int id) { m_cameraID = id; }
+    /// Centre of the scene's box, cameras and lights left out; the origin without a scene.
+    C3DTPoint<float> GetSceneCenter() const;
+    /// The same box. `boxFlags` are added, kinds of `excluded` left out. Zeros when there is nothing.
+    void GetBBox(bool selectedOnly, C3DTPoint<float>& min, C3DTPoint<float>& max, C3DTPoint<float>& center, unsigned int boxFlags,
+                 unsigned int excluded) const;
+
+    // Pictures off screen (MemoryRendering.cpp)
+
+    /// 1, or 0 when there is no driver. `depth`: 24, or 32 for a picture with alpha.
+    int CreateMemoryRendering(int width, int height, int depth);
+    /// Releases the scene too; 1.
+    int DeleteMemoryRendering();
+    /// A new picture of the size asked for, the caller's; null without memory rendering. The alpha of depth 32 is 255 where nothing was drawn and
+    /// 0 where something opaque was.
+    Bitmap* CreateBitmapFromScene();
+
+    // Contexts (ViewContexts.cpp)
+
+    HGLRC GetGLContext() const { return m_contexts.empty() ? nullptr : m_contexts.back().context; }
+    CDC* GetClientDC() const { return m_contexts.empty() ? nullptr : m_contexts.back().dc; }
+    bool IsDrawingFlagSet(unsigned int flags) const { return (m_drawingFlags & flags) == flags; }
+    bool IsOneDrawingFlagSet(unsigned int mask) const { return (m_drawingFlags & mask) != 0; }
+    void SetDrawingFlag(unsigned int flags, bool on) { m_drawingFlags = on ? m_drawingFlags | flags : m_drawingFlags & ~flags; }
+
+    // Drawing (RenderScene.cpp, RenderNode.cpp, Overlays.cpp)
+
+    /// Draws the given nodes, all for null, in the order of the scene.
+    void RenderScene(CHashTable<C3DSceneNode*>* nodes);
+    /// A line for the normal of each corner; the node's lines keep their apparent length.
+    void DrawNormals(C3DSceneNode* node);
+    /// Numbers of points and faces; in the deferred paint of a window alone.
+    void RenderGDI(C3DSceneNode* node);
+    void SetCullMode(int on, unsigned int& flags, bool front);
+    /// Pushes surfaces back, in tenths of GL's unit, so that lines lie over them; the former value.
+    int SetObjectOffset(int offset);
+    /// 2D mode of overlays, nested: the first `on` counts, and the last off.
+    void SwitchTo2DMode(bool on, unsigned int mode, unsigned int extra);
+    /// Box of the node in the scene's space; the scene's modelview is loaded.
+    void DrawBox(C3DSceneNode* node);
+
+    // Flushing: geometry into call lists (Flush.cpp, DrawFaces.cpp, BeginFace.cpp)
+
+    void FlushNode(C3DSceneNode* node);
+    /// Drops the lists of the node's object; 1, or 0 without object.
+    int RemoveNode(C3DSceneNode* node);
+    void ViewFlatNode(C3DSceneNode* node, C3DGeomObject* geometry);
+    void ViewSmoothNode(C3DSceneNode* node, C3DGeomObject* geometry);
+    void ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry);
+
+    // Call lists (CallLists.cpp)
+
+    /// Nested calls count; the outermost begins the list, in place of a former one.
+    void BeginCallList(C3DBaseObject* object, _CallListType type);
+    void EndCallList();
+    /// Nothing when there is no such list.
+    void DrawCallList(C3DSceneNode* node, _CallListType type);
+    bool HasCallList(C3DBaseObject* object) const;
+    /// Id of the object, 0xFFFFFFFF for null.
+    static unsigned int GetCallListID(const C3DBaseObject* object);
+    /// Lists of the current context whose type is in the mask, of one object or of all; 0 without a context.
+    int DeleteGLLists(_CallListType mask, C3DBaseObject* object);
+
+    // Materials (ViewMaterials.cpp, ViewTextures.cpp, ViewLighting.cpp)
+
+    /// Sets the material's colours, unless it is the current one and not forced.
+    void InitMaterial(C3DMaterial* material, int force);
+    void InitMaterial();
+    void ReinitCurrentMaterial();
+    unsigned int GetCurrentMaterial() const { return m_currentMaterial; }
+    void InitDiffuseColor(C3DMaterial& material);
+    void InitDiffuseColor(unsigned int materialID);
+    void InitPointMaterial();
+    void InitTexture();
+    void EnableTexture(int on);
+    int TextureExist();
+    void MaterialChanged(unsigned int materialID);
+    C3DMaterial& GetSelectionMaterial() { return m_selectionMaterial; }
+    C3DMaterial& GetUserMaterial() { return m_userMaterial; }
+    /// Above 0 brighter by 1.3, below 0 darker, 0 back to normal.
+    void Brightness(int step);
+    /// A derived view that answers false loads no texture.
+    virtual int IsTextureEnabled() const;
+
+    // Picking (Picking.cpp)
+
+    /// Nodes with something in the rectangle (pixels of the window, y down), as often as they are hit; with a width or height of 0 the nearest
+    /// one at the point alone. Their number.
+    unsigned int SelectNodesFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width, unsigned int height,
+                                     GLSelectMode mode, unsigned int reserved);
+    unsigned int SelectFacesFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width, unsigned int height,
+                                     GLSelectMode mode, unsigned int reserved);
+    unsigned int SelectPointsFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width,
+                                      unsigned int height, GLSelectMode mode, unsigned int reserved);
+
+    // Callbacks of hosts: null for none. All share the data.
+
+    void SetCallbackData(void* data) { m_callbackData = data; }
+    void SetDisplayCallback(DisplayCallback callback) { m_displayCallback = callback; }
+    void SetFlushCallback(FlushCallback callback) { m_flushCallback = callback; }
+    void SetBeginNodeCallback(BeginNodeCallback callback) { m_beginNodeCallback = callback; }
+    void SetFaceCallback(FaceCallback callback) { m_faceCallback = callback; }
+    void SetPointMaterialCallback(PointMaterialCallback callback) { m_pointMaterialCallback = callback; }
+
+    // Events of the window (ViewEvents.cpp)
+
+    /// Once the window is there; -1 when no context can be had.
+    virtual int OnCreate();
+    void OnPaint() override;
+    void OnSize(int width, int height) override;
+    void OnTimer(unsigned int id) override;
+    void OnMouseWheel(unsigned int state, short delta, const CPoint& point) override;
+    void OnDestroy() override;
+    virtual void OnDraw(CDC* dc);
+
+protected:
+    friend class CGLActivate;
+    friend class CGLDrawText;
+    friend class CGLRenderingMode;
+
+    // ViewContexts.cpp
+    void Activate();
+    void Deactivate();
+    bool CreateDefaultGLContext(std::unique_ptr<CDC> dc);
+    int CreateMultiSampleGLContext();
+    /// The platform's drivers answer.
+    bool InitGLExtension() const;
+    void DeleteGLContext();
+    void InitGLContext() const;
+    void InitViewFlag();
+
+    // MemoryRendering.cpp
+    int InitPBuffer(unsigned int width, unsigned int height, unsigned int depth);
+    void ReleasePBuffer();
+    Bitmap* CreateBitmapFromPBuffer();
+
+    // ViewProfile.cpp
+    void LoadDefaultSettings();
+    void SaveDefaultSettings();
+
+    // Framing.cpp
+    void AdjustView(unsigned int flags);
+    void InitClippingPlane();
+    /// Box flags and point filter of all framing, by what is shown of hidden nodes.
+    void GetFramingBox(unsigned int& boxFlags, unsigned int& pointFilter) const;
+    /// Nothing without a context.
+    void SizeChanged(int width, int height);
+
+    // Flush.cpp
+    void BeginScene();
+    void EndScene();
+    void FlushScene();
+    void FlushObject(C3DSceneNode* node);
+    void Flush3DGeomObject(C3DSceneNode* node, C3DGeomObject* geometry);
+    void Flush3DObject(C3DSceneNode* node, C3DGeomObject* geometry);
+    void Flush3DCurve(C3DSceneNode* node, C3DCurve* curve);
+    void Flush3DPatch(C3DSceneNode* node, C3DPatch* patch);
+    bool BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode);
+    void EndNode();
+    void InitCurrentRenderElement();
+    /// Makes the face the current one and sets its material; false when it is not drawn.
+    bool BeginFace(int face, bool front);
+
+    // ViewMaterials.cpp, ViewTextures.cpp, ViewLighting.cpp
+    void InitLighting();
+    void InitMapping();
+    unsigned int InitMaterialMapping(unsigned int materialID, bool replace);
+    int LoadTexture(C3DMaterial* material, MapType type, unsigned int textureName);
+    void DestroyMapping(bool keepTextureState);
+
+    /// Of the clock by which paints and updates are put off; tests have their own.
+    virtual unsigned int GetMilliseconds() const;
+
+    unsigned int GetTick() const;
+    /// Size of what is drawn on, pixels.
+    CSize GetViewSize() const { return m_viewSize; }
+    bool IsSolid() const { return (m_settings.viewFlags & VIEWFLAG_SOLID) != 0; }
+
+    GlViewSettings m_settings;
+    _RenderElement m_element;
+
+private:
+    struct NodePass;
+    friend struct NodePass;
+
+    C3DScene* m_scene = nullptr;
+    IViewHost* m_host = nullptr;
+
+    // Contexts
+    std::vector<_GLContext> m_contexts;
+    std::vector<std::unique_ptr<CDC>> m_dcs;    ///< of m_contexts, one each
+    int m_activations = 0;
+    GLCurrentState m_former{};
+    unsigned int m_drawingFlags = 0;
+    CSize m_viewSize;
+    CSize m_requestedSize;    ///< of memory rendering
+    int m_requestedDepth = 0;
+    unsigned int m_appliedFlags = 0xFFFFFFFF;
+
+    // Lists
+    CHashTable<CHashID> m_callLists;
+    CHashTable<int> m_listedObjects, m_transparentMaterials, m_alphaMaterials, m_transparentObjects;
+    int m_listDepth = 0;
+    bool m_flushPending = false;
+
+    // Materials
+    C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;
+    unsigned int m_currentMaterial = 0xFFFFFFFF;
+    bool m_textureBound = false, m_texturesLoaded = false, m_lightingInUse = false;
+
+    // Updates
+    int m_lockCount = 0;
+    unsigned int m_pendingUpdate = 0;
+    unsigned int m_lastPaint = 0xFFFFFFFF, m_lastUpdate = 0xFFFFFFFF;    ///< milliseconds; all ones: none
+    int m_cameraID = -1;
+
+    // Rendering
+    float m_sceneMatrix[16] = {};    ///< M: scene to eye, in GL's order
+    float m_iconScale = 1;           ///< of cameras and lights
+    int m_objectOffset = 0;
+    glPickInfo* m_pick = nullptr;
+    int m_2DModes = 0;
+    std::unique_ptr<CGLRenderingMode> m_2DMode;
+
+    // Callbacks
+    void* m_callbackData = nullptr;
+    DisplayCallback m_displayCallback = nullptr;
+    FlushCallback m_flushCallback = nullptr;
+    BeginNodeCallback m_beginNodeCallback = nullptr;
+    FaceCallback m_faceCallback = nullptr;
+    PointMaterialCallback m_pointMaterialCallback = nullptr;
+};
+
+/// Makes a view's context current as long as it lives; accepts null.
+class ZEL_API CGLActivate {
+public:
+    explicit CGLActivate(C3DView* view) : m_view(view)
+    {
+        if (m_view)
+            m_view->Activate();
+    }
+    ~CGLActivate()
+    {
+        if (m_view)
+            m_view->Deactivate();
+    }
+    CGLActivate(const CGLActivate&) = delete;
+    CGLActivate& operator=(const CGLActivate&) = delete;
+
+private:
+    C3DView* m_view;
+};
