@@ -1,8 +1,130 @@
-#include "render/View.h"
+#include <GL/gl.h>
 
-int C3DView::CreateMemoryRendering(int, int, int) { return 0; }
-int C3DView::DeleteMemoryRendering() { return 1; }
-Bitmap* C3DView::CreateBitmapFromScene() { return nullptr; }
-int C3DView::InitPBuffer(unsigned int, unsigned int, unsigned int) { return 0; }
-void C3DView::ReleasePBuffer() {}
-Bitmap* C3DView::CreateBitmapFromPBuffer() { return nullptr; }
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "render/View.h"
+#include "render/ViewProfile.h"
+#include "scene/3DScene.h"
+
+// Pictures off screen: from a PBuffer where there are such, else from memory that any driver draws to. Both give the picture in the size asked
+// for, even where the PBuffer is smaller.
+
+int C3DView::CreateMemoryRendering(int width, int height, int depth)
+{
+    if (IsDrawingFlagSet(GLDRAW_MEMORY))
+        DeleteMemoryRendering();
+    if (width < 1 || height < 1 || width > BITMAP_MAX_SIDE || height > BITMAP_MAX_SIDE || 1LL * width * height > BITMAP_MAX_PIXELS)
+        return 0;
+    CCrashGuard guard(PROFILE_PBUFFER);
+    if (guard.MayTry() && InitPBuffer(width, height, depth))
+        guard.Succeeded();
+    else if (!CreateDefaultGLContext(m_platform.CreateMemoryDC(width, height, depth)))
+        return 0;
+    SetDrawingFlag(GLDRAW_MEMORY, true);
+    m_requestedSize = {width, height};
+    m_requestedDepth = depth;
+
+    const CGLActivate activate(this);
+    InitGLContext();
+    SizeChanged(width, height);    // the aspect is that of the picture
+    m_viewSize = GetClientDC()->GetSize();
+    glViewport(0, 0, m_viewSize.cx, m_viewSize.cy);
+    return 1;
+}
+
+int C3DView::InitPBuffer(unsigned int width, unsigned int height, unsigned int depth)
+{
+    if (!InitGLExtension() || !m_platform.HasPBuffers() || !CreateDefaultGLContext(m_platform.CreatePBuffer(width, height, depth)))
+        return 0;
+    SetDrawingFlag(GLDRAW_PBUFFER, true);
+    return 1;
+}
+
+int C3DView::DeleteMemoryRendering()
+{
+    SetScene(nullptr, 0);
+    if (IsDrawingFlagSet(GLDRAW_MEMORY))
+        DeleteGLContext();
+    SetDrawingFlag(GLDRAW_MEMORY | GLDRAW_PBUFFER, false);
+    m_appliedFlags = 0xFFFFFFFF;    // the next context knows nothing of them
+    return 1;
+}
+
+Bitmap* C3DView::CreateBitmapFromScene()
+{
+    if (!IsDrawingFlagSet(GLDRAW_MEMORY))
+        return nullptr;
+    const CGLActivate activate(this);
+    if (!IsActive())
+        return nullptr;
+    return IsDrawingFlagSet(GLDRAW_PBUFFER) ? CreateBitmapFromPBuffer() : CreateBitmapFromMemory();
+}
+
+// GL's rows go from the bottom up.
+static void FlipRows(Bitmap& picture)
+{
+    const int size = picture.GetWidth() * picture.GetBytesPerPixel();
+    for (int top = 0, bottom = picture.GetHeight() - 1; top < bottom; top++, bottom--)
+        std::swap_ranges(picture.GetLine(top), picture.GetLine(top) + size, picture.GetLine(bottom));
+}
+
+// What is drawn, in a new picture of that size; null without memory.
+static Bitmap* ReadPicture(CSize size, bool alpha)
+{
+    Bitmap* const picture = alpha ? static_cast<Bitmap*>(rgbaBitmap::Create(size.cx, size.cy)) : rgbBitmap::Create(size.cx, size.cy);
+    if (!picture)
+        return nullptr;
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, size.cx, size.cy, alpha ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, picture->GetLine(0));
+    FlipRows(*picture);
+    return picture;
+}
+
+Bitmap* C3DView::CreateBitmapFromPBuffer()
+{
+    RenderScene(nullptr);
+    Bitmap* const picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
+    if (!picture)
+        return nullptr;
+    if (picture->GetType() == BITMAP_RGBA)
+        picture->InvertAlpha();
+    if (m_viewSize != m_requestedSize)
+        picture->Resize(m_requestedSize.cx, m_requestedSize.cy, 1);
+    return picture;
+}
+
+// Memory has no alpha of its own: what nothing was drawn on has the depth that it was cleared to.
+
+Bitmap* C3DView::CreateBitmapFromMemory()
+{
+    RenderScene(nullptr);
+    Bitmap* const picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
+    if (!picture || picture->GetType() != BITMAP_RGBA)
+        return picture;
+    RenderDepthOfAlpha();
+    const int width = picture->GetWidth(), height = picture->GetHeight();
+    std::vector<float> depths(1ULL * width * height);
+    glReadPixels(0, 0, width, height, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+    const float* depth = depths.data();
+    for (int y = height - 1; y >= 0; y--) {
+        unsigned char* const line = picture->GetLine(y);
+        for (int x = 0; x < width; x++)
+            line[x * 4 + 3] = *depth++ == 1 ? 255 : 0;
+    }
+    return picture;
+}
+
+// Draws once more, into the depths alone, as if nothing were transparent.
+void C3DView::RenderDepthOfAlpha()
+{
+    const unsigned int flags = m_settings.viewFlags;
+    if (!m_scene || m_transparentObjects.IsEmpty() || !(flags & VIEWFLAG_TRANSPARENCY) || !IsSolid())
+        return;
+    CHashTable<int> transparentObjects = std::move(m_transparentObjects);
+    m_settings.viewFlags = (flags & ~VIEWFLAG_TRANSPARENCY) | VIEWFLAG_NO_CLEAR | VIEWFLAG_NO_COLOR_WRITE;
+    RenderScene(nullptr);
+    m_settings.viewFlags = flags;
+    m_transparentObjects = std::move(transparentObjects);
+}

@@ -215,18 +215,26 @@ protected:
     // ViewContexts.cpp
     void Activate();
     void Deactivate();
+    /// Whether the view's own context is current: in vain where GL would draw into a host's.
+    bool IsActive() const { return m_activeDC != nullptr; }
+    /// Pushes a new context that draws on it; false, also for null, when there can be none.
     bool CreateDefaultGLContext(std::unique_ptr<CDC> dc);
+    /// For the window of the peer, with the most samples that can be had; 1, or 0 without a context.
     int CreateMultiSampleGLContext();
     /// The platform's drivers answer.
     bool InitGLExtension() const;
+    /// Of the top of the stack, with all lists and textures that belong to it.
     void DeleteGLContext();
+    /// State that no list or render changes, once a context.
     void InitGLContext() const;
+    /// State that follows the view flags, when they are others than those last applied.
     void InitViewFlag();
 
     // MemoryRendering.cpp
     int InitPBuffer(unsigned int width, unsigned int height, unsigned int depth);
-    void ReleasePBuffer();
     Bitmap* CreateBitmapFromPBuffer();
+    Bitmap* CreateBitmapFromMemory();
+    void RenderDepthOfAlpha();
 
     // ViewProfile.cpp
     void LoadDefaultSettings();
@@ -281,10 +289,12 @@ private:
     IViewHost* m_host = nullptr;
 
     // Contexts
+    IGLPlatform& m_platform = GetGLPlatform();
     std::vector<_GLContext> m_contexts;
     std::vector<std::unique_ptr<CDC>> m_dcs;    ///< of m_contexts, one each
     int m_activations = 0;
-    GLCurrentState m_former{};
+    CDC* m_activeDC = nullptr;    ///< what is drawn on between activation and deactivation; null when there is nothing
+    GLCurrentState m_former{};    ///< what was current before
     unsigned int m_drawingFlags = 0;
     CSize m_viewSize;
     CSize m_requestedSize;    ///< of memory rendering

@@ -1,10 +1,112 @@
-#include "render/View.h"
+#include <GL/gl.h>
 
-void C3DView::Activate() {}
-void C3DView::Deactivate() {}
-bool C3DView::CreateDefaultGLContext(std::unique_ptr<CDC>) { return false; }
-int C3DView::CreateMultiSampleGLContext() { return 0; }
-bool C3DView::InitGLExtension() const { return false; }
-void C3DView::DeleteGLContext() {}
-void C3DView::InitGLContext() const {}
-void C3DView::InitViewFlag() {}
+#include "render/View.h"
+#include "render/ViewProfile.h"
+
+// Activation: nested calls count, and the host's own context comes back at the end.
+
+void C3DView::Activate()
+{
+    if (m_activations++ > 0 || m_contexts.empty())
+        return;
+    const _GLContext& top = m_contexts.back();
+    m_activeDC = m_platform.MakeCurrent(*top.dc, top.context, m_former) ? top.dc : nullptr;
+}
+
+void C3DView::Deactivate()
+{
+    if (--m_activations > 0 || !m_activeDC)
+        return;
+    m_platform.Restore(*m_activeDC, m_former);
+    m_activeDC = nullptr;
+}
+
+// Making and deleting contexts.
+
+bool C3DView::InitGLExtension() const { return m_platform.InitExtensions(); }
+
+bool C3DView::CreateDefaultGLContext(std::unique_ptr<CDC> dc)
+{
+    const HGLRC context = dc ? m_platform.CreateContext(*dc) : nullptr;
+    if (!context)
+        return false;
+    m_contexts.push_back({nullptr, dc.get(), context});
+    m_dcs.push_back(std::move(dc));
+    return true;
+}
+
+int C3DView::CreateMultiSampleGLContext()
+{
+    constexpr int MOST_SAMPLES = 8;
+    void* const window = GetPeer() ? GetPeer()->GetNativeHandle() : nullptr;
+    CCrashGuard guard(PROFILE_MULTISAMPLE);
+    if (guard.MayTry() && InitGLExtension()) {
+        std::unique_ptr<CDC> dc;
+        for (int samples = MOST_SAMPLES; samples >= 2 && !dc; samples /= 2)
+            dc = m_platform.CreateWindowDC(window, samples);
+        if (CreateDefaultGLContext(std::move(dc))) {
+            SetDrawingFlag(GLDRAW_MULTISAMPLE, true);
+            guard.Succeeded();
+            return 1;
+        }
+    }
+    return CreateDefaultGLContext(m_platform.CreateWindowDC(window, 0));
+}
+
+void C3DView::DeleteGLContext()
+{
+    if (m_contexts.empty())
+        return;
+    {
+        const CGLActivate activate(this);
+        DeleteGLLists(CALLLIST_GEOMETRY, nullptr);
+        DeleteGLLists(CALLLIST_FONT, nullptr);
+        DestroyMapping(false);
+    }
+    m_platform.DeleteContext(m_contexts.back().context);
+    m_contexts.pop_back();
+    m_dcs.pop_back();
+    SetDrawingFlag(GLDRAW_MULTISAMPLE, false);
+}
+
+// State.
+
+void C3DView::InitGLContext() const
+{
+    constexpr int STIPPLE_SIZE = 32 * 32 / 8;
+    GLubyte checker[STIPPLE_SIZE];
+    for (int i = 0; i < STIPPLE_SIZE; i++)
+        checker[i] = i / 4 % 2 == 0 ? 0xCC : 0x33;
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glClearDepth(1);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+    glPolygonStipple(checker);
+    glLineStipple(1, 0xCCCC);
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
+    glLightModeli(GL_LIGHT_MODEL_LOCAL_VIEWER, 0);
+}
+
+static void Enable(GLenum capability, bool on) { on ? glEnable(capability) : glDisable(capability); }
+
+void C3DView::InitViewFlag()
+{
+    if (m_settings.viewFlags == m_appliedFlags)
+        return;
+    // Coverage by alpha means something to samples alone; without them it would thin what is transparent twice.
+    const bool samples = GetClientDC() && GetClientDC()->GetSamples() > 0;
+    glEnable(GL_MULTISAMPLE);
+    Enable(GL_SAMPLE_ALPHA_TO_COVERAGE, samples && GetViewProfile(PROFILE_ALPHA_CUT) != 0);
+    InitMapping();
+
+    const bool solid = IsSolid(), cull = solid && (m_settings.viewFlags & VIEWFLAG_CULL_BACK);
+    Enable(GL_LIGHTING, solid);
+    Enable(GL_DEPTH_TEST, solid);
+    Enable(GL_CULL_FACE, cull);
+    glCullFace(GL_BACK);
+    m_settings.viewFlags = cull ? m_settings.viewFlags | VIEWFLAG_CULLING_ON : m_settings.viewFlags & ~VIEWFLAG_CULLING_ON;
+    glPolygonMode(GL_FRONT_AND_BACK, solid ? GL_FILL : GL_LINE);
+    glShadeModel(m_settings.viewFlags & VIEWFLAG_SMOOTH ? GL_SMOOTH : GL_FLAT);
+    m_lightingInUse = solid;
+    m_appliedFlags = m_settings.viewFlags;
+}
