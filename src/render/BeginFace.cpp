@@ -1,4 +1,211 @@
-#include "render/View.h"
+// Whether a face is drawn, and in what material. The primitive of a solid list is open between two faces: what is not allowed inside ends it and
+// begins it again, so that a list has few of them.
 
-bool C3DView::BeginFace(int, bool) { return false; }
-void C3DView::SetCullMode(int, unsigned int&, bool) {}
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
+
+#include "channels/DependentChannels.h"
+#include "channels/UVWChannel.h"
+#include "channels/VCChannel.h"
+#include "render/View.h"
+#include "scene/3DScene.h"
+#include "scene/GeomObject.h"
+
+static constexpr unsigned int NO_CHANNEL = 0xFFFFFFFF;
+
+bool C3DView::BeginFace(int face, bool front)
+{
+    if (!m_element.faceList->GetFace(face, m_element.face) || m_element.face.IsFlagSet(FACE_INVALID))
+        return false;
+    m_element.faceNumber = face;
+    m_element.front = front;
+    unsigned int id = m_element.face.GetMaterialID();
+    if (!front && m_element.hasBackMaterials)
+        if (const unsigned int back = m_element.faceList->GetBackFaceMaterial(face); back != NO_MATERIAL)
+            id = back;
+    InitFaceMaterial(id);
+    m_element.material = m_faceMaterial.material;
+    ReadUVWFace(face);
+    ReadVCFace(face);
+
+    unsigned int result = m_faceCallback ? m_faceCallback(&m_element) : FACE_RESULT_NORMAL;
+    m_element.faceState = result;
+    if (result & FACE_RESULT_SKIP)
+        return false;
+    if (result & FACE_RESULT_POINT_MATERIALS) {    // no further checks
+        if (!m_element.vcInUse)
+            InitMaterial();
+        return true;
+    }
+    if (result & FACE_RESULT_SELECTION)
+        m_element.material = &m_selectionMaterial;
+    if ((result & FACE_RESULT_NORMAL) && !ApplyFaceFlags(m_element.face.GetFlags() & VIEW_FACE_ALL, result))
+        return false;
+    if (m_element.vcInUse)
+        result |= FACE_RESULT_POINT_MATERIALS;
+    m_element.faceState = result;
+    if (m_element.nodeMode == VIEWFLAG_WIREFRAME)
+        m_element.material = GetWireMaterial();
+    SwitchStipple((result & FACE_RESULT_STIPPLED) != 0);
+    SetFaceMaterial(result);
+    return true;
+}
+
+// --- Material and channels -------------------------------------------------------------------------------------------------------
+
+void C3DView::InitFaceMaterial(unsigned int id)
+{
+    if (m_faceMaterial.known && m_faceMaterial.id == id)
+        return;
+    FaceMaterial& now = m_faceMaterial;
+    now.known = true;
+    now.id = id;
+    now.material = m_scene->GetMaterialByID(id);
+    if (!now.material)
+        now.material = m_scene->GetMaterialByID(0);
+    auto* const geometry = static_cast<C3DGeomObject*>(m_element.finalObject);
+
+    now.uvwChannel = NO_CHANNEL;
+    if (m_element.viewFlags & VIEWFLAG_TEXTURE) {
+        now.uvwChannel = geometry->GetGlobalUVWChannel();
+        const CMaterialMap* const map = now.material->GetDiffuseMaps();
+        if (now.uvwChannel == NO_CHANNEL && map)
+            now.uvwChannel = map->GetChannelID();
+    }
+    now.hasTexture = HasTexture(now.material->GetMaterialID());
+    m_element.uvwChannel = now.uvwChannel == NO_CHANNEL
+                               ? nullptr
+                               : m_element.channels->GetUVWChannelByID(now.uvwChannel, m_element.uvwFaceList, m_element.uvwPointList);
+
+    now.vcChannel = NO_CHANNEL;
+    if (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS) {
+        now.vcChannel = geometry->GetGlobalVCChannel(now.vcFactor);
+        if (now.vcChannel == NO_CHANNEL)
+            now.vcChannel = now.material->GetVertexColor(GetTick(), now.vcFactor);
+    }
+    m_element.vcFactor = now.vcFactor;
+    m_element.vcChannel = now.vcChannel == NO_CHANNEL || now.vcFactor == 0
+                              ? nullptr
+                              : m_element.channels->GetVCChannelByID(now.vcChannel, m_element.vcFaceList, m_element.vcPointList);
+}
+
+void C3DView::ReadUVWFace(int face)
+{
+    m_element.uvwInUse = m_element.uvwChannel && m_element.uvwFaceList && m_element.uvwPointList &&
+                         m_element.uvwFaceList->GetFace(face, m_element.uvwFace) && !m_element.uvwFace.IsDead() &&
+                         m_element.uvwFace.GetSize() == m_element.face.GetSize();
+}
+
+void C3DView::ReadVCFace(int face)
+{
+    m_element.vcInUse = m_element.vcChannel && m_element.vcFaceList && m_element.vcPointList &&
+                        m_element.vcFaceList->GetFace(face, m_element.vcFace) && !m_element.vcFace.IsDead() &&
+                        m_element.vcFace.GetSize() == m_element.face.GetSize();
+}
+
+C3DMaterial* C3DView::GetWireMaterial()
+{
+    switch (m_element.baseObject->GetKindOf()) {
+    case OBJECT_LIGHT: return &m_lightMaterial;
+    case OBJECT_CAMERA: return &m_cameraMaterial;
+    default: return m_element.viewFlags & VIEWFLAG_SOLID ? &m_wireframeMaterial : m_element.material;
+    }
+}
+
+void C3DView::SetFaceMaterial(unsigned int result)
+{
+    const unsigned int id = m_element.material->GetMaterialID();
+    if (m_element.nodeMode == VIEWFLAG_WIREFRAME) {
+        if (id != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL))
+            InitDiffuseColor(*m_element.material);
+        return;
+    }
+    const bool textured = m_element.uvwInUse && m_faceMaterial.hasTexture;
+    const unsigned int texture = textured ? id : NO_MATERIAL;
+    if ((id == m_currentMaterial && texture == m_boundTexture) || (result & FACE_RESULT_KEEP_MATERIAL))
+        return;
+    // Corners that set their own material need the face's for its texture alone.
+    if ((result & FACE_RESULT_POINT_MATERIALS) && texture == m_boundTexture)
+        return;
+    if (m_element.viewFlags & VIEWFLAG_TEXTURE)
+        InitTexture();
+    else {
+        EndPrimitive();
+        InitMaterial();
+        RestartPrimitive();
+    }
+    m_boundTexture = texture;
+    m_currentMaterial = id;
+}
+
+// --- Flags of the face -----------------------------------------------------------------------------------------------------------
+
+bool C3DView::ApplyFaceFlags(unsigned int flags, unsigned int& result)
+{
+    if (flags) {
+        if (!(flags & VIEW_FACE_MARKED) && (m_element.viewFlags & VIEWFLAG_MARKED_ONLY))
+            return false;
+        if (flags & VIEW_FACE_HIDDEN) {
+            if (m_element.nodeMode == VIEWFLAG_WIREFRAME || !(m_element.viewFlags & VIEWFLAG_HIDDEN_STIPPLED))
+                return false;
+            result |= FACE_RESULT_STIPPLED;
+        }
+    }
+    if (m_element.nodeMode == VIEWFLAG_WIREFRAME)
+        return true;
+    const bool culling = (m_element.viewFlags & VIEWFLAG_CULLING_ON) != 0;
+    if (flags & VIEW_FACE_ONE_SIDED ? !culling : (flags & VIEW_FACE_TWO_SIDED) && culling) {
+        EndPrimitive();
+        SetCullMode(!culling, m_element.viewFlags, m_element.front);
+        RestartPrimitive();
+        m_cullingChanged = true;
+    } else if (m_cullingChanged && !(flags & (VIEW_FACE_ONE_SIDED | VIEW_FACE_TWO_SIDED))) {
+        EndPrimitive();
+        RestoreCulling();
+        RestartPrimitive();
+        m_cullingChanged = false;
+    }
+    return true;
+}
+
+void C3DView::SetCullMode(int on, unsigned int& flags, bool front)
+{
+    if (on) {
+        glEnable(GL_CULL_FACE);
+        glCullFace(front ? GL_BACK : GL_FRONT);
+        flags |= VIEWFLAG_CULLING_ON;
+    } else {
+        glDisable(GL_CULL_FACE);
+        flags &= ~VIEWFLAG_CULLING_ON;
+    }
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+}
+
+void C3DView::RestoreCulling()
+{
+    const _faceModeEnum mode = static_cast<C3DGeomObject*>(m_element.finalObject)->GetFaceMode();
+    const bool culled = mode == FACE_MODE_ONE_SIDED || (mode == FACE_MODE_VIEW && (m_element.viewFlags & VIEWFLAG_CULL_BACK));
+    SetCullMode(culled, m_element.viewFlags, true);
+}
+
+void C3DView::SwitchStipple(bool on)
+{
+    if (on == m_stippled)
+        return;
+    EndPrimitive();
+    on ? glEnable(GL_POLYGON_STIPPLE) : glDisable(GL_POLYGON_STIPPLE);
+    RestartPrimitive();
+    m_stippled = on;
+}
+
+void C3DView::EndPrimitive()
+{
+    if (m_element.nodeMode != VIEWFLAG_WIREFRAME)
+        glEnd();
+}
+
+void C3DView::RestartPrimitive()
+{
+    if (m_element.nodeMode != VIEWFLAG_WIREFRAME)
+        glBegin(GL_TRIANGLES);
+}

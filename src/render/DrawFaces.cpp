@@ -1,5 +1,173 @@
-#include "render/View.h"
+// The faces of an object into the list that is open: triangles for surfaces, lines for wires.
 
-void C3DView::ViewFlatNode(C3DSceneNode*, C3DGeomObject*) {}
-void C3DView::ViewSmoothNode(C3DSceneNode*, C3DGeomObject*) {}
-void C3DView::ViewWireframeNode(C3DSceneNode*, C3DGeomObject*) {}
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
+
+#include <memory>
+#include <vector>
+
+#include "channels/DependentChannels.h"
+#include "channels/FaceNormalChannel.h"
+#include "channels/PointNormalChannel.h"
+#include "channels/UVWChannel.h"
+#include "channels/UVWFaceList.h"
+#include "channels/UVWPointList.h"
+#include "geometry/3DPointList.h"
+#include "geometry/3DVectorList.h"
+#include "geometry/GeomInfo.h"
+#include "render/FaceCutter.h"
+#include "render/View.h"
+#include "scene/3DScene.h"
+#include "scene/GeomObject.h"
+
+// --- Surfaces --------------------------------------------------------------------------------------------------------------------
+
+void C3DView::ViewFlatNode(C3DSceneNode* node, C3DGeomObject* geometry) { DrawSolid(node, geometry, VIEWFLAG_FLAT); }
+
+void C3DView::ViewSmoothNode(C3DSceneNode* node, C3DGeomObject* geometry) { DrawSolid(node, geometry, VIEWFLAG_SMOOTH); }
+
+/// Face numbers by material, so that the list changes material as seldom as can be; null when there is one material alone.
+static std::unique_ptr<unsigned int[]> OrderByMaterial(C3DGeomObject& geometry)
+{
+    const C3DGeomObject::MaterialMap* const materials = geometry.GetMaterialsHashMap(false);
+    if (!materials || materials->GetCount() < 2)
+        return nullptr;
+    bool changed;
+    std::unique_ptr<unsigned int[]> order(geometry.GetFaceList()->Sort(FACE_SORT_MATERIAL, changed));
+    return changed ? std::move(order) : nullptr;
+}
+
+void C3DView::DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode)
+{
+    const bool split = !m_element.inFlushCallback && !m_transparentMaterials.IsEmpty();
+    bool hasTransparent = false;
+    for (const Round round : {split ? ROUND_OPAQUE : ROUND_ALL, ROUND_TRANSPARENT}) {
+        if (round == ROUND_TRANSPARENT && !hasTransparent)
+            break;
+        if (!BeginNode(node, geometry, round == ROUND_TRANSPARENT ? mode | DRAW_TRANSPARENT : mode))
+            return;
+        // Blending depends on the order: transparent faces keep theirs.
+        const auto order = round == ROUND_TRANSPARENT ? nullptr : OrderByMaterial(*geometry);
+        for (const bool front : {true, false}) {
+            if (!front && !m_element.hasBackMaterials)
+                break;
+            if (m_element.hasBackMaterials) {
+                EndPrimitive();
+                SetCullMode(1, m_element.viewFlags, front);
+                RestartPrimitive();
+            }
+            DrawSide(*geometry, order.get(), front, round, hasTransparent);
+        }
+        EndNode();
+    }
+    if (hasTransparent)
+        m_transparentObjects.Insert(static_cast<int>(GetCallListID(geometry)));
+}
+
+namespace {
+
+/// Sends the corners of faces: normal, texture coordinate, point.
+class CCornerSender {
+public:
+    CCornerSender(_RenderElement& element, const CGeomInfo& info)
+        : m_element(element), m_info(info), m_smooth(element.nodeMode == VIEWFLAG_SMOOTH)
+    {
+        if (m_smooth && element.pointNormals)
+            element.pointNormals->PrepareSmoothing(&info, element.specNormals);
+    }
+
+    void SendFace()
+    {
+        if (!m_smooth)
+            if (const C3DTVector<float>* const normal = m_element.faceNormalList->ElementAt(m_element.faceNumber))
+                glNormal3fv(normal->ValPtr());
+        if (m_element.face.GetSize() == 3) {
+            for (int corner = 0; corner < 3; corner++)
+                SendCorner(corner);
+            return;
+        }
+        for (const int corner : m_cutter.Cut(m_info, m_element.face))
+            SendCorner(corner);
+    }
+
+private:
+    void SendCorner(int corner)
+    {
+        const int number = m_element.face[corner];
+        C3DTPoint<float>* const point = m_element.pointList->ElementAt(number);
+        if (m_smooth) {
+            if (m_element.faceState & FACE_RESULT_POINT_MATERIALS) {
+                m_element.cornerNumber = corner;
+                m_element.pointNumber = number;
+                m_element.point = point;
+                m_element.view->InitPointMaterial();
+            }
+            unsigned int status;
+            if (const C3DTVector<float>* const normal =
+                    m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, corner, &status))
+                glNormal3fv(normal->ValPtr());
+        }
+        if (m_element.uvwInUse)
+            if (const CUVWPoint* const uvw = m_element.uvwPointList->ElementAt(m_element.uvwFace[corner]))
+                glTexCoord3fv(uvw->ValPtr());
+        glVertex3fv(point->ValPtr());
+    }
+
+    _RenderElement& m_element;
+    const CGeomInfo& m_info;
+    const bool m_smooth;
+    CFaceCutter m_cutter;
+};
+
+/// Corners that are in no list have nothing to be drawn.
+bool HasSoundCorners(const CFace& face, int points)
+{
+    for (int k = 0; k < face.GetSize(); k++)
+        if (static_cast<unsigned int>(face[k]) >= static_cast<unsigned int>(points))
+            return false;
+    return true;
+}
+
+}
+
+void C3DView::DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent)
+{
+    const CGeomInfo info(&geometry);
+    CCornerSender sender(m_element, info);
+    const C3DFaceList& faces = *geometry.GetFaceList();
+    const int count = faces.GetSize(), points = m_element.pointList->GetSize();
+    unsigned int lastMaterial = NO_MATERIAL;
+    bool lastTransparent = false;
+    for (int i = 0; i < count; i++) {
+        const int face = order ? static_cast<int>(order[i]) : i;
+        if (round != ROUND_ALL) {
+            if (const unsigned int material = faces.GetFaceMaterial(face); material != lastMaterial) {
+                lastMaterial = material;
+                lastTransparent = m_transparentMaterials.Find(static_cast<int>(material));
+            }
+            hasTransparent |= lastTransparent;
+            if (lastTransparent != (round == ROUND_TRANSPARENT))
+                continue;
+        }
+        if (BeginFace(face, front) && m_element.face.GetSize() >= 3 && HasSoundCorners(m_element.face, points))
+            sender.SendFace();
+    }
+}
+
+// --- Wires -----------------------------------------------------------------------------------------------------------------------
+
+void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
+{
+    if (!BeginNode(node, geometry, VIEWFLAG_WIREFRAME))
+        return;
+    const int count = geometry->GetFaceList()->GetSize(), points = m_element.pointList->GetSize();
+    for (int face = 0; face < count; face++) {
+        if (!BeginFace(face, true) || m_element.face.GetSize() < 3 || !HasSoundCorners(m_element.face, points))
+            continue;
+        glBegin(GL_LINE_LOOP);
+        for (int corner = 0; corner < m_element.face.GetSize(); corner++)
+            glVertex3fv(m_element.pointList->ElementAt(m_element.face[corner])->ValPtr());
+        glEnd();
+    }
+    EndNode();
+}

@@ -1,15 +1,285 @@
-#include "render/View.h"
+// Flushing: each object becomes call lists when it has changed, so that drawing never walks geometry.
+//
+//   FlushScene    all objects anew, after news of materials
+//   FlushNode     the object of a node that has no lists
+//   Flush3D...    by kind of object; the faces are drawn in DrawFaces.cpp
+//   BeginNode     opens a list and settles what holds for the whole object; EndNode closes it
 
-void C3DView::FlushNode(C3DSceneNode*) {}
-int C3DView::RemoveNode(C3DSceneNode*) { return 0; }
-void C3DView::BeginScene() {}
-void C3DView::EndScene() {}
-void C3DView::FlushScene() {}
-void C3DView::FlushObject(C3DSceneNode*) {}
-void C3DView::Flush3DGeomObject(C3DSceneNode*, C3DGeomObject*) {}
-void C3DView::Flush3DObject(C3DSceneNode*, C3DGeomObject*) {}
-void C3DView::Flush3DCurve(C3DSceneNode*, C3DCurve*) {}
-void C3DView::Flush3DPatch(C3DSceneNode*, C3DPatch*) {}
-bool C3DView::BeginNode(C3DSceneNode*, C3DGeomObject*, unsigned int) { return false; }
-void C3DView::EndNode() {}
-void C3DView::InitCurrentRenderElement() {}
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
+
+#include "channels/DependentChannels.h"
+#include "channels/FaceNormalChannel.h"
+#include "channels/PointNormalChannel.h"
+#include "channels/SpecNormalChannel.h"
+#include "geometry/3DPointList.h"
+#include "geometry/3DVectorList.h"
+#include "render/View.h"
+#include "scene/3DScene.h"
+#include "scene/Curve.h"
+#include "scene/Patch.h"
+#include "scene/Preferences.h"
+
+// --- The scene -------------------------------------------------------------------------------------------------------------------
+
+void C3DView::BeginScene()
+{
+    ReinitCurrentMaterial();
+    Activate();
+    if (m_appliedFlags == 0xFFFFFFFF)
+        InitViewFlag();
+    DeleteGLLists(CALLLIST_GEOMETRY, nullptr);
+}
+
+void C3DView::EndScene() { Deactivate(); }
+
+void C3DView::FlushScene()
+{
+    if (!m_scene)
+        return;
+    BeginScene();
+    m_finalObjects.RemoveAll();
+    m_transparentObjects.RemoveAll();
+    InitTransparentMaterials();
+    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;)
+        FlushNode(m_scene->GetNextNode(pos));
+    Invalidate();
+    m_flushPending = false;
+    EndScene();
+}
+
+void C3DView::InitTransparentMaterials()
+{
+    m_transparentMaterials.RemoveAll();
+    for (unsigned int pos = m_scene->GetFirstMaterial(); pos != HASH_END;) {
+        C3DMaterial* const material = m_scene->GetNextMaterial(pos);
+        const unsigned int id = material->GetMaterialID();
+        if (material->IsOneFlagSet(MATERIAL_CHANGES)) {
+            // Every object is compiled anew behind this, so that news of colours is no news.
+            material->SetFlags(MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED, false);
+            MaterialChanged(id);
+        }
+        if (material->IsTransparent(GetTick()) || m_alphaMaterials.Find(static_cast<int>(id)))
+            m_transparentMaterials.Insert(static_cast<int>(id));
+    }
+}
+
+// --- A node ----------------------------------------------------------------------------------------------------------------------
+
+void C3DView::FlushNode(C3DSceneNode* node)
+{
+    C3DBaseObject* const base = node ? node->GetBaseObject() : nullptr;
+    if (!base)
+        return;
+    const int* const listed = m_finalObjects.Find(static_cast<int>(base->GetObjectID()));
+    if (!(base->GetKindOf() & m_settings.hiddenKinds) && !HasCallList(base) && !listed) {
+        const CGLActivate active(this);
+        ReinitCurrentMaterial();
+        FlushObject(node);
+        if (m_flushCallback) {
+            m_element.inFlushCallback = 1;
+            m_flushCallback(node, m_callbackData);
+            m_element.inFlushCallback = 0;
+        }
+    }
+    base->Invalidate(OBJECT_UPDATE_DISPLAY, false);
+    if (C3DBaseObject* const final = node->GetFinalObject(); final && final != base) {
+        final->Invalidate(OBJECT_UPDATE_DISPLAY, false);
+        if (HasCallList(final))
+            m_finalObjects.SetAt(static_cast<int>(base->GetObjectID()), static_cast<int>(final->GetObjectID()));
+    }
+    node->SetInvalidateFlag(NODE_UPDATE_DISPLAY, false);
+}
+
+int C3DView::RemoveNode(C3DSceneNode* node)
+{
+    C3DBaseObject* const base = node ? node->GetBaseObject() : nullptr;
+    if (!base)
+        return 0;
+    // What was compiled for a patch, a camera or a light is another object, perhaps one that is no more.
+    const int id = static_cast<int>(base->GetObjectID());
+    int final;
+    if (m_finalObjects.Find(id, final)) {
+        DeleteGeometryLists(static_cast<unsigned int>(final));
+        m_finalObjects.Remove(id);
+    }
+    DeleteGeometryLists(base->GetObjectID());
+    return 1;
+}
+
+void C3DView::FlushObject(C3DSceneNode* node)
+{
+    C3DBaseObject* const base = node->GetBaseObject();
+    if (base->IsFlagSet(OBJECT_EMPTY))
+        return;
+    C3DBaseObject* final = node->GetFinalObject();
+    if (final && !(m_settings.viewFlags & VIEWFLAG_UPDATES_HELD) && final->NeedUpdate())
+        final->Update(m_scene, OBJECT_UPDATE_ALL);
+    switch (base->GetKindOf()) {
+    case OBJECT_POLYGONAL: Flush3DGeomObject(node, static_cast<C3DGeomObject*>(base)); break;
+    case OBJECT_CURVE: Flush3DCurve(node, static_cast<C3DCurve*>(base)); break;
+    case OBJECT_PATCH: Flush3DPatch(node, static_cast<C3DPatch*>(base)); break;
+    case OBJECT_CAMERA:
+    case OBJECT_LIGHT: Flush3DGeomObject(node, XDynamicCast<C3DGeomObject>(final)); break;
+    default: break;
+    }
+}
+
+// --- By kind ---------------------------------------------------------------------------------------------------------------------
+
+void C3DView::Flush3DObject(C3DSceneNode* node, C3DGeomObject* geometry)
+{
+    if (m_settings.viewFlags & VIEWFLAG_SMOOTH)
+        ViewSmoothNode(node, geometry);
+    else if (m_settings.viewFlags & VIEWFLAG_FLAT)
+        ViewFlatNode(node, geometry);
+}
+
+void C3DView::Flush3DGeomObject(C3DSceneNode* node, C3DGeomObject* geometry)
+{
+    if (!geometry || !geometry->GetPointList() || !geometry->GetFaceList())
+        return;
+    const bool wiresOnly = node->GetBaseObject()->IsFlagSet(OBJECT_WIREFRAME_ONLY) || geometry->IsFlagSet(OBJECT_WIREFRAME_ONLY);
+    if (!wiresOnly)
+        Flush3DObject(node, geometry);
+    if (wiresOnly || (m_settings.viewFlags & VIEWFLAG_WIREFRAME))
+        ViewWireframeNode(node, geometry);
+}
+
+void C3DView::Flush3DPatch(C3DSceneNode* node, C3DPatch* patch)
+{
+    if (patch->GetLevel() < 0)
+        patch->SetLevel(static_cast<int>(C3DPreferences::Get3DPreferences().GetPatchLevel()));
+    Flush3DGeomObject(node, XDynamicCast<C3DGeomObject>(node->GetFinalObject()));
+}
+
+void C3DView::Flush3DCurve(C3DSceneNode* node, C3DCurve* curve)
+{
+    C3DPointList* const points = curve->GetPointList();
+    if (!points || !BeginNode(node, curve, VIEWFLAG_WIREFRAME))
+        return;
+    C3DMaterial* material = m_scene->GetMaterialByID(curve->GetMaterialID());
+    if (!material)
+        material = m_scene->GetMaterialByID(0);
+    glBegin(GL_LINE_STRIP);
+    for (int i = 0; i < points->GetSize(); i++) {
+        const C3DTPoint<float>& point = *points->ElementAt(i);
+        const bool selected = point.IsOneFlagSet(VIEW_POINT_SELECTED);
+        if (!selected && (m_element.viewFlags & VIEWFLAG_MARKED_ONLY))
+            continue;
+        InitDiffuseColor(selected ? m_selectionMaterial : *material);
+        glVertex3fv(point.ValPtr());
+    }
+    glEnd();
+    EndNode();
+}
+
+// --- A list ----------------------------------------------------------------------------------------------------------------------
+
+void C3DView::InitCurrentRenderElement()
+{
+    const int inFlushCallback = m_element.inFlushCallback;
+    m_element = _RenderElement();
+    m_element.inFlushCallback = inFlushCallback;
+    m_element.view = this;
+    m_element.scene = m_scene;
+    m_element.callbackData = m_callbackData;
+    m_element.viewFlags = m_settings.viewFlags;
+    m_faceMaterial.known = false;
+    m_boundTexture = 0xFFFFFFFF;
+    m_cullingChanged = m_stippled = false;
+    ReinitCurrentMaterial();
+}
+
+bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode)
+{
+    InitCurrentRenderElement();
+    m_element.node = node;
+    m_element.baseObject = node->GetBaseObject();
+    m_element.finalObject = geometry;
+    m_element.nodeMode = mode & VIEWFLAG_RENDER_MODE;
+    const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
+    _CallListType type = geometry->GetKindOf() == OBJECT_CURVE ? CALLLIST_CURVE
+                         : wires                               ? CALLLIST_WIREFRAME
+                         : mode & DRAW_TRANSPARENT             ? CALLLIST_TRANSPARENT
+                                                               : CALLLIST_SOLID;
+    if (m_beginNodeCallback && !m_beginNodeCallback(&m_element, type, m_callbackData))
+        return false;
+    BeginCallList(geometry, type);
+    RestoreCulling();
+
+    m_element.faceList = geometry->GetFaceList();
+    m_element.pointList = geometry->GetPointList();
+    m_element.channels = geometry->GetChannels();
+    m_element.hasBackMaterials = m_element.faceList && m_element.faceList->HasBackFaceMaterials();
+    if (m_element.viewFlags & VIEWFLAG_SPEC_NORMALS)
+        m_element.specNormals = m_element.channels->GetSpecNormalChannel();
+    if (!wires)
+        InitNormals(*geometry);
+    if (m_element.nodeMode != VIEWFLAG_SMOOTH || m_element.channels->GetChannelsNumber(CHANNEL_VC, true) == 0)
+        m_element.viewFlags &= ~VIEWFLAG_VERTEX_COLORS;
+    if (wires) {
+        m_element.viewFlags &= ~VIEWFLAG_TEXTURE;
+        glDisable(GL_TEXTURE_2D);
+        m_textureBound = false;
+        if (m_element.viewFlags & VIEWFLAG_SOLID)
+            glDisable(GL_LIGHTING);
+    } else if (m_element.faceList)
+        glBegin(GL_TRIANGLES);
+    return true;
+}
+
+/// Every corner of a live face has a given normal, so that none needs to be worked out.
+static bool HasAllNormals(CSpecNormalChannel* given, const C3DFaceList& faces)
+{
+    const CNormalFaceList* const normalFaces = given ? given->GetNormalFaceList() : nullptr;
+    const C3DVectorList* const vectors = given ? given->GetNormalVectorList() : nullptr;
+    if (!normalFaces || !vectors)
+        return false;
+    const CFaceFlags flags(faces), normalFlags(*normalFaces);
+    for (int face = 0; face < faces.GetSize(); face++) {
+        if (flags.IsDead(face))
+            continue;
+        int count, normalCount;
+        faces.GetIndexes(face, count);
+        const int* const corners = normalFaces->GetIndexes(face, normalCount);
+        if (count != normalCount || normalFlags.IsDead(face))
+            return false;
+        for (int k = 0; k < count; k++) {
+            const C3DTVector<float>* const normal = vectors->ElementAt(corners[k]);
+            if (!normal || normal->IsFlagSet(POINT_UNSET))
+                return false;
+        }
+    }
+    return true;
+}
+
+void C3DView::InitNormals(C3DGeomObject& geometry)
+{
+    if (!m_element.faceList)
+        return;
+    if (m_element.nodeMode == VIEWFLAG_FLAT) {
+        m_element.faceNormals = geometry.GetFaceNormalChannel();
+        m_element.faceNormalList = m_element.faceNormals->GetNormalVectorList();
+        return;
+    }
+    m_element.pointNormals = HasAllNormals(m_element.specNormals, *m_element.faceList) ? m_element.channels->GetPointNormalChannel()
+                                                                                       : geometry.GetPointNormalChannel();
+    m_element.pointNormalList = m_element.pointNormals->GetNormalVectorList();
+    m_element.normalFaceList = m_element.pointNormals->GetNormalFaceList();
+}
+
+void C3DView::EndNode()
+{
+    const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
+    if (!wires && m_element.faceList)
+        glEnd();
+    if (wires && (m_element.viewFlags & VIEWFLAG_SOLID))
+        glEnable(GL_LIGHTING);
+    if (m_stippled)
+        glDisable(GL_POLYGON_STIPPLE);
+    const auto* const geometry = static_cast<C3DGeomObject*>(m_element.finalObject);
+    if (geometry->GetFaceMode() != FACE_MODE_VIEW || m_cullingChanged || m_element.hasBackMaterials)
+        SetCullMode((m_settings.viewFlags & VIEWFLAG_CULL_BACK) != 0, m_element.viewFlags, true);
+    EndCallList();
+}

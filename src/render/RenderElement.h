@@ -8,7 +8,6 @@
 #include "tools/Color.h"
 
 class C3DFaceList;
-class C3DPoint;
 class C3DPointList;
 class C3DVectorList;
 class C3DView;
@@ -72,7 +71,7 @@ public:
     bool front = true;    ///< front faces are being drawn
     bool hasBackMaterials = false;
     C3DFace face;
-    C3DPoint* point = nullptr;
+    C3DTPoint<float>* point = nullptr;
 
     CUVWChannel* uvwChannel = nullptr;
     CUVWFace uvwFace;

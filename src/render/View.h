@@ -45,6 +45,9 @@ struct _GLContext {
     HGLRC context = nullptr;
 };
 
+/// Added to the mode of C3DView::BeginNode: the faces of transparent materials.
+constexpr unsigned int DRAW_TRANSPARENT = 16;
+
 /// The parameters are not looked at.
 enum GLSelectMode : unsigned int { GLSELECT_DEFAULT = 0 };
 
@@ -262,6 +265,7 @@ protected:
     void InitCurrentRenderElement();
     /// Makes the face the current one and sets its material; false when it is not drawn.
     bool BeginFace(int face, bool front);
+    void DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode);
 
     // ViewMaterials.cpp, ViewTextures.cpp, ViewLighting.cpp
     void InitLighting();
@@ -282,8 +286,44 @@ protected:
     _RenderElement m_element;
 
 private:
-    struct NodePass;
-    friend struct NodePass;
+    /// What holds for all faces of one material of the object that is flushed, so that a face costs no look-up.
+    struct FaceMaterial {
+        bool known = false;
+        unsigned int id = 0, backID = 0;
+        C3DMaterial* material = nullptr;
+        bool hasTexture = false;
+        unsigned int uvwChannel = 0xFFFFFFFF, vcChannel = 0xFFFFFFFF;
+        float vcFactor = 0;
+    };
+    struct DrawnNode;
+
+    void InitFaceMaterial(unsigned int id);
+    bool ApplyFaceFlags(unsigned int flags, unsigned int& result);
+    void RestoreCulling();
+    void ReadUVWFace(int face);
+    void ReadVCFace(int face);
+    void SetFaceMaterial(unsigned int result);
+    C3DMaterial* GetWireMaterial();
+    void SwitchStipple(bool on);
+    void EndPrimitive();
+    void RestartPrimitive();
+    enum Round { ROUND_ALL, ROUND_OPAQUE, ROUND_TRANSPARENT };
+    void DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent);
+    void InitTransparentMaterials();
+    void InitNormals(C3DGeomObject& geometry);
+    void DeleteGeometryLists(unsigned int id);
+    bool HasTexture(unsigned int materialID) const;
+
+    void InitProjection();
+    void InitModelview();
+    std::vector<DrawnNode> CollectNodes(const CHashTable<C3DSceneNode*>* nodes) const;
+    void RenderPass(int pass, std::vector<DrawnNode>& nodes);
+    bool IsNodeDrawn(int pass, const DrawnNode& drawn, unsigned int mode);
+    void RenderNode(int pass, const DrawnNode& drawn, unsigned int mode);
+    void RenderSurface(int pass, const DrawnNode& drawn);
+    void RenderWires(const DrawnNode& drawn);
+    void LoadNodeMatrix(const DrawnNode& drawn);
+    void DrawTint(const DrawnNode& drawn, _CallListType type);
 
     C3DScene* m_scene = nullptr;
     IViewHost* m_host = nullptr;
@@ -304,8 +344,13 @@ private:
     // Lists
     CHashTable<CHashID> m_callLists;
     CHashTable<int> m_listedObjects, m_transparentMaterials, m_alphaMaterials, m_transparentObjects;
+    CIntMap m_finalObjects;    ///< id of the object that was compiled, by that of the node's object
     int m_listDepth = 0;
     bool m_flushPending = false;
+    FaceMaterial m_faceMaterial;
+    unsigned int m_boundTexture = 0xFFFFFFFF;    ///< id of the material whose texture the list has bound
+    bool m_cullingChanged = false;               ///< by a face, in the open list
+    bool m_stippled = false;                     ///< in the open list
 
     // Materials
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;
@@ -319,8 +364,8 @@ private:
     int m_cameraID = -1;
 
     // Rendering
-    float m_sceneMatrix[16] = {};    ///< M: scene to eye, in GL's order
-    float m_iconScale = 1;           ///< of cameras and lights
+    double m_sceneMatrix[16] = {};    ///< M: scene to eye, in GL's order
+    float m_iconScale = 1;            ///< of cameras and lights
     int m_objectOffset = 0;
     glPickInfo* m_pick = nullptr;
     int m_2DModes = 0;
