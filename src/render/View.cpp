@@ -8,7 +8,7 @@ IViewHost::~IViewHost() = default;
 
 _RenderElement::~_RenderElement() = default;
 
-static void Paint(C3DMaterial& material, const CRGBColor& color)
+void C3DView::SetColor(C3DMaterial& material, const CRGBColor& color)
 {
     material.SetAmbientColor(0, color);
     material.SetDiffuseColor(0, color);
@@ -16,11 +16,12 @@ static void Paint(C3DMaterial& material, const CRGBColor& color)
 
 C3DView::C3DView()
 {
-    Paint(m_selectionMaterial, m_settings.selectionColor);
-    Paint(m_cameraMaterial, {0, 0, 255});
-    Paint(m_lightMaterial, {255, 0, 255});
-    Paint(m_wireframeMaterial, m_settings.wireframeColor);
+    SetColor(m_selectionMaterial, m_settings.selectionColor);
+    SetColor(m_cameraMaterial, {0, 0, 255});
+    SetColor(m_lightMaterial, {255, 0, 255});
+    SetColor(m_wireframeMaterial, m_settings.wireframeColor);
     m_element.view = this;
+    m_settings.viewFlags &= ~VIEWFLAG_TRANSIENT;
     LoadDefaultSettings();
 }
 

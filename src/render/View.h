@@ -243,6 +243,14 @@ protected:
     void LoadDefaultSettings();
     void SaveDefaultSettings();
 
+    // ViewUpdate.cpp
+    void HoldUpdates(unsigned int flags);
+    /// Those whose object has changed.
+    void FlushChangedNodes();
+
+    // ViewEvents.cpp
+    void ZoomByStep(bool in);
+
     // Framing.cpp
     void AdjustView(unsigned int flags);
     void InitClippingPlane();
@@ -278,6 +286,8 @@ protected:
     virtual unsigned int GetMilliseconds() const;
 
     unsigned int GetTick() const;
+    /// Ambient and diffuse.
+    static void SetColor(C3DMaterial& material, const CRGBColor& color);
     /// Size of what is drawn on, pixels.
     CSize GetViewSize() const { return m_viewSize; }
     bool IsSolid() const { return (m_settings.viewFlags & VIEWFLAG_SOLID) != 0; }
@@ -360,7 +370,8 @@ private:
     // Updates
     int m_lockCount = 0;
     unsigned int m_pendingUpdate = 0;
-    unsigned int m_lastPaint = 0xFFFFFFFF, m_lastUpdate = 0xFFFFFFFF;    ///< milliseconds; all ones: none
+    static constexpr unsigned int NO_TIME = 0xFFFFFFFF;
+    unsigned int m_lastPaint = NO_TIME, m_lastUpdate = NO_TIME;    ///< milliseconds
     int m_cameraID = -1;
 
     // Rendering

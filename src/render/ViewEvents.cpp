@@ -1,10 +1,137 @@
+#include "render/RenderingMode.h"
 #include "render/View.h"
+#include "render/ViewHost.h"
+#include "scene/3DScene.h"
+#include "scene/Camera.h"
+#include "tools/Time.h"
 
-int C3DView::OnCreate() { return -1; }
-void C3DView::OnPaint() {}
-void C3DView::OnSize(int, int) {}
-void C3DView::OnTimer(unsigned int) {}
-void C3DView::OnMouseWheel(unsigned int, short, const CPoint&) {}
-void C3DView::OnDestroy() {}
-void C3DView::OnDraw(CDC*) {}
-unsigned int C3DView::GetMilliseconds() const { return 0; }
+// What a window tells its view.
+//
+// Drawing that is too slow for interaction waits for a pause: a paint notes its time, and the timer asks for another, deferred one when no paint
+// came for a while. What objects have to do for themselves waits in the same way for a pause between updates.
+
+static constexpr unsigned int TIMER = 1, TIMER_PERIOD = 200, PAINT_PAUSE = 300, UPDATE_PAUSE = 501;    // milliseconds
+
+unsigned int C3DView::GetMilliseconds() const
+{
+    const unsigned int now = static_cast<unsigned int>(timeGetTick());
+    return now == NO_TIME ? 0 : now;
+}
+
+int C3DView::OnCreate()
+{
+    if (!CreateMultiSampleGLContext())
+        return -1;
+    {
+        const CGLActivate active(this);
+        InitGLContext();
+    }
+    SetTimer(TIMER, TIMER_PERIOD);
+    const CRect client = GetClientRect();
+    SizeChanged(client.Width(), client.Height());
+    return 0;
+}
+
+void C3DView::OnDestroy()
+{
+    SaveDefaultSettings();
+    KillTimer(TIMER);
+    m_2DMode.reset();
+    DeleteGLContext();
+    CWnd::OnDestroy();
+}
+
+void C3DView::OnSize(int width, int height)
+{
+    CWnd::OnSize(width, height);
+    SizeChanged(width, height);
+}
+
+void C3DView::OnPaint()
+{
+    if (!GetGLContext())
+        return;
+    const CGLActivate active(this);
+    try {
+        RenderScene(nullptr);
+    } catch (...) {    // of a callback or for want of memory: the window stays as it is, and the next paint tries again
+        return;
+    }
+    if (IsDrawingFlagSet(GLDRAW_DEFERRED_PAINT))
+        SetDrawingFlag(GLDRAW_DEFERRED_PAINT, false);
+    else
+        m_lastPaint = GetMilliseconds();
+}
+
+void C3DView::OnDraw(CDC* dc)
+{
+    if (m_host)
+        m_host->DrawOverlay(dc);
+}
+
+/// Whether a node that shows has an object with work to do.
+static bool NeedsUpdate(const C3DScene& scene)
+{
+    for (C3DNodePos pos = scene.GetFirstNode(OBJECT_ANY); pos;) {
+        const C3DSceneNode* const node = scene.GetNextNode(pos);
+        if (node->IsFlagSet(NODE_HIDDEN) || node->GetBaseObject()->IsFlagSet(OBJECT_EMPTY))
+            continue;
+        const C3DBaseObject* const final = node->GetFinalObject(scene.GetTickCount());
+        if (final && final->NeedUpdate())
+            return true;
+    }
+    return false;
+}
+
+void C3DView::OnTimer(unsigned int id)
+{
+    CWnd::OnTimer(id);
+    if (id != TIMER)
+        return;
+    const unsigned int now = GetMilliseconds();
+    const bool mayUpdate = m_scene && m_activations == 0 && !(m_settings.viewFlags & VIEWFLAG_UPDATES_HELD);
+    if (mayUpdate && (m_lastUpdate == NO_TIME || now - m_lastUpdate >= UPDATE_PAUSE)) {
+        if (NeedsUpdate(*m_scene))
+            UpdateView(GLSET_UPDATE);
+        m_lastUpdate = now;
+    } else if (m_lastPaint != NO_TIME && now - m_lastPaint > PAINT_PAUSE) {
+        Invalidate();
+        SetDrawingFlag(GLDRAW_DEFERRED_PAINT, true);
+        m_lastPaint = NO_TIME;
+    }
+}
+
+void C3DView::OnMouseWheel(unsigned int state, short delta, const CPoint& point)
+{
+    CWnd::OnMouseWheel(state, delta, point);
+    if (delta == 0)
+        return;
+    const unsigned int keys = state & (INPUT_SHIFT | INPUT_CTRL);
+    if (!keys)
+        ZoomByStep(delta > 0);
+    else if (m_scene) {
+        const int time = m_scene->GetTickCount();
+        const bool byKeys = keys == (INPUT_SHIFT | INPUT_CTRL);
+        const int next = byKeys ? m_scene->GetKeyTime(time, delta > 0 ? KEY_AFTER : KEY_BEFORE, KEY_ANY) : time + (delta > 0 ? 1 : -1);
+        if (m_scene->SetCurrentTime(next)) {
+            Invalidate();
+            if (m_host)
+                m_host->SceneChanged(SCENE_CHANGED_TIME, 0, true);
+        }
+    }
+}
+
+/// In both projections, so that a change of projection keeps the picture near to what it was.
+void C3DView::ZoomByStep(bool in)
+{
+    GlViewSettings zoomed;
+    zoomed.changeMask = GLSET_CAMERA | GLSET_UPDATE | GLSET_TRANSLATION;
+    zoomed.matrix = m_settings.matrix;
+    float& z = zoomed.matrix.m[2][3];
+    z = static_cast<float>(in ? z - 0.05 * z : z + 0.05 * z);
+    zoomed.SetCurrentCamera(m_settings.GetCurrentCamera());
+    C3DCamera& camera = *zoomed.GetCurrentCamera();
+    camera.SetZoom(camera.GetZoom() * (in ? 1.05 : 0.95));
+    SetViewSettings(&zoomed);
+    UpdateView(0);
+}
