@@ -1,6 +1,6 @@
 #include "EglDisplay.h"
 
-#include <string_view>
+#include <render/GLPlatform.h>
 
 static EGLDisplay Started(EGLDisplay display)
 {
@@ -41,18 +41,7 @@ EGLDisplay GetX11Display()
     return shared;
 }
 
-bool HasExtension(EGLDisplay display, const char* name)
-{
-    const char* const names = eglQueryString(display, EGL_EXTENSIONS);
-    std::string_view left = names ? names : "";
-    while (!left.empty()) {
-        const std::string_view word = left.substr(0, left.find(' '));
-        if (word == name)
-            return true;
-        left.remove_prefix(word.size() < left.size() ? word.size() + 1 : left.size());
-    }
-    return false;
-}
+bool HasExtension(EGLDisplay display, const char* name) { return HasExtension(eglQueryString(display, EGL_EXTENSIONS), name); }
 
 EGLint GetConfigAttribute(EGLDisplay display, EGLConfig config, EGLint attribute)
 {

@@ -44,7 +44,7 @@ public:
     /// Whether formats with PBuffers are offered.
     virtual bool HasPBuffers() = 0;
 
-    /// On a window of the window system (IWindowPeer::GetNativeHandle), with exactly that number of samples (0: none).
+    /// On a window of the window system (IWindowPeer::GetNativeHandle: the number of an X11 window), with exactly that number of samples (0: none).
     virtual std::unique_ptr<CDC> CreateWindowDC(void* nativeWindow, int samples) = 0;
     /// Off screen, with `depth` bits of colour, 24 or 32. The largest that can be had when that is more than there is.
     virtual std::unique_ptr<CDC> CreatePBuffer(int width, int height, int depth) = 0;
@@ -65,6 +65,9 @@ public:
 ZEL_API IGLPlatform& GetGLPlatform();
 /// Null goes back to EGL. The platform stays the caller's, and must outlive the views made with it.
 ZEL_API void SetGLPlatform(IGLPlatform* platform);
+
+/// Whether a name is among the names of extensions, which have blanks between them, as a whole word. Null names none.
+ZEL_API bool HasExtension(const char* names, const char* name);
 
 /// That of EGL: without window system, display or GPU where need be. Defined at the edge (platform/egl).
 IGLPlatform& GetEglPlatform();

@@ -1,4 +1,5 @@
 #include <GL/gl.h>
+#include <GL/glext.h>
 
 #include <algorithm>
 #include <utility>
@@ -62,7 +63,7 @@ Bitmap* C3DView::CreateBitmapFromScene()
     return IsDrawingFlagSet(GLDRAW_PBUFFER) ? CreateBitmapFromPBuffer() : CreateBitmapFromMemory();
 }
 
-// GL's rows go from the bottom up.
+// GL's rows go from the bottom up; a driver that can write them the other way round saves a walk over the picture.
 static void FlipRows(Bitmap& picture)
 {
     const int size = picture.GetWidth() * picture.GetBytesPerPixel();
@@ -76,9 +77,15 @@ static Bitmap* ReadPicture(CSize size, bool alpha)
     Bitmap* const picture = alpha ? static_cast<Bitmap*>(rgbaBitmap::Create(size.cx, size.cy)) : rgbBitmap::Create(size.cx, size.cy);
     if (!picture)
         return nullptr;
+    const bool invert = HasExtension(reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)), "GL_MESA_pack_invert");
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    if (invert)
+        glPixelStorei(GL_PACK_INVERT_MESA, 1);
     glReadPixels(0, 0, size.cx, size.cy, alpha ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, picture->GetLine(0));
-    FlipRows(*picture);
+    if (invert)
+        glPixelStorei(GL_PACK_INVERT_MESA, 0);
+    else
+        FlipRows(*picture);
     return picture;
 }
 
