@@ -36,6 +36,7 @@
 #include "tools/Memory.h"
 #include "tools/Object.h"
 #include "tools/OffsetArray.h"
+#include "tools/ProfileFile.h"
 #include "tools/Progress.h"
 #include "tools/Rect.h"
 #include "tools/ScriptWindowSystem.h"

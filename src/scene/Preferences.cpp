@@ -1,12 +1,14 @@
 #include "scene/Preferences.h"
 
+#include <cmath>
+
 #include "channels/NormalMode.h"
 #include "tools/FilePath.h"
 #include "tools/FourCC.h"
 
 static constexpr unsigned int FILE_ID = FourCC("3DVW"), FILE_KIND = FourCC("PREF");
 static constexpr unsigned int SMOOTH_ANGLE = FourCC("SMAG"), SMOOTH_MODE = FourCC("SMMD"), PATCH_LEVEL = FourCC("PHLV"),
-                              TEXTURE_PATHS = FourCC("TXTP");
+                              VIEW_ANGLE = FourCC("VWAG"), TEXTURE_PATHS = FourCC("TXTP"), LIGHTWAVE_PATHS = FourCC("LWVP");
 
 static bool GetPreferencesFile(CXTString<wchar_t>& path, bool create)
 {
@@ -25,19 +27,38 @@ C3DPreferences& C3DPreferences::Get3DPreferences()
 C3DPreferences::C3DPreferences()
 {
     CXTString<wchar_t> path;
-    if (GetPreferencesFile(path, false))
-        m_bag.LoadFromPrefs(path, FILE_ID, FILE_KIND);
+    if (GetPreferencesFile(path, false) && !m_bag.LoadFromPrefs(path, FILE_ID, FILE_KIND) && fileExists(path)) {
+        m_damaged = true;
+        m_warning = path + L" is damaged: all settings are the standard ones";
+    }
     m_initialised = 1;
 }
 
 C3DPreferences::~C3DPreferences() = default;
 
+static bool KeepBeside(const CXTString<wchar_t>& path)
+{
+    const CXTString<wchar_t> beside = fileCreateUniqueName(fileStripExtension(path) + L"-damaged" + fileGetExtension(path), false);
+    return !beside.IsEmpty() && fileCopy(path, beside, true);
+}
+
 bool C3DPreferences::Save() const
 {
     const std::lock_guard<std::mutex> guard(m_lock);
     CXTString<wchar_t> path;
-    return GetPreferencesFile(path, true) && m_bag.SaveToPrefs(path, FILE_ID, FILE_KIND);
+    if (!GetPreferencesFile(path, true))
+        return false;
+    const bool exists = fileExists(path);
+    if (exists && !m_changed)    // others may have written it meanwhile
+        return true;
+    if (exists && m_damaged && !KeepBeside(path))
+        return false;
+    m_damaged = false;
+    m_changed = !m_bag.SaveToPrefs(path, FILE_ID, FILE_KIND);
+    return !m_changed;
 }
+
+CXTString<wchar_t> C3DPreferences::GetWarning() const { return m_warning; }
 
 float C3DPreferences::GetSmoothAngle() const
 {
@@ -52,8 +73,7 @@ void C3DPreferences::SetSmoothAngle(float angle)
     const double degrees = angle * (180 / 3.14159265358979323846);
     if (!(degrees >= 0 && degrees <= 180.005))    // refuses NaN too
         return;
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_bag.SetFloat(SMOOTH_ANGLE, angle);
+    Change(&CCustomData::SetFloat, SMOOTH_ANGLE, angle);
 }
 
 _NormalSmoothMode C3DPreferences::GetSmoothMode() const
@@ -66,10 +86,8 @@ _NormalSmoothMode C3DPreferences::GetSmoothMode() const
 
 void C3DPreferences::SetSmoothMode(_NormalSmoothMode mode)
 {
-    if (mode == 0)
-        return;
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_bag.SetUnsigned(SMOOTH_MODE, mode);
+    if (mode != 0)
+        Change(&CCustomData::SetUnsigned, SMOOTH_MODE, mode);
 }
 
 unsigned int C3DPreferences::GetPatchLevel() const
@@ -80,18 +98,28 @@ unsigned int C3DPreferences::GetPatchLevel() const
     return level;
 }
 
-void C3DPreferences::SetPatchLevel(unsigned int level)
+void C3DPreferences::SetPatchLevel(unsigned int level) { Change(&CCustomData::SetUnsigned, PATCH_LEVEL, level); }
+
+float C3DPreferences::GetViewAngle() const
 {
     const std::lock_guard<std::mutex> guard(m_lock);
-    m_bag.SetUnsigned(PATCH_LEVEL, level);
+    float angle;
+    m_bag.GetFloat(VIEW_ANGLE, angle, 0.5235988f);
+    return angle;
 }
 
-int C3DPreferences::GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const
+void C3DPreferences::SetViewAngle(float angle)
+{
+    if (std::isfinite(angle))
+        Change(&CCustomData::SetFloat, VIEW_ANGLE, angle);
+}
+
+int C3DPreferences::GetPaths(unsigned int key, CXArray<CXTString<wchar_t>>& paths, bool append) const
 {
     CXArray<CXTString<wchar_t>> kept;
     {
         const std::lock_guard<std::mutex> guard(m_lock);
-        m_bag.GetStringArray(TEXTURE_PATHS, kept);
+        m_bag.GetStringArray(key, kept);
     }
     if (!append)
         paths.RemoveAll();
@@ -99,11 +127,19 @@ int C3DPreferences::GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool app
     return paths.GetSize();
 }
 
+int C3DPreferences::GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const
+{
+    return GetPaths(TEXTURE_PATHS, paths, append);
+}
+
 void C3DPreferences::SetTexturePaths(const CXArray<CXTString<wchar_t>>& paths)
 {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_bag.SetStringArray(TEXTURE_PATHS, paths);
+    Change(&CCustomData::SetStringArray, TEXTURE_PATHS, paths);
 }
+
+int C3DPreferences::GetLWPaths(CXArray<CXTString<wchar_t>>& paths, bool append) const { return GetPaths(LIGHTWAVE_PATHS, paths, append); }
+
+void C3DPreferences::SetLWPaths(const CXArray<CXTString<wchar_t>>& paths) { Change(&CCustomData::SetStringArray, LIGHTWAVE_PATHS, paths); }
 
 bool C3DPreferences::GetBinaryData(unsigned int id, void* data, unsigned int size) const
 {
@@ -111,8 +147,4 @@ bool C3DPreferences::GetBinaryData(unsigned int id, void* data, unsigned int siz
     return m_bag.GetData(id, data, size);
 }
 
-void C3DPreferences::SetBinaryData(unsigned int id, const void* data, unsigned int size)
-{
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_bag.SetData(id, data, size);
-}
+void C3DPreferences::SetBinaryData(unsigned int id, const void* data, unsigned int size) { Change(&CCustomData::SetData, id, data, size); }
