@@ -5,7 +5,7 @@
 
 // Box of a node: that of each object of the branch, transformed corner by corner, all joined.
 
-/// Box that grows.
+/// Box that grows. A coordinate that is no number stays in it: nothing is forgotten silently.
 struct CBoxUnion {
     C3DTPoint<float>& min;
     C3DTPoint<float>& max;
@@ -14,8 +14,8 @@ struct CBoxUnion {
     void Add(const C3DTPoint<float>& low, const C3DTPoint<float>& high)
     {
         for (int i = 0; i < 3; i++) {
-            min[i] = found && min[i] <= low[i] ? min[i] : low[i];
-            max[i] = found && max[i] >= high[i] ? max[i] : high[i];
+            min[i] = !found || low[i] < min[i] || low[i] != low[i] ? low[i] : min[i];
+            max[i] = !found || high[i] > max[i] || high[i] != high[i] ? high[i] : max[i];
         }
         found = true;
     }
