@@ -170,7 +170,6 @@ struct Turn {
     int slanted = 0;
 };
 
-constexpr float STANDARD_ANGLE = static_cast<float>(std::numbers::pi / 6);
 constexpr double QUARTER = std::numbers::pi / 2, HALF = std::numbers::pi;
 
 /// How the scene is turned before the eye, which looks down on it, by point of view; the last turn comes first.
@@ -216,7 +215,7 @@ void C3DView::SetView(_RVIEW_FLAG number, int redraw, float angle)
     if (number == RVIEW_CUSTOM || number > RVIEW_RIGHT_BOTTOM_BACK)
         return;
     if (angle == 0 || !std::isfinite(angle))
-        angle = STANDARD_ANGLE;
+        angle = C3DPreferences::Get3DPreferences().GetViewAngle();
     C4x4TMatrix<float>& matrix = m_settings.matrix;
     const C3DTVector<float> translation = matrix.GetTranslation();
     matrix.SetIdentity();
