@@ -32,5 +32,8 @@ public:
     CGLRenderingMode& operator=(const CGLRenderingMode&) = delete;
 
 private:
+    /// Depth range of the scene for pixels that have a depth.
+    static void GetSceneDepth(const C3DView& view, double& nearPlane, double& farPlane);
+
     bool m_attributes = false, m_modelview = false, m_projection = false;
 };

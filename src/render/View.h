@@ -36,7 +36,13 @@ enum _OPENGL_DRAWING_SETTINGS : unsigned int {
     GLDRAW_DEFERRED_PAINT = 0x2000000,    ///< the paint under way is the late one, which draws what is too slow for interaction
     GLDRAW_MULTISAMPLE = 0x4000000,
     GLDRAW_PBUFFER = 0x8000000,
+    // For hosts that want in a picture what is left out off screen: set before it is drawn.
+    GLDRAW_MEMORY_BOXES = 0x10000000,
+    GLDRAW_MEMORY_LABELS = 0x20000000,
 };
+
+/// Beside the news in the flags of a material: image files have changed. Of its maps those that have an image in memory stay as they are.
+constexpr unsigned int MATERIAL_IMAGES_CHANGED = 0x1000;
 
 /// Context of a view. Lists belong to one context.
 struct _GLContext {
@@ -160,17 +166,27 @@ public:
 
     // Materials (ViewMaterials.cpp, ViewTextures.cpp, ViewLighting.cpp)
 
+    // The material that is set is remembered, and one that is set again costs nothing. Call lists know nothing of each other: ReinitCurrentMaterial
+    // at the start of each.
+
     /// Sets the material's colours, unless it is the current one and not forced.
     void InitMaterial(C3DMaterial* material, int force);
+    /// That of the element.
     void InitMaterial();
+    /// Forgets what is set.
     void ReinitCurrentMaterial();
     unsigned int GetCurrentMaterial() const { return m_currentMaterial; }
+    /// For what is drawn without light. Nothing for the current material, and for an id without material.
     void InitDiffuseColor(C3DMaterial& material);
     void InitDiffuseColor(unsigned int materialID);
+    /// Of the corner that the element names, inside glBegin.
     void InitPointMaterial();
+    /// Material and texture of the element's face, or no texture. Ends the open GL_TRIANGLES and begins new ones; nothing when all that is set.
     void InitTexture();
     void EnableTexture(int on);
+    /// Whether there is a texture of the element's material.
     int TextureExist();
+    /// Deals with the news of a material (MATERIAL_CHANGES) and clears them.
     void MaterialChanged(unsigned int materialID);
     C3DMaterial& GetSelectionMaterial() { return m_selectionMaterial; }
     C3DMaterial& GetUserMaterial() { return m_userMaterial; }
@@ -281,6 +297,10 @@ protected:
     unsigned int InitMaterialMapping(unsigned int materialID, bool replace);
     int LoadTexture(C3DMaterial* material, MapType type, unsigned int textureName);
     void DestroyMapping(bool keepTextureState);
+    /// Whether the material of the element's face is set, with its texture or without. Colours of corners are no change of material.
+    bool IsMaterialCurrent() const;
+    /// Enters a material in the transparent ones, or takes it out, by its colours now and its texture.
+    void NoteTransparency(const C3DMaterial& material);
 
     /// Of the clock by which paints and updates are put off; tests have their own.
     virtual unsigned int GetMilliseconds() const;
@@ -335,6 +355,18 @@ private:
     void LoadNodeMatrix(const DrawnNode& drawn);
     void DrawTint(const DrawnNode& drawn, _CallListType type);
 
+    bool AreCornersOf(unsigned int materialID) const
+    {
+        return m_currentMaterial == m_userMaterial.GetMaterialID() && m_corners.materialID == materialID;
+    }
+    void MixVertexColor(C3DMaterial& material);
+    void SetCornerColor(const CRGBColor& color);
+    /// 0 for none.
+    unsigned int GetTextureName(unsigned int materialID) const;
+    /// Of the material whose texture the element's face has; NO_MATERIAL for none.
+    unsigned int GetWantedTexture() const;
+    void FlushNodesOf(const C3DMaterial& material);
+
     C3DScene* m_scene = nullptr;
     IViewHost* m_host = nullptr;
 
@@ -366,6 +398,13 @@ private:
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;
     unsigned int m_currentMaterial = 0xFFFFFFFF;
     bool m_textureBound = false, m_texturesLoaded = false, m_lightingInUse = false;
+    /// While corners set their colours: the material that they change, and what the last of them had.
+    struct {
+        unsigned int materialID = 0xFFFFFFFF;
+        CRGBColor diffuse;    ///< of the material
+        CRGBColor color;
+        float factor = 0;
+    } m_corners;
 
     // Updates
     int m_lockCount = 0;

@@ -1,9 +1,198 @@
-#include "render/View.h"
+// Materials, as they go into the call list under way.
+//
+//   faces     InitMaterial, or InitTexture (ViewTextures.cpp): once for a run of faces of one material
+//   corners   InitPointMaterial: the first corner of a run sets the user material, the others send what differs from the corner before
+//   wires     InitDiffuseColor: a plain colour, without light
+//   news      MaterialChanged: what a material's flags tell of changes
 
-void C3DView::InitMaterial(C3DMaterial*, int) {}
-void C3DView::InitMaterial() { InitMaterial(m_element.material, 0); }
-void C3DView::ReinitCurrentMaterial() { m_currentMaterial = 0xFFFFFFFF; }
-void C3DView::InitDiffuseColor(C3DMaterial&) {}
-void C3DView::InitDiffuseColor(unsigned int) {}
-void C3DView::InitPointMaterial() {}
-void C3DView::MaterialChanged(unsigned int) {}
+#include <GL/gl.h>
+
+#include <algorithm>
+
+#include "channels/VCPointList.h"
+#include "render/GLColor.h"
+#include "render/View.h"
+#include "scene/3DScene.h"
+
+namespace {
+
+constexpr unsigned int UNKNOWN_TEXTURE = NO_MATERIAL - 1;    // neither a material's nor none
+
+void SetMaterialColor(GLenum which, const CRGBColor& color) { glMaterialfv(GL_FRONT_AND_BACK, which, GetDrawnColor(color).data()); }
+
+float GetShininess(float specularFactor)
+{
+    constexpr float DULLEST = 0.2f, SHINIEST = 0.7f, GL_RANGE = 128;
+    return std::clamp(specularFactor, DULLEST, SHINIEST) * GL_RANGE;
+}
+
+/// A change of image files (MATERIAL_IMAGES_CHANGED): has the first image that is not in memory read again; false when all are.
+bool ReloadImage(const C3DMaterial& material)
+{
+    for (unsigned int type = MAP_DIFFUSE; type <= MAP_BUMP; type++) {
+        CMaterialMap* const map = material.GetMaterialMap(static_cast<MapType>(type));
+        if (map && !map->HasBitmap()) {
+            map->SetFlag(MAP_RELOAD, true);
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Vertex colour of the element's corner; transparent, which changes nothing, for a corner without one.
+CRGBColor GetCornerColor(const _RenderElement& element)
+{
+    const int point = element.cornerNumber < element.vcFace.GetSize() ? element.vcFace.GetAt(element.cornerNumber) : -1;
+    if (point < 0 || !element.vcPointList || point >= element.vcPointList->GetSize())
+        return {0, 0, 0, 0};
+    return (*element.vcPointList)[point]->GetColor();
+}
+
+}
+
+void C3DView::InitMaterial(C3DMaterial* material, int force)
+{
+    if (!material || (!force && material->GetMaterialID() == m_currentMaterial))
+        return;
+    const unsigned int tick = GetTick();
+    SetMaterialColor(GL_AMBIENT, material->GetAmbientColor(tick, true));
+    SetMaterialColor(GL_DIFFUSE, material->GetDiffuseColor(tick, true));
+    SetMaterialColor(GL_SPECULAR, material->GetSpecularColor(tick, true));
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, GetShininess(material->GetSpecularFactor(tick)));
+    constexpr GLColor NO_GLOW{0, 0, 0, 1};
+    glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, NO_GLOW.data());
+    m_currentMaterial = material->GetMaterialID();
+    m_corners.materialID = NO_MATERIAL;
+}
+
+void C3DView::InitMaterial() { InitMaterial(m_element.material, false); }
+
+void C3DView::ReinitCurrentMaterial()
+{
+    m_currentMaterial = NO_MATERIAL;
+    m_boundTexture = UNKNOWN_TEXTURE;
+}
+
+bool C3DView::IsMaterialCurrent() const
+{
+    const unsigned int id = m_element.material->GetMaterialID();
+    const bool isSet = m_currentMaterial == id || (m_element.vcInUse && AreCornersOf(id));
+    return isSet && m_boundTexture == GetWantedTexture();
+}
+
+void C3DView::InitDiffuseColor(C3DMaterial& material)
+{
+    if (material.GetMaterialID() == m_currentMaterial)
+        return;
+    m_currentMaterial = material.GetMaterialID();
+    glColor4fv(GetDrawnColor(material.GetDiffuseColor(GetTick(), true)).data());
+}
+
+void C3DView::InitDiffuseColor(unsigned int materialID)
+{
+    C3DMaterial* const material = m_scene ? m_scene->GetMaterialByID(materialID) : nullptr;
+    if (material)
+        InitDiffuseColor(*material);
+}
+
+// Corners
+
+void C3DView::InitPointMaterial()
+{
+    enum Answer { AS_IT_IS, DONE, SELECTION, POINT_COLOR };
+    C3DMaterial* material = m_element.material;
+    const int answer = m_pointMaterialCallback ? m_pointMaterialCallback(&m_element) : AS_IT_IS;
+    if (answer == DONE)
+        return;
+    if (answer == SELECTION)
+        material = &m_selectionMaterial;
+    if (answer == POINT_COLOR)
+        SetCornerColor(m_element.pointColor);
+    else if (answer == AS_IT_IS && m_element.vcInUse && material)
+        MixVertexColor(*material);
+    else
+        InitMaterial(material, false);
+}
+
+void C3DView::MixVertexColor(C3DMaterial& material)
+{
+    const CRGBColor color = GetCornerColor(m_element);
+    if (!AreCornersOf(material.GetMaterialID())) {
+        const unsigned int tick = GetTick();
+        m_userMaterial.SetAmbientColor(0, material.GetAmbientColor(tick, true));
+        m_userMaterial.SetSpecularFactor(0, material.GetSpecularFactor(tick));
+        InitMaterial(&m_userMaterial, true);
+        m_corners.materialID = material.GetMaterialID();
+        m_corners.diffuse = material.GetDiffuseColor(tick, true);
+    } else if (color == m_corners.color && m_element.vcFactor == m_corners.factor)
+        return;
+    const double part = m_element.vcFactor * color.alpha / 255.0;
+    SetMaterialColor(GL_DIFFUSE, m_corners.diffuse * (1 - part) + color * part);
+    m_corners.color = color;
+    m_corners.factor = m_element.vcFactor;
+}
+
+void C3DView::SetCornerColor(const CRGBColor& color)
+{
+    const unsigned int user = m_userMaterial.GetMaterialID();
+    if (!AreCornersOf(user)) {
+        InitMaterial(&m_userMaterial, true);
+        m_corners.materialID = user;
+    } else if (color == m_corners.color)
+        return;
+    SetMaterialColor(GL_AMBIENT, color);
+    SetMaterialColor(GL_DIFFUSE, color);
+    m_corners.color = color;
+}
+
+// News
+
+void C3DView::MaterialChanged(unsigned int materialID)
+{
+    C3DMaterial* const material = m_scene ? m_scene->GetMaterialByID(materialID) : nullptr;
+    if (!material)
+        return;
+    CGLActivate activate(this);
+    const unsigned int news = material->GetFlags() & MATERIAL_CHANGES;
+    const bool hadTexture = HasTexture(materialID), hadAlpha = m_alphaMaterials.Find(materialID);
+
+    const bool newTexture = news & MATERIAL_IMAGES_CHANGED ? ReloadImage(*material) : (news & MATERIAL_TEXTURE_CHANGED) != 0;
+    if (newTexture && m_texturesLoaded)
+        InitMaterialMapping(materialID, true);
+
+    // A texture that comes, goes or gets holes is a matter of the lists too.
+    const bool newLists = (news & (MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED)) || hadTexture != HasTexture(materialID) ||
+                          hadAlpha != m_alphaMaterials.Find(materialID);
+    if (newLists) {
+        NoteTransparency(*material);
+        FlushNodesOf(*material);
+    }
+    if (newTexture || newLists)
+        Invalidate();
+    material->SetFlags(MATERIAL_CHANGES, false);
+}
+
+void C3DView::NoteTransparency(const C3DMaterial& material)
+{
+    const int id = static_cast<int>(material.GetMaterialID());
+    if (material.IsTransparent(GetTick()) || m_alphaMaterials.Find(id))
+        m_transparentMaterials.Insert(id);
+    else
+        m_transparentMaterials.Remove(id);
+}
+
+void C3DView::FlushNodesOf(const C3DMaterial& material)
+{
+    CXArray<C3DSceneNode*> nodes;
+    m_scene->GetNodesByMaterial(nullptr, material.GetMaterialID(), nodes, true);
+    CHashTable<unsigned int> done;
+    for (C3DSceneNode* node : nodes) {
+        // Without lists it is not drawn yet, and whoever has it drawn flushes it: in a flush of all, after the last material.
+        C3DBaseObject* const object = node->GetBaseObject();
+        const unsigned int id = object->GetObjectID();
+        if ((HasCallList(object) || m_finalObjects.Find(static_cast<int>(id))) && done.Insert(id)) {
+            RemoveNode(node);
+            FlushNode(node);
+        }
+    }
+}

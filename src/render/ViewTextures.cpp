@@ -1,10 +1,220 @@
-#include "render/View.h"
+// Textures: of each material the diffuse map, as a texture of the view's context under the material's id, for as long as textures are on.
 
-void C3DView::InitTexture() {}
-void C3DView::EnableTexture(int) {}
-int C3DView::TextureExist() { return 0; }
+#include <GL/gl.h>
+#include <GL/glu.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "render/GLColor.h"
+#include "render/View.h"
+#include "render/ViewProfile.h"
+#include "scene/3DScene.h"
+
+namespace {
+
+constexpr unsigned int NO_TEXTURE = 0xFFFFFFFF;
+constexpr int LARGEST_SIDE = 1024;
+
+/// The next of 4, 8 ... 1024, which is the last.
+int GetTextureSide(int pixels)
+{
+    int side = 4;
+    while (side < pixels && side < LARGEST_SIDE)
+        side *= 2;
+    return side;
+}
+
+/// The longest side that a texture may have; 0 when there are to be none.
+int GetMaxSide(bool economy)
+{
+    int side = LARGEST_SIDE;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
+    if (!economy)
+        return side;
+    const int limit = static_cast<int>(GetViewProfile(PROFILE_LOW_RES));
+    return limit > 0 ? std::min(side, GetTextureSide(limit)) : 0;
+}
+
+/// Pixels as GL takes them, for a moment: rows without padding.
+class CPackedRows {
+public:
+    CPackedRows()
+    {
+        glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+        glPixelStorei(GL_PACK_ALIGNMENT, 1);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    }
+    ~CPackedRows() { glPopClientAttrib(); }
+    CPackedRows(const CPackedRows&) = delete;
+    CPackedRows& operator=(const CPackedRows&) = delete;
+};
+
+/// Fills the texture that is bound. The rows come from the top; those of a texture lie from the bottom, where v is 0.
+void Upload(const unsigned char* pixels, CSize size, GLenum format, int components)
+{
+    const std::size_t rowBytes = static_cast<std::size_t>(size.cx) * (format == GL_RGBA ? 4 : 3);
+    glTexImage2D(GL_TEXTURE_2D, 0, components, size.cx, size.cy, 0, format, GL_UNSIGNED_BYTE, nullptr);
+    for (int y = 0; y < size.cy; y++)
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, size.cy - 1 - y, size.cx, 1, format, GL_UNSIGNED_BYTE, pixels + y * rowBytes);
+}
+
+/// The same in another size than the picture's.
+void UploadScaled(const Bitmap& picture, CSize size, GLenum format, int components)
+{
+    const auto pixels =
+        std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(size.cx) * size.cy * picture.GetBytesPerPixel());
+    gluScaleImage(format, picture.GetWidth(), picture.GetHeight(), GL_UNSIGNED_BYTE, picture.GetLine(0), size.cx, size.cy, GL_UNSIGNED_BYTE,
+                  pixels.get());
+    Upload(pixels.get(), size, format, components);
+}
+
+}
+
 int C3DView::IsTextureEnabled() const { return 1; }
-void C3DView::InitMapping() {}
-unsigned int C3DView::InitMaterialMapping(unsigned int, bool) { return 0xFFFFFFFF; }
-int C3DView::LoadTexture(C3DMaterial*, MapType, unsigned int) { return 0; }
-void C3DView::DestroyMapping(bool) {}
+
+// Loading
+
+void C3DView::InitMapping()
+{
+    if (!m_scene || !IsTextureEnabled())
+        return;
+    if (!(m_settings.viewFlags & VIEWFLAG_TEXTURE)) {
+        DestroyMapping(false);
+        return;
+    }
+    if (m_texturesLoaded)
+        return;
+    DestroyMapping(true);
+    glHint(GL_PERSPECTIVE_CORRECTION_HINT, m_settings.viewFlags & VIEWFLAG_PERSPECTIVE_HINT ? GL_NICEST : GL_FASTEST);
+    C3DFaceList::MaterialsMap used;
+    m_scene->GetMaterials(nullptr, used, true);
+    for (const auto& entry : used)
+        InitMaterialMapping(entry.first, false);
+    m_texturesLoaded = true;
+}
+
+unsigned int C3DView::InitMaterialMapping(unsigned int materialID, bool replace)
+{
+    CHashID entry{materialID, GetGLContext(), CALLLIST_TEXTURE};
+    entry.name = GetTextureName(materialID);
+    if (entry.name && !replace)
+        return entry.name;
+    if (entry.name) {
+        glDeleteTextures(1, &entry.name);
+        m_callLists.Remove(entry);
+    }
+    m_alphaMaterials.Remove(static_cast<int>(materialID));
+
+    C3DMaterial* const material = m_scene->GetMaterialByID(materialID);
+    if (!material || !material->GetDiffuseMaps())
+        return NO_TEXTURE;
+    if (!entry.name)    // a name that was there is in call lists, and stays
+        glGenTextures(1, &entry.name);
+    if (!LoadTexture(material, MAP_DIFFUSE, entry.name)) {
+        glDeleteTextures(1, &entry.name);
+        return NO_TEXTURE;
+    }
+    m_callLists.Insert(entry);
+    return entry.name;
+}
+
+int C3DView::LoadTexture(C3DMaterial* material, MapType type, unsigned int textureName)
+{
+    CMaterialMap* const map = type == MAP_DIFFUSE ? material->GetDiffuseMaps() : nullptr;
+    const int maxSide = GetMaxSide((m_settings.viewFlags & VIEWFLAG_ECONOMY) != 0);
+    if (!map || maxSide == 0)
+        return 0;
+    const Bitmap* const picture = map->GetBitmap(m_scene, {maxSide, maxSide});
+    if (!picture || picture->GetType() == BITMAP_GREY || !picture->GetLine(0))
+        return 0;
+
+    const bool rgba = picture->GetType() == BITMAP_RGBA;
+    const bool alpha = rgba && GetViewProfile(PROFILE_ALPHA_CUT) != 0 && !map->IsFlagSet(MAP_NO_ALPHA_TEST);
+    const int materialID = static_cast<int>(material->GetMaterialID());
+    if (alpha)
+        m_alphaMaterials.Insert(materialID);
+    else
+        m_alphaMaterials.Remove(materialID);
+
+    const CSize size{std::min(GetTextureSide(picture->GetWidth()), maxSide), std::min(GetTextureSide(picture->GetHeight()), maxSide)};
+    const GLenum format = rgba ? GL_RGBA : GL_RGB;
+    const CPackedRows packed;
+    glBindTexture(GL_TEXTURE_2D, textureName);
+    if (size == CSize{picture->GetWidth(), picture->GetHeight()})
+        Upload(picture->GetLine(0), size, format, alpha ? 4 : 3);
+    else
+        UploadScaled(*picture, size, format, alpha ? 4 : 3);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+    const int filter = m_settings.viewFlags & VIEWFLAG_SMOOTH_TEXTURES ? GL_LINEAR : GL_NEAREST;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+    return 1;
+}
+
+void C3DView::DestroyMapping(bool keepTextureState)
+{
+    if (!m_texturesLoaded)
+        return;
+    if (!keepTextureState) {
+        glDisable(GL_TEXTURE_2D);
+        glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
+    }
+    if (GetGLContext())
+        DeleteGLLists(CALLLIST_TEXTURE, nullptr);
+    m_alphaMaterials.RemoveAll();
+    m_texturesLoaded = false;
+}
+
+// Use
+
+unsigned int C3DView::GetTextureName(unsigned int materialID) const
+{
+    unsigned int place = m_callLists.GetPosition({materialID, GetGLContext(), CALLLIST_TEXTURE});
+    return place == HASH_END ? 0 : m_callLists.GetNext(place).name;
+}
+
+unsigned int C3DView::GetWantedTexture() const
+{
+    const unsigned int id = m_element.material->GetMaterialID();
+    return (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.uvwInUse && HasTexture(id) ? id : NO_MATERIAL;
+}
+
+int C3DView::TextureExist() { return m_element.material && HasTexture(m_element.material->GetMaterialID()); }
+
+void C3DView::EnableTexture(int on)
+{
+    if (on)
+        glEnable(GL_TEXTURE_2D);
+    else
+        glDisable(GL_TEXTURE_2D);
+    m_textureBound = on != 0;
+}
+
+void C3DView::InitTexture()
+{
+    C3DMaterial* const material = m_element.material;
+    if (!IsTextureEnabled() || !material || IsMaterialCurrent())
+        return;
+    glEnd();
+    InitMaterial(material, false);
+    CRGBColor diffuse = material->GetDiffuseColor(GetTick(), true);
+    m_boundTexture = GetWantedTexture();
+    const bool textured = m_boundTexture != NO_MATERIAL;
+    if (textured) {
+        // The texture gives the colour: below it lies a white, or the material's hue at its brightest.
+        if (material->IsFlagSet(MATERIAL_PLAIN_TEXTURE))
+            diffuse = {255, 255, 255};
+        else
+            diffuse.SetLuminance(1);
+        glBindTexture(GL_TEXTURE_2D, GetTextureName(m_boundTexture));
+        glPushAttrib(GL_TRANSFORM_BIT);
+        glMatrixMode(GL_TEXTURE);
+        glLoadIdentity();
+        glPopAttrib();
+    }
+    glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, GetDrawnColor(diffuse).data());
+    EnableTexture(textured);
+    glBegin(GL_TRIANGLES);
+}
