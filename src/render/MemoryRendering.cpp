@@ -32,6 +32,7 @@ int C3DView::CreateMemoryRendering(int width, int height, int depth)
     SizeChanged(width, height);    // the aspect is that of the picture
     m_viewSize = GetClientDC()->GetSize();
     glViewport(0, 0, m_viewSize.cx, m_viewSize.cy);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);    // what a picture without scene shows
     return 1;
 }
 
@@ -49,7 +50,6 @@ int C3DView::DeleteMemoryRendering()
     if (IsDrawingFlagSet(GLDRAW_MEMORY))
         DeleteGLContext();
     SetDrawingFlag(GLDRAW_MEMORY | GLDRAW_PBUFFER, false);
-    m_appliedFlags = 0xFFFFFFFF;    // the next context knows nothing of them
     return 1;
 }
 

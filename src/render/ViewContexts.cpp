@@ -32,6 +32,7 @@ bool C3DView::CreateDefaultGLContext(std::unique_ptr<CDC> dc)
         return false;
     m_contexts.push_back({nullptr, dc.get(), context});
     m_dcs.push_back(std::move(dc));
+    m_appliedFlags = 0xFFFFFFFF;
     return true;
 }
 
@@ -66,6 +67,7 @@ void C3DView::DeleteGLContext()
     m_platform.DeleteContext(m_contexts.back().context);
     m_contexts.pop_back();
     m_dcs.pop_back();
+    m_appliedFlags = 0xFFFFFFFF;    // a context below has its own
     SetDrawingFlag(GLDRAW_MULTISAMPLE, false);
 }
 
@@ -91,7 +93,7 @@ static void Enable(GLenum capability, bool on) { on ? glEnable(capability) : glD
 
 void C3DView::InitViewFlag()
 {
-    if (m_settings.viewFlags == m_appliedFlags)
+    if (!IsActive() || m_settings.viewFlags == m_appliedFlags)
         return;
     // Coverage by alpha means something to samples alone; without them it would thin what is transparent twice.
     const bool samples = GetClientDC() && GetClientDC()->GetSamples() > 0;
