@@ -15,7 +15,7 @@ static constexpr unsigned int NO_CHANNEL = 0xFFFFFFFF;
 
 bool C3DView::BeginFace(int face, bool front)
 {
-    if (!m_element.faceList->GetFace(face, m_element.face) || m_element.face.IsFlagSet(FACE_INVALID))
+    if (!m_element.faceList->GetFace(face, m_element.face) || m_element.face.IsDead())
         return false;
     m_element.faceNumber = face;
     m_element.front = front;

@@ -53,11 +53,13 @@ static void DeleteNames(const CHashID& list)
 void C3DView::DeleteGeometryLists(unsigned int id)
 {
     const CGLActivate active(this);
-    for (const _CallListType type : {CALLLIST_WIREFRAME, CALLLIST_SOLID, CALLLIST_TRANSPARENT, CALLLIST_CURVE})
-        if (unsigned int place = m_callLists.GetPosition({id, GetGLContext(), type}); place != HASH_END) {
+    for (unsigned int bit = 1; bit <= CALLLIST_GEOMETRY; bit <<= 1) {    // a host's own types too
+        const CHashID list{id, GetGLContext(), static_cast<_CallListType>(bit)};
+        if (unsigned int place = m_callLists.GetPosition(list); place != HASH_END) {
             DeleteNames(m_callLists.GetNext(place));
-            m_callLists.Remove({id, GetGLContext(), type});
+            m_callLists.Remove(list);
         }
+    }
     m_listedObjects.Remove(static_cast<int>(id));
     m_transparentObjects.Remove(static_cast<int>(id));
 }

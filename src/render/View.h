@@ -262,6 +262,7 @@ protected:
     // ViewUpdate.cpp
     void HoldUpdates(unsigned int flags);
     /// Those whose object has changed.
+    bool HasChanged(const C3DSceneNode* node) const;
     void FlushChangedNodes();
 
     // ViewEvents.cpp

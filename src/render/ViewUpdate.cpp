@@ -109,12 +109,24 @@ void C3DView::HoldUpdates(unsigned int flags)
         m_settings.viewFlags |= VIEWFLAG_UPDATES_HELD;
 }
 
+/// The object has news, or what stands for it on screen is another object than the one that was compiled.
+bool C3DView::HasChanged(const C3DSceneNode* node) const
+{
+    const C3DBaseObject* const base = node->GetBaseObject();
+    const C3DBaseObject* const final = node->GetFinalObject(GetTick());
+    if (!final)
+        return false;
+    if (base->IsInvalidate(OBJECT_UPDATE_DISPLAY) || final->IsInvalidate(OBJECT_UPDATE_DISPLAY) || final->NeedUpdate())
+        return true;
+    const int* const compiled = m_finalObjects.Find(static_cast<int>(base->GetObjectID()));
+    return compiled && *compiled != static_cast<int>(final->GetObjectID());
+}
+
 void C3DView::FlushChangedNodes()
 {
     for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;) {
         C3DSceneNode* const node = m_scene->GetNextNode(pos);
-        const C3DBaseObject* const final = node->GetFinalObject(GetTick());
-        if (final && (final->IsInvalidate(OBJECT_UPDATE_DISPLAY) || final->NeedUpdate())) {
+        if (HasChanged(node)) {
             RemoveNode(node);
             FlushNode(node);
         }
