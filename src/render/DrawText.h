@@ -7,7 +7,7 @@
 class C3DView;
 
 /// Draws labels at points of space while it lives: letters of a fixed size in pixels, in the current colour. Inside, the view is in 2D mode.
-/// The modelview at its construction tells where points lie.
+/// The modelview at its construction tells where points lie. The view's context is current.
 class ZEL_API CGLDrawText {
 public:
     /// `ignoreDepth`: labels show through what is before them.
@@ -23,8 +23,7 @@ public:
 
 private:
     C3DView& m_view;
-    unsigned int m_lists = 0;
-    unsigned int m_mode = 0;
-    double m_modelview[16], m_projection[16];
+    unsigned int m_lists;    ///< first of the font's; 0 without
+    double m_modelview[16], m_projection[16], m_pixelProjection[16];
     int m_viewport[4];
 };

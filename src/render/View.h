@@ -367,6 +367,8 @@ private:
     /// Of the material whose texture the element's face has; NO_MATERIAL for none.
     unsigned int GetWantedTexture() const;
     void FlushNodesOf(const C3DMaterial& material);
+    /// Those of the letters, made when missing (DrawText.cpp): the first of COutlineFont::CHARACTERS, 0 without a font.
+    unsigned int GetFontLists();
 
     C3DScene* m_scene = nullptr;
     IViewHost* m_host = nullptr;

@@ -76,7 +76,7 @@ public:
     using C3DView::m_element;
     using C3DView::m_settings;
 
-private:
+protected:
     Owned<C3DScene> m_held;
 };
 
