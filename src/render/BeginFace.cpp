@@ -116,8 +116,11 @@ void C3DView::SetFaceMaterial(unsigned int result)
 {
     const unsigned int id = m_element.material->GetMaterialID();
     if (m_element.nodeMode == VIEWFLAG_WIREFRAME) {
-        if (id != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL))
+        if (id != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL)) {
+            EndPrimitive();
             InitDiffuseColor(*m_element.material);
+            BeginPrimitive(m_primitive);
+        }
         return;
     }
     const bool textured = m_element.uvwInUse && m_faceMaterial.hasTexture;
@@ -132,7 +135,7 @@ void C3DView::SetFaceMaterial(unsigned int result)
     else {
         EndPrimitive();
         InitMaterial();
-        RestartPrimitive();
+        BeginPrimitive(m_primitive);
     }
     m_boundTexture = texture;
     m_currentMaterial = id;
@@ -157,12 +160,12 @@ bool C3DView::ApplyFaceFlags(unsigned int flags, unsigned int& result)
     if (flags & VIEW_FACE_ONE_SIDED ? !culling : (flags & VIEW_FACE_TWO_SIDED) && culling) {
         EndPrimitive();
         SetCullMode(!culling, m_element.viewFlags, m_element.front);
-        RestartPrimitive();
+        BeginPrimitive(m_primitive);
         m_cullingChanged = true;
     } else if (m_cullingChanged && !(flags & (VIEW_FACE_ONE_SIDED | VIEW_FACE_TWO_SIDED))) {
         EndPrimitive();
         RestoreCulling();
-        RestartPrimitive();
+        BeginPrimitive(m_primitive);
         m_cullingChanged = false;
     }
     return true;
@@ -194,18 +197,6 @@ void C3DView::SwitchStipple(bool on)
         return;
     EndPrimitive();
     on ? glEnable(GL_POLYGON_STIPPLE) : glDisable(GL_POLYGON_STIPPLE);
-    RestartPrimitive();
+    BeginPrimitive(m_primitive);
     m_stippled = on;
-}
-
-void C3DView::EndPrimitive()
-{
-    if (m_element.nodeMode != VIEWFLAG_WIREFRAME)
-        glEnd();
-}
-
-void C3DView::RestartPrimitive()
-{
-    if (m_element.nodeMode != VIEWFLAG_WIREFRAME)
-        glBegin(GL_TRIANGLES);
 }

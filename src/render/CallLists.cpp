@@ -7,6 +7,7 @@
 
 #include <vector>
 
+#include "render/MeshBuffer.h"
 #include "render/View.h"
 #include "scene/SceneNode.h"
 
@@ -14,40 +15,75 @@ unsigned int C3DView::GetCallListID(const C3DBaseObject* object) { return object
 
 bool C3DView::HasCallList(C3DBaseObject* object) const { return m_listedObjects.Find(static_cast<int>(GetCallListID(object))); }
 
-void C3DView::BeginCallList(C3DBaseObject* object, _CallListType type)
-{
-    if (m_listDepth++ > 0)
-        return;
-    CHashID list{GetCallListID(object), GetGLContext(), type};
-    m_listedObjects.Insert(static_cast<int>(list.key));
-    if (unsigned int former = m_callLists.GetPosition(list); former != HASH_END) {
-        glDeleteLists(m_callLists.GetNext(former).name, 1);
-        m_callLists.Remove(list);
-    }
-    list.name = glGenLists(1);
-    m_callLists.Insert(list);
-    glNewList(list.name, GL_COMPILE);
-}
-
-void C3DView::EndCallList()
-{
-    if (--m_listDepth == 0)
-        glEndList();
-}
-
-void C3DView::DrawCallList(C3DSceneNode* node, _CallListType type)
-{
-    const C3DBaseObject* const object = node ? node->GetFinalObject() : nullptr;
-    if (unsigned int place = m_callLists.GetPosition({GetCallListID(object), GetGLContext(), type}); place != HASH_END)
-        glCallList(m_callLists.GetNext(place).name);
-}
-
 static void DeleteNames(const CHashID& list)
 {
     if (list.type == CALLLIST_TEXTURE)
         glDeleteTextures(1, &list.name);
     else
         glDeleteLists(list.name, static_cast<int>(list.count));
+    if (list.mesh)
+        list.mesh->Delete();
+}
+
+void C3DView::BeginCallList(C3DBaseObject* object, _CallListType type)
+{
+    if (m_listDepth++ > 0)
+        return;
+    m_list = {GetCallListID(object), GetGLContext(), type};
+    m_listedObjects.Insert(static_cast<int>(m_list.key));
+    if (unsigned int former = m_callLists.GetPosition(m_list); former != HASH_END) {
+        DeleteNames(m_callLists.GetNext(former));
+        m_callLists.Remove(m_list);
+    }
+    m_list.name = m_openList = glGenLists(1);
+    glNewList(m_openList, GL_COMPILE);
+}
+
+void C3DView::EndCallList()
+{
+    if (--m_listDepth > 0)
+        return;
+    glEndList();
+    if (m_list.mesh) {
+        m_list.mesh->BeginRange(m_openList);    // the state behind the last range
+        m_list.mesh->Upload();
+    }
+    m_callLists.Insert(m_list);
+    m_list = {};
+}
+
+// A primitive of a list that has a mesh is a range of it, and what stands between two is a list of its own.
+
+void C3DView::BeginPrimitive(unsigned int primitive)
+{
+    m_primitive = primitive;
+    if (!m_list.mesh) {
+        glBegin(primitive);
+        return;
+    }
+    glEndList();
+    m_list.mesh->BeginRange(m_openList);
+}
+
+void C3DView::EndPrimitive()
+{
+    if (!m_list.mesh) {
+        glEnd();
+        return;
+    }
+    m_list.mesh->EndRange();
+    m_openList = glGenLists(1);
+    glNewList(m_openList, GL_COMPILE);
+}
+
+void C3DView::DrawCallList(C3DSceneNode* node, _CallListType type)
+{
+    const C3DBaseObject* const object = node ? node->GetFinalObject() : nullptr;
+    unsigned int place = m_callLists.GetPosition({GetCallListID(object), GetGLContext(), type});
+    if (place == HASH_END)
+        return;
+    const CHashID& list = m_callLists.GetNext(place);
+    list.mesh ? list.mesh->Draw() : glCallList(list.name);
 }
 
 void C3DView::DeleteGeometryLists(unsigned int id)

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "render/GLPlatform.h"
 #include "tools/Hash.h"
+
+class CMeshBuffer;
 
 /// What a call list holds. One bit each, so that kinds join into masks.
 enum _CallListType : unsigned int {
@@ -24,6 +27,8 @@ public:
     _CallListType type = {};
     mutable unsigned int name = 0;     ///< of the first list; not part of the key
     mutable unsigned int count = 1;    ///< of lists
+    mutable std::shared_ptr<CMeshBuffer>
+        mesh{};    ///< what is drawn in place of the list, which is its first part; null for a list on its own
 
     std::uint64_t GetHash() const { return static_cast<std::uint32_t>((static_cast<std::uint32_t>(key) + type * 8) << 4); }
     friend bool operator==(const CHashID& a, const CHashID& b) { return a.key == b.key && a.context == b.context && a.type == b.type; }

@@ -16,6 +16,7 @@
 #include "geometry/3DVectorList.h"
 #include "geometry/GeomInfo.h"
 #include "render/FaceCutter.h"
+#include "render/MeshBuffer.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
@@ -54,7 +55,7 @@ void C3DView::DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
             if (m_element.hasBackMaterials) {
                 EndPrimitive();
                 SetCullMode(1, m_element.viewFlags, front);
-                RestartPrimitive();
+                BeginPrimitive(m_primitive);
             }
             DrawSide(*geometry, order.get(), front, round, hasTransparent);
         }
@@ -69,8 +70,9 @@ namespace {
 /// Sends the corners of faces: normal, texture coordinate, point.
 class CCornerSender {
 public:
-    CCornerSender(_RenderElement& element, const CGeomInfo& info)
-        : m_element(element), m_info(info), m_smooth(element.nodeMode == VIEWFLAG_SMOOTH)
+    /// `mesh`: where to; null for GL's own list.
+    CCornerSender(_RenderElement& element, const CGeomInfo& info, CMeshBuffer* mesh)
+        : m_element(element), m_info(info), m_mesh(mesh), m_smooth(element.nodeMode == VIEWFLAG_SMOOTH)
     {
         if (m_smooth && element.pointNormals)
             element.pointNormals->PrepareSmoothing(&info, element.specNormals);
@@ -79,8 +81,7 @@ public:
     void SendFace()
     {
         if (!m_smooth)
-            if (const C3DTVector<float>* const normal = m_element.faceNormalList->ElementAt(m_element.faceNumber))
-                glNormal3fv(normal->ValPtr());
+            m_faceNormal = m_element.faceNormalList->ElementAt(m_element.faceNumber);
         if (m_element.face.GetSize() == 3) {
             for (int corner = 0; corner < 3; corner++)
                 SendCorner(corner);
@@ -95,27 +96,32 @@ private:
     {
         const int number = m_element.face[corner];
         C3DTPoint<float>* const point = m_element.pointList->ElementAt(number);
-        if (m_smooth) {
-            if (m_element.faceState & FACE_RESULT_POINT_MATERIALS) {
-                m_element.cornerNumber = corner;
-                m_element.pointNumber = number;
-                m_element.point = point;
-                m_element.view->InitPointMaterial();
-            }
-            unsigned int status;
-            if (const C3DTVector<float>* const normal =
-                    m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, corner, &status))
-                glNormal3fv(normal->ValPtr());
+        if (m_smooth && (m_element.faceState & FACE_RESULT_POINT_MATERIALS)) {
+            m_element.cornerNumber = corner;
+            m_element.pointNumber = number;
+            m_element.point = point;
+            m_element.view->InitPointMaterial();
         }
-        if (m_element.uvwInUse)
-            if (const CUVWPoint* const uvw = m_element.uvwPointList->ElementAt(m_element.uvwFace[corner]))
-                glTexCoord3fv(uvw->ValPtr());
+        unsigned int status;
+        const C3DTVector<float>* const normal =
+            m_smooth ? m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, corner, &status) : m_faceNormal;
+        const CUVWPoint* const uvw = m_element.uvwInUse ? m_element.uvwPointList->ElementAt(m_element.uvwFace[corner]) : nullptr;
+        if (m_mesh) {
+            m_mesh->AddCorner(number, *point, normal, uvw);
+            return;
+        }
+        if (normal)
+            glNormal3fv(normal->ValPtr());
+        if (uvw)
+            glTexCoord3fv(uvw->ValPtr());
         glVertex3fv(point->ValPtr());
     }
 
     _RenderElement& m_element;
     const CGeomInfo& m_info;
+    CMeshBuffer* const m_mesh;
     const bool m_smooth;
+    const C3DTVector<float>* m_faceNormal = nullptr;
     CFaceCutter m_cutter;
 };
 
@@ -133,7 +139,7 @@ bool HasSoundCorners(const CFace& face, int points)
 void C3DView::DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent)
 {
     const CGeomInfo info(&geometry);
-    CCornerSender sender(m_element, info);
+    CCornerSender sender(m_element, info, m_list.mesh.get());
     const C3DFaceList& faces = *geometry.GetFaceList();
     const int count = faces.GetSize(), points = m_element.pointList->GetSize();
     unsigned int lastMaterial = NO_MATERIAL;
@@ -160,14 +166,22 @@ void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
 {
     if (!BeginNode(node, geometry, VIEWFLAG_WIREFRAME))
         return;
-    const int count = geometry->GetFaceList()->GetSize(), points = m_element.pointList->GetSize();
-    for (int face = 0; face < count; face++) {
-        if (!BeginFace(face, true) || m_element.face.GetSize() < 3 || !HasSoundCorners(m_element.face, points))
+    C3DPointList& list = *m_element.pointList;
+    const auto order = OrderByMaterial(*geometry);
+    const auto send = [&](int number) {
+        if (m_list.mesh)
+            m_list.mesh->AddCorner(number, *list.ElementAt(number), nullptr, nullptr);
+        else
+            glVertex3fv(list.ElementAt(number)->ValPtr());
+    };
+    for (int i = 0; i < geometry->GetFaceList()->GetSize(); i++) {
+        if (!BeginFace(order ? static_cast<int>(order[i]) : i, true) || m_element.face.GetSize() < 3 ||
+            !HasSoundCorners(m_element.face, list.GetSize()))
             continue;
-        glBegin(GL_LINE_LOOP);
-        for (int corner = 0; corner < m_element.face.GetSize(); corner++)
-            glVertex3fv(m_element.pointList->ElementAt(m_element.face[corner])->ValPtr());
-        glEnd();
+        for (int corner = 0; corner < m_element.face.GetSize(); corner++) {
+            send(m_element.face[corner]);
+            send(m_element.face.GetNextIndex(corner));
+        }
     }
     EndNode();
 }

@@ -14,6 +14,7 @@
 #include "channels/SpecNormalChannel.h"
 #include "geometry/3DPointList.h"
 #include "geometry/3DVectorList.h"
+#include "render/MeshBuffer.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/Curve.h"
@@ -158,6 +159,8 @@ void C3DView::Flush3DCurve(C3DSceneNode* node, C3DCurve* curve)
     C3DPointList* const points = curve->GetPointList();
     if (!points || !BeginNode(node, curve, VIEWFLAG_WIREFRAME))
         return;
+    if (m_element.faceList)    // of a curve's faces nothing is drawn
+        EndPrimitive();
     C3DMaterial* material = m_scene->GetMaterialByID(curve->GetMaterialID());
     if (!material)
         material = m_scene->GetMaterialByID(0);
@@ -171,6 +174,8 @@ void C3DView::Flush3DCurve(C3DSceneNode* node, C3DCurve* curve)
         glVertex3fv(point.ValPtr());
     }
     glEnd();
+    if (m_element.faceList)
+        BeginPrimitive(GL_LINES);
     EndNode();
 }
 
@@ -224,10 +229,20 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
         m_textureBound = false;
         if (m_element.viewFlags & VIEWFLAG_SOLID)
             glDisable(GL_LIGHTING);
-    } else if (m_element.faceList)
-        glBegin(GL_TRIANGLES);
+    }
+    if (m_element.faceList && m_element.pointList) {
+        const unsigned int primitive = wires ? GL_LINES : GL_TRIANGLES;
+        if (MayUseMesh()) {
+            const bool hasUVW = (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.channels->GetChannelsNumber(CHANNEL_UVW, true) > 0;
+            m_list.mesh = std::make_shared<CMeshBuffer>(primitive, m_element.pointList->GetSize(), !wires, hasUVW);
+        }
+        BeginPrimitive(primitive);
+    }
     return true;
 }
+
+/// Corners with a material of their own, and lists inside those of a host, are GL's alone.
+bool C3DView::MayUseMesh() const { return m_listDepth == 1 && !m_faceCallback && !(m_element.viewFlags & VIEWFLAG_VERTEX_COLORS); }
 
 /// Every corner of a live face has a given normal, so that none needs to be worked out.
 static bool HasAllNormals(CSpecNormalChannel* given, const C3DFaceList& faces)
@@ -272,8 +287,8 @@ void C3DView::InitNormals(C3DGeomObject& geometry)
 void C3DView::EndNode()
 {
     const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
-    if (!wires && m_element.faceList)
-        glEnd();
+    if (m_element.faceList && m_element.pointList)
+        EndPrimitive();
     if (wires && (m_element.viewFlags & VIEWFLAG_SOLID))
         glEnable(GL_LIGHTING);
     if (m_stippled)

@@ -336,8 +336,9 @@ private:
     void SetFaceMaterial(unsigned int result);
     C3DMaterial* GetWireMaterial();
     void SwitchStipple(bool on);
+    void BeginPrimitive(unsigned int primitive);
     void EndPrimitive();
-    void RestartPrimitive();
+    bool MayUseMesh() const;
     enum Round { ROUND_ALL, ROUND_OPAQUE, ROUND_TRANSPARENT };
     void DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent);
     void InitTransparentMaterials();
@@ -391,6 +392,8 @@ private:
     CHashTable<int> m_listedObjects, m_transparentMaterials, m_alphaMaterials, m_transparentObjects;
     CIntMap m_finalObjects;    ///< id of the object that was compiled, by that of the node's object
     int m_listDepth = 0;
+    CHashID m_list;    ///< that is being compiled, its mesh and GL's list that is open
+    unsigned int m_openList = 0, m_primitive = 0;
     bool m_flushPending = false;
     FaceMaterial m_faceMaterial;
     unsigned int m_boundTexture = 0xFFFFFFFF;    ///< id of the material whose texture the list has bound

@@ -197,7 +197,7 @@ void C3DView::InitTexture()
     C3DMaterial* const material = m_element.material;
     if (!IsTextureEnabled() || !material || IsMaterialCurrent())
         return;
-    glEnd();
+    EndPrimitive();
     InitMaterial(material, false);
     CRGBColor diffuse = material->GetDiffuseColor(GetTick(), true);
     m_boundTexture = GetWantedTexture();
@@ -216,5 +216,5 @@ void C3DView::InitTexture()
     }
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, GetDrawnColor(diffuse).data());
     EnableTexture(textured);
-    glBegin(GL_TRIANGLES);
+    BeginPrimitive(m_primitive);
 }

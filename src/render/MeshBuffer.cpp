@@ -1,0 +1,81 @@
+#include "render/MeshBuffer.h"
+
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
+
+CMeshBuffer::CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW)
+    : m_primitive(primitive), m_hasNormals(hasNormals), m_hasUVW(hasUVW), m_firstVertex(points, NONE)
+{
+    m_vertices.reserve(static_cast<std::size_t>(points) * GetFloats());
+    m_sources.reserve(points);
+}
+
+void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
+{
+    const auto vertex = static_cast<unsigned int>(m_sources.size());
+    m_sources.push_back({normal, uvw, m_firstVertex[number]});
+    m_firstVertex[number] = vertex;
+    m_indexes.push_back(vertex);
+    const auto add = [this](const float* values) { m_vertices.insert(m_vertices.end(), values, values + 3); };
+    static constexpr float NOTHING[3] = {};
+    add(point.ValPtr());
+    if (m_hasNormals)
+        add(normal ? normal->ValPtr() : NOTHING);
+    if (m_hasUVW)
+        add(uvw ? uvw->ValPtr() : NOTHING);
+}
+
+template <class T> static void Free(CBlockVector<T>& values) { CBlockVector<T>().swap(values); }
+
+void CMeshBuffer::Upload()
+{
+    if (!m_indexes.empty()) {
+        glGenBuffers(2, m_buffers);
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        glBindBuffer(GL_ARRAY_BUFFER, m_buffers[0]);
+        glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_vertices.size() * sizeof(float)), m_vertices.data(), GL_STATIC_DRAW);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_buffers[1]);
+        glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_indexes.size() * sizeof(unsigned int)), m_indexes.data(),
+                     GL_STATIC_DRAW);
+        glPopClientAttrib();
+    }
+    Free(m_indexes);
+    Free(m_firstVertex);
+    Free(m_vertices);
+    Free(m_sources);
+}
+
+void CMeshBuffer::Draw() const
+{
+    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffers[0]);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_buffers[1]);
+    const auto at = [](std::size_t bytes) { return reinterpret_cast<const void*>(bytes); };
+    const auto stride = static_cast<GLsizei>(GetFloats() * sizeof(float));
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, stride, at(0));
+    if (m_hasNormals) {
+        glEnableClientState(GL_NORMAL_ARRAY);
+        glNormalPointer(GL_FLOAT, stride, at(3 * sizeof(float)));
+    }
+    if (m_hasUVW) {
+        glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+        glTexCoordPointer(3, GL_FLOAT, stride, at((m_hasNormals ? 6 : 3) * sizeof(float)));
+    }
+    for (const Range& range : m_ranges) {
+        glCallList(range.displayList);
+        if (range.count)
+            glDrawElements(m_primitive, static_cast<GLsizei>(range.count), GL_UNSIGNED_INT, at(range.first * sizeof(unsigned int)));
+    }
+    glPopClientAttrib();
+}
+
+void CMeshBuffer::Delete()
+{
+    for (std::size_t i = 1; i < m_ranges.size(); i++)
+        glDeleteLists(m_ranges[i].displayList, 1);
+    if (m_buffers[0])
+        glDeleteBuffers(2, m_buffers);
+    m_ranges.clear();
+    m_buffers[0] = m_buffers[1] = 0;
+}

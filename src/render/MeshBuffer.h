@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "channels/UVWPoint.h"
+#include "geometry/Point.h"
+#include "tools/BlockVector.h"
+
+/// What a call list draws of triangles or lines: vertices in GL's memory. A list that GL compiles itself takes a million triangles ten times as
+/// long, for it hashes every corner to find equal ones; here they are known by their point and normal.
+///
+/// Ranges of primitives alternate with display lists, which hold the changes of state between them. All but the first are this object's own.
+class CMeshBuffer {
+public:
+    /// @param primitive  GL_TRIANGLES or GL_LINES
+    /// @param points     number of points of the object
+    CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW);
+    CMeshBuffer(const CMeshBuffer&) = delete;
+    CMeshBuffer& operator=(const CMeshBuffer&) = delete;
+
+    // Filling
+
+    /// The next range comes behind a display list.
+    void BeginRange(unsigned int displayList) { m_ranges.push_back({displayList, m_indexes.size(), 0}); }
+    void EndRange() { m_ranges.back().count = m_indexes.size() - m_ranges.back().first; }
+    /// A corner. Corners of one point with the same normal and texture coordinate, told by their addresses, are one vertex.
+    void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
+    {
+        unsigned int vertex = m_firstVertex[number];
+        for (unsigned int step = 0; vertex != NONE && step < MOST_STEPS; vertex = m_sources[vertex].next, step++)
+            if (m_sources[vertex].normal == normal && m_sources[vertex].uvw == uvw) {
+                m_indexes.push_back(vertex);
+                return;
+            }
+        AddVertex(number, point, normal, uvw);
+    }
+    /// Gives GL the vertices and forgets them here.
+    void Upload();
+
+    // Use, in the context in which it was uploaded
+
+    void Draw() const;
+    /// Gives GL's memory back.
+    void Delete();
+
+private:
+    static constexpr unsigned int NONE = 0xFFFFFFFF;
+    static constexpr unsigned int MOST_STEPS = 8;    // a point with more is a hub, whose corners share little
+
+    struct Range {
+        unsigned int displayList;
+        std::size_t first, count;
+    };
+    /// What a vertex was made of, and the next one of the same point.
+    struct Source {
+        const C3DTVector<float>* normal;
+        const CUVWPoint* uvw;
+        unsigned int next;
+    };
+    void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw);
+    int GetFloats() const { return 3 + (m_hasNormals ? 3 : 0) + (m_hasUVW ? 3 : 0); }
+
+    unsigned int m_primitive;
+    bool m_hasNormals, m_hasUVW;
+    std::vector<Range> m_ranges;
+    CBlockVector<unsigned int> m_indexes, m_firstVertex;
+    CBlockVector<float> m_vertices;
+    CBlockVector<Source> m_sources;
+    unsigned int m_buffers[2] = {};    ///< GL's names: vertices, indexes
+};
