@@ -18,10 +18,7 @@ int C3DView::CreateMemoryRendering(int width, int height, int depth)
         DeleteMemoryRendering();
     if (width < 1 || height < 1 || width > BITMAP_MAX_SIDE || height > BITMAP_MAX_SIDE || 1LL * width * height > BITMAP_MAX_PIXELS)
         return 0;
-    CCrashGuard guard(PROFILE_PBUFFER);
-    if (guard.MayTry() && InitPBuffer(width, height, depth))
-        guard.Succeeded();
-    else if (!CreateDefaultGLContext(m_platform.CreateMemoryDC(width, height, depth)))
+    if (!TryPBuffer(width, height, depth) && !CreateDefaultGLContext(m_platform.CreateMemoryDC(width, height, depth)))
         return 0;
     SetDrawingFlag(GLDRAW_MEMORY, true);
     m_requestedSize = {width, height};
@@ -34,6 +31,15 @@ int C3DView::CreateMemoryRendering(int width, int height, int depth)
     glViewport(0, 0, m_viewSize.cx, m_viewSize.cy);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);    // what a picture without scene shows
     return 1;
+}
+
+bool C3DView::TryPBuffer(int width, int height, int depth)
+{
+    CCrashGuard guard(PROFILE_PBUFFER);
+    if (!guard.MayTry() || !InitPBuffer(width, height, depth))
+        return false;
+    guard.Succeeded();
+    return true;
 }
 
 int C3DView::InitPBuffer(unsigned int width, unsigned int height, unsigned int depth)

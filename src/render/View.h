@@ -250,6 +250,7 @@ protected:
     void InitViewFlag();
 
     // MemoryRendering.cpp
+    bool TryPBuffer(int width, int height, int depth);
     int InitPBuffer(unsigned int width, unsigned int height, unsigned int depth);
     Bitmap* CreateBitmapFromPBuffer();
     Bitmap* CreateBitmapFromMemory();

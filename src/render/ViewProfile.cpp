@@ -38,6 +38,20 @@ void SetViewProfile(_VIEW_PROFILE value, unsigned int number)
         application->WriteProfileInt(SECTION, VALUES[value].key, number);
 }
 
+// Guards.
+
+static std::mutex g_attempts;
+
+CCrashGuard::CCrashGuard(_VIEW_PROFILE value) : m_turn(g_attempts, std::defer_lock), m_value(value)
+{
+    if (GetApplication())
+        m_turn.lock();
+    m_mayTry = GetViewProfile(value) != 0;
+    SetViewProfile(value, 0);
+}
+
+void CCrashGuard::Succeeded() { SetViewProfile(m_value, 1); }
+
 // What a view starts with and leaves behind.
 
 static CRGBColor GetProfileColor(_VIEW_PROFILE value)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "tools/Api.h"
 
 /// Numbers of the "Render" section of the application's profile, read whenever they are needed. Without an application they have their standard
@@ -32,14 +34,16 @@ enum Settings3DFrame : unsigned int {
 };
 
 /// Guards an attempt that a bad driver may not survive: the profile's value is 0 while the attempt goes on, and 1 again only when it went well.
-/// A driver that dies leaves 0, and the next start does not try.
+/// A driver that dies leaves 0, and the next start does not try. With an application, threads make their attempts one after the other, else
+/// the value of one's attempt would be another's crash.
 class ZEL_API CCrashGuard {
 public:
-    explicit CCrashGuard(_VIEW_PROFILE value) : m_value(value), m_mayTry(GetViewProfile(value) != 0) { SetViewProfile(value, 0); }
+    explicit CCrashGuard(_VIEW_PROFILE value);
     bool MayTry() const { return m_mayTry; }
-    void Succeeded() { SetViewProfile(m_value, 1); }
+    void Succeeded();
 
 private:
+    std::unique_lock<std::mutex> m_turn;
     _VIEW_PROFILE m_value;
     bool m_mayTry;
 };
