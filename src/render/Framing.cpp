@@ -140,8 +140,11 @@ void C3DView::AdjustView(unsigned int flags)
     const double narrow = m_settings.aspect > 0 ? std::max(1.0, 1.0 / m_settings.aspect) : 1;
     m_settings.matrix.SetTranslation(0, 0, static_cast<float>(-(1.21 * size + 0.5 * depth) * narrow));
     m_settings.matrix.m[3][3] = 1;
-    if (m_settings.IsOrthographic())
-        m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? diagonal / size : 1);
+    if (!m_settings.IsOrthographic())
+        return;
+    if (m_settings.GetCurrentCamera()->GetRefCount() > 1)    // copies of the settings share it
+        m_settings.SetCurrentCamera(m_settings.GetCurrentCamera());
+    m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? diagonal / size : 1);
 }
 
 void C3DView::SizeChanged(int width, int height)

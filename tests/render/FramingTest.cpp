@@ -217,7 +217,9 @@ TEST(Fit, OnASelectedNodeTurnsAboutItAndKeepsTheDistanceOfTheScene)
 
     view.m_settings.SetCurrentCamera(nullptr);
     view.m_settings.GetCurrentCamera()->SetProjection(CAMERA_ORTHOGRAPHIC);
+    const GlViewSettings copy(view.m_settings);    // shares the camera
     view.AdjustView(GLSET_FIT_ALT | GLSET_FIT_SELECTION);
+    EXPECT_EQ(copy.GetCurrentCamera()->GetZoom(), 1);
     EXPECT_NEAR(view.m_settings.GetCurrentCamera()->GetZoom(), std::sqrt(12.0) / size, 1e-6);
 
     picked->SetFlag(NODE_SELECTED, false);    // nothing to fit: the scene
