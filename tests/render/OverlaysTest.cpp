@@ -220,8 +220,6 @@ template <class TEST> CRect FindPixels(const Bitmap& picture, TEST&& test)
     return found;
 }
 
-bool IsGreen(const unsigned char* p) { return p[1] > p[0] + 60; }
-
 }
 
 TEST(Overlays, BoxesLieAlongTheAxesOfTheSceneAndAreLeftOutOfPicturesUnlessAskedFor)

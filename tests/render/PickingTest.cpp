@@ -185,6 +185,7 @@ TEST(Picking, CurvesAreFoundByTheirWireAndSurfacesByTheirFaces)
         {"smooth", VIEWFLAG_SMOOTH, cube, cube},
         {"flat", VIEWFLAG_FLAT, cube, cube},
         {"flat with wires", VIEWFLAG_FLAT | VIEWFLAG_WIREFRAME, cube, cube},
+        {"wires", VIEWFLAG_WIREFRAME, nullptr, cube},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
