@@ -162,25 +162,61 @@ void C3DView::DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool 
 
 // --- Wires -----------------------------------------------------------------------------------------------------------------------
 
+namespace {
+
+/// Edges that were drawn, by their smaller end: an edge between two faces is one line.
+class CDrawnEdges {
+public:
+    explicit CDrawnEdges(int points) : m_first(points, NONE) {}
+
+    /// True for the first time.
+    bool Add(int a, int b)
+    {
+        if (a > b)
+            std::swap(a, b);
+        for (unsigned int edge = m_first[a]; edge != NONE; edge = m_edges[edge].next)
+            if (m_edges[edge].end == b)
+                return false;
+        m_edges.push_back({b, m_first[a]});
+        m_first[a] = static_cast<unsigned int>(m_edges.size() - 1);
+        return true;
+    }
+
+private:
+    static constexpr unsigned int NONE = 0xFFFFFFFF;
+    struct Edge {
+        int end;
+        unsigned int next;
+    };
+    CBlockVector<unsigned int> m_first;
+    CBlockVector<Edge> m_edges;
+};
+
+}
+
 void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
 {
     if (!BeginNode(node, geometry, VIEWFLAG_WIREFRAME))
         return;
-    C3DPointList& list = *m_element.pointList;
+    C3DPointList& points = *m_element.pointList;
     const auto order = OrderByMaterial(*geometry);
+    CDrawnEdges drawn(points.GetSize());
     const auto send = [&](int number) {
         if (m_list.mesh)
-            m_list.mesh->AddCorner(number, *list.ElementAt(number), nullptr, nullptr);
+            m_list.mesh->AddCorner(number, *points.ElementAt(number), nullptr, nullptr);
         else
-            glVertex3fv(list.ElementAt(number)->ValPtr());
+            glVertex3fv(points.ElementAt(number)->ValPtr());
     };
-    for (int i = 0; i < geometry->GetFaceList()->GetSize(); i++) {
+    for (int i = 0; i < m_element.faceList->GetSize(); i++) {
         if (!BeginFace(order ? static_cast<int>(order[i]) : i, true) || m_element.face.GetSize() < 3 ||
-            !HasSoundCorners(m_element.face, list.GetSize()))
+            !HasSoundCorners(m_element.face, points.GetSize()))
             continue;
         for (int corner = 0; corner < m_element.face.GetSize(); corner++) {
-            send(m_element.face[corner]);
-            send(m_element.face.GetNextIndex(corner));
+            const int from = m_element.face[corner], to = m_element.face.GetNextIndex(corner);
+            if (drawn.Add(from, to)) {
+                send(from);
+                send(to);
+            }
         }
     }
     EndNode();
