@@ -125,20 +125,42 @@ void C3DView::SetFaceMaterial(unsigned int result)
     }
     const bool textured = m_element.uvwInUse && m_faceMaterial.hasTexture;
     const unsigned int texture = textured ? id : NO_MATERIAL;
-    if ((id == m_currentMaterial && texture == m_boundTexture) || (result & FACE_RESULT_KEEP_MATERIAL))
+    if ((id == m_currentMaterial && texture == m_boundTexture && !m_element.vcInUse) || (result & FACE_RESULT_KEEP_MATERIAL))
         return;
+    const bool byCorner = (result & FACE_RESULT_POINT_MATERIALS) != 0;
     // Corners that set their own material need the face's for its texture alone.
-    if ((result & FACE_RESULT_POINT_MATERIALS) && texture == m_boundTexture)
-        return;
-    if (m_element.viewFlags & VIEWFLAG_TEXTURE)
-        InitTexture();
-    else {
-        EndPrimitive();
-        InitMaterial();
-        BeginPrimitive(m_primitive);
+    if (!byCorner || texture != m_boundTexture) {
+        SwitchMeshColors(false);
+        if (m_element.viewFlags & VIEWFLAG_TEXTURE)
+            InitTexture();
+        else {
+            EndPrimitive();
+            InitMaterial();
+            BeginPrimitive(m_primitive);
+        }
+        m_boundTexture = texture;
+        m_currentMaterial = id;
     }
-    m_boundTexture = texture;
-    m_currentMaterial = id;
+    if (byCorner && m_list.mesh && !(m_meshColors && AreCornersOf(id))) {
+        EndPrimitive();
+        InitCornerMaterial(*m_element.material);
+        BeginPrimitive(m_primitive);
+        SwitchMeshColors(true);
+    }
+}
+
+void C3DView::SwitchMeshColors(bool on)
+{
+    if (on == m_meshColors)
+        return;
+    EndPrimitive();
+    if (on) {
+        glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
+        glEnable(GL_COLOR_MATERIAL);
+    } else
+        glDisable(GL_COLOR_MATERIAL);
+    BeginPrimitive(m_primitive);
+    m_meshColors = on;
 }
 
 // --- Flags of the face -----------------------------------------------------------------------------------------------------------

@@ -65,17 +65,15 @@ void C3DView::DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
         m_transparentObjects.Insert(static_cast<int>(GetCallListID(geometry)));
 }
 
-namespace {
-
-/// Sends the corners of faces: normal, texture coordinate, point.
+/// Sends the corners of faces to the list of a view: colour, normal, texture coordinate, point.
 class CCornerSender {
 public:
-    /// `mesh`: where to; null for GL's own list.
-    CCornerSender(_RenderElement& element, const CGeomInfo& info, CMeshBuffer* mesh)
-        : m_element(element), m_info(info), m_mesh(mesh), m_smooth(element.nodeMode == VIEWFLAG_SMOOTH)
+    CCornerSender(C3DView& view, const CGeomInfo& info)
+        : m_view(view), m_element(view.m_element), m_info(info), m_mesh(view.m_list.mesh.get()),
+          m_smooth(m_element.nodeMode == VIEWFLAG_SMOOTH)
     {
-        if (m_smooth && element.pointNormals)
-            element.pointNormals->PrepareSmoothing(&info, element.specNormals);
+        if (m_smooth && m_element.pointNormals)
+            m_element.pointNormals->PrepareSmoothing(&info, m_element.specNormals);
     }
 
     void SendFace()
@@ -96,18 +94,20 @@ private:
     {
         const int number = m_element.face[corner];
         C3DTPoint<float>* const point = m_element.pointList->ElementAt(number);
-        if (m_smooth && (m_element.faceState & FACE_RESULT_POINT_MATERIALS)) {
+        const bool ownMaterial = m_smooth && (m_element.faceState & FACE_RESULT_POINT_MATERIALS);
+        if (ownMaterial && !m_mesh) {
             m_element.cornerNumber = corner;
             m_element.pointNumber = number;
             m_element.point = point;
-            m_element.view->InitPointMaterial();
+            m_view.InitPointMaterial();
         }
         unsigned int status;
         const C3DTVector<float>* const normal =
             m_smooth ? m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, corner, &status) : m_faceNormal;
         const CUVWPoint* const uvw = m_element.uvwInUse ? m_element.uvwPointList->ElementAt(m_element.uvwFace[corner]) : nullptr;
         if (m_mesh) {
-            m_mesh->AddCorner(number, *point, normal, uvw);
+            const CRGBColor color = ownMaterial ? m_view.GetMixedColor(m_view.GetCornerColor(corner)) : CRGBColor();
+            m_mesh->AddCorner(number, *point, normal, uvw, color);
             return;
         }
         if (normal)
@@ -117,6 +117,7 @@ private:
         glVertex3fv(point->ValPtr());
     }
 
+    C3DView& m_view;
     _RenderElement& m_element;
     const CGeomInfo& m_info;
     CMeshBuffer* const m_mesh;
@@ -126,7 +127,7 @@ private:
 };
 
 /// Corners that are in no list have nothing to be drawn.
-bool HasSoundCorners(const CFace& face, int points)
+static bool HasSoundCorners(const CFace& face, int points)
 {
     for (int k = 0; k < face.GetSize(); k++)
         if (static_cast<unsigned int>(face[k]) >= static_cast<unsigned int>(points))
@@ -134,12 +135,10 @@ bool HasSoundCorners(const CFace& face, int points)
     return true;
 }
 
-}
-
 void C3DView::DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent)
 {
     const CGeomInfo info(&geometry);
-    CCornerSender sender(m_element, info, m_list.mesh.get());
+    CCornerSender sender(*this, info);
     const C3DFaceList& faces = *geometry.GetFaceList();
     const int count = faces.GetSize(), points = m_element.pointList->GetSize();
     unsigned int lastMaterial = NO_MATERIAL;
@@ -203,7 +202,7 @@ void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
     CDrawnEdges drawn(points.GetSize());
     const auto send = [&](int number) {
         if (m_list.mesh)
-            m_list.mesh->AddCorner(number, *points.ElementAt(number), nullptr, nullptr);
+            m_list.mesh->AddCorner(number, *points.ElementAt(number), nullptr, nullptr, {});
         else
             glVertex3fv(points.ElementAt(number)->ValPtr());
     };

@@ -192,7 +192,7 @@ void C3DView::InitCurrentRenderElement()
     m_element.viewFlags = m_settings.viewFlags;
     m_faceMaterial.known = false;
     m_boundTexture = 0xFFFFFFFF;
-    m_cullingChanged = m_stippled = false;
+    m_cullingChanged = m_stippled = m_meshColors = false;
     ReinitCurrentMaterial();
 }
 
@@ -234,7 +234,8 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
         const unsigned int primitive = wires ? GL_LINES : GL_TRIANGLES;
         if (MayUseMesh()) {
             const bool hasUVW = (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.channels->GetChannelsNumber(CHANNEL_UVW, true) > 0;
-            m_list.mesh = std::make_shared<CMeshBuffer>(primitive, m_element.pointList->GetSize(), !wires, hasUVW);
+            const bool hasColors = (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS) != 0;
+            m_list.mesh = std::make_shared<CMeshBuffer>(primitive, m_element.pointList->GetSize(), !wires, hasUVW, hasColors);
         }
         BeginPrimitive(primitive);
     }
@@ -289,6 +290,8 @@ void C3DView::EndNode()
     const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
     if (m_element.faceList && m_element.pointList)
         EndPrimitive();
+    if (m_meshColors)
+        glDisable(GL_COLOR_MATERIAL);
     if (wires && (m_element.viewFlags & VIEWFLAG_SOLID))
         glEnable(GL_LIGHTING);
     if (m_stippled)

@@ -3,17 +3,20 @@
 #define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
-CMeshBuffer::CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW)
-    : m_primitive(primitive), m_hasNormals(hasNormals), m_hasUVW(hasUVW), m_firstVertex(points, NONE)
+#include "render/GLColor.h"
+
+CMeshBuffer::CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW, bool hasColors)
+    : m_primitive(primitive), m_hasNormals(hasNormals), m_hasUVW(hasUVW), m_hasColors(hasColors), m_firstVertex(points, NONE)
 {
     m_vertices.reserve(static_cast<std::size_t>(points) * GetFloats());
     m_sources.reserve(points);
 }
 
-void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
+void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw,
+                            const CRGBColor& color)
 {
     const auto vertex = static_cast<unsigned int>(m_sources.size());
-    m_sources.push_back({normal, uvw, m_firstVertex[number]});
+    m_sources.push_back({normal, uvw, color, m_firstVertex[number]});
     m_firstVertex[number] = vertex;
     m_indexes.push_back(vertex);
     const auto add = [this](const float* values) { m_vertices.insert(m_vertices.end(), values, values + 3); };
@@ -23,6 +26,10 @@ void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3D
         add(normal ? normal->ValPtr() : NOTHING);
     if (m_hasUVW)
         add(uvw ? uvw->ValPtr() : NOTHING);
+    if (m_hasColors) {
+        const GLColor drawn = GetDrawnColor(color);
+        m_vertices.insert(m_vertices.end(), drawn.begin(), drawn.end());
+    }
 }
 
 template <class T> static void Free(CBlockVector<T>& values) { CBlockVector<T>().swap(values); }
@@ -61,6 +68,10 @@ void CMeshBuffer::Draw() const
     if (m_hasUVW) {
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
         glTexCoordPointer(3, GL_FLOAT, stride, at((m_hasNormals ? 6 : 3) * sizeof(float)));
+    }
+    if (m_hasColors) {
+        glEnableClientState(GL_COLOR_ARRAY);
+        glColorPointer(4, GL_FLOAT, stride, at((GetFloats() - 4) * sizeof(float)));
     }
     for (const Range& range : m_ranges) {
         glCallList(range.displayList);

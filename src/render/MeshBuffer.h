@@ -6,6 +6,7 @@
 #include "channels/UVWPoint.h"
 #include "geometry/Point.h"
 #include "tools/BlockVector.h"
+#include "tools/Color.h"
 
 /// What a call list draws of triangles or lines: vertices in GL's memory. A list that GL compiles itself takes a million triangles ten times as
 /// long, for it hashes every corner to find equal ones; here they are known by their point and normal.
@@ -15,7 +16,7 @@ class CMeshBuffer {
 public:
     /// @param primitive  GL_TRIANGLES or GL_LINES
     /// @param points     number of points of the object
-    CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW);
+    CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW, bool hasColors);
     CMeshBuffer(const CMeshBuffer&) = delete;
     CMeshBuffer& operator=(const CMeshBuffer&) = delete;
 
@@ -24,16 +25,16 @@ public:
     /// The next range comes behind a display list.
     void BeginRange(unsigned int displayList) { m_ranges.push_back({displayList, m_indexes.size(), 0}); }
     void EndRange() { m_ranges.back().count = m_indexes.size() - m_ranges.back().first; }
-    /// A corner. Corners of one point with the same normal and texture coordinate, told by their addresses, are one vertex.
-    void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
+    /// A corner. Corners of one point with the same colour, and the same normal and texture coordinate, told by their addresses, are one vertex.
+    void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw, const CRGBColor& color)
     {
         unsigned int vertex = m_firstVertex[number];
         for (unsigned int step = 0; vertex != NONE && step < MOST_STEPS; vertex = m_sources[vertex].next, step++)
-            if (m_sources[vertex].normal == normal && m_sources[vertex].uvw == uvw) {
+            if (m_sources[vertex].normal == normal && m_sources[vertex].uvw == uvw && m_sources[vertex].color == color) {
                 m_indexes.push_back(vertex);
                 return;
             }
-        AddVertex(number, point, normal, uvw);
+        AddVertex(number, point, normal, uvw, color);
     }
     /// Gives GL the vertices and forgets them here.
     void Upload();
@@ -56,13 +57,15 @@ private:
     struct Source {
         const C3DTVector<float>* normal;
         const CUVWPoint* uvw;
+        CRGBColor color;
         unsigned int next;
     };
-    void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw);
-    int GetFloats() const { return 3 + (m_hasNormals ? 3 : 0) + (m_hasUVW ? 3 : 0); }
+    void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw,
+                   const CRGBColor& color);
+    int GetFloats() const { return 3 + (m_hasNormals ? 3 : 0) + (m_hasUVW ? 3 : 0) + (m_hasColors ? 4 : 0); }
 
     unsigned int m_primitive;
-    bool m_hasNormals, m_hasUVW;
+    bool m_hasNormals, m_hasUVW, m_hasColors;
     std::vector<Range> m_ranges;
     CBlockVector<unsigned int> m_indexes, m_firstVertex;
     CBlockVector<float> m_vertices;

@@ -227,6 +227,7 @@ public:
     virtual void OnDraw(CDC* dc);
 
 protected:
+    friend class CCornerSender;
     friend class CGLActivate;
     friend class CGLDrawText;
     friend class CGLRenderingMode;
@@ -321,7 +322,7 @@ private:
     /// What holds for all faces of one material of the object that is flushed, so that a face costs no look-up.
     struct FaceMaterial {
         bool known = false;
-        unsigned int id = 0, backID = 0;
+        unsigned int id = 0;
         C3DMaterial* material = nullptr;
         bool hasTexture = false;
         unsigned int uvwChannel = 0xFFFFFFFF, vcChannel = 0xFFFFFFFF;
@@ -362,7 +363,13 @@ private:
     {
         return m_currentMaterial == m_userMaterial.GetMaterialID() && m_corners.materialID == materialID;
     }
-    void MixVertexColor(C3DMaterial& material);
+    void InitCornerMaterial(const C3DMaterial& material);
+    /// Colour of the vertex at a corner of the element's face; transparent, which changes nothing, for a corner without one.
+    CRGBColor GetCornerColor(int corner) const;
+    /// Diffuse colour of a corner of that vertex colour.
+    CRGBColor GetMixedColor(const CRGBColor& color) const;
+    void MixVertexColor(const C3DMaterial& material);
+    void SwitchMeshColors(bool on);
     void SetCornerColor(const CRGBColor& color);
     /// 0 for none.
     unsigned int GetTextureName(unsigned int materialID) const;
@@ -400,6 +407,7 @@ private:
     unsigned int m_boundTexture = 0xFFFFFFFF;    ///< id of the material whose texture the list has bound
     bool m_cullingChanged = false;               ///< by a face, in the open list
     bool m_stippled = false;                     ///< in the open list
+    bool m_meshColors = false;                   ///< in the open list: diffuse colours are those of the mesh's vertices
 
     // Materials
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;

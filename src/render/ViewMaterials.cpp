@@ -39,15 +39,6 @@ bool ReloadImage(const C3DMaterial& material)
     return false;
 }
 
-/// Vertex colour of the element's corner; transparent, which changes nothing, for a corner without one.
-CRGBColor GetCornerColor(const _RenderElement& element)
-{
-    const int point = element.cornerNumber < element.vcFace.GetSize() ? element.vcFace.GetAt(element.cornerNumber) : -1;
-    if (point < 0 || !element.vcPointList || point >= element.vcPointList->GetSize())
-        return {0, 0, 0, 0};
-    return (*element.vcPointList)[point]->GetColor();
-}
-
 }
 
 void C3DView::InitMaterial(C3DMaterial* material, int force)
@@ -114,20 +105,39 @@ void C3DView::InitPointMaterial()
         InitMaterial(material, false);
 }
 
-void C3DView::MixVertexColor(C3DMaterial& material)
+/// What all corners of a material have in common.
+void C3DView::InitCornerMaterial(const C3DMaterial& material)
 {
-    const CRGBColor color = GetCornerColor(m_element);
-    if (!AreCornersOf(material.GetMaterialID())) {
-        const unsigned int tick = GetTick();
-        m_userMaterial.SetAmbientColor(0, material.GetAmbientColor(tick, true));
-        m_userMaterial.SetSpecularFactor(0, material.GetSpecularFactor(tick));
-        InitMaterial(&m_userMaterial, true);
-        m_corners.materialID = material.GetMaterialID();
-        m_corners.diffuse = material.GetDiffuseColor(tick, true);
-    } else if (color == m_corners.color && m_element.vcFactor == m_corners.factor)
-        return;
+    const unsigned int tick = GetTick();
+    m_userMaterial.SetAmbientColor(0, material.GetAmbientColor(tick, true));
+    m_userMaterial.SetSpecularFactor(0, material.GetSpecularFactor(tick));
+    InitMaterial(&m_userMaterial, true);
+    m_corners.materialID = material.GetMaterialID();
+    m_corners.diffuse = material.GetDiffuseColor(tick, true);
+}
+
+CRGBColor C3DView::GetMixedColor(const CRGBColor& color) const
+{
     const double part = m_element.vcFactor * color.alpha / 255.0;
-    SetMaterialColor(GL_DIFFUSE, m_corners.diffuse * (1 - part) + color * part);
+    return m_corners.diffuse * (1 - part) + color * part;
+}
+
+CRGBColor C3DView::GetCornerColor(int corner) const
+{
+    const int point = corner < m_element.vcFace.GetSize() ? m_element.vcFace.GetAt(corner) : -1;
+    if (point < 0 || !m_element.vcPointList || point >= m_element.vcPointList->GetSize())
+        return {0, 0, 0, 0};
+    return (*m_element.vcPointList)[point]->GetColor();
+}
+
+void C3DView::MixVertexColor(const C3DMaterial& material)
+{
+    const CRGBColor color = GetCornerColor(m_element.cornerNumber);
+    if (!AreCornersOf(material.GetMaterialID()))
+        InitCornerMaterial(material);
+    else if (color == m_corners.color && m_element.vcFactor == m_corners.factor)
+        return;
+    SetMaterialColor(GL_DIFFUSE, GetMixedColor(color));
     m_corners.color = color;
     m_corners.factor = m_element.vcFactor;
 }

@@ -1,8 +1,11 @@
 // Faces of an object in its lists: which are drawn, in what material, from which side.
 
-#include "channels/DependentChannels.h"
+#include "channels/VCChannel.h"
+#include "channels/VCFaceList.h"
+#include "channels/VCPointList.h"
 #include "render/ViewCase.h"
 #include "scene/Patch.h"
+#include "scene/Primitives.h"
 
 static constexpr CRGBColor RED{255, 0, 0}, GREEN{0, 255, 0}, BLUE{0, 0, 255};
 
@@ -206,4 +209,54 @@ TEST(Surfaces, AreSentAgainWhenTheyChange)
     EXPECT_NEAR(Coverage(*Picture(stage.View().CreateBitmapFromScene())), HALF, 0.03) << "before it is asked for, nothing is sent";
     stage.View().UpdateView(GLSET_UPDATE);
     EXPECT_NEAR(Coverage(*Picture(stage.View().CreateBitmapFromScene())), HALF / 2, 0.03);
+}
+
+/// Gives every corner of an object a vertex colour of its own.
+static void AddColors(C3DGeomObject& object)
+{
+    auto* const channel = new CVCChannel(7);
+    C3DFaceList& faces = *object.GetFaceList();
+    std::vector<std::vector<int>> corners = AllCorners(faces);
+    int count = 0;
+    for (auto& face : corners)
+        for (int& corner : face)
+            corner = count++;
+    channel->GetVCPointList()->SetSize(count, true, -1);
+    for (int i = 0; i < count; i++)
+        channel->GetVCPointList()->ElementAt(i)->SetColor(CRGBColor(i * 37 % 256, i * 59 % 256, i * 83 % 256, 128 + i % 128));
+    AddFaces(*channel->GetVCFaceList(), corners);
+    object.AddChannel(channel);
+    object.SetGlobalVCChannel(7, 0.8f);
+}
+
+TEST(Surfaces, AreTheSameFromVertexBuffersAndFromGLsOwnLists)
+{
+    // A host's callback of faces or corners, even one that changes nothing, has GL compile the corners one by one.
+    for (const unsigned int mode : {1, 2, 3, 4, 5}) {
+        CStage stage(128, 128);
+        stage.Settings().viewFlags = mode | VIEWFLAG_VERTEX_COLORS | VIEWFLAG_TRANSPARENCY | VIEWFLAG_HIDDEN_STIPPLED;
+        stage.Settings().viewNumber = RVIEW_LEFT_TOP_FRONT;
+        const unsigned int red = stage.AddMaterial(RED), green = stage.AddMaterial(GREEN), blue = stage.AddMaterial(BLUE);
+        stage.Scene().GetMaterialByID(blue)->SetTransparencyFactor(0, 0.5f);
+        for (const bool colored : {false, true}) {
+            C3DSceneNode* const node = CreateSphere({colored ? 2.f : 0, 0, 0}, 1, 12, 16, false, red, 0);
+            stage.Scene().AddNode(nullptr, node);
+            C3DFaceList& faces = *node->GetGeomObject()->GetFaceList();
+            for (int i = 0; i < faces.GetSize(); i++) {
+                faces.SetFaceMaterial(i, i % 3 == 0 ? red : i % 3 == 1 ? green : blue);
+                C3DFace face;
+                faces.GetFace(i, face);
+                face.SetFlags(i % 7 == 0 ? VIEW_FACE_HIDDEN : i % 5 == 0 ? +VIEW_FACE_ONE_SIDED : 0U, true);
+            }
+            faces.SetBackFaceMaterial(3, green);
+            if (colored)
+                AddColors(*node->GetGeomObject());
+        }
+        const Picture buffers = stage.Draw();
+        stage.View().SetPointMaterialCallback([](_RenderElement*) { return 0; });
+        const Picture lists = stage.Draw();
+        EXPECT_GT(Coverage(*buffers), 0.02);
+        for (int y = 0; y < 128; y++)
+            ASSERT_EQ(std::memcmp(buffers->GetLine(y), lists->GetLine(y), 128 * 3), 0) << mode << ' ' << y;
+    }
 }
