@@ -109,22 +109,30 @@ Bitmap* C3DView::CreateBitmapFromPBuffer()
 }
 
 // Memory has no alpha of its own: what nothing was drawn on has the depth that it was cleared to.
+static void SetAlphaFromDepth(Bitmap& picture)
+{
+    constexpr int ROWS = 64;    // at once
+    const int width = picture.GetWidth(), height = picture.GetHeight();
+    std::vector<float> depths(static_cast<std::size_t>(ROWS) * width);
+    for (int first = 0; first < height; first += ROWS) {
+        const int rows = std::min(ROWS, height - first);
+        glReadPixels(0, first, width, rows, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+        const float* depth = depths.data();
+        for (int row = first; row < first + rows; row++) {
+            unsigned char* const line = picture.GetLine(height - 1 - row);
+            for (int x = 0; x < width; x++)
+                line[x * 4 + 3] = *depth++ == 1 ? 255 : 0;
+        }
+    }
+}
 
 Bitmap* C3DView::CreateBitmapFromMemory()
 {
     RenderScene(nullptr);
     Bitmap* const picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
-    if (!picture || picture->GetType() != BITMAP_RGBA)
-        return picture;
-    RenderDepthOfAlpha();
-    const int width = picture->GetWidth(), height = picture->GetHeight();
-    std::vector<float> depths(1ULL * width * height);
-    glReadPixels(0, 0, width, height, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
-    const float* depth = depths.data();
-    for (int y = height - 1; y >= 0; y--) {
-        unsigned char* const line = picture->GetLine(y);
-        for (int x = 0; x < width; x++)
-            line[x * 4 + 3] = *depth++ == 1 ? 255 : 0;
+    if (picture && picture->GetType() == BITMAP_RGBA) {
+        RenderDepthOfAlpha();
+        SetAlphaFromDepth(*picture);
     }
     return picture;
 }

@@ -237,6 +237,9 @@ protected:
     void Deactivate();
     /// Whether the view's own context is current: in vain where GL would draw into a host's.
     bool IsActive() const { return m_activeDC != nullptr; }
+    void MakeTopCurrent();
+    void RestoreFormer();
+    void StackChanged();
     /// Pushes a new context that draws on it; false, also for null, when there can be none.
     bool CreateDefaultGLContext(std::unique_ptr<CDC> dc);
     /// For the window of the peer, with the most samples that can be had; 1, or 0 without a context.

@@ -7,17 +7,28 @@
 
 void C3DView::Activate()
 {
-    if (m_activations++ > 0 || m_contexts.empty())
+    if (m_activations++ == 0)
+        MakeTopCurrent();
+}
+
+void C3DView::Deactivate()
+{
+    if (--m_activations == 0)
+        RestoreFormer();
+}
+
+void C3DView::MakeTopCurrent()
+{
+    if (m_contexts.empty())
         return;
     const _GLContext& top = m_contexts.back();
     m_activeDC = m_platform.MakeCurrent(*top.dc, top.context, m_former) ? top.dc : nullptr;
 }
 
-void C3DView::Deactivate()
+void C3DView::RestoreFormer()
 {
-    if (--m_activations > 0 || !m_activeDC)
-        return;
-    m_platform.Restore(*m_activeDC, m_former);
+    if (m_activeDC)
+        m_platform.Restore(*m_activeDC, m_former);
     m_activeDC = nullptr;
 }
 
@@ -30,9 +41,10 @@ bool C3DView::CreateDefaultGLContext(std::unique_ptr<CDC> dc)
     const HGLRC context = dc ? m_platform.CreateContext(*dc) : nullptr;
     if (!context)
         return false;
+    RestoreFormer();
     m_contexts.push_back({nullptr, dc.get(), context});
     m_dcs.push_back(std::move(dc));
-    m_appliedFlags = 0xFFFFFFFF;
+    StackChanged();
     return true;
 }
 
@@ -64,11 +76,21 @@ void C3DView::DeleteGLContext()
         DeleteGLLists(CALLLIST_FONT, nullptr);
         DestroyMapping(false);
     }
+    RestoreFormer();
     m_platform.DeleteContext(m_contexts.back().context);
     m_contexts.pop_back();
     m_dcs.pop_back();
-    m_appliedFlags = 0xFFFFFFFF;    // a context below has its own
-    SetDrawingFlag(GLDRAW_MULTISAMPLE, false);
+    StackChanged();
+}
+
+// Another context is the top now, which knows nothing of the view's flags.
+void C3DView::StackChanged()
+{
+    m_appliedFlags = 0xFFFFFFFF;
+    if (m_contexts.empty())
+        SetDrawingFlag(GLDRAW_MULTISAMPLE, false);
+    if (m_activations > 0)
+        MakeTopCurrent();
 }
 
 // State.

@@ -286,6 +286,25 @@ TEST(Activation, LeavesTheHostsContextAsItWas)
     egl.DeleteContext(context);
 }
 
+TEST(Activation, FollowsContextsThatComeAndGoWithinIt)
+{
+    CFaultyPlatform platform;
+    const Current before;
+    {
+        CPaintedView view;
+        const CGLActivate activate(&view);
+        EXPECT_EQ(Current(), before);
+        ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
+        EXPECT_NE(Current(), before);
+        ExpectHalves(*view.GetHalves());
+        view.DeleteMemoryRendering();
+        EXPECT_EQ(Current(), before);
+        EXPECT_EQ(platform.contexts + platform.surfaces, 0);
+        ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
+    }
+    EXPECT_EQ(Current(), before);
+}
+
 TEST(Activation, RefusesAContextThatAnotherThreadHas)
 {
     CPaintedView view;
