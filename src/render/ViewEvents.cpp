@@ -38,6 +38,8 @@ void C3DView::OnDestroy()
     KillTimer(TIMER);
     m_2DMode.reset();
     DeleteGLContext();
+    m_appliedFlags = 0xFFFFFFFF;    // another window's context begins anew
+    m_flushPending = m_scene != nullptr;
     CWnd::OnDestroy();
 }
 

@@ -81,11 +81,11 @@ void C3DView::UpdateView(int asked)
         m_appliedFlags = 0xFFFFFFFF;
         flags |= GLSET_FLUSH_ALL;
     }
-    InitViewFlag();
     AdjustView(flags);
     HoldUpdates(flags);
     m_flushPending |= (flags & GLSET_FLUSH_ALL) != 0;
-    if (GetGLContext()) {    // without one the flush waits
+    if (GetGLContext()) {    // what is for GL waits for one
+        InitViewFlag();
         if (m_flushPending)
             FlushScene();
         else if (flags & GLSET_UPDATE)

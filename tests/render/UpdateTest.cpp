@@ -180,6 +180,28 @@ TEST(ViewUpdate, ThePendingFlushShowsTheBackgroundAlone)
     EXPECT_EQ(background(), 32 * 32);
 }
 
+TEST(ViewUpdate, WhatIsAskedForBeforeThereIsAContextIsDoneWhenThereIsOne)
+{
+    // Fault in mind: flags that count as applied although GL never heard of them.
+    Owned<C3DScene> scene(C3DScene::Create());
+    AddCube(*scene, {0, 4, 0}, 2);
+    AddCube(*scene, {0, 0, 0}, 1);
+    const auto draw = [&](bool early) {
+        CSteeredView view;
+        view.SetScene(scene.get(), 0);
+        view.SetView(RVIEW_RIGHT_TOP_FRONT, 0, 0);
+        if (early)
+            view.UpdateView(GLSET_FIT | GLSET_FLUSH_ALL);
+        EXPECT_TRUE(view.CreateMemoryRendering(64, 64, 24));
+        view.UpdateView(GLSET_FIT);
+        return Picture(view.CreateBitmapFromScene());
+    };
+    const Picture early = draw(true), late = draw(false);
+    for (int y = 0; y < 64; y++)
+        EXPECT_EQ(std::vector(early->GetLine(y), early->GetLine(y) + 3 * 64), std::vector(late->GetLine(y), late->GetLine(y) + 3 * 64))
+            << y;
+}
+
 namespace {
 
 class CUseCamera : public IApplication {
