@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "render/GLColor.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
 
@@ -57,6 +58,7 @@ void CueDepth(const GlViewSettings& settings)
     glDepthFunc(GL_LESS);
     glEnable(GL_FOG);
     glFogi(GL_FOG_MODE, GL_LINEAR);
+    glFogfv(GL_FOG_COLOR, GetColor4f(settings.background).data());    // what is far is hardly seen
     glFogf(GL_FOG_START, settings.nearPlane);
     glFogf(GL_FOG_END, settings.farPlane);
 }

@@ -296,6 +296,9 @@ protected:
     /// Makes the face the current one and sets its material; false when it is not drawn.
     bool BeginFace(int face, bool front);
     void DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode);
+    /// Between the two stand corners, of GL_TRIANGLES or GL_LINES; outside, changes of state (CallLists.cpp).
+    void BeginPrimitive(unsigned int primitive);
+    void EndPrimitive();
 
     // ViewMaterials.cpp, ViewTextures.cpp, ViewLighting.cpp
     void InitLighting();
@@ -341,8 +344,6 @@ private:
     void SetFaceMaterial(unsigned int result);
     C3DMaterial* GetWireMaterial();
     void SwitchStipple(bool on);
-    void BeginPrimitive(unsigned int primitive);
-    void EndPrimitive();
     bool MayUseMesh() const;
     enum Round { ROUND_ALL, ROUND_OPAQUE, ROUND_TRANSPARENT };
     void DrawSide(C3DGeomObject& geometry, const unsigned int* order, bool front, Round round, bool& hasTransparent);

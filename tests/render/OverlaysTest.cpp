@@ -153,6 +153,7 @@ TEST(RenderingMode, CuesDepthFromTheNearPlaneToTheFarOne)
     CViewProbe view(VIEWFLAG_WIREFRAME);
     view.m_settings.nearPlane = 2;
     view.m_settings.farPlane = 10;
+    view.m_settings.background = {0, 0, 255};
     glMatrixMode(GL_PROJECTION);
     glOrtho(-1, 1, -1, 1, 0, 20);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
@@ -164,7 +165,7 @@ TEST(RenderingMode, CuesDepthFromTheNearPlaneToTheFarOne)
     view.DrawSquare(-6);
     const Pixel middle = view.AtMiddle();
     EXPECT_EQ(nearest[0], 255);
-    EXPECT_NEAR(middle[0], 128, 2);
+    EXPECT_TRUE(IsPixel(middle, {128, 128, 255, 255}, 2));
     view.DrawSquare(-8);    // behind
     EXPECT_EQ(view.AtMiddle(), middle);
 }

@@ -68,7 +68,9 @@ public:
         return value;
     }
 
+    using C3DView::BeginPrimitive;
     using C3DView::DestroyMapping;
+    using C3DView::EndPrimitive;
     using C3DView::InitLighting;
     using C3DView::InitMapping;
     using C3DView::InitMaterialMapping;
