@@ -61,7 +61,6 @@ void CueDepth(const GlViewSettings& settings)
     glFogfv(GL_FOG_COLOR, GetColor4f(settings.background).data());    // what is far is hardly seen
     glFogf(GL_FOG_START, settings.nearPlane);
     glFogf(GL_FOG_END, settings.farPlane);
-    glFogfv(GL_FOG_COLOR, GetColor4f(settings.background).data());    // far lines go into the background
 }
 
 void Tint()

@@ -151,7 +151,6 @@ TEST(RenderingMode, PixelsAreThoseOfTheWindow)
 TEST(RenderingMode, CuesDepthFromTheNearPlaneToTheFarOne)
 {
     CViewProbe view(VIEWFLAG_WIREFRAME);
-    view.m_settings.background = {0, 0, 0};    // into which what is far goes
     view.m_settings.nearPlane = 2;
     view.m_settings.farPlane = 10;
     view.m_settings.background = {0, 0, 255};
