@@ -2,6 +2,8 @@
 #include <GL/glext.h>
 
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -66,7 +68,11 @@ Bitmap* C3DView::CreateBitmapFromScene()
     const CGLActivate activate(this);
     if (!IsActive())
         return nullptr;
-    return IsDrawingFlagSet(GLDRAW_PBUFFER) ? CreateBitmapFromPBuffer() : CreateBitmapFromMemory();
+    try {
+        return IsDrawingFlagSet(GLDRAW_PBUFFER) ? CreateBitmapFromPBuffer() : CreateBitmapFromMemory();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 // GL's rows go from the bottom up; a driver that can write them the other way round saves a walk over the picture.
@@ -78,9 +84,10 @@ static void FlipRows(Bitmap& picture)
 }
 
 // What is drawn, in a new picture of that size; null without memory.
-static Bitmap* ReadPicture(CSize size, bool alpha)
+static std::unique_ptr<Bitmap> ReadPicture(CSize size, bool alpha)
 {
-    Bitmap* const picture = alpha ? static_cast<Bitmap*>(rgbaBitmap::Create(size.cx, size.cy)) : rgbBitmap::Create(size.cx, size.cy);
+    std::unique_ptr<Bitmap> picture(alpha ? static_cast<Bitmap*>(rgbaBitmap::Create(size.cx, size.cy))
+                                          : rgbBitmap::Create(size.cx, size.cy));
     if (!picture)
         return nullptr;
     const bool invert = HasExtension(reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)), "GL_MESA_pack_invert");
@@ -98,14 +105,14 @@ static Bitmap* ReadPicture(CSize size, bool alpha)
 Bitmap* C3DView::CreateBitmapFromPBuffer()
 {
     RenderScene(nullptr);
-    Bitmap* const picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
+    std::unique_ptr<Bitmap> picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
     if (!picture)
         return nullptr;
     if (picture->GetType() == BITMAP_RGBA)
         picture->InvertAlpha();
     if (m_viewSize != m_requestedSize)
         picture->Resize(m_requestedSize.cx, m_requestedSize.cy, 1);
-    return picture;
+    return picture.release();
 }
 
 // Memory has no alpha of its own: what nothing was drawn on has the depth that it was cleared to.
@@ -129,12 +136,12 @@ static void SetAlphaFromDepth(Bitmap& picture)
 Bitmap* C3DView::CreateBitmapFromMemory()
 {
     RenderScene(nullptr);
-    Bitmap* const picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
+    std::unique_ptr<Bitmap> picture = ReadPicture(m_viewSize, m_requestedDepth == 32);
     if (picture && picture->GetType() == BITMAP_RGBA) {
         RenderDepthOfAlpha();
         SetAlphaFromDepth(*picture);
     }
-    return picture;
+    return picture.release();
 }
 
 // Draws once more, into the depths alone, as if nothing were transparent.

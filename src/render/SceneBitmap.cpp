@@ -32,10 +32,9 @@ CLayerBitmap* GetBitmapFromScene(C3DScene* scene, const GlViewSettings& settings
     view.SetBackgroundColor(255, 255, 255);
     view.SetScene(scene, GLSET_FIT);
     view.UpdateView(0);
-    Bitmap* const picture = view.CreateBitmapFromScene();
+    std::unique_ptr<Bitmap> picture(view.CreateBitmapFromScene());
     view.DeleteMemoryRendering();
-    if (!picture)
+    if (!picture || !picture->Resize(size.cx, size.cy, 1))
         return nullptr;
-    picture->Resize(size.cx, size.cy, 1);
-    return new CLayerBitmap(picture);
+    return new CLayerBitmap(picture.release());
 }
