@@ -58,7 +58,6 @@ void CueDepth(const GlViewSettings& settings)
     glDepthFunc(GL_LESS);
     glEnable(GL_FOG);
     glFogi(GL_FOG_MODE, GL_LINEAR);
-    glFogfv(GL_FOG_COLOR, GetColor4f(settings.background).data());    // what is far is hardly seen
     glFogf(GL_FOG_START, settings.nearPlane);
     glFogf(GL_FOG_END, settings.farPlane);
 }

@@ -1,12 +1,11 @@
 // Textures: of each material the diffuse map, as a texture of the view's context under the material's id, for as long as textures are on.
 
 #include <GL/gl.h>
-#include <GL/glu.h>
 
 #include <algorithm>
-#include <memory>
 
 #include "render/GLColor.h"
+#include "render/TexturePixels.h"
 #include "render/View.h"
 #include "render/ViewProfile.h"
 #include "scene/3DScene.h"
@@ -34,39 +33,6 @@ int GetMaxSide(bool economy)
         return side;
     const int limit = static_cast<int>(GetViewProfile(PROFILE_LOW_RES));
     return limit > 0 ? std::min(side, GetTextureSide(limit)) : 0;
-}
-
-/// Pixels as GL takes them, for a moment: rows without padding.
-class CPackedRows {
-public:
-    CPackedRows()
-    {
-        glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-        glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    }
-    ~CPackedRows() { glPopClientAttrib(); }
-    CPackedRows(const CPackedRows&) = delete;
-    CPackedRows& operator=(const CPackedRows&) = delete;
-};
-
-/// Fills the texture that is bound. The rows come from the top; those of a texture lie from the bottom, where v is 0.
-void Upload(const unsigned char* pixels, CSize size, GLenum format, int components)
-{
-    const std::size_t rowBytes = static_cast<std::size_t>(size.cx) * (format == GL_RGBA ? 4 : 3);
-    glTexImage2D(GL_TEXTURE_2D, 0, components, size.cx, size.cy, 0, format, GL_UNSIGNED_BYTE, nullptr);
-    for (int y = 0; y < size.cy; y++)
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, size.cy - 1 - y, size.cx, 1, format, GL_UNSIGNED_BYTE, pixels + y * rowBytes);
-}
-
-/// The same in another size than the picture's.
-void UploadScaled(const Bitmap& picture, CSize size, GLenum format, int components)
-{
-    const auto pixels =
-        std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(size.cx) * size.cy * picture.GetBytesPerPixel());
-    gluScaleImage(format, picture.GetWidth(), picture.GetHeight(), GL_UNSIGNED_BYTE, picture.GetLine(0), size.cx, size.cy, GL_UNSIGNED_BYTE,
-                  pixels.get());
-    Upload(pixels.get(), size, format, components);
 }
 
 }
@@ -129,22 +95,16 @@ int C3DView::LoadTexture(C3DMaterial* material, MapType type, unsigned int textu
     if (!picture || picture->GetType() == BITMAP_GREY || !picture->GetLine(0))
         return 0;
 
-    const bool rgba = picture->GetType() == BITMAP_RGBA;
-    const bool alpha = rgba && GetViewProfile(PROFILE_ALPHA_CUT) != 0 && !map->IsFlagSet(MAP_NO_ALPHA_TEST);
+    const bool alpha = picture->GetType() == BITMAP_RGBA && GetViewProfile(PROFILE_ALPHA_CUT) != 0 && !map->IsFlagSet(MAP_NO_ALPHA_TEST);
     const int materialID = static_cast<int>(material->GetMaterialID());
     if (alpha)
         m_alphaMaterials.Insert(materialID);
     else
         m_alphaMaterials.Remove(materialID);
 
-    const CSize size{std::min(GetTextureSide(picture->GetWidth()), maxSide), std::min(GetTextureSide(picture->GetHeight()), maxSide)};
-    const GLenum format = rgba ? GL_RGBA : GL_RGB;
-    const CPackedRows packed;
     glBindTexture(GL_TEXTURE_2D, textureName);
-    if (size == CSize{picture->GetWidth(), picture->GetHeight()})
-        Upload(picture->GetLine(0), size, format, alpha ? 4 : 3);
-    else
-        UploadScaled(*picture, size, format, alpha ? 4 : 3);
+    UploadTexture(*picture,
+                  {std::min(GetTextureSide(picture->GetWidth()), maxSide), std::min(GetTextureSide(picture->GetHeight()), maxSide)}, alpha);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
     const int filter = m_settings.viewFlags & VIEWFLAG_SMOOTH_TEXTURES ? GL_LINEAR : GL_NEAREST;

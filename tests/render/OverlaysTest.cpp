@@ -153,7 +153,7 @@ TEST(RenderingMode, CuesDepthFromTheNearPlaneToTheFarOne)
     CViewProbe view(VIEWFLAG_WIREFRAME);
     view.m_settings.nearPlane = 2;
     view.m_settings.farPlane = 10;
-    view.m_settings.background = {0, 0, 255};
+    view.m_settings.background = {0, 0, 255};    // into which what is far goes
     glMatrixMode(GL_PROJECTION);
     glOrtho(-1, 1, -1, 1, 0, 20);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);

@@ -168,6 +168,26 @@ TEST(ViewTextures, TexelsAreAtTheirCorners)
     }
 }
 
+TEST(ViewTextures, LargePicturesGiveTheMeansOfTheirPixels)
+{
+    CProfile profile;
+    profile[L"lowres"] = 4;
+    CTextureProbe view(VIEWFLAG_SMOOTH | VIEWFLAG_TEXTURE | VIEWFLAG_ECONOMY);
+    const Picture picture(rgbaBitmap::Create(8, 12));
+    for (int y = 0; y < 12; y++)
+        for (int x = 0; x < 8 * 4; x++)
+            picture->GetLine(y)[x] = static_cast<unsigned char>(x % 4 * 50 + x / 4 * 5 + y);
+    C2DIo(CFileNameSpec(view.m_folder.Wide("ramp.png")), 0, nullptr).Save(picture.get());
+    view.SetPicture(view.m_folder.Wide("ramp.png"));
+    ASSERT_EQ(view.Load().width, 4);
+    unsigned char texels[4][4][4];
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
+    for (int y = 0; y < 4; y++)
+        for (int x = 0; x < 4; x++)
+            for (int channel = 0; channel < 4; channel++)    // of 2 by 3 pixels
+                EXPECT_EQ(texels[3 - y][x][channel], channel * 50 + (x * 10 + 3) + (y * 3 + 1)) << x << y << channel;
+}
+
 TEST(ViewTextures, FiltersAsTheViewSays)
 {
     for (const bool smooth : {true, false}) {
