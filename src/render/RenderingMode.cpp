@@ -60,6 +60,7 @@ void CueDepth(const GlViewSettings& settings)
     glFogi(GL_FOG_MODE, GL_LINEAR);
     glFogf(GL_FOG_START, settings.nearPlane);
     glFogf(GL_FOG_END, settings.farPlane);
+    glFogfv(GL_FOG_COLOR, GetColor4f(settings.background).data());    // far lines go into the background
 }
 
 void Tint()
