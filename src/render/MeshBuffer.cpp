@@ -46,6 +46,7 @@ void CMeshBuffer::Upload()
                      GL_STATIC_DRAW);
         glPopClientAttrib();
     }
+    m_vertexCount = static_cast<unsigned int>(m_sources.size());
     Free(m_indexes);
     Free(m_firstVertex);
     Free(m_vertices);
@@ -76,7 +77,8 @@ void CMeshBuffer::Draw() const
     for (const Range& range : m_ranges) {
         glCallList(range.displayList);
         if (range.count)
-            glDrawElements(m_primitive, static_cast<GLsizei>(range.count), GL_UNSIGNED_INT, at(range.first * sizeof(unsigned int)));
+            glDrawRangeElements(m_primitive, 0, m_vertexCount - 1, static_cast<GLsizei>(range.count), GL_UNSIGNED_INT,
+                                at(range.first * sizeof(unsigned int)));
     }
     glPopClientAttrib();
 }

@@ -70,5 +70,6 @@ private:
     CBlockVector<unsigned int> m_indexes, m_firstVertex;
     CBlockVector<float> m_vertices;
     CBlockVector<Source> m_sources;
+    unsigned int m_vertexCount = 0;    ///< once uploaded
     unsigned int m_buffers[2] = {};    ///< GL's names: vertices, indexes
 };
