@@ -83,7 +83,10 @@ void C3DView::DrawCallList(C3DSceneNode* node, _CallListType type)
     if (place == HASH_END)
         return;
     const CHashID& list = m_callLists.GetNext(place);
-    list.mesh ? list.mesh->Draw() : glCallList(list.name);
+    if (!list.mesh)
+        glCallList(list.name);
+    else
+        m_pick ? list.mesh->DrawForSelection() : list.mesh->Draw();
 }
 
 void C3DView::DeleteGeometryLists(unsigned int id)

@@ -40,6 +40,8 @@ static std::unique_ptr<unsigned int[]> OrderByMaterial(C3DGeomObject& geometry)
 
 void C3DView::DrawSolid(C3DSceneNode* node, C3DGeomObject* geometry, unsigned int mode)
 {
+    if (!geometry->GetFaceList() || !geometry->GetPointList())
+        return;
     const bool split = !m_element.inFlushCallback && !m_transparentMaterials.IsEmpty();
     bool hasTransparent = false;
     for (const Round round : {split ? ROUND_OPAQUE : ROUND_ALL, ROUND_TRANSPARENT}) {
@@ -195,7 +197,7 @@ private:
 
 void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
 {
-    if (!BeginNode(node, geometry, VIEWFLAG_WIREFRAME))
+    if (!geometry->GetFaceList() || !geometry->GetPointList() || !BeginNode(node, geometry, VIEWFLAG_WIREFRAME))
         return;
     C3DPointList& points = *m_element.pointList;
     const auto order = OrderByMaterial(*geometry);

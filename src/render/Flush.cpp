@@ -159,23 +159,30 @@ void C3DView::Flush3DCurve(C3DSceneNode* node, C3DCurve* curve)
     C3DPointList* const points = curve->GetPointList();
     if (!points || !BeginNode(node, curve, VIEWFLAG_WIREFRAME))
         return;
-    if (m_element.faceList)    // of a curve's faces nothing is drawn
-        EndPrimitive();
     C3DMaterial* material = m_scene->GetMaterialByID(curve->GetMaterialID());
     if (!material)
         material = m_scene->GetMaterialByID(0);
-    glBegin(GL_LINE_STRIP);
-    for (int i = 0; i < points->GetSize(); i++) {
-        const C3DTPoint<float>& point = *points->ElementAt(i);
-        const bool selected = point.IsOneFlagSet(VIEW_POINT_SELECTED);
-        if (!selected && (m_element.viewFlags & VIEWFLAG_MARKED_ONLY))
-            continue;
-        InitDiffuseColor(selected ? m_selectionMaterial : *material);
+    const auto isSelected = [&](int point) { return points->ElementAt(point)->IsOneFlagSet(VIEW_POINT_SELECTED); };
+    const CRGBColor color = material->GetDiffuseColor(GetTick(), true), selected = m_selectionMaterial.GetDiffuseColor(GetTick(), true);
+    const auto send = [&](int number) {
+        const C3DTPoint<float>& point = *points->ElementAt(number);
+        if (m_list.mesh) {
+            m_list.mesh->AddCorner(number, point, nullptr, nullptr, isSelected(number) ? selected : color);
+            return;
+        }
+        InitDiffuseColor(isSelected(number) ? m_selectionMaterial : *material);
         glVertex3fv(point.ValPtr());
+    };
+    int former = -1;
+    for (int i = 0; i < points->GetSize(); i++) {
+        if (!isSelected(i) && (m_element.viewFlags & VIEWFLAG_MARKED_ONLY))
+            continue;
+        if (former >= 0) {
+            send(former);
+            send(i);
+        }
+        former = i;
     }
-    glEnd();
-    if (m_element.faceList)
-        BeginPrimitive(GL_LINES);
     EndNode();
 }
 
@@ -230,11 +237,11 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
         if (m_element.viewFlags & VIEWFLAG_SOLID)
             glDisable(GL_LIGHTING);
     }
-    if (m_element.faceList && m_element.pointList) {
+    if (m_element.pointList) {
         const unsigned int primitive = wires ? GL_LINES : GL_TRIANGLES;
         if (MayUseMesh()) {
             const bool hasUVW = (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.channels->GetChannelsNumber(CHANNEL_UVW, true) > 0;
-            const bool hasColors = (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS) != 0;
+            const bool hasColors = geometry->GetKindOf() == OBJECT_CURVE || (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS);
             m_list.mesh = std::make_shared<CMeshBuffer>(primitive, m_element.pointList->GetSize(), !wires, hasUVW, hasColors);
         }
         BeginPrimitive(primitive);
@@ -288,7 +295,7 @@ void C3DView::InitNormals(C3DGeomObject& geometry)
 void C3DView::EndNode()
 {
     const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
-    if (m_element.faceList && m_element.pointList)
+    if (m_element.pointList)
         EndPrimitive();
     if (m_meshColors)
         glDisable(GL_COLOR_MATERIAL);

@@ -3,6 +3,8 @@
 #define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
+#include <cstdint>
+
 #include "render/GLColor.h"
 
 CMeshBuffer::CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bool hasUVW, bool hasColors)
@@ -53,34 +55,76 @@ void CMeshBuffer::Upload()
     Free(m_sources);
 }
 
+/// A place in a buffer as GL takes it: behind an address, or as a number for null.
+static const void* At(const char* memory, std::size_t bytes)
+{
+    return reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(memory) + bytes);
+}
+
 void CMeshBuffer::Draw() const
 {
+    if (!m_vertexCount)
+        return DrawRanges(nullptr);
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     glBindBuffer(GL_ARRAY_BUFFER, m_buffers[0]);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_buffers[1]);
-    const auto at = [](std::size_t bytes) { return reinterpret_cast<const void*>(bytes); };
+    PointAt(nullptr);
+    DrawRanges(nullptr);
+    glPopClientAttrib();
+}
+
+void CMeshBuffer::DrawForSelection() const
+{
+    if (!m_vertexCount)
+        return DrawRanges(nullptr);
+    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+    const void* memory[2];
+    for (int i = 0; i < 2; i++) {
+        glBindBuffer(GL_ARRAY_BUFFER, m_buffers[i]);
+        memory[i] = glMapBuffer(GL_ARRAY_BUFFER, GL_READ_ONLY);
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    if (memory[0] && memory[1]) {
+        PointAt(static_cast<const char*>(memory[0]));
+        DrawRanges(static_cast<const char*>(memory[1]));
+    }
+    for (int i = 0; i < 2; i++) {
+        glBindBuffer(GL_ARRAY_BUFFER, m_buffers[i]);
+        glUnmapBuffer(GL_ARRAY_BUFFER);
+    }
+    glPopClientAttrib();
+}
+
+/// Where the parts of a vertex are: behind an address, or in the buffer that is bound for null.
+void CMeshBuffer::PointAt(const char* vertices) const
+{
     const auto stride = static_cast<GLsizei>(GetFloats() * sizeof(float));
+    const auto at = [vertices](int floats) { return At(vertices, floats * sizeof(float)); };
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, stride, at(0));
     if (m_hasNormals) {
         glEnableClientState(GL_NORMAL_ARRAY);
-        glNormalPointer(GL_FLOAT, stride, at(3 * sizeof(float)));
+        glNormalPointer(GL_FLOAT, stride, at(3));
     }
     if (m_hasUVW) {
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-        glTexCoordPointer(3, GL_FLOAT, stride, at((m_hasNormals ? 6 : 3) * sizeof(float)));
+        glTexCoordPointer(3, GL_FLOAT, stride, at(m_hasNormals ? 6 : 3));
     }
     if (m_hasColors) {
         glEnableClientState(GL_COLOR_ARRAY);
-        glColorPointer(4, GL_FLOAT, stride, at((GetFloats() - 4) * sizeof(float)));
+        glColorPointer(4, GL_FLOAT, stride, at(GetFloats() - 4));
     }
+}
+
+void CMeshBuffer::DrawRanges(const char* indexes) const
+{
     for (const Range& range : m_ranges) {
         glCallList(range.displayList);
         if (range.count)
             glDrawRangeElements(m_primitive, 0, m_vertexCount - 1, static_cast<GLsizei>(range.count), GL_UNSIGNED_INT,
-                                at(range.first * sizeof(unsigned int)));
+                                At(indexes, range.first * sizeof(unsigned int)));
     }
-    glPopClientAttrib();
 }
 
 void CMeshBuffer::Delete()

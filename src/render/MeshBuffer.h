@@ -42,6 +42,8 @@ public:
     // Use, in the context in which it was uploaded
 
     void Draw() const;
+    /// The same in GL's selection mode: from the buffers' memory, for a driver may keep a buffer for ever that it has drawn from in that mode.
+    void DrawForSelection() const;
     /// Gives GL's memory back.
     void Delete();
 
@@ -62,6 +64,8 @@ private:
     };
     void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw,
                    const CRGBColor& color);
+    void PointAt(const char* vertices) const;
+    void DrawRanges(const char* indexes) const;
     int GetFloats() const { return 3 + (m_hasNormals ? 3 : 0) + (m_hasUVW ? 3 : 0) + (m_hasColors ? 4 : 0); }
 
     unsigned int m_primitive;
