@@ -1,5 +1,7 @@
 #include "channels/Channel.h"
 
+#include <mutex>
+
 #include "channels/ChannelGraph.h"
 #include "channels/FaceNormalChannel.h"
 #include "channels/PointNormalChannel.h"
@@ -14,36 +16,51 @@
 
 ZEL_IMPLEMENT_DYNAMIC(CChannel, CXObject)
 
-// Ids of the process. Plain values: channels are built on one thread at a time.
+// Ids of the process. Several threads may each build channels of their own; two of them must not get one id, nor a thread the same twice.
 
 constexpr unsigned int FIRST_CHANNEL_ID = 10000;
 
+static std::mutex s_lock;
 static unsigned int s_nextID = FIRST_CHANNEL_ID;
 static unsigned int s_liveChannels = 0;
 
-unsigned int CChannel::CreateID()
+static unsigned int NextID()
 {
     if (s_nextID == NO_CHANNEL_ID)
         s_nextID = FIRST_CHANNEL_ID;
     return s_nextID++;
 }
 
+unsigned int CChannel::CreateID()
+{
+    const std::lock_guard<std::mutex> guard(s_lock);
+    return NextID();
+}
+
 static void MoveCounterPast(unsigned int id)
 {
+    const std::lock_guard<std::mutex> guard(s_lock);
     if (id >= s_nextID)
         s_nextID = id + 1;
 }
 
-CChannel::CChannel(_Channel3DType type, unsigned int id, unsigned int flags, CPointList* points, CFaceList* faces)
-    : m_id(id != NO_CHANNEL_ID ? id : CreateID()), m_type(type), m_flags(flags), m_pointList(points), m_faceList(faces)
+static unsigned int CountChannel(unsigned int id)
 {
+    const std::lock_guard<std::mutex> guard(s_lock);
     s_liveChannels++;
+    return id != NO_CHANNEL_ID ? id : NextID();
+}
+
+CChannel::CChannel(_Channel3DType type, unsigned int id, unsigned int flags, CPointList* points, CFaceList* faces)
+    : m_id(CountChannel(id)), m_type(type), m_flags(flags), m_pointList(points), m_faceList(faces)
+{
 }
 
 CChannel::~CChannel()
 {
     DeleteMe(m_pointList);
     DeleteMe(m_faceList);
+    const std::lock_guard<std::mutex> guard(s_lock);
     if (--s_liveChannels == 0)
         s_nextID = FIRST_CHANNEL_ID;
 }

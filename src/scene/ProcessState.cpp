@@ -1,10 +1,14 @@
 #include "scene/ProcessState.h"
 
+#include <mutex>
+
+static std::mutex s_lock;
 static unsigned int s_nextID[ID_COUNTERS] = {1, 1, 1};
 
 unsigned int CreateSceneID(_ID_COUNTER counter)
 {
     constexpr unsigned int NONE = 0xFFFFFFFF;
+    const std::lock_guard<std::mutex> guard(s_lock);
     unsigned int& next = s_nextID[counter];
     if (next == NONE)    // a file may hold the last id that there is
         next = 1;
@@ -13,6 +17,7 @@ unsigned int CreateSceneID(_ID_COUNTER counter)
 
 void AdvanceSceneID(_ID_COUNTER counter, unsigned int id)
 {
+    const std::lock_guard<std::mutex> guard(s_lock);
     if (id >= s_nextID[counter])
         s_nextID[counter] = id + 1;
 }

@@ -2,7 +2,7 @@
 
 #include "tools/Api.h"
 
-// Process-wide state of the scene model. Plain values: building scenes happens on one thread at a time.
+// Process-wide state of the scene model. Several threads may each build scenes of their own.
 
 /// Counters of ids. Each starts at 1.
 enum _ID_COUNTER { ID_OBJECT, ID_NODE, ID_MATERIAL, ID_COUNTERS };

@@ -1,12 +1,14 @@
 #include <thread>
 #include <vector>
 
-#include "render/MemoryProfile.h"
 #include "render/SceneBitmap.h"
 #include "render/ViewCase.h"
+#include "render/ViewProfile.h"
 #include "scene/Material.h"
 #include "scene/Primitives.h"
+#include "support/TempFolder.h"
 #include "tools/LayerBitmap.h"
+#include "tools/ProfileFile.h"
 
 // Several threads draw at once, each with views and scenes of its own.
 
@@ -46,7 +48,9 @@ std::vector<unsigned char> Draw(int kind)
 
 TEST(Threads, DrawAsOneAfterTheOther)
 {
-    CMemoryProfile profile;    // guards of attempts go through it
+    const TempFolder folder;
+    CProfileFile profile(folder.Wide("profile.ini"));    // guards of attempts go through it
+    SetApplication(&profile);
     std::vector<std::vector<unsigned char>> expected;
     for (int i = 0; i < THREADS; i++)
         expected.push_back(Draw(i));
@@ -61,4 +65,6 @@ TEST(Threads, DrawAsOneAfterTheOther)
         });
     for (std::thread& thread : threads)
         thread.join();
+    EXPECT_EQ(GetViewProfile(PROFILE_PBUFFER), 1u);
+    SetApplication(nullptr);
 }
