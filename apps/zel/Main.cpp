@@ -16,7 +16,9 @@
 #include "Info.h"
 #include "Merge.h"
 #include "Process.h"
+#include "Render.h"
 #include "SceneFile.h"
+#include "Thumbnail.h"
 
 namespace {
 
@@ -42,7 +44,7 @@ int main(int argc, char** argv)
     std::signal(SIGINT, OnInterrupt);
     Console console;
 
-    CLI::App app("Reads, checks and converts 3D scenes.", "zel");
+    CLI::App app("Reads, checks, converts and draws 3D scenes.", "zel");
     app.require_subcommand(1);
     app.set_version_flag("--version", ZEL_VERSION);
     bool quiet = false;
@@ -66,6 +68,8 @@ int main(int argc, char** argv)
     const ConvertVerb convert(app);
     const MergeVerb merge(app);
     const ProcessVerb process(app);
+    const RenderVerb render(app);
+    const ThumbnailVerb thumbnail(app);
     CLI::App* formats = app.add_subcommand("formats", "Lists what can be read and written, and by whom");
     formats->add_flag("--json", json, "Print JSON");
 
@@ -89,5 +93,9 @@ int main(int argc, char** argv)
         return merge.Run(console);
     if (process.IsAsked())
         return process.Run(console);
+    if (render.IsAsked())
+        return render.Run(console);
+    if (thumbnail.IsAsked())
+        return thumbnail.Run(console);
     return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);
 }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <3dzel.h>
+
+/// What a picture shows and how.
+struct PictureSettings {
+    CSize size{1280, 720};
+    unsigned int viewFlags = VIEWFLAG_DEFAULT & ~VIEWFLAG_ECONOMY;    ///< a picture has the time that a moving view has not
+    _RVIEW_FLAG view = RVIEW_RIGHT_TOP_FRONT;
+    double viewAngle = 30;     ///< of slanted views, degrees
+    bool useCamera = false;    ///< a camera of the scene, not `view`
+    std::string camera;        ///< its name; empty: the first one
+    CRGBColor background{240, 240, 238};
+    bool transparent = false;          ///< no background at all
+    int antialias = 2;                 ///< so many samples a pixel, each way
+    std::vector<std::string> nodes;    ///< names of those to which the view is fitted; none: all
+    bool hasTime = false;
+    int time = 0;    ///< frame
+};
+
+/// A view that turns around the scene, step by step.
+struct TurntableSettings {
+    enum Movement { RIGHT, LEFT, UP, DOWN };    ///< of what is in front
+
+    int count = 0;    ///< of pictures; 0: no turntable
+    Movement movement = RIGHT;
+    double amplitude = 360;    ///< of all steps together, degrees
+};

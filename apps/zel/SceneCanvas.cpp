@@ -1,0 +1,184 @@
+#include "SceneCanvas.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace {
+
+constexpr int DEPTH = 24;    // bits; transparency is worked out of two pictures
+constexpr CRGBColor BLACK(0, 0, 0), WHITE(255, 255, 255);
+constexpr CRGBColor WIRES(40, 44, 52);
+
+// "A, B, C and 4 more", for a message.
+std::string ListNames(const C3DScene& scene, unsigned int kinds)
+{
+    constexpr std::size_t MOST = 8;
+    std::vector<std::string> names;
+    for (C3DNodePos pos = scene.GetFirstNode(kinds); pos;) {
+        std::string name = WideToUtf8(scene.GetNextNode(pos)->GetName());
+        if (std::ranges::find(names, name) == names.end())
+            names.push_back(std::move(name));
+    }
+    std::string list;
+    for (std::size_t i = 0; i < std::min(MOST, names.size()); i++)
+        list += (i ? ", " : "") + names[i];
+    return names.size() <= MOST ? list : list + " and " + std::to_string(names.size() - MOST) + " more";
+}
+
+// What shows over both black and white shows them mixed with 1 - alpha, so that their difference tells alpha.
+Picture JoinTransparent(const Bitmap& onBlack, const Bitmap& onWhite)
+{
+    const int width = onBlack.GetWidth(), height = onBlack.GetHeight();
+    Picture picture(rgbaBitmap::Create(width, height));
+    for (int y = 0; picture && y < height; y++) {
+        const unsigned char* black = onBlack.GetLine(y);
+        const unsigned char* white = onWhite.GetLine(y);
+        unsigned char* out = picture->GetLine(y);
+        for (int x = 0; x < width; x++, black += 3, white += 3, out += 4) {
+            const int passed = white[0] - black[0] + white[1] - black[1] + white[2] - black[2];    // three times what the background gives
+            const int alpha = 3 * 255 - std::clamp(passed, 0, 3 * 255);
+            for (int i = 0; alpha > 0 && i < 3; i++)
+                out[i] = static_cast<unsigned char>(std::min(255, (black[i] * 3 * 255 + alpha / 2) / alpha));
+            out[3] = static_cast<unsigned char>((alpha + 1) / 3);
+        }
+    }
+    return picture;
+}
+
+}
+
+SceneCanvas::SceneCanvas(const PictureSettings& settings)
+    : m_settings(settings), m_sample(C3DScene::Create()), m_antialias(settings.antialias)
+{
+    m_sample->AddNode(nullptr, CreateSphere({}, 1, 8, 16, true, 0, 0));
+}
+
+bool SceneCanvas::Start()
+{
+    if (!CreateSurface())
+        return false;
+    GlViewSettings view;
+    view.changeMask = GLSET_VIEW_FLAGS | GLSET_VIEW_NUMBER | GLSET_WIREFRAME_COLOR;
+    view.viewFlags = m_settings.viewFlags;
+    view.viewNumber = m_settings.view;
+    view.viewAngle = static_cast<float>(m_settings.viewAngle * std::numbers::pi / 180);
+    view.wireframeColor = WIRES;
+    m_view.SetViewSettings(&view);
+    WarmUp();
+    return true;
+}
+
+// A driver may have no surface of the size asked for, and a view then scales what it draws. Fewer samples are better than that.
+bool SceneCanvas::CreateSurface()
+{
+    for (;; m_antialias--) {
+        const CSize size(m_settings.size.cx * m_antialias, m_settings.size.cy * m_antialias);
+        const bool created = m_view.CreateMemoryRendering(size.cx, size.cy, DEPTH);
+        if (created && (m_antialias == 1 || m_view.GetClientDC()->GetSize() == size))
+            return true;
+        if (created)
+            m_view.DeleteMemoryRendering();
+        if (m_antialias == 1)
+            return false;
+    }
+}
+
+// Drivers compile the states that they meet at the first picture, here that of a ball.
+void SceneCanvas::WarmUp()
+{
+    m_view.SetScene(m_sample.get(), GLSET_FIT);
+    m_view.UpdateView(0);
+    Picture(m_view.CreateBitmapFromScene());
+    m_view.SetScene(nullptr, 0);
+    m_sample.reset();
+}
+
+std::string SceneCanvas::SetScene(C3DScene& scene)
+{
+    if (m_settings.hasTime)
+        scene.SetCurrentTime(m_settings.time);
+    const std::string lack = PlaceEye(scene);
+    m_view.UpdateView(0);
+    return lack;
+}
+
+std::string SceneCanvas::PlaceEye(C3DScene& scene)
+{
+    scene.SelectNone();
+    for (const std::string& name : m_settings.nodes) {
+        bool found = false;
+        for (C3DNodePos pos = scene.GetFirstNode(OBJECT_ANY); pos;) {
+            C3DSceneNode* const node = scene.GetNextNode(pos);
+            if (WideToUtf8(node->GetName()) != name)
+                continue;
+            scene.Select(node, C3DScene::SELECT_ADD | C3DScene::SELECT_BRANCH);
+            found = true;
+        }
+        if (!found)
+            return "no node " + name + ", but " + ListNames(scene, OBJECT_ANY);
+    }
+    m_view.SetScene(&scene, m_settings.nodes.empty() ? GLSET_FIT : GLSET_FIT | GLSET_FIT_SELECTION);
+    if (m_settings.useCamera)
+        return LookThroughCamera(scene);
+    if (!m_settings.nodes.empty())
+        FitSelection();
+    return {};
+}
+
+std::string SceneCanvas::LookThroughCamera(C3DScene& scene)
+{
+    for (C3DNodePos pos = scene.GetFirstNode(OBJECT_CAMERA); pos;) {
+        C3DSceneNode* const node = scene.GetNextNode(pos);
+        if ((m_settings.camera.empty() || WideToUtf8(node->GetName()) == m_settings.camera) && m_view.LoadCamera(node))
+            return {};
+    }
+    const std::string cameras = ListNames(scene, OBJECT_CAMERA);
+    return cameras.empty() ? "no camera" : "no camera " + m_settings.camera + ", but " + cameras;
+}
+
+// The view turns about what is selected, but from as far away as the whole scene asks for. Here the eye comes nearer, as long as the near
+// clipping plane, a hundredth of the far one, lies before what is selected.
+void SceneCanvas::FitSelection()
+{
+    C3DTPoint<float> min, max, center, sceneCenter = m_view.GetSceneCenter();
+    m_view.GetBBox(true, min, max, center, 0, 0);
+    const GlViewSettings& view = *m_view.GetViewSettings();
+    const float sides[] = {max.x - min.x, max.y - min.y, max.z - min.z};
+    const float diagonal = std::hypot(sides[0], sides[1], sides[2]);
+    const float beyond = std::hypot(center.x - sceneCenter.x, center.y - sceneCenter.y, center.z - sceneCenter.z) + view.sceneSize / 2;
+    const float wanted = (1.21f * diagonal + 0.5f * *std::ranges::min_element(sides)) * std::max(1.0f, 1 / view.aspect);
+    const float nearest = diagonal / 2 + (wanted + beyond) / 100;
+    GlViewSettings moved;
+    moved.changeMask = GLSET_TRANSLATION;
+    moved.matrix.SetTranslation(0, 0, -std::max(wanted, nearest));
+    m_view.SetViewSettings(&moved);
+}
+
+void SceneCanvas::Turn(const C3DTVector<float>& axis, double angle)
+{
+    C4x4TMatrix<float> turn;
+    turn.FromQuaternion(CQuaternion(axis, angle));
+    GlViewSettings view = *m_view.GetViewSettings();
+    view.changeMask = GLSET_MATRIX;
+    view.matrix *= turn;
+    m_view.SetViewSettings(&view);
+}
+
+Picture SceneCanvas::DrawOn(const CRGBColor& background)
+{
+    m_view.SetBackgroundColor(background.red, background.green, background.blue);
+    Picture picture(m_view.CreateBitmapFromScene());
+    if (picture && m_antialias > 1 && !picture->Resize(m_settings.size.cx, m_settings.size.cy, 1))
+        picture.reset();
+    return picture;
+}
+
+Picture SceneCanvas::Draw()
+{
+    if (!m_settings.transparent)
+        return DrawOn(m_settings.background);
+    const Picture onBlack = DrawOn(BLACK), onWhite = DrawOn(WHITE);
+    return onBlack && onWhite ? JoinTransparent(*onBlack, *onWhite) : nullptr;
+}
