@@ -43,13 +43,12 @@ ExitCode DrawnFile::Open()
     return EXIT_DONE;
 }
 
-Picture DrawnFile::Draw()
+Picture DrawnFile::Draw(int number)
 {
-    Picture picture = m_canvas.Draw();
+    Picture picture = m_canvas.Draw(number);
     if (!picture)
         m_console.Fail(m_name + ": not enough memory for the picture");
-    else if (m_isFirst && IsPlain(*picture))
+    else if (number == 0 && IsPlain(*picture))
         m_console.Say(m_name + ": there is nothing to see in the picture");
-    m_isFirst = false;
     return picture;
 }

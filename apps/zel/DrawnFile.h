@@ -14,9 +14,9 @@ public:
 
     /// Waits until the scene is there and placed. Anything but EXIT_DONE comes after one line of the console.
     ExitCode Open();
-    /// A picture of it; null, after one line of the console, when it cannot be had. A picture that shows nothing is told.
-    Picture Draw();
-    SceneCanvas& GetCanvas() { return m_canvas; }
+    /// A picture of it, of a turntable the one of that number; null, after one line of the console, when it cannot be had. A first one that
+    /// shows nothing is told.
+    Picture Draw(int number = 0);
 
 private:
     const Console& m_console;
@@ -25,5 +25,4 @@ private:
     SceneCanvas m_canvas;      // its scene of its own is made
     SceneReading m_reading;    // before another one is
     std::optional<SceneFile> m_file;
-    bool m_isFirst = true;
 };

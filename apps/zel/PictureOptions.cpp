@@ -126,6 +126,7 @@ bool IsSlanted(_RVIEW_FLAG view) { return view >= RVIEW_LEFT_TOP_FRONT; }
 
 PictureOptions::PictureOptions(CLI::App& verb)
 {
+    verb.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     verb.add_option("--size", m_size, "WIDTHxHEIGHT in pixels; 1280x720 by default")->check(CheckSize)->type_name("SIZE");
     verb.add_option("--antialias", m_picture.antialias, "N by N samples a pixel, 1 to 8; 2 by default")
         ->check(CLI::Range(1, 8).description(""))
@@ -133,6 +134,7 @@ PictureOptions::PictureOptions(CLI::App& verb)
     AddWhatIsShown(verb);
     AddPointOfView(verb);
     AddTurntable(verb);
+    verb.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::Throw);
 }
 
 void PictureOptions::AddWhatIsShown(CLI::App& verb)
@@ -165,9 +167,10 @@ void PictureOptions::AddPointOfView(CLI::App& verb)
                         "front, back, left, right, top, bottom; slanted: rtf (right, top, front; the default), ltf, rtb, "
                         "ltb, rbf, lbf, rbb, lbb; camera (the first of the scene) or camera=NAME");
     view->check(CheckView)->type_name("VIEW")->group(GROUP);
-    m_angle = verb.add_option("--angle", m_picture.viewAngle, "Of a slanted view, 5 to 85 degrees; 30 by default");
+    m_angle = verb.add_option("--angle", m_picture.viewAngle, "Of a slanted view, 5 to 85 degrees; 55 by default");
     m_angle->check(CLI::Range(5.0, 85.0).description(""))->type_name("DEGREES")->group(GROUP);
     verb.add_option("--select", m_picture.nodes, "Fit the view to the nodes of this name; may be given again")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->allow_extra_args(false)
         ->type_name("NAME")
         ->group(GROUP);
@@ -176,14 +179,15 @@ void PictureOptions::AddPointOfView(CLI::App& verb)
 void PictureOptions::AddTurntable(CLI::App& verb)
 {
     constexpr const char* GROUP = "Turntable: one animation (.gif, .webp), or a numbered file a picture";
-    CLI::Option* const count = verb.add_option("--turntable", m_turntable.count, "So many pictures all around");
+    CLI::Option* const count = verb.add_option("--turntable", m_picture.turntable.count, "So many pictures all around");
     count->check(CLI::Range(1, 3600).description(""))->type_name("N")->group(GROUP);
     verb.add_option("--movement", m_movement, "Where the front goes: right (the default), left, up, down")
         ->check(CLI::IsMember(MOVEMENTS).description(""))
         ->type_name("WHERE")
         ->needs(count)
         ->group(GROUP);
-    verb.add_option("--amplitude", m_turntable.amplitude, "Degrees from the first picture to where the next round begins; 360 by default")
+    verb.add_option("--amplitude", m_picture.turntable.amplitude,
+                    "Degrees from the first picture to where the next round begins; 360 by default")
         ->check(CLI::Range(0.0, 36000.0).description(""))
         ->type_name("DEGREES")
         ->needs(count)
@@ -221,15 +225,9 @@ PictureSettings PictureOptions::GetPicture() const
     picture.transparent = m_background == TRANSPARENT;
     if (!m_background.empty() && !picture.transparent)
         picture.background = *ParseColor(m_background);
-    return picture;
-}
-
-TurntableSettings PictureOptions::GetTurntable() const
-{
-    TurntableSettings turntable = m_turntable;
     if (!m_movement.empty())
-        turntable.movement = MOVEMENTS.at(m_movement);
-    return turntable;
+        picture.turntable.movement = MOVEMENTS.at(m_movement);
+    return picture;
 }
 
 std::string PictureOptions::GetContradiction() const

@@ -14,7 +14,6 @@ public:
     PictureOptions& operator=(const PictureOptions&) = delete;
 
     PictureSettings GetPicture() const;
-    TurntableSettings GetTurntable() const;
     /// Why the options cannot all be meant; empty when they can.
     std::string GetContradiction() const;
 
@@ -25,7 +24,6 @@ private:
     unsigned int GetViewFlags() const;
 
     PictureSettings m_picture;
-    TurntableSettings m_turntable;
     std::string m_size, m_mode, m_view, m_background, m_labels, m_movement;
     bool m_noTextures = false, m_noColors = false, m_normals = false, m_boxes = false;
     CLI::Option *m_time, *m_angle;

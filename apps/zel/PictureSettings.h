@@ -5,12 +5,21 @@
 
 #include <3dzel.h>
 
+/// A view that turns around the scene, step by step.
+struct TurntableSettings {
+    enum Movement { RIGHT, LEFT, UP, DOWN };    ///< of what is in front
+
+    int count = 0;    ///< of pictures; 0: no turntable
+    Movement movement = RIGHT;
+    double amplitude = 360;    ///< of all steps together, degrees
+};
+
 /// What a picture shows and how.
 struct PictureSettings {
     CSize size{1280, 720};
-    unsigned int viewFlags = VIEWFLAG_DEFAULT & ~VIEWFLAG_ECONOMY;    ///< a picture has the time that a moving view has not
+    unsigned int viewFlags = VIEWFLAG_DEFAULT & ~VIEWFLAG_ECONOMY;    ///< with the second light no side of a model is left dark
     _RVIEW_FLAG view = RVIEW_RIGHT_TOP_FRONT;
-    double viewAngle = 30;     ///< of slanted views, degrees
+    double viewAngle = 55;     ///< of slanted views, degrees: high enough for the top, low enough for two sides
     bool useCamera = false;    ///< a camera of the scene, not `view`
     std::string camera;        ///< its name; empty: the first one
     CRGBColor background{240, 240, 238};
@@ -19,13 +28,5 @@ struct PictureSettings {
     std::vector<std::string> nodes;    ///< names of those to which the view is fitted; none: all
     bool hasTime = false;
     int time = 0;    ///< frame
-};
-
-/// A view that turns around the scene, step by step.
-struct TurntableSettings {
-    enum Movement { RIGHT, LEFT, UP, DOWN };    ///< of what is in front
-
-    int count = 0;    ///< of pictures; 0: no turntable
-    Movement movement = RIGHT;
-    double amplitude = 360;    ///< of all steps together, degrees
+    TurntableSettings turntable;
 };

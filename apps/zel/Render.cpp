@@ -14,7 +14,6 @@ RenderVerb::RenderVerb(CLI::App& app)
 ExitCode RenderVerb::Run(const Console& console) const
 {
     const PictureSettings settings = m_options.GetPicture();
-    const TurntableSettings turntable = m_options.GetTurntable();
     const PictureFile target(m_target);
     if (const std::string contradiction = m_options.GetContradiction(); !contradiction.empty()) {
         console.Fail(contradiction);
@@ -29,8 +28,8 @@ ExitCode RenderVerb::Run(const Console& console) const
     DrawnFile file(console, m_file, settings);
     if (const ExitCode code = file.Open(); code != EXIT_DONE)
         return code;
-    if (turntable.count > 0)
-        return WriteTurntable(console, file, turntable, target);
+    if (settings.turntable.count > 0)
+        return WriteTurntable(console, file, settings.turntable, target);
     const Picture picture = file.Draw();
     return picture ? target.Write(console, *picture) : EXIT_FAILED;
 }

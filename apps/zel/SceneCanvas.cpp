@@ -5,11 +5,33 @@
 #include <numbers>
 #include <vector>
 
+#include "SceneExtent.h"
+
 namespace {
 
 constexpr int DEPTH = 24;    // bits; transparency is worked out of two pictures
 constexpr CRGBColor BLACK(0, 0, 0), WHITE(255, 255, 255);
 constexpr CRGBColor WIRES(40, 44, 52);
+
+double Distance(const C3DTPoint<float>& a, const C3DTPoint<float>& b)
+{
+    return std::hypot(double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z);
+}
+
+// How far the scene is turned about its own axes in a picture of a turntable.
+C4x4TMatrix<float> GetTurn(const TurntableSettings& turntable, int number)
+{
+    const double angle = number * turntable.amplitude * std::numbers::pi / 180 / std::max(1, turntable.count);
+    const C3DTVector<float> across(1, 0, 0), up(0, 0, 1);
+    C4x4TMatrix<float> turn;
+    switch (turntable.movement) {
+    case TurntableSettings::RIGHT: turn.FromQuaternion(CQuaternion(up, -angle)); break;
+    case TurntableSettings::LEFT: turn.FromQuaternion(CQuaternion(up, angle)); break;
+    case TurntableSettings::UP: turn.FromQuaternion(CQuaternion(across, angle)); break;
+    case TurntableSettings::DOWN: turn.FromQuaternion(CQuaternion(across, -angle)); break;
+    }
+    return turn;
+}
 
 // "A, B, C and 4 more", for a message.
 std::string ListNames(const C3DScene& scene, unsigned int kinds)
@@ -66,6 +88,8 @@ bool SceneCanvas::Start()
     view.viewAngle = static_cast<float>(m_settings.viewAngle * std::numbers::pi / 180);
     view.wireframeColor = WIRES;
     m_view.SetViewSettings(&view);
+    m_view.SetDrawingFlag(GLDRAW_MEMORY_BOXES, m_settings.viewFlags & VIEWFLAG_DRAW_BOXES);
+    m_view.SetDrawingFlag(GLDRAW_MEMORY_LABELS, m_settings.viewFlags & (VIEWFLAG_POINT_LABELS | VIEWFLAG_FACE_LABELS));
     WarmUp();
     return true;
 }
@@ -100,7 +124,7 @@ std::string SceneCanvas::SetScene(C3DScene& scene)
     if (m_settings.hasTime)
         scene.SetCurrentTime(m_settings.time);
     const std::string lack = PlaceEye(scene);
-    m_view.UpdateView(0);
+    m_matrix = m_view.GetViewSettings()->matrix;
     return lack;
 }
 
@@ -120,10 +144,10 @@ std::string SceneCanvas::PlaceEye(C3DScene& scene)
             return "no node " + name + ", but " + ListNames(scene, OBJECT_ANY);
     }
     m_view.SetScene(&scene, m_settings.nodes.empty() ? GLSET_FIT : GLSET_FIT | GLSET_FIT_SELECTION);
+    m_view.UpdateView(0);
     if (m_settings.useCamera)
         return LookThroughCamera(scene);
-    if (!m_settings.nodes.empty())
-        FitSelection();
+    FillPicture(scene);
     return {};
 }
 
@@ -138,31 +162,34 @@ std::string SceneCanvas::LookThroughCamera(C3DScene& scene)
     return cameras.empty() ? "no camera" : "no camera " + m_settings.camera + ", but " + cameras;
 }
 
-// The view turns about what is selected, but from as far away as the whole scene asks for. Here the eye comes nearer, as long as the near
-// clipping plane, a hundredth of the far one, lies before what is selected.
-void SceneCanvas::FitSelection()
+// The view's own way of fitting leaves room for all ways in which a user may turn the scene; a picture shows it one way, or a turntable a few.
+void SceneCanvas::FillPicture(const C3DScene& scene)
 {
-    C3DTPoint<float> min, max, center, sceneCenter = m_view.GetSceneCenter();
-    m_view.GetBBox(true, min, max, center, 0, 0);
+    constexpr double SLOPE = std::numbers::sqrt2 - 1, FILLED = 0.94;    // half of the view's 45 degrees; the rest is margin
+    constexpr int MOST_STEPS = 24;
     const GlViewSettings& view = *m_view.GetViewSettings();
-    const float sides[] = {max.x - min.x, max.y - min.y, max.z - min.z};
-    const float diagonal = std::hypot(sides[0], sides[1], sides[2]);
-    const float beyond = std::hypot(center.x - sceneCenter.x, center.y - sceneCenter.y, center.z - sceneCenter.z) + view.sceneSize / 2;
-    const float wanted = (1.21f * diagonal + 0.5f * *std::ranges::min_element(sides)) * std::max(1.0f, 1 / view.aspect);
-    const float nearest = diagonal / 2 + (wanted + beyond) / 100;
+    SceneExtent extent(SLOPE * FILLED * view.aspect, SLOPE * FILLED);
+    const int count = std::max(1, m_settings.turntable.count), steps = std::min(count, MOST_STEPS);
+    for (int i = 0; i < steps; i++)
+        extent.Add(scene, !m_settings.nodes.empty(), view.matrix * GetTurn(m_settings.turntable, i * count / steps), view.sceneCenter);
+    if (extent.IsEmpty())
+        return;
+    // The near clipping plane may come to a hundredth of the far one.
+    C3DTPoint<float> min, max, center;
+    m_view.GetBBox(false, min, max, center, 0, 0);
+    const double reach = Distance(center, view.sceneCenter) + view.sceneSize / 2;
+    const C3DTVector<float> translation = extent.GetTranslation(0.01, reach);
     GlViewSettings moved;
     moved.changeMask = GLSET_TRANSLATION;
-    moved.matrix.SetTranslation(0, 0, -std::max(wanted, nearest));
+    moved.matrix.SetTranslation(translation.x, translation.y, translation.z);
     m_view.SetViewSettings(&moved);
 }
 
-void SceneCanvas::Turn(const C3DTVector<float>& axis, double angle)
+void SceneCanvas::Turn(int number)
 {
-    C4x4TMatrix<float> turn;
-    turn.FromQuaternion(CQuaternion(axis, angle));
-    GlViewSettings view = *m_view.GetViewSettings();
+    GlViewSettings view;
     view.changeMask = GLSET_MATRIX;
-    view.matrix *= turn;
+    view.matrix = m_matrix * GetTurn(m_settings.turntable, number);
     m_view.SetViewSettings(&view);
 }
 
@@ -175,8 +202,10 @@ Picture SceneCanvas::DrawOn(const CRGBColor& background)
     return picture;
 }
 
-Picture SceneCanvas::Draw()
+Picture SceneCanvas::Draw(int number)
 {
+    if (number > 0)
+        Turn(number);
     if (!m_settings.transparent)
         return DrawOn(m_settings.background);
     const Picture onBlack = DrawOn(BLACK), onWhite = DrawOn(WHITE);

@@ -23,21 +23,21 @@ public:
     ///
     /// @return  what the scene lacks of what the settings name; empty for nothing
     std::string SetScene(C3DScene& scene);
-    /// Turns what is seen by an angle in radians about an axis of the scene.
-    void Turn(const C3DTVector<float>& axis, double angle);
-    /// A picture as the settings tell; null when it cannot be had.
-    Picture Draw();
+    /// A picture as the settings tell, of a turntable the one of that number; null when it cannot be had.
+    Picture Draw(int number = 0);
 
 private:
     bool CreateSurface();
     void WarmUp();
     std::string PlaceEye(C3DScene& scene);
     std::string LookThroughCamera(C3DScene& scene);
-    void FitSelection();
+    void FillPicture(const C3DScene& scene);
+    void Turn(int number);
     Picture DrawOn(const CRGBColor& background);
 
     const PictureSettings m_settings;
     C3DView m_view;
     std::unique_ptr<C3DScene, ReleaseScene> m_sample;    ///< for WarmUp
     int m_antialias;
+    C4x4TMatrix<float> m_matrix;    ///< of the first picture
 };

@@ -15,7 +15,6 @@ ExitCode ThumbnailVerb::Run(const Console& console) const
     PictureSettings settings;
     settings.size = CSize(m_size, m_size);
     settings.transparent = true;
-    settings.viewFlags |= VIEWFLAG_ECONOMY;
     const PictureFile target(m_target, FourCC("PNG "));    // programs that ask for thumbnails may want them in a file without extension
     if (!target.Check(console, true))
         return EXIT_USAGE;

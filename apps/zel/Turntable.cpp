@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <future>
-#include <numbers>
 #include <utility>
 
 namespace {
@@ -16,25 +15,11 @@ int GetDuration(const TurntableSettings& turntable)
     return static_cast<int>(std::clamp(std::round(one / TELLABLE) * TELLABLE, 20.0, 1000.0));
 }
 
-void TurnOn(SceneCanvas& canvas, const TurntableSettings& turntable)
-{
-    const double step = turntable.amplitude * std::numbers::pi / 180 / turntable.count;
-    const C3DTVector<float> across(1, 0, 0), up(0, 0, 1);
-    switch (turntable.movement) {
-    case TurntableSettings::RIGHT: canvas.Turn(up, -step); break;
-    case TurntableSettings::LEFT: canvas.Turn(up, step); break;
-    case TurntableSettings::UP: canvas.Turn(across, step); break;
-    case TurntableSettings::DOWN: canvas.Turn(across, -step); break;
-    }
-}
-
 ExitCode WriteAnimation(const Console& console, DrawnFile& file, const TurntableSettings& turntable, const PictureFile& target)
 {
     CFrameBitmap frames;
     for (int i = 0; i < turntable.count; i++) {
-        if (i > 0)
-            TurnOn(file.GetCanvas(), turntable);
-        Picture picture = file.Draw();
+        Picture picture = file.Draw(i);
         if (!picture)
             return EXIT_FAILED;
         frames.AddFrame(new CLayerBitmap(picture.release()), GetDuration(turntable));
@@ -48,9 +33,7 @@ ExitCode WriteSeries(const Console& console, DrawnFile& file, const TurntableSet
     std::future<ExitCode> writing;
     const auto finish = [&] { return writing.valid() ? writing.get() : EXIT_DONE; };
     for (int i = 0; i < turntable.count; i++) {
-        if (i > 0)
-            TurnOn(file.GetCanvas(), turntable);
-        Picture picture = file.Draw();
+        Picture picture = file.Draw(i);
         if (const ExitCode code = finish(); code != EXIT_DONE || !picture)
             return code != EXIT_DONE ? code : EXIT_FAILED;
         writing = std::async(std::launch::async,

@@ -1,0 +1,91 @@
+#include "SceneExtent.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// A length along a direction, of points as they stand in a node.
+struct Gauge {
+    double x, y, z, offset;
+
+    double operator()(const C3DTPoint<float>& point) const { return x * point.x + y * point.y + z * point.z + offset; }
+};
+
+// Of points of the eye's space, where `along` is; `node` leads to the scene, and `view` on to the eye.
+Gauge MakeGauge(const double (&along)[3], const C4x4TMatrix<float>& view, const C4x4TMatrix<float>& node, const C3DTPoint<float>& center)
+{
+    double inScene[3] = {}, inNode[3] = {};
+    for (int i = 0; i < 3; i++)
+        for (int row = 0; row < 3; row++)
+            inScene[i] += along[row] * view.m[row][i];
+    Gauge gauge{};
+    for (int i = 0; i < 3; i++) {
+        for (int row = 0; row < 3; row++)
+            inNode[i] += inScene[row] * node.m[row][i];
+        gauge.offset += inScene[i] * (double{node.m[i][3]} - center[i]);
+    }
+    gauge.x = inNode[0];
+    gauge.y = inNode[1];
+    gauge.z = inNode[2];
+    return gauge;
+}
+
+/// Calls `use` for each point that a face has, or for all where there are no faces.
+template <class USE> void ForEachPoint(C3DGeomObject& object, USE&& use)
+{
+    const C3DPointList& points = *object.GetPointList();
+    const int count = points.GetSize();
+    const C3DFaceList* const faces = object.GetFaceList();
+    if (!faces || faces->GetSize() == 0) {
+        for (int i = 0; i < count; i++)
+            use(*points.ElementAt(i));
+        return;
+    }
+    for (unsigned int face = 0; face < static_cast<unsigned int>(faces->GetSize()); face++) {
+        int corners;
+        const int* const indexes = faces->GetIndexes(face, corners);
+        for (int i = 0; i < corners && !faces->IsFaceOneFlagSet(face, FACE_INVALID | FACE_EMPTY); i++)
+            if (indexes[i] >= 0 && indexes[i] < count)
+                use(*points.ElementAt(indexes[i]));
+    }
+}
+
+}
+
+void SceneExtent::Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center)
+{
+    const double along[MEASURES][3] = {{1, 0, m_slopes[0]}, {-1, 0, m_slopes[0]}, {0, 1, m_slopes[1]}, {0, -1, m_slopes[1]}, {0, 0, 1}};
+    const int time = scene.GetTickCount();
+    for (C3DNodePos pos = scene.GetFirstNode(OBJECT_POLYGONAL | OBJECT_CURVE | OBJECT_PATCH); pos;) {
+        const C3DSceneNode* const node = scene.GetNextNode(pos);
+        C3DBaseObject* const shown = node->GetFinalObject(time);
+        C3DGeomObject* const object = shown ? static_cast<C3DGeomObject*>(*shown) : nullptr;
+        if (!object || node->IsFlagSet(NODE_HIDDEN) || (selectedOnly && !node->IsFlagSet(NODE_SELECTED)))
+            continue;
+        C4x4TMatrix<float> matrix;
+        node->GetNodeTM(time, matrix, true);
+        Gauge gauges[MEASURES];
+        for (int i = 0; i < MEASURES; i++)
+            gauges[i] = MakeGauge(along[i], view, matrix, center);
+        ForEachPoint(*object, [&](const C3DTPoint<float>& point) {
+            for (int i = 0; i < MEASURES; i++)
+                m_most[i] = std::max(m_most[i], gauges[i](point));    // what is no number stays out
+        });
+    }
+}
+
+// A point at x, z is in the picture when |x + tx| is at most slope * -(z + tz). The point that reaches furthest to the right and the one that
+// reaches furthest to the left touch the sides when
+//
+//     tx + slope * tz = -most[RIGHT]    and    -tx + slope * tz = -most[LEFT]
+//
+// and likewise above and below; the larger distance serves both.
+C3DTVector<float> SceneExtent::GetTranslation(double clearance, double reach) const
+{
+    const double nearest = (m_most[TOWARDS] + clearance * reach) / (1 - clearance);
+    const double distance =
+        std::max({(m_most[RIGHT] + m_most[LEFT]) / (2 * m_slopes[0]), (m_most[TOP] + m_most[BOTTOM]) / (2 * m_slopes[1]), nearest});
+    return {static_cast<float>((m_most[LEFT] - m_most[RIGHT]) / 2), static_cast<float>((m_most[BOTTOM] - m_most[TOP]) / 2),
+            static_cast<float>(-distance)};
+}
