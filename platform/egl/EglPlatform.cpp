@@ -65,6 +65,12 @@ void CEglPlatform::DeleteContext(HGLRC context)
     delete context;
 }
 
+void BindAPI(const GLCurrentState& state)
+{
+    if (state[FORMER_API])
+        eglBindAPI(static_cast<EGLenum>(reinterpret_cast<std::uintptr_t>(state[FORMER_API])));
+}
+
 bool CEglPlatform::MakeCurrent(CDC& dc, HGLRC context, GLCurrentState& former)
 {
     former[FORMER_DISPLAY] = eglGetCurrentDisplay();
@@ -76,7 +82,7 @@ bool CEglPlatform::MakeCurrent(CDC& dc, HGLRC context, GLCurrentState& former)
     eglBindAPI(EGL_OPENGL_API);
     if (eglMakeCurrent(context->display, surface, surface, context->context))
         return true;
-    eglBindAPI(static_cast<EGLenum>(reinterpret_cast<std::uintptr_t>(former[FORMER_API])));
+    BindAPI(former);
     return false;
 }
 
@@ -85,7 +91,7 @@ void CEglPlatform::Restore(CDC& dc, const GLCurrentState& former)
     if (!former[FORMER_CONTEXT] ||
         !eglMakeCurrent(former[FORMER_DISPLAY], former[FORMER_DRAW], former[FORMER_READ], former[FORMER_CONTEXT]))
         eglMakeCurrent(static_cast<CEglSurface&>(dc).GetDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglBindAPI(static_cast<EGLenum>(reinterpret_cast<std::uintptr_t>(former[FORMER_API])));
+    BindAPI(former);
 }
 
 }

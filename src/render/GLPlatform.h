@@ -46,7 +46,7 @@ public:
 
     /// On a window of the window system (IWindowPeer::GetNativeHandle: the number of an X11 window), with exactly that number of samples (0: none).
     virtual std::unique_ptr<CDC> CreateWindowDC(void* nativeWindow, int samples) = 0;
-    /// Off screen, with `depth` bits of colour, 24 or 32. The largest that can be had when that is more than there is.
+    /// Off screen, with at least `depth` bits of colour, 24 or 32. The largest that can be had when that is more than there is.
     virtual std::unique_ptr<CDC> CreatePBuffer(int width, int height, int depth) = 0;
     /// Off screen, in memory that any driver can draw to.
     virtual std::unique_ptr<CDC> CreateMemoryDC(int width, int height, int depth) = 0;
@@ -55,9 +55,10 @@ public:
     /// Accepts null. A context that is current stays usable until another becomes so.
     virtual void DeleteContext(HGLRC context) = 0;
 
-    /// Makes the pair current and tells what was so before; false, with nothing changed, when it is current on another thread.
+    /// Makes the pair current; false, with nothing changed, when it is current on another thread. `former`: what was current before, either
+    /// way.
     virtual bool MakeCurrent(CDC& dc, HGLRC context, GLCurrentState& former) = 0;
-    /// Makes current again what was. `dc` is what is current now.
+    /// Makes current again what was; nothing for an empty state. `dc` is what is current now.
     virtual void Restore(CDC& dc, const GLCurrentState& former) = 0;
 };
 

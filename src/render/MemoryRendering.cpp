@@ -27,6 +27,10 @@ int C3DView::CreateMemoryRendering(int width, int height, int depth)
     m_requestedDepth = depth;
 
     const CGLActivate activate(this);
+    if (!IsActive()) {
+        DeleteMemoryRendering();
+        return 0;
+    }
     InitGLContext();
     SizeChanged(width, height);    // the aspect is that of the picture
     m_viewSize = GetClientDC()->GetSize();
@@ -147,12 +151,21 @@ Bitmap* C3DView::CreateBitmapFromMemory()
 // Draws once more, into the depths alone, as if nothing were transparent.
 void C3DView::RenderDepthOfAlpha()
 {
-    const unsigned int flags = m_settings.viewFlags;
-    if (!m_scene || m_transparentObjects.IsEmpty() || !(flags & VIEWFLAG_TRANSPARENCY) || !IsSolid())
+    if (!m_scene || m_transparentObjects.IsEmpty() || !(m_settings.viewFlags & VIEWFLAG_TRANSPARENCY) || !IsSolid())
         return;
-    CHashTable<int> transparentObjects = std::move(m_transparentObjects);
-    m_settings.viewFlags = (flags & ~VIEWFLAG_TRANSPARENCY) | VIEWFLAG_NO_CLEAR | VIEWFLAG_NO_COLOR_WRITE;
+    struct Opaque {    // also when a host's callback throws
+        explicit Opaque(C3DView& v) : view(v), flags(v.m_settings.viewFlags), objects(std::move(v.m_transparentObjects))
+        {
+            view.m_settings.viewFlags = (flags & ~VIEWFLAG_TRANSPARENCY) | VIEWFLAG_NO_CLEAR | VIEWFLAG_NO_COLOR_WRITE;
+        }
+        ~Opaque()
+        {
+            view.m_settings.viewFlags = flags;
+            view.m_transparentObjects = std::move(objects);
+        }
+        C3DView& view;
+        const unsigned int flags;
+        CHashTable<int> objects;
+    } const opaque(*this);
     RenderScene(nullptr);
-    m_settings.viewFlags = flags;
-    m_transparentObjects = std::move(transparentObjects);
 }

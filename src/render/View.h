@@ -235,8 +235,8 @@ protected:
     // ViewContexts.cpp
     void Activate();
     void Deactivate();
-    /// Whether the view's own context is current: in vain where GL would draw into a host's.
-    bool IsActive() const { return m_activeDC != nullptr; }
+    /// Whether the view's own context is current. Where it cannot be, none is, and GL does nothing.
+    bool IsActive() const { return m_isCurrent; }
     void MakeTopCurrent();
     void RestoreFormer();
     void StackChanged();
@@ -392,6 +392,7 @@ private:
     std::vector<std::unique_ptr<CDC>> m_dcs;    ///< of m_contexts, one each
     int m_activations = 0;
     CDC* m_activeDC = nullptr;    ///< what is drawn on between activation and deactivation; null when there is nothing
+    bool m_isCurrent = false;     ///< its context is, in between
     GLCurrentState m_former{};    ///< what was current before
     unsigned int m_drawingFlags = 0;
     CSize m_viewSize;

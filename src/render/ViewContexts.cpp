@@ -22,7 +22,10 @@ void C3DView::MakeTopCurrent()
     if (m_contexts.empty())
         return;
     const _GLContext& top = m_contexts.back();
-    m_activeDC = m_platform.MakeCurrent(*top.dc, top.context, m_former) ? top.dc : nullptr;
+    m_activeDC = top.dc;
+    m_isCurrent = m_platform.MakeCurrent(*top.dc, top.context, m_former);
+    if (!m_isCurrent)
+        m_platform.Restore(*top.dc, {});    // GL goes nowhere rather than into the host's context
 }
 
 void C3DView::RestoreFormer()
@@ -30,6 +33,7 @@ void C3DView::RestoreFormer()
     if (m_activeDC)
         m_platform.Restore(*m_activeDC, m_former);
     m_activeDC = nullptr;
+    m_isCurrent = false;
 }
 
 // Making and deleting contexts.
@@ -118,7 +122,7 @@ void C3DView::InitViewFlag()
     if (!IsActive() || m_settings.viewFlags == m_appliedFlags)
         return;
     // Coverage by alpha means something to samples alone; without them it would thin what is transparent twice.
-    const bool samples = GetClientDC() && GetClientDC()->GetSamples() > 0;
+    const bool samples = GetClientDC()->GetSamples() > 0;
     glEnable(GL_MULTISAMPLE);
     Enable(GL_SAMPLE_ALPHA_TO_COVERAGE, samples && GetViewProfile(PROFILE_ALPHA_CUT) != 0);
     InitMapping();

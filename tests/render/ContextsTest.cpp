@@ -220,13 +220,26 @@ TEST(MemoryRendering, FallsBackOrSaysSoWhicheverStepFails)
 
 TEST(MemoryRendering, DrawsNothingWhereItsContextCannotBeCurrent)
 {
+    C3DView host;
+    ASSERT_TRUE(host.CreateMemoryRendering(8, 8, 24));
+    const CGLActivate activate(&host);
+    glClearColor(0.5f, 0, 0, 0);
+    const Current before;
+
     CFaultyPlatform platform;
     CPaintedView view;
     ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
     platform.faults = {"MakeCurrent"};
+    view.PaintHalves();    // not into the host's context
     EXPECT_FALSE(view.CreateBitmapFromScene());
+    EXPECT_EQ(C3DView().CreateMemoryRendering(16, 16, 24), 0);
+    EXPECT_EQ(platform.contexts, 1);
     platform.faults = {};
     EXPECT_TRUE(view.GetHalves());
+    EXPECT_EQ(Current(), before);
+    GLfloat color[4];
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, color);
+    EXPECT_EQ(color[0], 0.5f);
 }
 
 TEST(MemoryRendering, RefusesSizesThatNoPictureHas)

@@ -64,7 +64,12 @@ public:
     }
     bool MakeCurrent(CDC& dc, HGLRC context, GLCurrentState& former) override
     {
-        return Does("MakeCurrent") && m_egl.MakeCurrent(*Of(dc).inner, context, former);
+        if (!m_egl.MakeCurrent(*Of(dc).inner, context, former))
+            return false;
+        if (Does("MakeCurrent"))
+            return true;
+        m_egl.Restore(*Of(dc).inner, former);
+        return false;
     }
     void Restore(CDC& dc, const GLCurrentState& former) override { m_egl.Restore(*Of(dc).inner, former); }
 
