@@ -42,6 +42,7 @@ void Blend()
 {
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glDisable(GL_SAMPLE_ALPHA_TO_COVERAGE);    // alpha would thin twice
 }
 
 void SmoothLines()

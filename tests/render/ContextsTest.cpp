@@ -12,6 +12,7 @@
 
 #include "render/FaultyPlatform.h"
 #include "render/MemoryProfile.h"
+#include "render/RenderingMode.h"
 #include "render/ViewCase.h"
 #include "render/ViewProfile.h"
 #include "scene/Primitives.h"
@@ -410,6 +411,12 @@ TEST(WindowContext, CoversByAlphaWhereThereAreSamplesAlone)
             view.UpdateView(0);
             DeleteMe(scene);
             const CGLActivate activate(&view);
-            EXPECT_EQ(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE), samples > 0 && alphaCut != 0);
+            const bool covers = samples > 0 && alphaCut != 0;
+            EXPECT_EQ(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE), covers);
+            {
+                const CGLRenderingMode blend(view, GLMODE_BLEND);
+                EXPECT_FALSE(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE));
+            }
+            EXPECT_EQ(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE), covers);
         }
 }
