@@ -54,14 +54,12 @@ void C3DView::InitTransparentMaterials()
     m_transparentMaterials.RemoveAll();
     for (unsigned int pos = m_scene->GetFirstMaterial(); pos != HASH_END;) {
         C3DMaterial* const material = m_scene->GetNextMaterial(pos);
-        const unsigned int id = material->GetMaterialID();
         if (material->IsOneFlagSet(MATERIAL_CHANGES)) {
             // Every object is compiled anew behind this, so that news of colours is no news.
             material->SetFlags(MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED, false);
-            MaterialChanged(id);
+            MaterialChanged(material->GetMaterialID());
         }
-        if (material->IsTransparent(GetTick()) || m_alphaMaterials.Find(static_cast<int>(id)))
-            m_transparentMaterials.Insert(static_cast<int>(id));
+        NoteTransparency(*material);
     }
 }
 
@@ -233,7 +231,6 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
     if (wires) {
         m_element.viewFlags &= ~VIEWFLAG_TEXTURE;
         glDisable(GL_TEXTURE_2D);
-        m_textureBound = false;
         if (m_element.viewFlags & VIEWFLAG_SOLID)
             glDisable(GL_LIGHTING);
     }

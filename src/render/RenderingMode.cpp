@@ -40,6 +40,7 @@ GLbitfield GetChanges(unsigned int mode)
 
 void Blend()
 {
+    glDisable(GL_SAMPLE_ALPHA_TO_COVERAGE);    // what blends would be thinned twice
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDisable(GL_SAMPLE_ALPHA_TO_COVERAGE);    // alpha would thin twice

@@ -417,7 +417,7 @@ private:
     // Materials
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;
     unsigned int m_currentMaterial = 0xFFFFFFFF;
-    bool m_textureBound = false, m_texturesLoaded = false, m_lightingInUse = false;
+    bool m_texturesLoaded = false, m_lightingInUse = false;
     /// While corners set their colours: the material that they change, and what the last of them had.
     struct {
         unsigned int materialID = 0xFFFFFFFF;

@@ -55,8 +55,11 @@ void C3DView::InitMapping()
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, m_settings.viewFlags & VIEWFLAG_PERSPECTIVE_HINT ? GL_NICEST : GL_FASTEST);
     C3DFaceList::MaterialsMap used;
     m_scene->GetMaterials(nullptr, used, true);
-    for (const auto& entry : used)
+    for (const auto& entry : used) {
         InitMaterialMapping(entry.first, false);
+        if (C3DMaterial* const material = m_scene->GetMaterialByID(entry.first))    // what is read now is news no more
+            material->SetFlags(MATERIAL_TEXTURE_CHANGED | MATERIAL_IMAGES_CHANGED, false);
+    }
     m_texturesLoaded = true;
 }
 
@@ -149,7 +152,6 @@ void C3DView::EnableTexture(int on)
         glEnable(GL_TEXTURE_2D);
     else
         glDisable(GL_TEXTURE_2D);
-    m_textureBound = on != 0;
 }
 
 void C3DView::InitTexture()
