@@ -32,7 +32,7 @@ bool C3DView::IsNodeDrawn(int pass, const DrawnNode& drawn, unsigned int mode)
     if (pass == PASS_TRANSPARENT && !m_pick && !drawn.hasTransparent)
         return false;
     if (drawn.kind == OBJECT_GROUP) {
-        if (pass == PASS_WIRES && drawn.isSelected && !drawn.isHidden)
+        if (pass == PASS_WIRES && drawn.isSelected && !drawn.isHidden && !m_pick)
             DrawBox(drawn.node);
         return false;
     }

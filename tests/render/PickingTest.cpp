@@ -219,6 +219,23 @@ TEST(Picking, WorksThroughTransformsInstancesAndProjections)
     }
 }
 
+TEST(Picking, TheBoxOfASelectedGroupIsNoHit)
+{
+    Picked of;
+    C3DSceneNode* const group = new C3DSceneNode;
+    group->SetObject(new C3DGroup, true);
+    of.scene->AddNode(nullptr, group);
+    C3DSceneNode* const left = CreateCube({-3, 0, -3}, 1, 1, 1, false, 0, 0);
+    C3DSceneNode* const right = CreateCube({3, 0, 3}, 1, 1, 1, false, 0, 0);
+    of.scene->AddNode(group, left);
+    of.scene->AddNode(group, right);
+    group->SetFlag(NODE_SELECTED, true);
+    of.Show();
+    of.view.SetDrawingFlag(GLDRAW_MEMORY_BOXES, true);
+    EXPECT_EQ(of.Rect(0, 0, Picked::WIDTH, Picked::HEIGHT), (Nodes{left, right}));
+    EXPECT_EQ(of.Click({-3.5, -0.5, 1}), nullptr);    // on the box
+}
+
 TEST(Picking, LeavesTheViewAsItWas)
 {
     Picked of;
