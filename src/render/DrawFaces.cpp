@@ -72,7 +72,7 @@ class CCornerSender {
 public:
     CCornerSender(C3DView& view, const CGeomInfo& info)
         : m_view(view), m_element(view.m_element), m_info(info), m_mesh(view.m_list.mesh.get()),
-          m_smooth(m_element.nodeMode == VIEWFLAG_SMOOTH)
+          m_smooth(m_element.nodeMode == VIEWFLAG_SMOOTH), m_lastCornerCounts(!m_smooth && !(m_element.viewFlags & VIEWFLAG_SMOOTH))
     {
         if (m_smooth && m_element.pointNormals)
             m_element.pointNormals->PrepareSmoothing(&info, m_element.specNormals);
@@ -84,15 +84,16 @@ public:
             m_faceNormal = m_element.faceNormalList->ElementAt(m_element.faceNumber);
         if (m_element.face.GetSize() == 3) {
             for (int corner = 0; corner < 3; corner++)
-                SendCorner(corner);
+                SendCorner(corner, corner == 2);
             return;
         }
+        int sent = 0;
         for (const int corner : m_cutter.Cut(m_info, m_element.face))
-            SendCorner(corner);
+            SendCorner(corner, ++sent % 3 == 0);
     }
 
 private:
-    void SendCorner(int corner)
+    void SendCorner(int corner, bool last)
     {
         const int number = m_element.face[corner];
         C3DTPoint<float>* const point = m_element.pointList->ElementAt(number);
@@ -107,6 +108,10 @@ private:
         const C3DTVector<float>* const normal =
             m_smooth ? m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, corner, &status) : m_faceNormal;
         const CUVWPoint* const uvw = m_element.uvwInUse ? m_element.uvwPointList->ElementAt(m_element.uvwFace[corner]) : nullptr;
+        if (m_mesh && m_lastCornerCounts && !last) {
+            m_mesh->AddCornerOfAnyNormal(number, *point, normal, uvw);
+            return;
+        }
         if (m_mesh) {
             const CRGBColor color = ownMaterial ? m_view.GetMixedColor(m_view.GetCornerColor(corner)) : CRGBColor();
             m_mesh->AddCorner(number, *point, normal, uvw, color);
@@ -124,6 +129,7 @@ private:
     const CGeomInfo& m_info;
     CMeshBuffer* const m_mesh;
     const bool m_smooth;
+    const bool m_lastCornerCounts;    ///< GL shades flat: a triangle has the colour of its last corner
     const C3DTVector<float>* m_faceNormal = nullptr;
     CFaceCutter m_cutter;
 };

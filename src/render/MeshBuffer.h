@@ -36,6 +36,17 @@ public:
             }
         AddVertex(number, point, normal, uvw, color);
     }
+    /// A corner whose normal does not count, for another one gives its triangle the colour: any vertex of the point that has the coordinate.
+    void AddCornerOfAnyNormal(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
+    {
+        unsigned int vertex = m_firstVertex[number];
+        for (unsigned int step = 0; vertex != NONE && step < MOST_STEPS; vertex = m_sources[vertex].next, step++)
+            if (m_sources[vertex].uvw == uvw) {
+                m_indexes.push_back(vertex);
+                return;
+            }
+        AddVertex(number, point, normal, uvw, {});
+    }
     /// Gives GL the vertices and forgets them here.
     void Upload();
 
