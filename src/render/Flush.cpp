@@ -246,8 +246,8 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
     return true;
 }
 
-/// Corners with a material of their own, and lists inside those of a host, are GL's alone.
-bool C3DView::MayUseMesh() const { return m_listDepth == 1 && !m_faceCallback; }
+/// Corners whose material a host sets, and lists inside those of a host, are GL's alone.
+bool C3DView::MayUseMesh() const { return m_listDepth == 1 && !m_faceCallback && !m_pointMaterialCallback; }
 
 /// Every corner of a live face has a given normal, so that none needs to be worked out.
 static bool HasAllNormals(CSpecNormalChannel* given, const C3DFaceList& faces)
