@@ -114,7 +114,10 @@ void SceneCanvas::WarmUp()
 {
     m_view.SetScene(m_sample.get(), GLSET_FIT);
     m_view.UpdateView(0);
-    Picture(m_view.CreateBitmapFromScene());
+    {
+        const CGLActivate active(&m_view);
+        m_view.RenderScene(nullptr);
+    }
     m_view.SetScene(nullptr, 0);
     m_sample.reset();
 }

@@ -31,23 +31,17 @@ Gauge MakeGauge(const double (&along)[3], const C4x4TMatrix<float>& view, const 
     return gauge;
 }
 
-/// Calls `use` for each point that a face has, or for all where there are no faces.
+/// Calls `use` for each point that a face may have: where there are faces, for those inside their box.
 template <class USE> void ForEachPoint(C3DGeomObject& object, USE&& use)
 {
     const C3DPointList& points = *object.GetPointList();
-    const int count = points.GetSize();
-    const C3DFaceList* const faces = object.GetFaceList();
-    if (!faces || faces->GetSize() == 0) {
-        for (int i = 0; i < count; i++)
-            use(*points.ElementAt(i));
+    C3DTPoint<float> min(-HUGE_VALF, -HUGE_VALF, -HUGE_VALF), max(HUGE_VALF, HUGE_VALF, HUGE_VALF);
+    if (object.GetFaceNbr() > 0 && !object.GetBoundingBox(min, max, BOX_FACES))
         return;
-    }
-    for (unsigned int face = 0; face < static_cast<unsigned int>(faces->GetSize()); face++) {
-        int corners;
-        const int* const indexes = faces->GetIndexes(face, corners);
-        for (int i = 0; i < corners && !faces->IsFaceOneFlagSet(face, FACE_INVALID | FACE_EMPTY); i++)
-            if (indexes[i] >= 0 && indexes[i] < count)
-                use(*points.ElementAt(indexes[i]));
+    for (int i = 0; i < points.GetSize(); i++) {
+        const C3DTPoint<float>& point = *points.ElementAt(i);
+        if (point.x >= min.x && point.y >= min.y && point.z >= min.z && point.x <= max.x && point.y <= max.y && point.z <= max.z)
+            use(point);
     }
 }
 
@@ -70,7 +64,7 @@ void SceneExtent::Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatri
             gauges[i] = MakeGauge(along[i], view, matrix, center);
         ForEachPoint(*object, [&](const C3DTPoint<float>& point) {
             for (int i = 0; i < MEASURES; i++)
-                m_most[i] = std::max(m_most[i], gauges[i](point));    // what is no number stays out
+                m_most[i] = std::max(m_most[i], gauges[i](point));
         });
     }
 }

@@ -11,7 +11,7 @@ public:
     SceneExtent(double halfWidth, double halfHeight) : m_slopes{halfWidth, halfHeight} {}
 
     /// Adds what a scene shows at its time, or what is selected of it, turned about `center` by the upper rows of `view`. Hidden nodes have no
-    /// part in it. Linear in the corners of faces and the points of curves.
+    /// part in it. Linear in points.
     void Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center);
     /// Whether anything was added that has a place.
     bool IsEmpty() const { return !(m_most[TOWARDS] >= -HUGE_VAL && m_most[TOWARDS] < HUGE_VAL); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -72,6 +73,43 @@ void ShrinkRow(const float* row, const std::vector<Taps>& taps, int channels, fl
     }
 }
 
+/// Shrinks by whole numbers, at most MOST pixels into one: sums of bytes, where the general way goes through floats. Not for pictures with alpha.
+class BlockAverage {
+public:
+    static constexpr int MOST = 64;    // below it the division by multiplication is exact
+
+    BlockAverage(int width, int channels, int across, int down)
+        : m_width(width), m_channels(channels), m_across(across), m_count(static_cast<std::uint32_t>(across * down)),
+          m_inverse((1u << SHIFT) / m_count + 1), m_sums(static_cast<size_t>(width) * across * channels)
+    {
+    }
+    void Add(const unsigned char* row)
+    {
+        for (size_t i = 0; i < m_sums.size(); i++)
+            m_sums[i] = static_cast<std::uint16_t>(m_sums[i] + row[i]);
+    }
+    /// The rows added, as one; begins anew.
+    void Store(unsigned char* out)
+    {
+        const std::uint16_t* sum = m_sums.data();
+        for (int x = 0; x < m_width; x++, sum += m_across * m_channels)
+            for (int c = 0; c < m_channels; c++) {
+                std::uint32_t total = m_count / 2;
+                for (int k = 0; k < m_across; k++)
+                    total += sum[k * m_channels + c];
+                *out++ = static_cast<unsigned char>(total * m_inverse >> SHIFT);
+            }
+        std::ranges::fill(m_sums, std::uint16_t{0});
+    }
+
+private:
+    static constexpr int SHIFT = 20;
+
+    int m_width, m_channels, m_across;
+    std::uint32_t m_count, m_inverse;
+    std::vector<std::uint16_t> m_sums;    // at most MOST bytes each
+};
+
 inline void ConvertPixel(const unsigned char* source, int from, unsigned char* target, int to)
 {
     if (to == 1) {
@@ -129,6 +167,14 @@ bool Bitmap::Resize(int width, int height, int mode)
                 const size_t source = static_cast<size_t>((2LL * x + 1) * m_width / (2LL * width));
                 std::memcpy(&pixels[y * rowSize + static_cast<size_t>(x) * channels], line + source * channels, channels);
             }
+        }
+    } else if (const int across = m_width / width, down = m_height / height;
+               channels != 4 && across * width == m_width && down * height == m_height && across * down <= BlockAverage::MOST) {
+        BlockAverage average(width, channels, across, down);
+        for (int y = 0; y < height; y++) {
+            for (int k = 0; k < down; k++)
+                average.Add(GetLine(y * down + k));
+            average.Store(&pixels[y * rowSize]);
         }
     } else {
         const std::vector<Taps> columns = MakeTaps(m_width, width), rows = MakeTaps(m_height, height);
