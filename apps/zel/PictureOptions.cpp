@@ -10,6 +10,7 @@ namespace {
 constexpr int MOST_PIXELS = 16384;    // a side: what drivers give at most
 constexpr const char* TRANSPARENT = "transparent";
 constexpr std::string_view CAMERA = "camera";
+constexpr CRGBColor NIGHT(36, 39, 45);    // wires have the colors of their materials, which are mostly light
 
 const std::map<std::string, unsigned int> MODES = {{"wireframe", VIEWFLAG_WIREFRAME},
                                                    {"flat", VIEWFLAG_FLAT},
@@ -144,7 +145,8 @@ void PictureOptions::AddWhatIsShown(CLI::App& verb)
         ->check(CLI::IsMember(MODES).description(""))
         ->type_name("MODE")
         ->group(GROUP);
-    verb.add_option("--background", m_background, "Color: #rgb, #rrggbb, r,g,b, a name, or transparent")
+    verb.add_option("--background", m_background,
+                    "Color: #rgb, #rrggbb, r,g,b, a name, or transparent; light by default, dark behind wires alone")
         ->check(CheckBackground)
         ->type_name("COLOR")
         ->group(GROUP);
@@ -222,6 +224,8 @@ PictureSettings PictureOptions::GetPicture() const
         picture.camera = m_view.substr(std::min(CAMERA.size() + 1, m_view.size()));
     else if (!m_view.empty())
         picture.view = VIEWS.at(m_view);
+    if (m_mode == "wireframe")
+        picture.background = NIGHT;
     picture.transparent = m_background == TRANSPARENT;
     if (!m_background.empty() && !picture.transparent)
         picture.background = *ParseColor(m_background);

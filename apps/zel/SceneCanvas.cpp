@@ -173,13 +173,17 @@ void SceneCanvas::FillPicture(const C3DScene& scene)
     const GlViewSettings& view = *m_view.GetViewSettings();
     SceneExtent extent(SLOPE * FILLED * view.aspect, SLOPE * FILLED);
     const int count = std::max(1, m_settings.turntable.count), steps = std::min(count, MOST_STEPS);
-    for (int i = 0; i < steps; i++)
-        extent.Add(scene, !m_settings.nodes.empty(), view.matrix * GetTurn(m_settings.turntable, i * count / steps), view.sceneCenter);
+    C3DTPoint<float> min, max, center;
+    m_view.GetBBox(false, min, max, center, 0, 0);
+    for (int i = 0; i < steps; i++) {
+        const C4x4TMatrix<float> turned = view.matrix * GetTurn(m_settings.turntable, i * count / steps);
+        extent.Add(scene, !m_settings.nodes.empty(), turned, view.sceneCenter);
+        if (m_settings.viewFlags & VIEWFLAG_DRAW_BOXES && m_settings.nodes.empty())
+            extent.AddBox(min, max, turned, view.sceneCenter);
+    }
     if (extent.IsEmpty())
         return;
     // The near clipping plane may come to a hundredth of the far one.
-    C3DTPoint<float> min, max, center;
-    m_view.GetBBox(false, min, max, center, 0, 0);
     const double reach = Distance(center, view.sceneCenter) + view.sceneSize / 2;
     const C3DTVector<float> translation = extent.GetTranslation(0.01, reach);
     GlViewSettings moved;

@@ -47,9 +47,30 @@ template <class USE> void ForEachPoint(C3DGeomObject& object, USE&& use)
 
 }
 
+/// Those of all measures, for the points of one node.
+class SceneExtent::Gauges {
+public:
+    Gauges(SceneExtent& extent, const C4x4TMatrix<float>& view, const C4x4TMatrix<float>& node, const C3DTPoint<float>& center)
+        : m_most(extent.m_most)
+    {
+        const double across = extent.m_slopes[0], along = extent.m_slopes[1];
+        const double directions[MEASURES][3] = {{1, 0, across}, {-1, 0, across}, {0, 1, along}, {0, -1, along}, {0, 0, 1}};
+        for (int i = 0; i < MEASURES; i++)
+            m_gauges[i] = MakeGauge(directions[i], view, node, center);
+    }
+    void Add(const C3DTPoint<float>& point)
+    {
+        for (int i = 0; i < MEASURES; i++)
+            m_most[i] = std::max(m_most[i], m_gauges[i](point));
+    }
+
+private:
+    double (&m_most)[MEASURES];
+    Gauge m_gauges[MEASURES];
+};
+
 void SceneExtent::Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center)
 {
-    const double along[MEASURES][3] = {{1, 0, m_slopes[0]}, {-1, 0, m_slopes[0]}, {0, 1, m_slopes[1]}, {0, -1, m_slopes[1]}, {0, 0, 1}};
     const int time = scene.GetTickCount();
     for (C3DNodePos pos = scene.GetFirstNode(OBJECT_POLYGONAL | OBJECT_CURVE | OBJECT_PATCH); pos;) {
         const C3DSceneNode* const node = scene.GetNextNode(pos);
@@ -59,14 +80,17 @@ void SceneExtent::Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatri
             continue;
         C4x4TMatrix<float> matrix;
         node->GetNodeTM(time, matrix, true);
-        Gauge gauges[MEASURES];
-        for (int i = 0; i < MEASURES; i++)
-            gauges[i] = MakeGauge(along[i], view, matrix, center);
-        ForEachPoint(*object, [&](const C3DTPoint<float>& point) {
-            for (int i = 0; i < MEASURES; i++)
-                m_most[i] = std::max(m_most[i], gauges[i](point));
-        });
+        Gauges gauges(*this, view, matrix, center);
+        ForEachPoint(*object, [&](const C3DTPoint<float>& point) { gauges.Add(point); });
     }
+}
+
+void SceneExtent::AddBox(const C3DTPoint<float>& min, const C3DTPoint<float>& max, const C4x4TMatrix<float>& view,
+                         const C3DTPoint<float>& center)
+{
+    Gauges gauges(*this, view, C4x4TMatrix<float>(), center);
+    for (int i = 0; i < 8; i++)
+        gauges.Add({i & 1 ? max.x : min.x, i & 2 ? max.y : min.y, i & 4 ? max.z : min.z});
 }
 
 // A point at x, z is in the picture when |x + tx| is at most slope * -(z + tz). The point that reaches furthest to the right and the one that

@@ -13,6 +13,8 @@ public:
     /// Adds what a scene shows at its time, or what is selected of it, turned about `center` by the upper rows of `view`. Hidden nodes have no
     /// part in it. Linear in points.
     void Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center);
+    /// Adds the corners of a box of the scene.
+    void AddBox(const C3DTPoint<float>& min, const C3DTPoint<float>& max, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center);
     /// Whether anything was added that has a place.
     bool IsEmpty() const { return !(m_most[TOWARDS] >= -HUGE_VAL && m_most[TOWARDS] < HUGE_VAL); }
     /// The translation from turned scene to eye, which looks along -z, that just fills the picture.
@@ -22,6 +24,7 @@ public:
     C3DTVector<float> GetTranslation(double clearance, double reach) const;
 
 private:
+    class Gauges;
     enum Measure { RIGHT, LEFT, TOP, BOTTOM, TOWARDS, MEASURES };
 
     double m_slopes[2];
