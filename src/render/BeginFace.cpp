@@ -117,9 +117,14 @@ void C3DView::SetFaceMaterial(unsigned int result)
     const unsigned int id = m_element.material->GetMaterialID();
     if (m_element.nodeMode == VIEWFLAG_WIREFRAME) {
         if (id != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL)) {
-            EndPrimitive();
-            InitDiffuseColor(*m_element.material);
-            BeginPrimitive(m_primitive);
+            if (m_list.mesh)
+                UseMaterialList(*m_element.material, CALLLIST_LINE_COLOR);
+            else {
+                EndPrimitive();
+                InitDiffuseColor(*m_element.material);
+                BeginPrimitive(m_primitive);
+            }
+            m_currentMaterial = id;
         }
         return;
     }
@@ -131,7 +136,9 @@ void C3DView::SetFaceMaterial(unsigned int result)
     // Corners that set their own material need the face's for its texture alone.
     if (!byCorner || texture != m_boundTexture) {
         SwitchMeshColors(false);
-        if (m_element.viewFlags & VIEWFLAG_TEXTURE)
+        if (m_list.mesh)
+            UseMaterialList(*m_element.material, textured ? CALLLIST_TEXTURED_MATERIAL : CALLLIST_MATERIAL);
+        else if (m_element.viewFlags & VIEWFLAG_TEXTURE)
             InitTexture();
         else {
             EndPrimitive();
@@ -140,6 +147,7 @@ void C3DView::SetFaceMaterial(unsigned int result)
         }
         m_boundTexture = texture;
         m_currentMaterial = id;
+        m_corners.materialID = NO_MATERIAL;
     }
     if (byCorner && m_list.mesh && !(m_meshColors && AreCornersOf(id))) {
         EndPrimitive();

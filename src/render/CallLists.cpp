@@ -45,7 +45,7 @@ void C3DView::EndCallList()
         return;
     glEndList();
     if (m_list.mesh) {
-        m_list.mesh->BeginRange(m_openList);    // the state behind the last range
+        m_list.mesh->BeginRange(m_openList, m_openList != m_list.name);    // the state behind the last range
         m_list.mesh->Upload();
     }
     m_callLists.Insert(m_list);
@@ -62,7 +62,7 @@ void C3DView::BeginPrimitive(unsigned int primitive)
         return;
     }
     glEndList();
-    m_list.mesh->BeginRange(m_openList);
+    m_list.mesh->BeginRange(m_openList, m_openList != m_list.name);
 }
 
 void C3DView::EndPrimitive()
@@ -74,6 +74,38 @@ void C3DView::EndPrimitive()
     m_list.mesh->EndRange();
     m_openList = glGenLists(1);
     glNewList(m_openList, GL_COMPILE);
+}
+
+// What a material is to GL is one list for all meshes that have it: drivers are slow with many small lists.
+
+void C3DView::UseMaterialList(C3DMaterial& material, _CallListType type)
+{
+    const CHashID list{material.GetMaterialID(), GetGLContext(), type};
+    unsigned int place = m_callLists.GetPosition(list);
+    m_list.mesh->EndRange();
+    m_list.mesh->BeginRange(place == HASH_END ? CompileMaterial(material, type, glGenLists(1)) : m_callLists.GetNext(place).name, false);
+}
+
+unsigned int C3DView::CompileMaterial(C3DMaterial& material, _CallListType type, unsigned int name)
+{
+    CHashID list{material.GetMaterialID(), GetGLContext(), type};
+    list.name = name;
+    m_callLists.Insert(list);
+    glNewList(name, GL_COMPILE);
+    ReinitCurrentMaterial();
+    if (type == CALLLIST_LINE_COLOR)
+        InitDiffuseColor(material);
+    else
+        ApplyMaterial(material, type == CALLLIST_TEXTURED_MATERIAL ? GetTextureName(list.key) : 0);
+    glEndList();
+    return name;
+}
+
+void C3DView::RecompileMaterial(C3DMaterial& material)
+{
+    for (const _CallListType type : {CALLLIST_MATERIAL, CALLLIST_TEXTURED_MATERIAL, CALLLIST_LINE_COLOR})
+        if (unsigned int place = m_callLists.GetPosition({material.GetMaterialID(), GetGLContext(), type}); place != HASH_END)
+            CompileMaterial(material, type, m_callLists.GetNext(place).name);
 }
 
 void C3DView::DrawCallList(C3DSceneNode* node, _CallListType type)

@@ -14,8 +14,12 @@ enum _CallListType : unsigned int {
     CALLLIST_SOLID = 2,          ///< faces of opaque materials
     CALLLIST_TRANSPARENT = 4,    ///< faces of transparent materials
     CALLLIST_CURVE = 8,
-    CALLLIST_TEXTURE = 0x1000,    ///< the name is that of a texture, the key a material's id
-    CALLLIST_FONT = 0x2000,       ///< the key is a font's, the count the number of glyphs
+    CALLLIST_TEXTURE = 0x1000,              ///< the name is that of a texture, the key a material's id
+    CALLLIST_FONT = 0x2000,                 ///< the key is a font's, the count the number of glyphs
+    CALLLIST_MATERIAL = 0x4000,             ///< what a material is to GL without texture; the key is its id
+    CALLLIST_TEXTURED_MATERIAL = 0x8000,    ///< and with its texture
+    CALLLIST_LINE_COLOR = 0x10000,          ///< and for wires
+    CALLLIST_MATERIALS = 0x1C000,
     CALLLIST_GEOMETRY = 0xFFF,
 };
 

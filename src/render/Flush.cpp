@@ -29,7 +29,7 @@ void C3DView::BeginScene()
     Activate();
     if (m_appliedFlags == 0xFFFFFFFF)
         InitViewFlag();
-    DeleteGLLists(CALLLIST_GEOMETRY, nullptr);
+    DeleteGLLists(static_cast<_CallListType>(CALLLIST_GEOMETRY | CALLLIST_MATERIALS), nullptr);
 }
 
 void C3DView::EndScene() { Deactivate(); }
@@ -216,12 +216,14 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
     if (m_beginNodeCallback && !m_beginNodeCallback(&m_element, type, m_callbackData))
         return false;
     BeginCallList(geometry, type);
-    RestoreCulling();
 
     m_element.faceList = geometry->GetFaceList();
     m_element.pointList = geometry->GetPointList();
     m_element.channels = geometry->GetChannels();
     m_element.hasBackMaterials = m_element.faceList && m_element.faceList->HasBackFaceMaterials();
+    const bool buffered = m_element.pointList && MayUseMesh();
+    if (!buffered || geometry->GetFaceMode() != FACE_MODE_VIEW)    // else it is as the view has it
+        RestoreCulling();
     if (m_element.viewFlags & VIEWFLAG_SPEC_NORMALS)
         m_element.specNormals = m_element.channels->GetSpecNormalChannel();
     if (!wires)
@@ -236,7 +238,7 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
     }
     if (m_element.pointList) {
         const unsigned int primitive = wires ? GL_LINES : GL_TRIANGLES;
-        if (MayUseMesh()) {
+        if (buffered) {
             const bool hasUVW = (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.channels->GetChannelsNumber(CHANNEL_UVW, true) > 0;
             const bool hasColors = geometry->GetKindOf() == OBJECT_CURVE || (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS);
             m_list.mesh = std::make_shared<CMeshBuffer>(primitive, m_element.pointList->GetSize(), !wires, hasUVW, hasColors);

@@ -129,8 +129,9 @@ void CMeshBuffer::DrawRanges(const char* indexes) const
 
 void CMeshBuffer::Delete()
 {
-    for (std::size_t i = 1; i < m_ranges.size(); i++)
-        glDeleteLists(m_ranges[i].displayList, 1);
+    for (const Range& range : m_ranges)
+        if (range.owned)
+            glDeleteLists(range.displayList, 1);
     if (m_buffers[0])
         glDeleteBuffers(2, m_buffers);
     m_ranges.clear();

@@ -11,7 +11,7 @@
 /// What a call list draws of triangles or lines: vertices in GL's memory. A list that GL compiles itself takes a million triangles ten times as
 /// long, for it hashes every corner to find equal ones; here they are known by their point and normal.
 ///
-/// Ranges of primitives alternate with display lists, which hold the changes of state between them. All but the first are this object's own.
+/// Ranges of primitives alternate with display lists, which hold the changes of state between them.
 class CMeshBuffer {
 public:
     /// @param primitive  GL_TRIANGLES or GL_LINES
@@ -22,8 +22,8 @@ public:
 
     // Filling
 
-    /// The next range comes behind a display list.
-    void BeginRange(unsigned int displayList) { m_ranges.push_back({displayList, m_indexes.size(), 0}); }
+    /// The next range comes behind a display list, which with `owned` goes with this object.
+    void BeginRange(unsigned int displayList, bool owned) { m_ranges.push_back({displayList, owned, m_indexes.size(), 0}); }
     void EndRange() { m_ranges.back().count = m_indexes.size() - m_ranges.back().first; }
     /// A corner. Corners of one point with the same colour, and the same normal and texture coordinate, told by their addresses, are one vertex.
     void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw, const CRGBColor& color)
@@ -64,6 +64,7 @@ private:
 
     struct Range {
         unsigned int displayList;
+        bool owned;
         std::size_t first, count;
     };
     /// What a vertex was made of, and the next one of the same point.

@@ -43,7 +43,6 @@ void Blend()
     glDisable(GL_SAMPLE_ALPHA_TO_COVERAGE);    // what blends would be thinned twice
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glDisable(GL_SAMPLE_ALPHA_TO_COVERAGE);    // alpha would thin twice
 }
 
 void SmoothLines()

@@ -374,6 +374,13 @@ private:
     CRGBColor GetMixedColor(const CRGBColor& color) const;
     void MixVertexColor(const C3DMaterial& material);
     void SwitchMeshColors(bool on);
+    /// What comes next in the open mesh has the material; `type`: one of CALLLIST_MATERIALS.
+    void UseMaterialList(C3DMaterial& material, _CallListType type);
+    unsigned int CompileMaterial(C3DMaterial& material, _CallListType type, unsigned int name);
+    /// Under the names that meshes know.
+    void RecompileMaterial(C3DMaterial& material);
+    /// Colours and texture; 0 for none.
+    void ApplyMaterial(C3DMaterial& material, unsigned int textureName);
     void SetCornerColor(const CRGBColor& color);
     /// 0 for none.
     unsigned int GetTextureName(unsigned int materialID) const;

@@ -174,6 +174,7 @@ void C3DView::MaterialChanged(unsigned int materialID)
     const bool newLists = (news & (MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED)) || hadTexture != HasTexture(materialID) ||
                           hadAlpha != m_alphaMaterials.Find(materialID);
     if (newLists) {
+        RecompileMaterial(*material);
         NoteTransparency(*material);
         FlushNodesOf(*material);
     }

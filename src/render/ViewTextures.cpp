@@ -160,23 +160,27 @@ void C3DView::InitTexture()
     if (!IsTextureEnabled() || !material || IsMaterialCurrent())
         return;
     EndPrimitive();
-    InitMaterial(material, false);
-    CRGBColor diffuse = material->GetDiffuseColor(GetTick(), true);
     m_boundTexture = GetWantedTexture();
-    const bool textured = m_boundTexture != NO_MATERIAL;
-    if (textured) {
+    ApplyMaterial(*material, m_boundTexture != NO_MATERIAL ? GetTextureName(m_boundTexture) : 0);
+    BeginPrimitive(m_primitive);
+}
+
+void C3DView::ApplyMaterial(C3DMaterial& material, unsigned int textureName)
+{
+    InitMaterial(&material, false);
+    CRGBColor diffuse = material.GetDiffuseColor(GetTick(), true);
+    if (textureName) {
         // The texture gives the colour: below it lies a white, or the material's hue at its brightest.
-        if (material->IsFlagSet(MATERIAL_PLAIN_TEXTURE))
+        if (material.IsFlagSet(MATERIAL_PLAIN_TEXTURE))
             diffuse = {255, 255, 255};
         else
             diffuse.SetLuminance(1);
-        glBindTexture(GL_TEXTURE_2D, GetTextureName(m_boundTexture));
+        glBindTexture(GL_TEXTURE_2D, textureName);
         glPushAttrib(GL_TRANSFORM_BIT);
         glMatrixMode(GL_TEXTURE);
         glLoadIdentity();
         glPopAttrib();
     }
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, GetDrawnColor(diffuse).data());
-    EnableTexture(textured);
-    BeginPrimitive(m_primitive);
+    EnableTexture(textureName != 0);
 }
