@@ -65,28 +65,27 @@ void C3DView::InitFaceMaterial(unsigned int id)
         now.material = m_scene->GetMaterialByID(0);
     auto* const geometry = static_cast<C3DGeomObject*>(m_element.finalObject);
 
-    now.uvwChannel = NO_CHANNEL;
-    if (m_element.viewFlags & VIEWFLAG_TEXTURE) {
-        now.uvwChannel = geometry->GetGlobalUVWChannel();
-        const CMaterialMap* const map = now.material->GetDiffuseMaps();
-        if (now.uvwChannel == NO_CHANNEL && map)
-            now.uvwChannel = map->GetChannelID();
-    }
     now.hasTexture = HasTexture(now.material->GetMaterialID());
-    m_element.uvwChannel = now.uvwChannel == NO_CHANNEL
-                               ? nullptr
-                               : m_element.channels->GetUVWChannelByID(now.uvwChannel, m_element.uvwFaceList, m_element.uvwPointList);
 
-    now.vcChannel = NO_CHANNEL;
-    if (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS) {
-        now.vcChannel = geometry->GetGlobalVCChannel(now.vcFactor);
-        if (now.vcChannel == NO_CHANNEL)
-            now.vcChannel = now.material->GetVertexColor(GetTick(), now.vcFactor);
+    unsigned int uvw = NO_CHANNEL, colors = NO_CHANNEL;
+    if (m_element.viewFlags & VIEWFLAG_TEXTURE) {
+        uvw = geometry->GetGlobalUVWChannel();
+        const CMaterialMap* const map = now.material->GetDiffuseMaps();
+        if (uvw == NO_CHANNEL && map)
+            uvw = map->GetChannelID();
     }
-    m_element.vcFactor = now.vcFactor;
-    m_element.vcChannel = now.vcChannel == NO_CHANNEL || now.vcFactor == 0
+    m_element.uvwChannel =
+        uvw == NO_CHANNEL ? nullptr : m_element.channels->GetUVWChannelByID(uvw, m_element.uvwFaceList, m_element.uvwPointList);
+
+    m_element.vcFactor = 0;
+    if (m_element.viewFlags & VIEWFLAG_VERTEX_COLORS) {
+        colors = geometry->GetGlobalVCChannel(m_element.vcFactor);
+        if (colors == NO_CHANNEL)
+            colors = now.material->GetVertexColor(GetTick(), m_element.vcFactor);
+    }
+    m_element.vcChannel = colors == NO_CHANNEL || m_element.vcFactor == 0
                               ? nullptr
-                              : m_element.channels->GetVCChannelByID(now.vcChannel, m_element.vcFaceList, m_element.vcPointList);
+                              : m_element.channels->GetVCChannelByID(colors, m_element.vcFaceList, m_element.vcPointList);
 }
 
 void C3DView::ReadUVWFace(int face)

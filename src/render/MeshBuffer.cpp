@@ -111,7 +111,8 @@ void CMeshBuffer::PointAt(const char* vertices) const
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
         glTexCoordPointer(3, GL_FLOAT, stride, at(m_hasNormals ? 6 : 3));
     }
-    if (m_hasColors) {
+    // On surfaces colours are those that light falls on; without light, as for a tint, the current colour counts.
+    if (m_hasColors && (!m_hasNormals || glIsEnabled(GL_LIGHTING))) {
         glEnableClientState(GL_COLOR_ARRAY);
         glColorPointer(4, GL_FLOAT, stride, at(GetFloats() - 4));
     }

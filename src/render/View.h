@@ -331,8 +331,6 @@ private:
         unsigned int id = 0;
         C3DMaterial* material = nullptr;
         bool hasTexture = false;
-        unsigned int uvwChannel = 0xFFFFFFFF, vcChannel = 0xFFFFFFFF;
-        float vcFactor = 0;
     };
     struct DrawnNode;
 

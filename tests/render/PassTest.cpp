@@ -1,5 +1,8 @@
 // Nodes in the passes: hidden, selected, mirrored and scaled ones, wires, curves, instances, and what hosts are told.
 
+#include <GL/gl.h>
+
+#include <array>
 #include <cmath>
 
 #include "render/ViewCase.h"
@@ -47,6 +50,33 @@ TEST(Passes, OffScreenNothingTellsWhatIsSelected)
         const Picture selected = stage.Draw();
         for (int y = 0; y < 64; y++)
             ASSERT_EQ(std::memcmp(plain->GetLine(y), selected->GetLine(y), 64 * 3), 0) << mode;
+    }
+}
+
+TEST(Passes, InAWindowWhatIsSelectedIsTinted)
+{
+    for (const bool colored : {false, true}) {
+        CStage stage;
+        C3DSceneNode* const node = stage.AddSquare(0, 0, 0, stage.AddMaterial(RED));
+        stage.Settings().viewFlags = VIEWFLAG_SMOOTH | VIEWFLAG_VERTEX_COLORS;
+        if (colored)
+            AddColors(*node->GetGeomObject());
+        stage.Show();
+        const auto middle = [&] {
+            const CGLActivate active(&stage.View());
+            stage.View().SetDrawingFlag(GLDRAW_MEMORY, false);
+            stage.View().RenderScene(nullptr);
+            stage.View().SetDrawingFlag(GLDRAW_MEMORY, true);
+            std::array<unsigned char, 3> pixel;
+            glReadPixels(32, 32, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, pixel.data());
+            return pixel;
+        };
+        const auto plain = middle();
+        node->SetFlag(NODE_SELECTED, true);
+        const auto tinted = middle();
+        constexpr double TINT[3] = {0, 0.4 * 255, 0.8 * 255};
+        for (int i = 0; i < 3; i++)
+            EXPECT_NEAR(tinted[i], 0.4 * plain[i] + 0.6 * TINT[i], 2) << colored << i;
     }
 }
 

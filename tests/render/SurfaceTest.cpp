@@ -1,8 +1,5 @@
 // Faces of an object in its lists: which are drawn, in what material, from which side.
 
-#include "channels/VCChannel.h"
-#include "channels/VCFaceList.h"
-#include "channels/VCPointList.h"
 #include "render/ViewCase.h"
 #include "scene/Patch.h"
 #include "scene/Primitives.h"
@@ -209,24 +206,6 @@ TEST(Surfaces, AreSentAgainWhenTheyChange)
     EXPECT_NEAR(Coverage(*Picture(stage.View().CreateBitmapFromScene())), HALF, 0.03) << "before it is asked for, nothing is sent";
     stage.View().UpdateView(GLSET_UPDATE);
     EXPECT_NEAR(Coverage(*Picture(stage.View().CreateBitmapFromScene())), HALF / 2, 0.03);
-}
-
-/// Gives every corner of an object a vertex colour of its own.
-static void AddColors(C3DGeomObject& object)
-{
-    auto* const channel = new CVCChannel(7);
-    C3DFaceList& faces = *object.GetFaceList();
-    std::vector<std::vector<int>> corners = AllCorners(faces);
-    int count = 0;
-    for (auto& face : corners)
-        for (int& corner : face)
-            corner = count++;
-    channel->GetVCPointList()->SetSize(count, true, -1);
-    for (int i = 0; i < count; i++)
-        channel->GetVCPointList()->ElementAt(i)->SetColor(CRGBColor(i * 37 % 256, i * 59 % 256, i * 83 % 256, 128 + i % 128));
-    AddFaces(*channel->GetVCFaceList(), corners);
-    object.AddChannel(channel);
-    object.SetGlobalVCChannel(7, 0.8f);
 }
 
 TEST(Surfaces, AreTheSameFromVertexBuffersAndFromGLsOwnLists)

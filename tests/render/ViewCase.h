@@ -8,6 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "channels/VCChannel.h"
+#include "channels/VCFaceList.h"
+#include "channels/VCPointList.h"
 #include "render/View.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
@@ -28,6 +31,24 @@ template <class TEST> int CountPixels(const Bitmap& picture, TEST&& test)
         for (int x = 0; x < picture.GetWidth(); x++)
             count += test(picture.GetLine(y) + x * picture.GetBytesPerPixel());
     return count;
+}
+
+/// Gives every corner of an object a vertex colour of its own.
+inline void AddColors(C3DGeomObject& object)
+{
+    auto* const channel = new CVCChannel(7);
+    C3DFaceList& faces = *object.GetFaceList();
+    std::vector<std::vector<int>> corners = AllCorners(faces);
+    int count = 0;
+    for (auto& face : corners)
+        for (int& corner : face)
+            corner = count++;
+    channel->GetVCPointList()->SetSize(count, true, -1);
+    for (int i = 0; i < count; i++)
+        channel->GetVCPointList()->ElementAt(i)->SetColor(CRGBColor(i * 37 % 256, i * 59 % 256, i * 83 % 256, 128 + i % 128));
+    AddFaces(*channel->GetVCFaceList(), corners);
+    object.AddChannel(channel);
+    object.SetGlobalVCChannel(7, 0.8f);
 }
 
 /// A scene and a view of it off screen: from above, without perspective, so that lengths are the same everywhere in the picture.
