@@ -339,6 +339,19 @@ TEST_F(Render, EndsWithTheCodeOfWhatHappened)
     }
 }
 
+TEST_F(Render, WithoutADriverItSaysSoAndWritesNothing)
+{
+    const ScopedVariable none("__EGL_VENDOR_LIBRARY_DIRS", folder.Name("no-such-folder"));
+    for (const char* verb : {"render ", "thumbnail "}) {
+        const Outcome run = Call(verb + input + " " + folder.Name("x.png"));
+        EXPECT_EQ(run.code, 5);
+        EXPECT_NE(run.talk.find("no OpenGL driver"), std::string::npos) << run.talk;
+        EXPECT_EQ(std::count(run.talk.begin(), run.talk.end(), '\n'), 1) << run.talk;
+    }
+    EXPECT_EQ(Call("render " + folder.Name("missing.obj") + " " + folder.Name("x.png")).code, 3);
+    EXPECT_EQ(folder.Read("x.png"), "");
+}
+
 TEST_F(Render, AnEmptySceneIsTheBackgroundAndALine)
 {
     const Owned<C3DScene> scene(C3DScene::Create());
