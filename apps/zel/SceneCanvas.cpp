@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int DEPTH = 24;    // bits; transparency is worked out of two pictures
+constexpr int DEPTH = 24, DEPTH_WITH_ALPHA = 32;    // bits
 constexpr CRGBColor BLACK(0, 0, 0), WHITE(255, 255, 255);
 constexpr CRGBColor WIRES(40, 44, 52);
 
@@ -47,6 +47,23 @@ std::string ListNames(const C3DScene& scene, unsigned int kinds)
     for (std::size_t i = 0; i < std::min(MOST, names.size()); i++)
         list += (i ? ", " : "") + names[i];
     return names.size() <= MOST ? list : list + " and " + std::to_string(names.size() - MOST) + " more";
+}
+
+// Whether a scene covers what is behind it or leaves it alone, in each sample. Images may have alpha, and lines are smooth.
+bool IsOpaque(const C3DScene& scene, unsigned int viewFlags)
+{
+    constexpr unsigned int LINES =
+        VIEWFLAG_WIREFRAME | VIEWFLAG_DRAW_NORMALS | VIEWFLAG_DRAW_BOXES | VIEWFLAG_POINT_LABELS | VIEWFLAG_FACE_LABELS;
+    if (viewFlags & LINES || scene.GetFirstNode(OBJECT_CURVE))
+        return false;
+    for (unsigned int pos = scene.GetFirstMaterial(); pos != HASH_END;) {
+        const C3DMaterial& material = *scene.GetNextMaterial(pos);
+        if (material.IsTransparent(static_cast<unsigned int>(scene.GetTickCount())) || material.GetMaterialMap(MAP_TRANSPARENCY))
+            return false;
+        if (viewFlags & VIEWFLAG_TEXTURE && material.GetMaterialMap(MAP_DIFFUSE))
+            return false;
+    }
+    return true;
 }
 
 // What shows over both black and white shows them mixed with 1 - alpha, so that their difference tells alpha.
@@ -99,7 +116,7 @@ bool SceneCanvas::CreateSurface()
 {
     for (;; m_antialias--) {
         const CSize size(m_settings.size.cx * m_antialias, m_settings.size.cy * m_antialias);
-        const bool created = m_view.CreateMemoryRendering(size.cx, size.cy, DEPTH);
+        const bool created = m_view.CreateMemoryRendering(size.cx, size.cy, m_settings.transparent ? DEPTH_WITH_ALPHA : DEPTH);
         if (created && (m_antialias == 1 || m_view.GetClientDC()->GetSize() == size))
             return true;
         if (created)
@@ -126,6 +143,7 @@ std::string SceneCanvas::SetScene(C3DScene& scene)
 {
     if (m_settings.hasTime)
         scene.SetCurrentTime(m_settings.time);
+    m_isOpaque = IsOpaque(scene, m_settings.viewFlags);
     const std::string lack = PlaceEye(scene);
     m_matrix = m_view.GetViewSettings()->matrix;
     return lack;
@@ -204,6 +222,22 @@ Picture SceneCanvas::DrawOn(const CRGBColor& background)
 {
     m_view.SetBackgroundColor(background.red, background.green, background.blue);
     Picture picture(m_view.CreateBitmapFromScene());
+    if (picture && picture->GetType() != BITMAP_RGB)
+        picture.reset(picture->ConvertToType(BITMAP_RGB));
+    return Reduce(std::move(picture));
+}
+
+// The view's own alpha tells what is covered: it is all there is to know of what is opaque, and spares the second picture.
+Picture SceneCanvas::DrawOpaque()
+{
+    Picture picture(m_view.CreateBitmapFromScene());
+    if (picture)
+        picture->InvertAlpha();
+    return Reduce(std::move(picture));
+}
+
+Picture SceneCanvas::Reduce(Picture picture) const
+{
     if (picture && m_antialias > 1 && !picture->Resize(m_settings.size.cx, m_settings.size.cy, 1))
         picture.reset();
     return picture;
@@ -215,6 +249,8 @@ Picture SceneCanvas::Draw(int number)
         Turn(number);
     if (!m_settings.transparent)
         return DrawOn(m_settings.background);
+    if (m_isOpaque)
+        return DrawOpaque();
     const Picture onBlack = DrawOn(BLACK), onWhite = DrawOn(WHITE);
     return onBlack && onWhite ? JoinTransparent(*onBlack, *onWhite) : nullptr;
 }

@@ -34,10 +34,13 @@ private:
     void FillPicture(const C3DScene& scene);
     void Turn(int number);
     Picture DrawOn(const CRGBColor& background);
+    Picture DrawOpaque();
+    Picture Reduce(Picture picture) const;
 
     const PictureSettings m_settings;
     C3DView m_view;
     std::unique_ptr<C3DScene, ReleaseScene> m_sample;    ///< for WarmUp
     int m_antialias;
+    bool m_isOpaque = false;
     C4x4TMatrix<float> m_matrix;    ///< of the first picture
 };

@@ -240,6 +240,24 @@ TEST_F(Render, TexturesAndColorsOfCornersCanBeLeftOut)
     }
 }
 
+TEST_F(Render, WhatIsHalfTransparentIsSoInThePicture)
+{
+    // A red sheet that lets half through, half of it over a green one.
+    folder.Write("t.mtl", "newmtl g\nKd 0 1 0\nKs 0 0 0\nnewmtl r\nKd 1 0 0\nKs 0 0 0\nd 0.5\n");
+    const std::string sheets =
+        folder.Write("t.obj", "mtllib t.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 1\nv 2 0 1\nv 2 1 1\nv 0 1 1\n"
+                              "usemtl g\nf 1 2 3 4\nusemtl r\nf 5 6 7 8\n");
+    ASSERT_EQ(Call("render --size 96x64 --view front --background transparent " + sheets + " " + folder.Name("t.png")).code, 0);
+    const auto picture = std::move(ReadFrames("t.png").front());
+    const Pixel alone = picture->GetLine(32) + 4 * 75, over = picture->GetLine(32) + 4 * 25;
+    EXPECT_NEAR(alone[3], 128, 3);
+    EXPECT_TRUE(RED(alone));
+    EXPECT_LE(alone[1] + alone[2], 6);    // the whole colour, nothing of a background in it but rounding
+    EXPECT_EQ(over[3], 255);
+    EXPECT_GT(over[0], 60);
+    EXPECT_GT(over[1], 60);
+}
+
 TEST_F(Render, TransparentMeansStraightColorsWithoutSeams)
 {
     ASSERT_EQ(Call("render --size 96x64 --view front --background transparent --antialias 4 " + input + " " + folder.Name("t.png")).code,
