@@ -46,9 +46,21 @@ ExitCode DrawnFile::Open()
 Picture DrawnFile::Draw(int number)
 {
     Picture picture = m_canvas.Draw(number);
+    if (picture && number == 0 && IsPlain(*picture))
+        picture = DrawOpaque();
     if (!picture)
         m_console.Fail(m_name + ": not enough memory for the picture");
-    else if (number == 0 && IsPlain(*picture))
+    return picture;
+}
+
+// Not a few files have materials that let all light through, and mean the opposite.
+Picture DrawnFile::DrawOpaque()
+{
+    m_canvas.IgnoreTransparency();
+    Picture picture = m_canvas.Draw(0);
+    if (picture && IsPlain(*picture))
         m_console.Say(m_name + ": there is nothing to see in the picture");
+    else if (picture)
+        m_console.Say(m_name + ": all of it is transparent; drawn as if it were not");
     return picture;
 }

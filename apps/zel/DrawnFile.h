@@ -19,6 +19,8 @@ public:
     Picture Draw(int number = 0);
 
 private:
+    Picture DrawOpaque();
+
     const Console& m_console;
     const std::string m_name;
     const PictureSettings m_settings;

@@ -218,6 +218,15 @@ void SceneCanvas::Turn(int number)
     m_view.SetViewSettings(&view);
 }
 
+void SceneCanvas::IgnoreTransparency()
+{
+    GlViewSettings view;
+    view.changeMask = GLSET_VIEW_FLAGS;
+    view.viewFlags = m_settings.viewFlags & ~VIEWFLAG_TRANSPARENCY;
+    m_view.SetViewSettings(&view);
+    m_view.UpdateView(0);
+}
+
 Picture SceneCanvas::DrawOn(const CRGBColor& background)
 {
     m_view.SetBackgroundColor(background.red, background.green, background.blue);

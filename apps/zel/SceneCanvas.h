@@ -23,6 +23,8 @@ public:
     ///
     /// @return  what the scene lacks of what the settings name; empty for nothing
     std::string SetScene(C3DScene& scene);
+    /// From now on what is transparent is drawn as if it were not.
+    void IgnoreTransparency();
     /// A picture as the settings tell, of a turntable the one of that number; null when it cannot be had.
     Picture Draw(int number = 0);
 

@@ -386,6 +386,16 @@ TEST_F(Render, AnEmptySceneIsTheBackgroundAndALine)
     EXPECT_EQ(Patch(*ReadFrames("x.png").front(), RED).count, 256);
 }
 
+TEST_F(Render, AMaterialThatNobodyWouldSeeIsDrawnAllTheSame)
+{
+    folder.Write("t.mtl", "newmtl g\nKd 0 1 0\nd 0\n");
+    const std::string file = folder.Write("t.obj", "mtllib t.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl g\nf 1 2 3\n");
+    const Outcome run = Call("render --size 16x16 " + file + " " + folder.Name("x.png"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_NE(run.talk.find("all of it is transparent"), std::string::npos) << run.talk;
+    EXPECT_GT(Patch(*ReadFrames("x.png").front(), GREEN).count, 10);
+}
+
 TEST_F(Render, ThumbnailsAreSquaresWithoutBackground)
 {
     const std::string plain = folder.Name("thumbnail.tmp");    // as programs name it that ask for one
