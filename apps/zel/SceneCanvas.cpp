@@ -12,6 +12,7 @@ namespace {
 constexpr int DEPTH = 24, DEPTH_WITH_ALPHA = 32;    // bits
 constexpr CRGBColor BLACK(0, 0, 0), WHITE(255, 255, 255);
 constexpr CRGBColor WIRES(40, 44, 52);
+constexpr CRGBColor LIGHT(160, 160, 160);    // of two: brighter ones leave no shape on what is white
 
 double Distance(const C3DTPoint<float>& a, const C3DTPoint<float>& b)
 {
@@ -99,11 +100,12 @@ bool SceneCanvas::Start()
     if (!CreateSurface())
         return false;
     GlViewSettings view;
-    view.changeMask = GLSET_VIEW_FLAGS | GLSET_VIEW_NUMBER | GLSET_WIREFRAME_COLOR;
+    view.changeMask = GLSET_VIEW_FLAGS | GLSET_VIEW_NUMBER | GLSET_WIREFRAME_COLOR | GLSET_LIGHT_COLOR;
     view.viewFlags = m_settings.viewFlags;
     view.viewNumber = m_settings.view;
     view.viewAngle = static_cast<float>(m_settings.viewAngle * std::numbers::pi / 180);
     view.wireframeColor = WIRES;
+    view.lightColor = LIGHT;
     m_view.SetViewSettings(&view);
     m_view.SetDrawingFlag(GLDRAW_MEMORY_BOXES, m_settings.viewFlags & VIEWFLAG_DRAW_BOXES);
     m_view.SetDrawingFlag(GLDRAW_MEMORY_LABELS, m_settings.viewFlags & (VIEWFLAG_POINT_LABELS | VIEWFLAG_FACE_LABELS));
