@@ -12,7 +12,7 @@ namespace {
 constexpr int DEPTH = 24, DEPTH_WITH_ALPHA = 32;    // bits
 constexpr CRGBColor BLACK(0, 0, 0), WHITE(255, 255, 255);
 constexpr CRGBColor WIRES(40, 44, 52);
-constexpr CRGBColor LIGHT(160, 160, 160);    // of two: brighter ones leave no shape on what is white
+constexpr CRGBColor LIGHT(170, 170, 170);    // of two: brighter ones leave no shape on what is white
 
 double Distance(const C3DTPoint<float>& a, const C3DTPoint<float>& b)
 {
