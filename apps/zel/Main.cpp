@@ -87,6 +87,8 @@ int main(int argc, char** argv)
     SetReadSettings(reading);
 
     const Library library;
+    if (const auto warning = C3DPreferences::Get3DPreferences().GetWarning(); !warning.IsEmpty())
+        console.Say(WideToUtf8(warning));
     if (convert.IsAsked())
         return convert.Run(console);
     if (merge.IsAsked())

@@ -1,5 +1,8 @@
 // The command-line tool as a user meets it: what it prints where, and how it ends.
 
+#include <cstdlib>
+#include <filesystem>
+
 #include "zel/ZelCase.h"
 
 TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
@@ -162,4 +165,19 @@ TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)
     EXPECT_TRUE(obj);
     const Outcome traced = Call("formats >/dev/null; LD_DEBUG=files " ZEL " formats");
     EXPECT_EQ(traced.talk.find("zel-io-assimp.so"), std::string::npos);
+}
+
+TEST_F(Zel, DamagedSettingsAreToldAndKept)
+{
+    std::filesystem::create_directory(folder.Name("3dzel"));
+    const std::string file = folder.Write("3dzel/3dprefs.prefs", "no settings");
+    setenv("XDG_CONFIG_HOME", folder.Name("").c_str(), 1);
+    const Outcome run = Call("info " + MODEL), quiet = Call("info --quiet " + MODEL);
+    unsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_NE(run.talk.find("3dprefs.prefs is damaged"), std::string::npos) << run.talk;
+    EXPECT_EQ(quiet.talk, "");
+    std::string kept;
+    std::getline(std::ifstream(file), kept);
+    EXPECT_EQ(kept, "no settings");
 }
