@@ -1,7 +1,6 @@
 // Whether a face is drawn, and in what material. The primitive of a solid list is open between two faces: what is not allowed inside ends it and
 // begins it again, so that a list has few of them.
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include "channels/DependentChannels.h"

@@ -2,7 +2,6 @@
 
 #include "render/CallLists.h"
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include <vector>

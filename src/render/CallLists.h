@@ -21,6 +21,7 @@ enum _CallListType : unsigned int {
     CALLLIST_LINE_COLOR = 0x10000,          ///< and for wires
     CALLLIST_MATERIALS = 0x1C000,
     CALLLIST_GEOMETRY = 0xFFF,
+    CALLLIST_FLUSHED = CALLLIST_GEOMETRY | CALLLIST_MATERIALS,    ///< all that a flush compiles
 };
 
 /// Key of a call list with its GL name. Slots of a table begin at ((low 32 bits of key + type * 8) << 4) % size.

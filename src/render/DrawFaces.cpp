@@ -1,16 +1,11 @@
 // The faces of an object into the list that is open: triangles for surfaces, lines for wires.
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include <memory>
 #include <vector>
 
-#include "channels/DependentChannels.h"
-#include "channels/FaceNormalChannel.h"
 #include "channels/PointNormalChannel.h"
-#include "channels/UVWChannel.h"
-#include "channels/UVWFaceList.h"
 #include "channels/UVWPointList.h"
 #include "geometry/3DPointList.h"
 #include "geometry/3DVectorList.h"
@@ -18,7 +13,6 @@
 #include "render/FaceCutter.h"
 #include "render/MeshBuffer.h"
 #include "render/View.h"
-#include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 
 // --- Surfaces --------------------------------------------------------------------------------------------------------------------

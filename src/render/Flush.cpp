@@ -5,7 +5,6 @@
 //   Flush3D...    by kind of object; the faces are drawn in DrawFaces.cpp
 //   BeginNode     opens a list and settles what holds for the whole object; EndNode closes it
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include "channels/DependentChannels.h"
@@ -29,7 +28,7 @@ void C3DView::BeginScene()
     Activate();
     if (m_appliedFlags == 0xFFFFFFFF)
         InitViewFlag();
-    DeleteGLLists(static_cast<_CallListType>(CALLLIST_GEOMETRY | CALLLIST_MATERIALS), nullptr);
+    DeleteGLLists(CALLLIST_FLUSHED, nullptr);
 }
 
 void C3DView::EndScene() { Deactivate(); }
@@ -196,7 +195,6 @@ void C3DView::InitCurrentRenderElement()
     m_element.callbackData = m_callbackData;
     m_element.viewFlags = m_settings.viewFlags;
     m_faceMaterial.known = false;
-    m_boundTexture = 0xFFFFFFFF;
     m_cullingChanged = m_stippled = m_meshColors = false;
     ReinitCurrentMaterial();
 }

@@ -148,7 +148,7 @@ Bitmap* C3DView::CreateBitmapFromMemory()
     return picture.release();
 }
 
-// Draws once more, into the depths alone, as if nothing were transparent.
+// Draws what is opaque once more, into the depths alone.
 void C3DView::RenderDepthOfAlpha()
 {
     if (!m_scene || m_transparentObjects.IsEmpty() || !(m_settings.viewFlags & VIEWFLAG_TRANSPARENCY) || !IsSolid())

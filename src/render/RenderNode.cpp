@@ -1,7 +1,9 @@
 // A node in one of the passes.
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
+
+#include <optional>
+#include <utility>
 
 #include "render/DrawnNode.h"
 #include "render/RenderingMode.h"
@@ -9,7 +11,7 @@
 
 static constexpr int PASS_OPAQUE = 1, PASS_TRANSPARENT = 2, PASS_OVER_SURFACES = 3, PASS_WIRES = 4, PASS_OVER_WIRES = 5;
 
-void C3DView::RenderPass(int pass, std::vector<DrawnNode>& nodes)
+void C3DView::RenderPass(int pass, const std::vector<DrawnNode>& nodes)
 {
     const unsigned int solid = m_settings.viewFlags & VIEWFLAG_SOLID;
     const bool onWires = pass >= PASS_WIRES, overlay = pass == PASS_OVER_SURFACES || pass == PASS_OVER_WIRES;
@@ -78,10 +80,9 @@ void C3DView::RenderNode(int pass, const DrawnNode& drawn, unsigned int mode)
 
 void C3DView::RenderSurface(int pass, const DrawnNode& drawn)
 {
-    const bool blends = pass == PASS_TRANSPARENT && (m_settings.viewFlags & VIEWFLAG_TRANSPARENCY);
-    std::unique_ptr<CGLRenderingMode> blending;
-    if (blends)
-        blending = std::make_unique<CGLRenderingMode>(*this, GLMODE_BLEND);
+    std::optional<CGLRenderingMode> blending;
+    if (pass == PASS_TRANSPARENT && (m_settings.viewFlags & VIEWFLAG_TRANSPARENCY))
+        blending.emplace(*this, GLMODE_BLEND);
     const int offset = m_settings.viewFlags & VIEWFLAG_WIREFRAME ? SetObjectOffset(10) : m_objectOffset;
     const _CallListType type = pass == PASS_TRANSPARENT ? CALLLIST_TRANSPARENT : CALLLIST_SOLID;
     DrawCallList(drawn.node, type);
@@ -92,13 +93,12 @@ void C3DView::RenderSurface(int pass, const DrawnNode& drawn)
 void C3DView::RenderWires(const DrawnNode& drawn)
 {
     const unsigned int flags = m_settings.viewFlags;
-    const bool inMemory = IsDrawingFlagSet(GLDRAW_MEMORY);
     if (drawn.kind == OBJECT_CURVE) {
         const CGLRenderingMode smooth(*this, GLMODE_SMOOTH_LINES);
         DrawCallList(drawn.node, CALLLIST_CURVE);
         DrawTint(drawn, CALLLIST_CURVE);
     } else if ((drawn.wiresOnly || (flags & VIEWFLAG_WIREFRAME)) && !drawn.isHidden) {
-        const bool tinted = drawn.isSelected && drawn.wiresOnly && !inMemory && !m_pick;
+        const bool tinted = drawn.isSelected && drawn.wiresOnly && !IsDrawingFlagSet(GLDRAW_MEMORY) && !m_pick;
         const unsigned int mode = GLMODE_SMOOTH_LINES | (tinted ? GLMODE_TINT : IsSolid() ? GLMODE_NO_ALPHA_WRITE : GLMODE_DEPTH_CUE);
         {
             const CGLRenderingMode smooth(*this, mode);

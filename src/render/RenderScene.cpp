@@ -3,7 +3,6 @@
 //   1 opaque surfaces   2 transparent ones   3 what a host draws over them
 //   4 wires, curves, boxes, normals, labels  5 what a host draws over these
 
-#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -11,7 +10,6 @@
 
 #include "render/DrawnNode.h"
 #include "render/Picking.h"
-#include "render/RenderingMode.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/Camera.h"
@@ -36,7 +34,7 @@ void C3DView::RenderScene(CHashTable<C3DSceneNode*>* nodes)
 
     InitProjection();
     InitModelview();
-    std::vector<DrawnNode> drawn = CollectNodes(nodes);
+    const std::vector<DrawnNode> drawn = CollectNodes(nodes);
     if (m_pick) {
         glRenderMode(GL_SELECT);
         glInitNames();

@@ -41,9 +41,6 @@ enum _OPENGL_DRAWING_SETTINGS : unsigned int {
     GLDRAW_MEMORY_LABELS = 0x20000000,
 };
 
-/// Beside the news in the flags of a material: image files have changed. Of its maps those that have an image in memory stay as they are.
-constexpr unsigned int MATERIAL_IMAGES_CHANGED = 0x1000;
-
 /// Context of a view. Lists belong to one context.
 struct _GLContext {
     void* reserved = nullptr;
@@ -132,21 +129,24 @@ public:
     void RenderScene(CHashTable<C3DSceneNode*>* nodes);
     /// A line for the normal of each corner; the node's lines keep their apparent length.
     void DrawNormals(C3DSceneNode* node);
-    /// Numbers of points and faces; in the deferred paint of a window alone.
+    /// Numbers of points and faces; in the deferred paint of a window alone, and off screen with GLDRAW_MEMORY_LABELS.
     void RenderGDI(C3DSceneNode* node);
+    /// Culls the back faces, or with `front` false the front ones, or with `on` 0 none; `flags` gets or loses VIEWFLAG_CULLING_ON.
     void SetCullMode(int on, unsigned int& flags, bool front);
     /// Pushes surfaces back, in tenths of GL's unit, so that lines lie over them; the former value.
     int SetObjectOffset(int offset);
     /// 2D mode of overlays, nested: the first `on` counts, and the last off.
     void SwitchTo2DMode(bool on, unsigned int mode, unsigned int extra);
-    /// Box of the node in the scene's space; the scene's modelview is loaded.
+    /// Box of the node along the scene's axes; off screen with GLDRAW_MEMORY_BOXES alone.
     void DrawBox(C3DSceneNode* node);
 
     // Flushing: geometry into call lists (Flush.cpp, DrawFaces.cpp, BeginFace.cpp)
 
+    /// Compiles the object of the node unless it has lists, brings it up to date before, and takes its OBJECT_UPDATE_DISPLAY away.
     void FlushNode(C3DSceneNode* node);
     /// Drops the lists of the node's object; 1, or 0 without object.
     int RemoveNode(C3DSceneNode* node);
+    /// Each compiles its list of the geometry, which is the node's final object, in place of a former one: for flush callbacks too.
     void ViewFlatNode(C3DSceneNode* node, C3DGeomObject* geometry);
     void ViewSmoothNode(C3DSceneNode* node, C3DGeomObject* geometry);
     void ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry);
@@ -158,6 +158,7 @@ public:
     void EndCallList();
     /// Nothing when there is no such list.
     void DrawCallList(C3DSceneNode* node, _CallListType type);
+    /// Whether anything of the object is compiled.
     bool HasCallList(C3DBaseObject* object) const;
     /// Id of the object, 0xFFFFFFFF for null.
     static unsigned int GetCallListID(const C3DBaseObject* object);
@@ -183,6 +184,7 @@ public:
     void InitPointMaterial();
     /// Material and texture of the element's face, or no texture. Ends the open GL_TRIANGLES and begins new ones; nothing when all that is set.
     void InitTexture();
+    /// Textures on or off in GL, whatever the view flags.
     void EnableTexture(int on);
     /// Whether there is a texture of the element's material.
     int TextureExist();
@@ -353,7 +355,7 @@ private:
     void InitProjection();
     void InitModelview();
     std::vector<DrawnNode> CollectNodes(const CHashTable<C3DSceneNode*>* nodes) const;
-    void RenderPass(int pass, std::vector<DrawnNode>& nodes);
+    void RenderPass(int pass, const std::vector<DrawnNode>& nodes);
     bool IsNodeDrawn(int pass, const DrawnNode& drawn, unsigned int mode);
     void RenderNode(int pass, const DrawnNode& drawn, unsigned int mode);
     void RenderSurface(int pass, const DrawnNode& drawn);

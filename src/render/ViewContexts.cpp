@@ -76,7 +76,7 @@ void C3DView::DeleteGLContext()
         return;
     {
         const CGLActivate activate(this);
-        DeleteGLLists(CALLLIST_GEOMETRY, nullptr);
+        DeleteGLLists(CALLLIST_FLUSHED, nullptr);
         DeleteGLLists(CALLLIST_FONT, nullptr);
         DestroyMapping(false);
     }

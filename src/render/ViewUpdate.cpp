@@ -19,7 +19,7 @@ void C3DView::SetScene(C3DScene* scene, unsigned int flags)
         AdjustView(flags);
         m_flushPending = true;
     } else
-        DeleteGLLists(CALLLIST_GEOMETRY, nullptr);    // no flush will
+        DeleteGLLists(CALLLIST_FLUSHED, nullptr);    // no flush will
 }
 
 void C3DView::SetViewSettings(const GlViewSettings* settings)
@@ -84,7 +84,7 @@ void C3DView::UpdateView(int asked)
     AdjustView(flags);
     HoldUpdates(flags);
     m_flushPending |= (flags & GLSET_FLUSH_ALL) != 0;
-    if (GetGLContext()) {    // what is for GL waits for one
+    if (IsActive()) {    // what is for GL waits until there is a context, and no other thread has it
         InitViewFlag();
         if (m_flushPending)
             FlushScene();

@@ -19,6 +19,7 @@ enum _MATERIAL_FLAGS : unsigned int {
     MATERIAL_TEXTURE_CHANGED = 0x200,
     MATERIAL_COLOR_CHANGED = 0x400,
     MATERIAL_PARAMETER_CHANGED = 0x800,
+    MATERIAL_IMAGES_CHANGED = 0x1000,    ///< image files; of the maps those that have an image in memory stay as they are
 };
 constexpr unsigned int MATERIAL_CHANGES = 0xFF00;
 

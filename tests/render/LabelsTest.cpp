@@ -40,11 +40,7 @@ Ink Label(CViewProbe& view, const C3DTPoint<float>& point, const char* text, boo
 
 class Labels : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        if (COutlineFont::GetNormal().IsEmpty())
-            GTEST_SKIP() << "no font";
-    }
+    void SetUp() override { ASSERT_FALSE(COutlineFont::GetNormal().IsEmpty()) << "a font is among the packages"; }
 };
 
 TEST_F(Labels, GlyphsHaveTheAreaAndTheOrderOfLetters)
