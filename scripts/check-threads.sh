@@ -1,8 +1,8 @@
 #!/bin/bash
-# Views on several threads at once under the thread sanitizer.
+# Saving, reading and drawing on several threads at once under the thread sanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/build.sh tsan render_tests
+scripts/build.sh tsan viewer_tests
 export TSAN_OPTIONS=suppressions=$PWD/tests/support/threads.supp:print_suppressions=0
-build/tsan/bin/render_tests --gtest_filter='Threads.*' --gtest_brief=1
+build/tsan/bin/viewer_tests --gtest_filter='Threads.*' --gtest_brief=1
