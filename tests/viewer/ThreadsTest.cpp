@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "io/3DIo.h"
-#include "render/SceneBitmap.h"
 #include "render/GLViewSettings.h"
+#include "render/SceneBitmap.h"
 #include "render/ViewProfile.h"
 #include "scene/3DScene.h"
 #include "scene/3DZel.h"
