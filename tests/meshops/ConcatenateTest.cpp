@@ -1,65 +1,16 @@
-#include <gtest/gtest.h>
-
-#include "channels/DependentChannels.h"
-#include "channels/UVWChannel.h"
-#include "channels/UVWFaceList.h"
-#include "channels/UVWPointList.h"
 #include "channels/WeightChannel.h"
 #include "channels/WeightPointList.h"
-#include "scene/3DObject.h"
+#include "meshops/ObjectCase.h"
 #include "scene/3DScene.h"
 #include "scene/Curve.h"
 #include "scene/Filter.h"
 #include "scene/Group.h"
-#include "support/Consistent.h"
-#include "support/Meshes.h"
-#include "support/Owned.h"
 
 namespace {
 
 using Objects = CXArray<C3DGeomObject*, C3DGeomObject*>;
 
-Owned<C3DObject> ObjectOf(Mesh mesh)
-{
-    return Owned<C3DObject>(new C3DObject(std::exchange(mesh.points, nullptr), std::exchange(mesh.faces, nullptr), nullptr));
-}
-
 Owned<C3DObject> Empty() { return ObjectOf(Mesh()); }
-
-/// A texture point for each corner; u is `first`, first + 1 ...
-CUVWChannel* AddUVW(C3DObject& object, unsigned int id, float first)
-{
-    auto* channel = new CUVWChannel(id);
-    int next = 0;
-    channel->GetFaceList()->AppendCopies(*object.GetFaceList(), nullptr, object.GetFaceNbr(), [&](int) { return next++; });
-    channel->GetPointList()->SetSize(next);
-    for (int i = 0; i < next; i++)
-        (*channel->GetUVWPointList())[i]->u = first + static_cast<float>(i);
-    object.AddChannel(channel);
-    return channel;
-}
-
-std::vector<float> UsOf(const CUVWChannel& channel, int face)
-{
-    std::vector<float> us;
-    for (const int corner : Corners(*channel.GetFaceList(), face))
-        us.push_back((*channel.GetUVWPointList())[corner]->u);
-    return us;
-}
-
-void CheckInStep(C3DGeomObject& object)
-{
-    CheckConsistent(*object.GetFaceList(), object.GetPointNbr());
-    for (const CChannel* channel : *object.GetChannels()) {
-        if (channel->GetFaceList()) {
-            EXPECT_EQ(channel->GetFaceList()->GetSize(), object.GetFaceNbr());
-            CheckConsistent(*channel->GetFaceList(), channel->GetPointList()->GetSize());
-        } else {
-            EXPECT_EQ(channel->GetPointList()->GetSize(), object.GetPointNbr());
-        }
-    }
-}
-
 /// Passes the faces of one number.
 class OneFace : public C3DFilter {
 public:
@@ -80,9 +31,9 @@ TEST(Concatenate, ChannelsJoinByPlaceAndStayInStep)
     material->AddMaterialMap(L"a.png", 22, MAP_DIFFUSE, PROJECTION_UVW);
 
     Owned<C3DObject> plain = ObjectOf(Cube()), first = ObjectOf(Cube()), second = ObjectOf(BowTie());
-    AddUVW(*first, 11, 100);
-    AddUVW(*second, 22, 200);
-    AddUVW(*second, 33, 300);
+    AddCornerUVW(*first, 11, 100);
+    AddCornerUVW(*second, 22, 200);
+    AddCornerUVW(*second, 33, 300);
     auto* weights = new CWeightChannel(5, true);
     weights->GetPointList()->SetSize(5);
     (*weights->GetWeightPointList())[4]->SetWeight(7);
@@ -132,7 +83,7 @@ TEST(Concatenate, ChannelsJoinByPlaceAndStayInStep)
 TEST(Concatenate, TakesWhatTheFilterPassesAndNothingElse)
 {
     Owned<C3DObject> cube = ObjectOf(Cube());
-    AddUVW(*cube, 11, 0);
+    AddCornerUVW(*cube, 11);
     Objects sources;
     sources.Add(cube.get());
     sources.Add(cube.get());

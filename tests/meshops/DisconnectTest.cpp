@@ -1,26 +1,12 @@
-#include <gtest/gtest.h>
-
-#include "channels/DependentChannels.h"
-#include "channels/UVWChannel.h"
-#include "channels/UVWFaceList.h"
-#include "channels/UVWPointList.h"
 #include "channels/WeightChannel.h"
 #include "channels/WeightPointList.h"
 #include "meshops/GroupMap.h"
-#include "scene/3DObject.h"
+#include "meshops/ObjectCase.h"
 #include "scene/3DScene.h"
-#include "support/Consistent.h"
-#include "support/Meshes.h"
-#include "support/Owned.h"
 
 namespace {
 
 constexpr unsigned int POINT_MARKS = 0x90, FACE_MARKS = 0x5000;
-
-Owned<C3DObject> ObjectOf(Mesh mesh)
-{
-    return Owned<C3DObject>(new C3DObject(std::exchange(mesh.points, nullptr), std::exchange(mesh.faces, nullptr), nullptr));
-}
 
 /// Texture points with u = us[i], and the faces' corners in them; a face without corners has no data.
 CUVWChannel* AddUVW(C3DObject& object, unsigned int id, const std::vector<float>& us, const std::vector<std::vector<int>>& faces)

@@ -1,17 +1,8 @@
 #include <cmath>
 
-#include <gtest/gtest.h>
-
-#include "channels/DependentChannels.h"
-#include "channels/UVWChannel.h"
-#include "channels/UVWFaceList.h"
-#include "channels/UVWPointList.h"
+#include "meshops/ObjectCase.h"
 #include "meshops/UVGeneration.h"
-#include "scene/3DObject.h"
 #include "scene/3DScene.h"
-#include "support/Consistent.h"
-#include "support/Meshes.h"
-#include "support/Owned.h"
 
 namespace {
 
