@@ -421,10 +421,9 @@ public:
     /// pool is laid out anew in the new order, capacities stay. Cost: one pass over the pool.
     void Reorder(const unsigned int* source, unsigned int count)
     {
-        // In an ascending progression each entry but the last one fits into its stride for sure.
+        // Each entry but the last one fits into its stride for sure.
         std::uint64_t base, stride;
-        if (count > 1 && m_offsets.IsProgression(base, stride) && m_offsets[1] > base &&
-            EntryBytes(HeaderAt(count - 1)->capacity) <= stride)
+        if (count > 1 && IsAscending(base, stride) && EntryBytes(HeaderAt(count - 1)->capacity) <= stride)
             ReorderBlocks(source, count, base, stride);
         else
             ReorderEntries(source, count);
@@ -435,8 +434,8 @@ public:
     void Compress(const unsigned int* target, unsigned int kept)
     {
         std::uint64_t base, stride;
-        if (m_offsets.IsProgression(base, stride) && base + stride * m_entryCount >= base)
-            return CloseUp(target, kept);    // entries lie in their order: each moves down at once
+        if (IsAscending(base, stride))
+            return CloseUp(target, kept);    // each entry moves down at once
         COffsetArray offsets;
         offsets.PreAllocate(kept);
         for (unsigned int i = 0; i < m_entryCount; i++)
@@ -474,6 +473,13 @@ private:
     Header* HeaderAt(unsigned int entry) { return reinterpret_cast<Header*>(m_pool + m_offsets[entry]); }
     const Header* HeaderAt(unsigned int entry) const { return reinterpret_cast<const Header*>(m_pool + m_offsets[entry]); }
     T* ItemsAt(unsigned int entry) { return ItemsOf(HeaderAt(entry)); }
+
+    // Whether the entries have one stride and lie in the order of their numbers. Steps down are a progression too: entries that grew from
+    // the last to the first have it, and streams may.
+    bool IsAscending(std::uint64_t& base, std::uint64_t& stride) const
+    {
+        return m_offsets.IsProgression(base, stride) && (m_entryCount < 2 || m_offsets[1] > base);
+    }
 
     void CloseUp(const unsigned int* target, unsigned int kept)
     {
