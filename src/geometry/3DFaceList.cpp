@@ -46,8 +46,7 @@ void C3DFaceList::Serialize(CXArchive& ar)
     CFaceList::Serialize(ar);
     if (ar.IsStoring())
         return;
-    const unsigned int backSize = GetSizeOfData(CHUNK_BACK_MATERIAL);
-    if (!HasMainChunk(FACE_DATA_SIZE) || (backSize != 0 && backSize != sizeof(unsigned int))) {
+    if (!HasMainChunk(FACE_DATA_SIZE) || !m_chunks.IsPlainOrAbsent(CHUNK_BACK_MATERIAL, BASE_BACK_MATERIAL, sizeof(unsigned int))) {
         RemoveAll();
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "geometry/ElementMethods.h"
 #include "tools/Archive.h"
 #include "tools/Exception.h"
 #include "tools/Hash.h"
@@ -111,6 +112,18 @@ CElementArray* CDataChunk::GetNextChunk(unsigned int& pos, unsigned int& id) con
     id = chunk.id;
     pos = pos + 1 < m_chunks.size() ? pos + 1 : NO_ID;
     return chunk.array;
+}
+
+bool CDataChunk::IsPlainOrAbsent(unsigned int id, unsigned int baseType, unsigned int size) const
+{
+    const Chunk* chunk = Find(id);
+    return !chunk || HoldsPlain(*chunk->array, baseType, size);
+}
+
+bool CDataChunk::HasObjects() const
+{
+    return std::ranges::any_of(m_chunks,
+                               [](const Chunk& chunk) { return chunk.array->GetMethods() && chunk.array->GetMethods()->IsObject(); });
 }
 
 unsigned int CDataChunk::GetChunkFlags(unsigned int id) const
@@ -307,6 +320,8 @@ void CDataChunk::Load(CXArchive& ar)
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_CLASS);
         if (!ids.Insert(id))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
+        if (flags & CHUNK_MAIN)
+            flags |= CHUNK_INHERITED;    // copies of the list need it too
         auto* array = new CElementArray;
         m_chunks.push_back({id, flags & STORED_FLAGS, m_sequence++, array});    // owned from here on
         array->Serialize(ar);

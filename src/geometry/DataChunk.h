@@ -43,6 +43,10 @@ public:
     unsigned int GetFirstChunk() const { return m_chunks.empty() ? 0xFFFFFFFF : 0; }
     /// The array at `pos`, its id, and `pos` moved on.
     CElementArray* GetNextChunk(unsigned int& pos, unsigned int& id) const;
+    /// False for a chunk that is there without being HoldsPlain.
+    bool IsPlainOrAbsent(unsigned int id, unsigned int baseType, unsigned int size) const;
+    /// Whether any chunk's elements are objects.
+    bool HasObjects() const;
     /// Flags of a chunk; 0 when it is absent.
     unsigned int GetChunkFlags(unsigned int id) const;
 

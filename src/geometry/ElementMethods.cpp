@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "tools/FourCC.h"
-
 ZEL_IMPLEMENT_DYNAMIC(CPlainMethods, CElementMethods)
 ZEL_IMPLEMENT_CREATABLE(COriginalIndexMethods, CPlainMethods)
 ZEL_IMPLEMENT_CREATABLE(CBackFaceMaterialMethods, CPlainMethods)
@@ -26,10 +24,16 @@ void CPlainMethods::ConstructElement(void* element) const
         std::memset(element, m_defaultByte, m_size);
 }
 
-COriginalIndexMethods::COriginalIndexMethods() : CPlainMethods(4, FourCC("ORIN"), FourCC("ORIN"), 0xFF) {}
+bool HoldsPlain(const CElementArray& array, unsigned int baseType, unsigned int size)
+{
+    const CElementMethods* const methods = array.GetMethods();
+    return methods && !methods->IsObject() && methods->GetBaseType() == baseType && array.GetSizeof() >= size;
+}
+
+COriginalIndexMethods::COriginalIndexMethods() : CPlainMethods(4, FourCC("ORIN"), BASE_ORIGINAL_INDEX, 0xFF) {}
 COriginalIndexMethods::~COriginalIndexMethods() = default;
 
-CBackFaceMaterialMethods::CBackFaceMaterialMethods() : CPlainMethods(4, FourCC("BKMT"), FourCC("BKMT"), 0xFF) {}
+CBackFaceMaterialMethods::CBackFaceMaterialMethods() : CPlainMethods(4, FourCC("BKMT"), BASE_BACK_MATERIAL, 0xFF) {}
 CBackFaceMaterialMethods::~CBackFaceMaterialMethods() = default;
 
 CMaxFaceMethods::CMaxFaceMethods() : CMaxFaceMethods(4, FourCC("MXDT")) {}
@@ -40,7 +44,7 @@ CMaxFaceMethods2::CMaxFaceMethods2() : CMaxFaceMethods(8, FourCC("MXD2")) {}
 CMaxFaceMethods2::~CMaxFaceMethods2() = default;
 
 CFacePropertyMethods::CFacePropertyMethods() : CFacePropertyMethods(sizeof(CFacePropertyData), FourCC("FACE")) {}
-CFacePropertyMethods::CFacePropertyMethods(unsigned int size, unsigned int type) : CPlainMethods(size, type, FourCC("FACE"), 0) {}
+CFacePropertyMethods::CFacePropertyMethods(unsigned int size, unsigned int type) : CPlainMethods(size, type, BASE_FACE_PROPERTIES, 0) {}
 CFacePropertyMethods::~CFacePropertyMethods() = default;
 
 C3DFacePropertyMethods::C3DFacePropertyMethods() : CFacePropertyMethods(sizeof(C3DFacePropertyData), FourCC("3DFA")) {}

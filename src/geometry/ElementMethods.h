@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/ElementArray.h"
+#include "tools/FourCC.h"
 
 // Side data of lists: plain values, copied and stored byte by byte.
 
@@ -32,6 +33,14 @@ private:
     unsigned int m_size, m_type, m_baseType;
     unsigned char m_defaultByte;
 };
+
+/// Whether the array's elements are plain values of that base type, of at least `size` bytes. A stream names the methods of its chunks:
+/// who brings a chunk in asks before anybody looks at its elements.
+ZEL_API bool HoldsPlain(const CElementArray& array, unsigned int baseType, unsigned int size);
+
+constexpr unsigned int BASE_ORIGINAL_INDEX = FourCC("ORIN");
+constexpr unsigned int BASE_BACK_MATERIAL = FourCC("BKMT");
+constexpr unsigned int BASE_FACE_PROPERTIES = FourCC("FACE");
 
 /// Index that an element had at an earlier moment; 0xFFFFFFFF for one that came later.
 class ZEL_API COriginalIndexMethods : public CPlainMethods {

@@ -42,7 +42,7 @@ void CFaceList::SetFlag(_FACELIST_PROPERTIES mask, bool set)
 bool CFaceList::HasMainChunk(unsigned int elementSize) const
 {
     const CElementArray* main = m_chunks.GetMainArray();
-    return main && main->GetSizeof() >= elementSize && main->GetSize() == m_size;
+    return main && HoldsPlain(*main, BASE_FACE_PROPERTIES, elementSize) && main->GetSize() == m_size;
 }
 
 // --- Size -----------------------------------------------------------------------------------------------------------
@@ -549,10 +549,8 @@ void CFaceList::Load(CXArchive& ar)
         m_chunks.Serialize(ar);
         m_size = size;
         if (m_indexes.GetEntryCount() != static_cast<unsigned int>(size) || m_chunks.GetDataSize() != static_cast<unsigned int>(size) ||
-            !HasMainChunk(sizeof(CFacePropertyData)))
-            XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
-        const unsigned int originalSize = GetSizeOfData(CHUNK_FACE_ORIGINAL_INDEX);
-        if (originalSize != 0 && originalSize != sizeof(unsigned int))
+            !HasMainChunk(sizeof(CFacePropertyData)) || m_chunks.HasObjects() ||
+            !m_chunks.IsPlainOrAbsent(CHUNK_FACE_ORIGINAL_INDEX, BASE_ORIGINAL_INDEX, sizeof(unsigned int)))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         m_flags = flags;
     } catch (...) {

@@ -28,8 +28,8 @@ void CPointList::Serialize(CXArchive& ar)
     try {
         m_chunks.Serialize(ar);
         CElementArray::Serialize(ar);    // takes only elements of this list's kind
-        const unsigned int originalSize = GetSizeOfData(CHUNK_POINT_ORIGINAL_INDEX);
-        if (m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize()) || (originalSize != 0 && originalSize != sizeof(unsigned int)))
+        if (m_chunks.GetDataSize() != static_cast<unsigned int>(GetSize()) ||
+            !m_chunks.IsPlainOrAbsent(CHUNK_POINT_ORIGINAL_INDEX, BASE_ORIGINAL_INDEX, sizeof(unsigned int)))
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
     } catch (...) {
         m_chunks.DeleteAll();

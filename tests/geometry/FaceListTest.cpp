@@ -5,6 +5,8 @@
 #include <random>
 #include <vector>
 
+#include "geometry/ElementMethods.h"
+#include "geometry/PointMethods.h"
 #include "geometry/SingleFace.h"
 #include "support/Consistent.h"
 #include "support/Meshes.h"
@@ -420,4 +422,35 @@ TEST(FaceList, StreamsAndRefusesDamage)
         damaged.faces->GetMaterialsHashMap(nullptr, true);
         damaged.faces->FlipNormals();
     }
+}
+
+TEST(FaceList, AStreamDoesNotChooseTheElementsOfAChunk)
+{
+    // Fault in mind: points have the size of face data, and flags are then written over their table pointers.
+    struct {
+        const char* name;
+        unsigned int id;
+        CElementMethods* methods;
+        bool reads;
+    } const rows[] = {
+        {"face data", CHUNK_FACE_PROPERTIES, new C3DFacePropertyMethods, true},
+        {"points for face data", CHUNK_FACE_PROPERTIES, new C3DPointMethods, false},
+        {"other numbers for face data", CHUNK_FACE_PROPERTIES, new CMaxFaceMethods2, false},
+        {"points for a partner's numbers", 77, new C3DPointMethods, false},
+        {"a partner's numbers", 77, new CMaxFaceMethods2, true},
+        {"points for back materials", CHUNK_BACK_MATERIAL, new C3DVectorMethods, false},
+        {"materials for old numbers", CHUNK_FACE_ORIGINAL_INDEX, new CBackFaceMaterialMethods, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Mesh mesh = Faces(MIXED), read;
+        mesh.faces->AddDataChunk(row.id, row.methods);
+        DeleteMe(row.methods);
+        EXPECT_EQ(Load(*read.faces, Stored(*mesh.faces)), row.reads);
+    }
+    Mesh mesh = Cube(), read;
+    auto* const methods = new CBackFaceMaterialMethods;
+    mesh.points->AddDataChunk(CHUNK_POINT_ORIGINAL_INDEX, methods);
+    DeleteMe(methods);
+    EXPECT_FALSE(Load(*read.points, Stored(*mesh.points)));
 }
