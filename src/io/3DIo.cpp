@@ -6,7 +6,7 @@
 #include "scene/3DScene.h"
 #include "tools/Exception.h"
 #include "tools/FileExt.h"
-#include "tools/FilePath.h"
+#include "tools/IoFile.h"
 #include "tools/Window.h"
 
 namespace {
@@ -108,9 +108,12 @@ bool C3DIo::PrepareReading()
 {
     if (m_prepared)
         return true;
-    const bool available = IsURL(false) ? IsURL(true) : fileExists(GetFullName());
-    if (!available) {
+    IoFile file;
+    const bool isReachable = !IsURL(false) || IsURL(true);
+    if (!isReachable || !file.OpenFile(GetDiskName(), 1, nullptr)) {
         SetIoError(IORESULT_NO_FILE, nullptr, IoLogInfo::FAILURE);
+        if (const Text reason = file.GetErrorText(); !reason.IsEmpty())
+            SetIoDetail(L"(" + reason + L")");
         ReportIoError(nullptr, FAILURE_LEVELS);
         return false;
     }

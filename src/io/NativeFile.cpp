@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <vector>
 
 #include "scene/3DScene.h"
 #include "tools/Archive.h"
@@ -61,27 +60,9 @@ const wchar_t* GetDamageText(int type)
     }
 }
 
-/// All that a file of unknown length, such as a pipe, still gives: counts can then be held against it.
-std::vector<unsigned char> ReadToEnd(IoFile& file)
-{
-    constexpr std::size_t STEP = 1 << 20;
-    std::vector<unsigned char> bytes;
-    for (std::size_t size = 0, got = STEP; got == STEP; size += got) {
-        bytes.resize(size + STEP);
-        got = file.ReadBytes(bytes.data() + size, STEP);
-        bytes.resize(size + got);
-    }
-    return bytes;
-}
-
 /// True when the scene came through whole.
 bool ReadScene(IoFile& file, C3DScene& scene, const Text& name, CSceneImportOptions& options)
 {
-    if (file.GetLength() == IoFile::LENGTH_UNKNOWN) {
-        const std::vector<unsigned char> bytes = ReadToEnd(file);
-        CCustomMemFile memory(bytes.data(), bytes.size());
-        return ReadScene(memory, scene, name, options);
-    }
     CXArchive ar(&file, CXArchive::LOAD, BUFFER);
     if (!CheckHeader(ar, name, options))
         return false;

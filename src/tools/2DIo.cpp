@@ -22,23 +22,11 @@ int LoadFile(const Text& name, long long most, CImageBytes& bytes, IMAGE_RESULT&
         return IORESULT_NO_FILE;
     reason = IMAGE_TOO_LARGE;
     const std::uint64_t length = file.GetLength(), limit = static_cast<std::uint64_t>(std::max(most, 0LL)) * FILES_AND_PICTURES;
-    if (length != ~std::uint64_t{0}) {
-        if (length > limit)
-            return IORESULT_FAILED;
-        bytes.resize(static_cast<std::size_t>(length));
-        bytes.resize(file.ReadBytes(bytes.data(), bytes.size()));
-        return IORESULT_OK;
-    }
-    for (std::size_t step = 1 << 16;; step *= 2) {    // a pipe
-        const std::size_t had = bytes.size();
-        bytes.resize(had + step);
-        const std::size_t got = file.ReadBytes(bytes.data() + had, step);
-        bytes.resize(had + got);
-        if (bytes.size() > limit)
-            return IORESULT_FAILED;
-        if (got < step)
-            return IORESULT_OK;
-    }
+    if (length > limit)
+        return IORESULT_FAILED;
+    bytes.resize(static_cast<std::size_t>(length));
+    bytes.resize(file.ReadBytes(bytes.data(), bytes.size()));
+    return IORESULT_OK;
 }
 
 // Name of one of several files: "name0007.png".

@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tools/TemporaryFile.h"
+
 namespace {
 
 using Text = CXTString<wchar_t>;
@@ -151,23 +153,11 @@ bool CopyBytes(int from, int to)
     }
 }
 
-// A file beside the target, which a rename puts in its place: nobody ever sees half a copy.
 bool CopyBeside(int from, const struct stat& info, const std::string& target, bool failIfExists)
 {
-    std::string temporary = target.substr(0, target.find_last_of('/') + 1) + ".zel-copy-XXXXXX";
-    const int to = mkostemp(temporary.data(), O_CLOEXEC);
-    if (to < 0)
-        return false;
-    bool good = CopyBytes(from, to) && fchmod(to, info.st_mode & 0777) == 0;
-    good &= close(to) == 0;
-    if (good && failIfExists)
-        good = link(temporary.c_str(), target.c_str()) == 0;    // refuses an existing name in one step
-    else if (good && rename(temporary.c_str(), target.c_str()) == 0)
-        return true;
-    else
-        good = false;
-    unlink(temporary.c_str());
-    return good;
+    CTemporaryFile to;
+    return to.Open(target, true) && CopyBytes(from, to.GetHandle()) && fchmod(to.GetHandle(), info.st_mode & 0777) == 0 &&
+           to.PutInPlace(!failIfExists);
 }
 
 bool IsFree(const Text& path, bool reserve)
@@ -312,11 +302,11 @@ bool fileCopy(const Text& source, const Text& target, bool failIfExists)
 {
     if (!fileExists(source) || target.IsEmpty() || fileIsDirectory(target) || fileIsSameFile(source, target))
         return false;
-    const int from = open(fileToDisk(source).c_str(), O_RDONLY | O_CLOEXEC);
+    const int from = open(fileToDisk(source).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (from < 0)
         return false;
     struct stat info;
-    const bool good = fstat(from, &info) == 0 && CopyBeside(from, info, fileToDisk(target), failIfExists);
+    const bool good = fstat(from, &info) == 0 && S_ISREG(info.st_mode) && CopyBeside(from, info, fileToDisk(target), failIfExists);
     close(from);
     return good;
 }

@@ -55,9 +55,11 @@ ZEL_API bool fileIsDirectory(const CXTString<wchar_t>& path);
 ZEL_API bool fileIsSameFile(const CXTString<wchar_t>& a, const CXTString<wchar_t>& b);
 /// The same for folders; a last separator makes no difference.
 ZEL_API bool fileCompareDirectory(const CXTString<wchar_t>& a, const CXTString<wchar_t>& b);
-/// Copies contents and permissions. The target appears whole or not at all. False when source and target are the same file,
-/// on any error, and with `failIfExists` when the target is there.
+/// Copies contents and permissions. The target appears whole or not at all. False when source and target are the same file, when the
+/// source is no regular file, on any error, and with `failIfExists` when the target is there.
 ZEL_API bool fileCopy(const CXTString<wchar_t>& source, const CXTString<wchar_t>& target, bool failIfExists);
+/// Removes what this process is writing beside its targets. For the handler of a signal that ends the process: all it does is safe there.
+ZEL_API void fileRemoveTemporaries();
 ZEL_API bool fileDelete(const CXTString<wchar_t>& path);
 /// Makes the folder, with `parents` those above it too. True also when it is there already.
 ZEL_API bool fileCreateDirectory(const CXTString<wchar_t>& folder, bool parents);

@@ -11,11 +11,13 @@
 #include <unistd.h>
 
 #include "tools/Memory.h"
+#include "tools/TemporaryFile.h"
 
 namespace {
 
 constexpr std::size_t MOST_AT_ONCE = std::size_t{1} << 30;    // the system moves less than 2 GiB a call
 constexpr int MOST_LINKS = 40;
+constexpr int NOT_REGULAR = -1;    // beside the system's errors
 
 std::string FolderOf(const std::string& path)
 {
@@ -47,21 +49,6 @@ void SyncFolder(const std::string& folder)
     close(handle);
 }
 
-mode_t NewFilePermissions()
-{
-    // The mask can only be read by setting it, for all threads; the kernel also tells it in a file.
-    mode_t mask = 022;
-    if (FILE* const status = fopen("/proc/self/status", "re")) {
-        char line[256];
-        unsigned int value;
-        while (fgets(line, sizeof line, status))
-            if (sscanf(line, "Umask: %o", &value) == 1)
-                mask = value;
-        fclose(status);
-    }
-    return 0666 & ~mask;
-}
-
 }
 
 IoFile::IoFile(bool silent, unsigned int options) : m_silent(silent), m_options(options) {}
@@ -71,19 +58,26 @@ IoFile::~IoFile() { IoFile::CloseFile(false); }
 bool IoFile::OpenFile(const CXTString<wchar_t>& name, int mode, void*)
 {
     IoFile::CloseFile(false);
+    m_error = 0;
+    m_failed = false;
     const std::string path = WideToUtf8(name);
     if (path.empty() || path.find('\0') != path.npos)
-        return false;
+        return Fail(ENOENT);
     return mode == 0 ? OpenForWriting(path) : OpenForReading(path);
 }
 
 bool IoFile::OpenForReading(const std::string& path)
 {
     struct stat status;
-    m_handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (m_handle >= 0 && (fstat(m_handle, &status) != 0 || S_ISDIR(status.st_mode)))
-        Release();
-    return m_handle >= 0;
+    const int handle = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);    // a pipe would wait for a writer
+    if (handle < 0)
+        return Fail(errno);
+    if (fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(handle);
+        return Fail(S_ISDIR(status.st_mode) ? EISDIR : NOT_REGULAR);
+    }
+    m_handle = handle;
+    return true;
 }
 
 bool IoFile::OpenForWriting(const std::string& path)
@@ -91,37 +85,37 @@ bool IoFile::OpenForWriting(const std::string& path)
     const std::string target = FollowLinks(path);
     struct stat old;
     const bool exists = !target.empty() && stat(target.c_str(), &old) == 0;
-    if (target.empty() || target.back() == '/' || (exists && S_ISDIR(old.st_mode)))
-        return false;
+    if (target.empty())
+        return Fail(ELOOP);
+    if (target.back() == '/' || (exists && S_ISDIR(old.st_mode)))
+        return Fail(EISDIR);
     if (exists && !S_ISREG(old.st_mode)) {    // a device or pipe cannot be replaced: it takes the bytes as they come
-        m_handle = open(target.c_str(), O_WRONLY | O_CLOEXEC);
+        m_handle = open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
         m_writing = m_handle >= 0;
-        return m_writing;
+        return m_writing || Fail(errno);
     }
     if (exists && access(target.c_str(), W_OK) != 0)    // renaming would pass over a write protection
-        return false;
-    std::string temporary = FolderOf(target) + "/.zel-XXXXXX";
-    m_handle = mkostemp(temporary.data(), O_CLOEXEC);
-    if (m_handle < 0)
-        return false;
-    if (exists && fchown(m_handle, old.st_uid, old.st_gid) != 0 && old.st_gid != getegid())
-        old.st_mode &= ~static_cast<mode_t>(S_ISUID | S_ISGID);
-    fchmod(m_handle, exists ? old.st_mode & 07777 : NewFilePermissions());
+        return Fail(errno);
+    auto beside = std::make_unique<CTemporaryFile>();
+    if (!beside->Open(target, exists))
+        return Fail(errno);
+    if (exists) {
+        if (fchown(beside->GetHandle(), old.st_uid, old.st_gid) != 0 && old.st_gid != getegid())
+            old.st_mode &= ~static_cast<mode_t>(S_ISUID | S_ISGID);
+        fchmod(beside->GetHandle(), old.st_mode & 07777);
+    }
     m_target = target;
-    m_temporary = temporary;
+    m_beside = std::move(beside);
+    m_handle = m_beside->GetHandle();
     m_writing = true;
     return true;
 }
 
-void IoFile::Release()
+bool IoFile::Fail(int error)
 {
-    if (m_handle >= 0)
-        close(m_handle);
-    m_handle = -1;
-    m_writing = false;
-    m_failed = false;
-    m_target.clear();
-    m_temporary.clear();
+    if (m_error == 0)    // what follows from the first fault says less
+        m_error = error;
+    return false;
 }
 
 bool IoFile::CloseFile(bool keep)
@@ -129,16 +123,35 @@ bool IoFile::CloseFile(bool keep)
     if (m_handle < 0)
         return false;
     bool good = !m_failed;
-    if (!m_temporary.empty()) {
-        good = good && keep && fsync(m_handle) == 0 && rename(m_temporary.c_str(), m_target.c_str()) == 0;
+    if (!m_beside)
+        close(m_handle);
+    else if (good && keep) {
+        good = (fsync(m_handle) == 0 && m_beside->PutInPlace(true)) || Fail(errno);
         if (good)
             SyncFolder(FolderOf(m_target));
-        else
-            unlink(m_temporary.c_str());
-        good = good || (!keep && !m_failed);
     }
-    Release();
+    m_beside.reset();
+    m_handle = -1;
+    m_writing = false;
+    m_failed = false;
+    m_target.clear();
     return good;
+}
+
+CXTString<wchar_t> IoFile::GetErrorText() const
+{
+    if (m_error == 0)
+        return {};
+    return m_error == NOT_REGULAR ? CXTString<wchar_t>(L"Not a regular file") : Utf8ToWide(std::strerror(m_error));
+}
+
+CXTString<wchar_t> IoFile::GetOpenedPath() const
+{
+    if (m_handle < 0 || m_writing)
+        return {};
+    char path[PATH_MAX];
+    const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(m_handle)).c_str(), path, sizeof path);
+    return length > 0 && path[0] == '/' ? Utf8ToWide(std::string(path, length)) : CXTString<wchar_t>();
 }
 
 bool IoFile::IsOpen() const { return m_handle >= 0; }
@@ -169,7 +182,7 @@ bool IoFile::WriteBytes(const void* bytes, std::size_t size)
             continue;
         if (put <= 0) {
             m_failed = true;    // a hole inside: this file must not replace the old one
-            return false;
+            return Fail(put < 0 ? errno : ENOSPC);
         }
         done += static_cast<std::size_t>(put);
     }

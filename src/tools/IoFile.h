@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "tools/Api.h"
 #include "tools/String.h"
+
+class CTemporaryFile;
 
 /// Bytes that an archive reads or writes. The base class is a file on disk; CCustomMemFile keeps them in memory.
 ///
@@ -22,9 +25,15 @@ public:
     IoFile& operator=(const IoFile&) = delete;
 
     /// `mode` 1 reads, 0 writes. The last argument is unused. False for a folder, or when the file cannot be opened.
+    ///
+    /// Only regular files are read: devices and pipes may have no end, and opening one never waits. Both can be written.
     virtual bool OpenFile(const CXTString<wchar_t>& name, int mode, void* reserved);
     /// Ends reading or writing; with `keep` false a written file is dropped. False when the bytes did not reach the disk.
     virtual bool CloseFile(bool keep = true);
+    /// Why the last opening, writing or closing failed, in the system's words ("No space left on device"); empty when none did.
+    CXTString<wchar_t> GetErrorText() const;
+    /// Absolute path of the file that is open for reading: what was really opened, behind all links. Empty for none.
+    CXTString<wchar_t> GetOpenedPath() const;
     virtual bool IsOpen() const;
 
     /// Number of bytes read, less than asked at the end or on an error.
@@ -32,7 +41,7 @@ public:
     virtual bool WriteBytes(const void* bytes, std::size_t size);
     virtual std::uint64_t GetPosition() const;
     virtual bool SetPosition(std::uint64_t position);
-    /// Size of the file; LENGTH_UNKNOWN when it cannot be told (a pipe).
+    /// Size of the file; LENGTH_UNKNOWN when it cannot be told (a pipe that is written).
     virtual std::uint64_t GetLength() const;
 
     bool IsSilent() const { return m_silent; }
@@ -41,15 +50,16 @@ public:
 private:
     bool OpenForReading(const std::string& path);
     bool OpenForWriting(const std::string& path);
-    void Release();
+    bool Fail(int error);
 
     int m_handle = -1;
     bool m_silent;
     bool m_writing = false;
     bool m_failed = false;    ///< some bytes did not go in
+    int m_error = 0;          ///< of the system; 0 for none
     unsigned int m_options;
     std::string m_target;
-    std::string m_temporary;    ///< empty where bytes go straight to the target: a device or pipe
+    std::unique_ptr<CTemporaryFile> m_beside;    ///< holds the handle; null where bytes go straight to the target: a device or pipe
 };
 
 /// File in memory: owned and growing, or over somebody else's bytes (reading only).

@@ -195,18 +195,3 @@ TEST_F(NativeFile, AFailedSaveLosesNothing)
     EXPECT_FALSE(Save(*scene, "no such folder/target.3dif"));
     EXPECT_EQ(scene->GetFilename(), name);
 }
-
-TEST_F(NativeFile, ComesThroughAPipe)
-{
-    const OwnedScene scene(CreateFullScene());
-    ASSERT_TRUE(Save(*scene, "good.3dif"));
-    const std::string good = m_folder.Read("good.3dif");
-    ASSERT_EQ(mkfifo(m_folder.Name("pipe.3dif").c_str(), 0600), 0);
-    std::thread writer([&] { m_folder.Write("pipe.3dif", good); });
-    const OwnedScene read = Read("pipe.3dif");
-    writer.join();
-    ASSERT_TRUE(read) << m_log;
-    scene->SetFilename({});
-    read->SetFilename({});
-    EXPECT_EQ(FirstDifference(*scene, *read), "");
-}

@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "support/TempFolder.h"
+#include "tools/FilePath.h"
 
 namespace {
 
@@ -115,25 +114,40 @@ TEST(IoFile, ReadsAndTellsWhereItIs)
     EXPECT_FALSE(file.WriteBytes("x", 1));
 }
 
-TEST(IoFile, APipeComesInPieces)
+TEST(IoFile, WritesToAPipeAndReadsFromNone)
 {
     const TempFolder folder;
     ASSERT_EQ(mkfifo(folder.Name("pipe").c_str(), 0600), 0);
-    std::vector<unsigned char> sent(300000), got(sent.size() + 10);
-    std::iota(sent.begin(), sent.end(), static_cast<unsigned char>(3));
-    std::thread writer([&] {
-        IoFile out;
-        EXPECT_TRUE(out.OpenFile(folder.Wide("pipe"), 0, nullptr));
-        EXPECT_TRUE(out.WriteBytes(sent.data(), sent.size()));
-        EXPECT_TRUE(out.CloseFile());
-    });
-    IoFile in;
-    EXPECT_TRUE(in.OpenFile(folder.Wide("pipe"), 1, nullptr));
-    EXPECT_EQ(in.GetLength(), ~std::uint64_t{0});
-    EXPECT_EQ(in.ReadBytes(got.data(), got.size()), sent.size());
-    writer.join();
-    got.resize(sent.size());
+    std::filesystem::create_symlink("/dev/zero", folder.Name("endless"));
+    IoFile file;
+    for (const char* name : {"pipe", "endless"}) {    // at once: nobody writes to the pipe
+        EXPECT_FALSE(file.OpenFile(folder.Wide(name), 1, nullptr));
+        EXPECT_EQ(file.GetErrorText(), L"Not a regular file");
+        EXPECT_FALSE(fileCopy(folder.Wide(name), folder.Wide("copy"), false));
+    }
+    std::string got;
+    std::thread reader([&] { got = folder.Read("pipe"); });
+    const std::string sent(300000, 'x');
+    EXPECT_TRUE(WriteAll(file, folder.Wide("pipe"), sent) && file.CloseFile());
+    reader.join();
     EXPECT_TRUE(got == sent);
+
+    EXPECT_FALSE(WriteAll(file, L"/dev/full", "lost") && file.CloseFile());
+    EXPECT_EQ(file.GetErrorText(), L"No space left on device");
+}
+
+TEST(IoFile, TellsWhatItReallyOpened)
+{
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.Name("data"));
+    folder.Write("data/real", "");
+    std::filesystem::create_directory_symlink("data", folder.Name("link"));
+    IoFile file;
+    ASSERT_TRUE(file.OpenFile(folder.Wide("link/../link/real"), 1, nullptr));
+    EXPECT_EQ(WideToUtf8(file.GetOpenedPath()), std::filesystem::canonical(folder.Name("data/real")));
+    ASSERT_TRUE(file.OpenFile(folder.Wide("new"), 0, nullptr));
+    EXPECT_EQ(file.GetOpenedPath(), L"");
+    EXPECT_EQ(folder.CountFiles(), 2u);    // what is being written has no name yet
 }
 
 TEST(MemFile, GrowsAndReadsBack)
