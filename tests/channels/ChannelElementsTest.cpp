@@ -58,37 +58,4 @@ TEST(ChannelElements, Checksums)
     EXPECT_EQ(uvw->GetChecksum(3), sum + 2 * 16);    // flags: (0 + 0) * 16, then (0 + 2) * 16
     EXPECT_EQ(uvw->GetChecksum(4), 0u);
     DeleteMe(uvw);
-
-    CVCPointList* colours = CVCPointList::Create();
-    colours->SetSize(2, false, 0);
-    (*colours)[0]->SetColor(CRGBColor(1, 2, 3, 4));
-    EXPECT_EQ(colours->GetChecksum(1), (10u * 16 + 1 + 255) * 16);
-    DeleteMe(colours);
-
-    CWeightPointList* weights = CWeightPointList::Create();
-    weights->SetSize(2, false, 0);
-    (*weights)[1]->SetWeight(1);
-    EXPECT_EQ(weights->GetChecksum(1), 16u + first);
-    DeleteMe(weights);
-}
-
-TEST(ChannelElements, ListsGrowCopyAndReorder)
-{
-    CVCPointList* colours = CVCPointList::Create();
-    colours->SetSize(2, false, 0);
-    EXPECT_EQ((*colours)[1]->GetColor(), CRGBColor(0, 0, 0, 255));
-    (*colours)[1]->SetColor(CRGBColor(1, 2, 3));
-    (*colours)[1]->SetFlags(0x100);
-    EXPECT_EQ((*colours)[2], nullptr);
-    CVCPointList* copy = CVCPointList::Create();
-    *copy = *colours;
-    ASSERT_EQ(copy->GetSize(), 2);
-    EXPECT_EQ((*copy)[1]->GetColor(), CRGBColor(1, 2, 3));
-    EXPECT_EQ((*copy)[1]->GetFlags(), 0x100u);
-    const unsigned int order[] = {1, 0};
-    EXPECT_TRUE(copy->Reorder(order, 2, false));
-    EXPECT_EQ(copy->GetFirst()->GetColor(), CRGBColor(1, 2, 3));
-    EXPECT_EQ(copy->GetNext(copy->GetFirst())->GetColor(), CRGBColor());
-    DeleteMe(copy);
-    DeleteMe(colours);
 }

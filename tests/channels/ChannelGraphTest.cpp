@@ -122,16 +122,3 @@ TEST(ChannelGraph, HoldsAHubOfMoreCornersThan16BitsCount)
     EXPECT_TRUE(channel->Weld(&info, 0));    // all have u 0
     EXPECT_EQ(channel->GetPointList()->GetSize(), 1);
 }
-
-TEST(ChannelGraph, OfPointWeightsIsTheGeometryItself)
-{
-    CMesh mesh(4, {{0, 1, 2}, {0, 2, 3}});
-    CWeightChannel* channel = new CWeightChannel;
-    mesh.channels->AddChannel(channel);
-    channel->GetPointList()->SetSize(4, false, 0);
-    const CGeomInfo info = mesh.Info();
-    channel->InitGraph(&info);
-    EXPECT_EQ(channel->GetChannelPointIndex(1, 2), channel->GetPointList()->ElementAt(2));
-    channel->DeleteGraph();
-    EXPECT_FALSE(channel->Weld(&info, 1));
-}

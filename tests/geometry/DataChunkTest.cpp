@@ -80,7 +80,6 @@ TEST(DataChunk, AddingAnIdAgainKeepsOrResets)
         {"kept main, flag gone", 0x3, 0x1, false, 7, 0x1, true},
         {"replaced", 0x1, 0x101, false, 0, 0x1, false},
         {"replaced main", 0x3, 0x103, false, 0, 0x3, true},
-        {"replaced main by another", 0x3, 0x101, false, 0, 0x1, false},
         {"another size", 0x1, 0x0, true, 0, 0x0, false},
         {"high bits", 0x1, 0xF01, true, 0, 0x1, false},
     };
@@ -153,23 +152,6 @@ TEST(DataChunk, SizesOfAllChunksGoTogether)
     EXPECT_EQ(chunks.GetData(A, 5), nullptr);
     EXPECT_EQ(chunks.GetData(A, NONE), nullptr);
     EXPECT_EQ(chunks.GetData(C, 0), nullptr);
-
-    chunks.FreeExtra();
-    EXPECT_EQ(chunks.GetData(A)->GetCapacity(), 5);
-    chunks.SetDataSize(2, true, -1);
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{10, 11}));
-    chunks.SetDataSize(3, false, -1);    // nothing is kept
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{NONE, NONE, NONE}));
-    chunks.SetDataSize(-1, true, -1);
-    EXPECT_EQ(chunks.GetDataSize(), 3u);
-
-    chunks.RemoveAll();
-    EXPECT_EQ(chunks.GetDataSize(), 0u);
-    EXPECT_EQ(chunks.GetChunksNbr(), 2u);
-    EXPECT_EQ(chunks.SetGrowFactor(8), 8);
-    chunks.DeleteAll();
-    EXPECT_EQ(chunks.GetChunksNbr(), 0u);
-    EXPECT_EQ(chunks.SetGrowFactor(8), 0);
 }
 
 TEST(DataChunk, HeirsTakeInheritedChunksOnly)
@@ -286,25 +268,6 @@ TEST(DataChunk, PointChunkTakesNoBytesThatAreNoPoint)
     *static_cast<C3DTVector<float>*>(vectors.GetData(A, 0)) = C3DTVector<float>(4, 5, 6);
     points.CopyData(4, 0, vectors);
     EXPECT_EQ(*static_cast<C3DTPoint<float>*>(points.GetData(A, 4)), (C3DTPoint<float>(4, 5, 6)));
-}
-
-TEST(DataChunk, ReorderTakesPermutationsOnly)
-{
-    const unsigned int order[] = {2, 0, 1}, doubled[] = {2, 2, 1};
-    CDataChunk chunks;
-    chunks.SetDataSize(3, true, -1);
-    Add<Numbers>(chunks, A);
-    Add<Zeros>(chunks, B);
-    SetValues(chunks, A, {10, 11, 12});
-    SetValues(chunks, B, {20, 21, 22});
-    EXPECT_FALSE(chunks.Reorder(doubled, 3, false));
-    EXPECT_FALSE(chunks.Reorder(order, 2, false));
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{10, 11, 12}));
-    EXPECT_TRUE(chunks.Reorder(order, 3, false));
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{12, 10, 11}));
-    EXPECT_TRUE(chunks.Reorder(order, 3, true));
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{10, 11, 12}));
-    EXPECT_EQ(Values(chunks, B), (std::vector<unsigned int>{20, 21, 22}));
 }
 
 // --- Streams -----------------------------------------------------------------------------------------------------------------

@@ -48,19 +48,6 @@ void EmptyFaces(C3DFaceList& faces, int first, int end)
 
 }
 
-TEST(FaceList, StartsWithOneChunkAndNoFaces)
-{
-    const Mesh mesh;
-    C3DFace face;
-    EXPECT_EQ(mesh.faces->GetSize(), 0);
-    EXPECT_EQ(mesh.faces->GetDataChunkNbr(), 1u);
-    EXPECT_EQ(mesh.faces->GetSizeOfData(CHUNK_FACE_PROPERTIES), 8u);
-    EXPECT_FALSE(mesh.faces->GetFace(0, face));
-    CFace* made = mesh.faces->CreateFace();
-    EXPECT_EQ(made->GetSize(), 0);
-    mesh.faces->ReleaseFace(made);
-}
-
 TEST(FaceList, ResizesInEachMode)
 {
     // Faults in mind: faces that stay lose corners or flags, new ones inherit what SIZE_KEEP left in the pool.
@@ -155,22 +142,15 @@ TEST(FaceList, TrianglesTakeAtMost28Bytes)
             face.SetTriangle(i, i + 1, i + 2);
         }
     };
-    Mesh exact, reserved, appended;
+    Mesh exact, appended;
     exact.faces->SetSize(count, 3, CFaceList::SIZE_EXACT, -1);
     setTriangles(*exact.faces);
     EXPECT_LE(bytes(*exact.faces), 28);
     EXPECT_EQ(exact.faces->GetIndexCollection().GetPoolUsed(), 16u * count) << "no holes";
 
-    reserved.faces->PreAllocate(count, 3 * count, false);
-    reserved.faces->SetSize(count, 3, CFaceList::SIZE_EXACT, -1);
-    setTriangles(*reserved.faces);
-    reserved.faces->FreeExtra();
-    EXPECT_LE(bytes(*reserved.faces), 28);
-
     appended.faces->AppendFaces(count, 3, [](int* to, int k) { to[0] = k, to[1] = k + 1, to[2] = k + 2; });
     EXPECT_LE(bytes(*appended.faces), 28);
     EXPECT_EQ(AllCorners(*appended.faces), AllCorners(*exact.faces));
-    EXPECT_EQ(AllCorners(*appended.faces), AllCorners(*reserved.faces));
     exact.faces->SetSize(count / 2, 3, CFaceList::SIZE_EXACT, -1);
     EXPECT_EQ(exact.faces->GetIndexMemory(), 8u * count);
 }
@@ -204,13 +184,6 @@ TEST(FaceList, FlagsStayInsideTheList)
     EXPECT_FALSE(faces.IsFaceFlagsSet(1, 0x70));
     EXPECT_TRUE(faces.IsFaceOneFlagSet(1, 0x50));
     EXPECT_FALSE(faces.IsFaceOneFlagSet(5, 0x30));
-    EXPECT_FALSE(faces.IsFaceFlagsSet(5, 0));
-    EXPECT_TRUE(faces.IsFaceFlagSet(2, FACE_BORDER));
-    EXPECT_EQ(faces.GetNumberOfFaces(0x1010u, true), 2);
-    EXPECT_EQ(faces.GetNumberOfFaces(static_cast<_FACE_PROPERTIES>(0x1010), true), 0);
-    EXPECT_EQ(faces.GetNumberOfFaces(0x1010u, false), 3);
-    faces.SetFacesFlags(3, 99, 0x200, true);
-    EXPECT_EQ(faces.GetNumberOfFaces(0x200u, true), 2);
     faces.SetFacesFlags(0xFFFFFFFF, false);
     EXPECT_EQ(faces.GetNumberOfFaces(0xFFFFFFFFu, true), 0);
     EXPECT_TRUE(faces.RemoveDataChunk(CHUNK_FACE_PROPERTIES));    // nothing falls over without main data

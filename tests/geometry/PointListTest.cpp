@@ -134,49 +134,6 @@ TEST(PointList, OriginalIndicesFollowThePoints)
     EXPECT_EQ(list->GetDataChunkNbr(), 1u);
 }
 
-TEST(PointList, ChunksResetWhenAddedAgain)
-{
-    const Owned<C3DPointList> list = Points({0, 1});
-    AddExtra(*list);
-    const auto value = [&](unsigned int i) { return static_cast<unsigned int*>(list->GetData(EXTRA, i)); };
-    ASSERT_NE(value(1), nullptr);
-    EXPECT_EQ(value(2), nullptr);
-    EXPECT_EQ(list->GetSizeOfData(EXTRA), 4u);
-    *value(1) = 5;
-    AddExtra(*list);
-    EXPECT_EQ(*value(1), NONE);
-
-    const Owned<C3DPointList> other = Points({0, 1, 2});
-    other->AppendDataChunks(nullptr, false);
-    *value(1) = 5;
-    other->AppendDataChunks(list.get(), false);
-    EXPECT_EQ(*static_cast<unsigned int*>(other->GetData(EXTRA, 1)), 5u);
-    EXPECT_EQ(*static_cast<unsigned int*>(other->GetData(EXTRA, 2)), NONE);
-    EXPECT_TRUE(list->RemoveDataChunk(EXTRA));
-    EXPECT_EQ(list->GetSizeOfData(EXTRA), 0u);
-    CheckConsistent(*other);
-}
-
-TEST(PointList, HeirsTakeFlagsAndChunks)
-{
-    const Owned<C3DPointList> model = Points({0, 1});
-    AddExtra(*model);
-    model->SetFlag(POINTLIST_CHANGED, true);
-    const Owned<C3DPointList> made(C3DPointList::Create(model.get()));
-    EXPECT_EQ(made->GetSize(), 0);
-    made->SetSize(3);
-    EXPECT_EQ(*static_cast<unsigned int*>(made->GetData(EXTRA, 2)), NONE);
-    CheckConsistent(*made);
-
-    const Owned<C3DPointList> heir = Points({4});
-    heir->Inherit(*model);
-    EXPECT_TRUE(heir->IsFlagSet(POINTLIST_CHANGED));
-    EXPECT_EQ(Xs(*heir), std::vector<float>{4});
-    heir->SetSize(1);
-    EXPECT_EQ(heir->GetDataChunkNbr(), 1u);
-    CheckConsistent(*heir);
-}
-
 TEST(PointList, AssignmentConvertsBetweenClasses)
 {
     const Owned<C3DPointList> points = Points({5, 6});
@@ -212,34 +169,7 @@ TEST(PointList, FlagsAreCountedByAnyAndByAllBits)
     EXPECT_EQ(list->GetNumberOfPoints(both, false), 1);
     EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(both), true), 1);
     EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(both), false), 3);
-    EXPECT_EQ(list->GetNumberOfPoints(0u, false), 4);
-    EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(0), true), 4);
-    // h = (h + flags + i) * 16 over points 0 and 1, which are not invalid.
-    EXPECT_EQ(list->GetChecksum(2), ((0u + 0 + 0) * 16 + 0x10 + 1) * 16);
-    list->SetPointsFlags(both, true);
-    list->SetPointsFlags(POINT_INVALID, false);
-    EXPECT_EQ(list->GetNumberOfPoints(POINT_INVALID, true), 0);
-    EXPECT_EQ(list->GetNumberOfPoints(POINT_BORDER, true), 4);
 }
-
-TEST(PointList, PreAllocatedRoomIsUsed)
-{
-    const Owned<C3DPointList> list = Points({0, 1});
-    AddExtra(*list);
-    list->PreAllocate(1000, true);
-    EXPECT_EQ(list->GetSize(), 0);
-    list->SetSize(1);
-    const void* block = list->GetBase();
-    for (int i = 2; i <= 1000; i++)
-        list->SetSize(i);
-    EXPECT_EQ(list->GetBase(), block);
-    EXPECT_EQ(list->ElementAt(999)->flags, 0u);
-    list->SetSize(10);
-    list->FreeExtra();
-    EXPECT_EQ(list->GetCapacity(), 10);
-    CheckConsistent(*list);
-}
-
 // --- Streams -----------------------------------------------------------------------------------------------------------------
 
 TEST(PointList, BlocksAndElementsStoreTheSameBytes)

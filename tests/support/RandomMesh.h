@@ -33,38 +33,7 @@ struct RandomMesh {
         corners = all;
     }
     int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(random); }
-    bool IsLive(int face) const { return !mesh.faces->IsFaceOneFlagSet(static_cast<unsigned int>(face), FACE_INVALID | FACE_EMPTY); }
     int FaceCount() const { return static_cast<int>(corners.size()); }
-    /// Ends of each edge of a face, the closing one included.
-    std::vector<C3DEdge> Edges(int face) const
-    {
-        const auto& c = corners[static_cast<std::size_t>(face)];
-        std::vector<C3DEdge> edges;
-        for (std::size_t k = 0; k < c.size(); k++)
-            edges.emplace_back(c[k], c[(k + 1) % c.size()]);
-        return edges;
-    }
-    /// Live faces with a corner on the point, ascending.
-    std::vector<int> FacesOf(int point) const
-    {
-        std::vector<int> faces;
-        for (int i = 0; i < FaceCount(); i++) {
-            const auto& c = corners[static_cast<std::size_t>(i)];
-            if (point >= 0 && point < pointCount && IsLive(i) && std::find(c.begin(), c.end(), point) != c.end())
-                faces.push_back(i);
-        }
-        return faces;
-    }
-    /// Live faces along the edge, ascending, as often as they run along it.
-    std::vector<int> FacesOf(const C3DEdge& edge) const
-    {
-        std::vector<int> faces;
-        for (int i = 0; i < FaceCount(); i++)
-            for (const C3DEdge& e : Edges(i))
-                if (IsLive(i) && e == edge)
-                    faces.push_back(i);
-        return faces;
-    }
 
     std::mt19937 random;
     int pointCount;
