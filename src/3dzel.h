@@ -133,6 +133,8 @@
 #include "scene/UpAxis.h"
 #include "scene/UpdateFlags.h"
 
+#include "meshops/Concatenate.h"
+#include "meshops/CoplanarMerge.h"
 #include "meshops/GroupMap.h"
 #include "meshops/IntCoordMap.h"
 #include "meshops/IsolateFaceTagger.h"

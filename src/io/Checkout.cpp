@@ -17,6 +17,7 @@
 #include "geometry/3DPointList.h"
 #include "io/SceneOptions.h"
 #include "io/Texts.h"
+#include "meshops/Concatenate.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 #include "tools/FileNameSpec.h"
@@ -253,13 +254,15 @@ void C3DScene::CheckoutImport(CSceneImportOptions& options)
         ConvertToGlobalCoordinates(nullptr);
         log(FormatText(TEXT_TO_GLOBAL_COORDINATES, GetFilename().GetFullName()));
     }
+    int droppedFaces = 0;
     if (flags & IMPORT_CONCATENATE) {
-        Concatenate(nullptr, GetFilename().GetFileName(), nullptr, true, nullptr, false);
+        ConcatenateScene(*this, GetFilename().GetFileName(), droppedFaces);
         log(LoadText(TEXT_CONCATENATING));
     } else if (flags & IMPORT_CONCATENATE_BY_MATERIALS) {
-        ConcatenateByMaterials(nullptr, true, nullptr);
+        ConcatenateSceneByMaterials(*this, droppedFaces);
         log(LoadText(TEXT_MERGE_BY_MATERIALS));
     }
+    LogDroppedFaces(options, droppedFaces);
     if (flags & IMPORT_GENERATE_UV && GenerateUVW())
         log(LoadText(TEXT_CREATING_UV));
     if (flags & IMPORT_DISCONNECT_FACES)

@@ -20,6 +20,7 @@
 #include "geometry/3DPointList.h"
 #include "io/SceneOptions.h"
 #include "io/Texts.h"
+#include "meshops/Concatenate.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
@@ -240,8 +241,10 @@ void CExportPreparation::JoinObjects()
                 Log(FormatText(TEXT_UNIFYING_UV, name));
         });
     if (IsAsked(EXPORT_CONCATENATE)) {
-        m_scene.Concatenate(nullptr, fileStripPath(m_options.filePath), nullptr, true, nullptr, false);
+        int droppedFaces = 0;
+        ConcatenateScene(m_scene, fileStripPath(m_options.filePath), droppedFaces);
         Log(LoadText(TEXT_CONCATENATING));
+        LogDroppedFaces(m_options, droppedFaces);
     }
     if (IsAsked(EXPORT_DISCONNECT_FACES))
         ForObjects([&](C3DGeomObject& object, const Text& name) {

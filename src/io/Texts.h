@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/IoOptions.h"
 #include "tools/String.h"
 
 /// Entries of the string table that reading and writing log.
@@ -33,6 +34,7 @@ enum _IO_TEXT : unsigned int {
     TEXT_REMOVING_BACK_MATERIALS = 7425,
     TEXT_CANNOT_MAKE_FOLDER = 7426,
     TEXT_REMOVING_GROUPS = 7427,
+    TEXT_DROPPED_FACES = 7428,
     TEXT_UNNAMED_OBJECT = 9423,
 };
 
@@ -52,4 +54,11 @@ template <class... ARGUMENTS> CXTString<wchar_t> FormatText(_IO_TEXT id, const A
     CXTString<wchar_t> text;
     text.FormatString(LoadText(id), FormatArgument(arguments)...);
     return text;
+}
+
+/// Tells of faces that joining objects left out, if there are any.
+inline void LogDroppedFaces(CIoOptions& options, int count)
+{
+    if (count > 0)
+        options.AddLogInfo(IoLogInfo::WARNING, FormatText(TEXT_DROPPED_FACES, static_cast<unsigned int>(count)));
 }

@@ -6,9 +6,13 @@
 //   close   a clean, and the channels' new ids in materials
 //
 // A channel joins the one at its place among those of its type: the second texture channel of a source joins the second one here, whatever
-// their ids.
+// their ids, and the materials of the source's faces follow. A material that would have to name two channels at once can't follow: then
+// every channel joins the one of its id.
+
+#include "meshops/Concatenate.h"
 
 #include <algorithm>
+#include <map>
 
 #include "channels/DependentChannels.h"
 #include "geometry/3DPointList.h"
@@ -71,6 +75,7 @@ struct Source {
     CBlockVector<int> faces;    // unless all of them
     int faceCount = 0;
     CBlockVector<std::pair<CChannel*, CChannel*>> channels;    // of the source, of the destination
+    CChannelMap names;                                         // the ids of the former to those of the latter
 
     const int* GetFaces() const { return allFaces ? nullptr : faces.data(); }
     PointChoice Choose(const CPointList& points, const CFaceList* list, bool filtered) const
@@ -79,33 +84,64 @@ struct Source {
     }
 };
 
+/// What the channels that the materials name are called in the result.
+class MaterialNames {
+public:
+    explicit MaterialNames(C3DScene* scene) : m_scene(scene) {}
+
+    /// Faces of the object take their data from the channels of `names`. False when a material that it uses has to name another channel
+    /// for other faces.
+    bool Add(C3DGeomObject& object, const CChannelMap& names);
+    /// The same for an object whose channels keep their ids.
+    bool AddUnchanged(C3DGeomObject& object);
+    bool IsAnyRenamed() const;
+    /// Renames the channels in those of the materials that the object uses.
+    void Apply(C3DGeomObject& object) const;
+
+private:
+    C3DScene* m_scene;
+    std::map<unsigned int, CChannelMap> m_names;    // by material
+};
+
 /// One run of C3DGeomObject::Concatenate.
 class Concatenation {
 public:
-    Concatenation(C3DGeomObject& to, const C3DFilter* filter) : m_to(to), m_filter(filter) {}
+    Concatenation(C3DGeomObject& to, C3DScene* scene, const C3DFilter* filter, bool sourcesStay)
+        : m_to(to), m_scene(scene), m_filter(filter), m_sourcesStay(sourcesStay), m_materials(scene)
+    {
+    }
 
     bool Plan(const CXArray<C3DGeomObject*, C3DGeomObject*>& sources);
     void Append();
-    /// From each channel that came in to the one that took it, where their ids differ.
-    CChannelMap GetRenamedChannels() const;
+    void RenameInMaterials() { m_materials.Apply(m_to); }
 
 private:
+    enum Matching { BY_PLACE, BY_ID };
+
     bool CanJoin(C3DGeomObject* object) const;
     bool ListFaces(Source& source);
-    void MatchChannels(Source& source);
-    CChannel* FindPartner(C3DGeomObject& object, const CChannel& channel) const;
+    void MatchChannels(Matching matching);
+    void MatchChannels(Source& source, Matching matching);
+    void ForgetChannels();
+    CChannel* FindPartner(const Source& source, const CChannel& channel, Matching matching) const;
+    CChannel* AddPartner(const CChannel& channel);
+    bool CanMaterialsFollow();
+    bool AreOthersUntouched();
 
     void Reserve();
     void ReserveChannel(CChannel& channel);
     void AppendSource(Source& source);
-    void TakeGlobalChannels(C3DGeomObject& object);
+    void TakeGlobalChannels(const Source& source);
     void AppendChannel(const Source& source, const CChannel& from, CChannel& to, const PointChoice& points);
     void LevelChannels();
 
     C3DGeomObject& m_to;
+    C3DScene* const m_scene;
     const C3DFilter* const m_filter;
+    const bool m_sourcesStay;
     CBlockVector<Source> m_sources;
-    CChannelMap m_channels;
+    CBlockVector<CChannel*> m_added;    // to the destination
+    MaterialNames m_materials;
     std::int64_t m_faces = 0, m_corners = 0, m_points = 0;
 };
 
@@ -113,7 +149,7 @@ private:
 
 bool Concatenation::Plan(const CXArray<C3DGeomObject*, C3DGeomObject*>& sources)
 {
-    // From the last to the first: where sources disagree about what a channel becomes, the first one has the last word.
+    // From the last to the first: the last source gives the order of the channels that the destination lacks.
     for (int i = static_cast<int>(sources.GetSize()); i-- > 0;) {
         Source source;
         source.object = sources[i];
@@ -125,8 +161,12 @@ bool Concatenation::Plan(const CXArray<C3DGeomObject*, C3DGeomObject*>& sources)
     }
     if (m_faces == 0 || m_points == 0 || m_faces > INT32_MAX - m_to.GetFaceNbr() || m_points > INT32_MAX - m_to.GetPointNbr())
         return false;
-    for (Source& source : m_sources)
-        MatchChannels(source);
+    MatchChannels(BY_PLACE);
+    if (!CanMaterialsFollow()) {
+        ForgetChannels();
+        MatchChannels(BY_ID);
+        CanMaterialsFollow();    // as far as they can: one object may have two channels of one id
+    }
     std::reverse(m_sources.begin(), m_sources.end());
     return true;
 }
@@ -162,7 +202,13 @@ bool Concatenation::ListFaces(Source& source)
     return corners > 0;
 }
 
-void Concatenation::MatchChannels(Source& source)
+void Concatenation::MatchChannels(Matching matching)
+{
+    for (Source& source : m_sources)
+        MatchChannels(source, matching);
+}
+
+void Concatenation::MatchChannels(Source& source, Matching matching)
 {
     for (CChannel* channel : *source.object->GetChannels()) {
         if (channel->IsOneFlagSet(CHANNEL_INVALID | CHANNEL_UNFOLLOWED) || !channel->GetPointList() ||
@@ -170,31 +216,138 @@ void Concatenation::MatchChannels(Source& source)
             continue;
         if (channel->GetFaceList() && channel->GetFaceList()->GetSize() != source.object->GetFaceNbr())
             continue;
-        CChannel* partner = FindPartner(*source.object, *channel);
-        if (!partner) {
-            partner = channel->Copy(CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_NO_DATA);
-            m_to.AddChannel(partner);
-        }
+        CChannel* partner = FindPartner(source, *channel, matching);
+        if (!partner)
+            partner = AddPartner(*channel);
         source.channels.push_back({channel, partner});
-        m_channels.SetAt(CChannelInfo(channel), CChannelInfo(partner));
+        if (!source.names.Find(CChannelInfo(channel)))    // of two with one id the first is the one that is found
+            source.names.SetAt(CChannelInfo(channel), CChannelInfo(partner));
     }
 }
 
-// The channel at the same place, when it is of the same form.
-CChannel* Concatenation::FindPartner(C3DGeomObject& object, const CChannel& channel) const
+void Concatenation::ForgetChannels()
 {
-    const int place = object.GetChannels()->GetChannelIndex(channel.GetChannelID(), channel.GetType(), true);
-    CChannel* partner = m_to.GetChannels()->GetChannelByIndex(place, channel.GetType(), true);
-    return partner && !partner->GetFaceList() == !channel.GetFaceList() ? partner : nullptr;
+    for (Source& source : m_sources) {
+        source.channels.clear();
+        source.names.RemoveAll();
+    }
+    for (CChannel* channel : m_added)
+        m_to.GetChannels()->RemoveChannel(channel);
+    m_added.clear();
 }
 
-CChannelMap Concatenation::GetRenamedChannels() const
+// A channel of the same form that no other one of the source has joined.
+CChannel* Concatenation::FindPartner(const Source& source, const CChannel& channel, Matching matching) const
 {
-    CChannelMap renamed;
-    for (const auto& [from, to] : m_channels)
-        if (!(from == to))
-            renamed.SetAt(from, to);
-    return renamed;
+    CDependentChannels& from = *source.object->GetChannels();
+    CDependentChannels& to = *m_to.GetChannels();
+    CChannel* const partner =
+        matching == BY_ID
+            ? to.GetChannelByID(channel.GetChannelID(), channel.GetType())
+            : to.GetChannelByIndex(from.GetChannelIndex(channel.GetChannelID(), channel.GetType(), true), channel.GetType(), true);
+    if (!partner || partner->IsFlagSet(CHANNEL_INVALID) || !partner->GetFaceList() != !channel.GetFaceList())
+        return nullptr;
+    const auto isPartner = [&](const auto& pair) { return pair.second == partner; };
+    return std::any_of(source.channels.begin(), source.channels.end(), isPartner) ? nullptr : partner;
+}
+
+// An empty channel of that form, with that id unless the destination has one that is called so.
+CChannel* Concatenation::AddPartner(const CChannel& channel)
+{
+    const bool taken = m_to.GetChannelByID(channel.GetChannelID(), channel.GetType());
+    CChannel* const partner = channel.Copy(taken ? CHANNEL_COPY_NO_DATA : CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_NO_DATA);
+    m_to.AddChannel(partner);
+    m_added.push_back(partner);
+    return partner;
+}
+
+bool Concatenation::CanMaterialsFollow()
+{
+    m_materials = MaterialNames(m_scene);
+    if (!m_scene)
+        return true;
+    bool all = m_materials.AddUnchanged(m_to);
+    for (const Source& source : m_sources)
+        all &= m_materials.Add(*source.object, source.names);
+    return all && (!m_materials.IsAnyRenamed() || AreOthersUntouched());
+}
+
+// Objects of the scene that stay as they are go on finding their channels.
+bool Concatenation::AreOthersUntouched()
+{
+    CHashTable<C3DBaseObject*> leaving;
+    if (!m_sourcesStay)
+        for (const Source& source : m_sources)
+            leaving.Insert(source.object);
+    C3DGeomObject* object;
+    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_GEOMETRIC); m_scene->GetNextNode(object, pos);)
+        if (object && object != &m_to && !leaving.Find(object) && !m_materials.AddUnchanged(*object))
+            return false;
+    return true;
+}
+
+// --- Materials ------------------------------------------------------------------------------------------------------
+
+// What a material names.
+template <class BODY> void ForEachName(const C3DMaterial& material, BODY body)
+{
+    float strength;
+    body(CChannelInfo(material.GetVertexColor(0, strength), CHANNEL_VC));
+    for (const CMaterialMap* map : {material.GetAmbientMaps(), material.GetDiffuseMaps(), material.GetSpecularMaps(),
+                                    material.GetTransparencyMaps(), material.GetBumpMaps()})
+        if (map)
+            body(CChannelInfo(map->GetChannelID(), CHANNEL_UVW));
+}
+
+bool MaterialNames::Add(C3DGeomObject& object, const CChannelMap& names)
+{
+    if (object.GetFaceList())
+        object.GetFaceList()->DeleteMaterialsHashMap();    // faces may have got materials since it was made
+    const C3DGeomObject::MaterialMap* const used = names.IsEmpty() ? nullptr : object.GetMaterialsHashMap(true);
+    if (!used)
+        return true;
+    bool agrees = true;
+    for (const auto& entry : *used)
+        if (const C3DMaterial* const material = m_scene->GetMaterialByID(entry.first))
+            ForEachName(*material, [&](const CChannelInfo& name) {
+                const CChannelInfo* const now = names.Find(name);
+                if (!now)
+                    return;
+                CChannelMap& known = m_names[entry.first];
+                if (const CChannelInfo* const other = known.Find(name))
+                    agrees &= *other == *now;
+                else
+                    known.SetAt(name, *now);
+            });
+    return agrees;
+}
+
+bool MaterialNames::AddUnchanged(C3DGeomObject& object)
+{
+    CChannelMap names;
+    for (CChannel* channel : *object.GetChannels())
+        names.SetAt(CChannelInfo(channel), CChannelInfo(channel));
+    return Add(object, names);
+}
+
+bool MaterialNames::IsAnyRenamed() const
+{
+    for (const auto& [material, names] : m_names)
+        for (const auto& [from, to] : names)
+            if (!(from == to))
+                return true;
+    return false;
+}
+
+void MaterialNames::Apply(C3DGeomObject& object) const
+{
+    const C3DGeomObject::MaterialMap* const used = IsAnyRenamed() ? object.GetMaterialsHashMap(true) : nullptr;
+    if (!used)
+        return;
+    for (const auto& entry : *used)
+        if (const auto names = m_names.find(entry.first); names != m_names.end())
+            if (C3DMaterial* const material = m_scene->GetMaterialByID(entry.first))
+                material->ChangeChannelID(names->second);
 }
 
 // --- Append ---------------------------------------------------------------------------------------------------------
@@ -239,7 +392,7 @@ void Concatenation::ReserveChannel(CChannel& channel)
 
 void Concatenation::AppendSource(Source& source)
 {
-    TakeGlobalChannels(*source.object);
+    TakeGlobalChannels(source);
     C3DPointList& points = *source.object->GetPointList();
     C3DFaceList* faces = source.object->GetFaceList();
     const PointChoice choice = source.Choose(points, faces, m_filter != nullptr);
@@ -261,15 +414,25 @@ void Concatenation::AppendSource(Source& source)
     LevelChannels();
 }
 
-// The first source that has one gives its global channels.
-void Concatenation::TakeGlobalChannels(C3DGeomObject& object)
+// The first source that has one gives its global channels, by the names that they have here.
+void Concatenation::TakeGlobalChannels(const Source& source)
 {
+    const auto rename = [&](unsigned int id, _Channel3DType type) {
+        CChannelMap names;
+        if (const CChannelInfo* const now = source.names.Find(CChannelInfo(id, type)); now && now->GetChannelID() != id)
+            names.SetAt(CChannelInfo(id, type), *now);
+        m_to.ChangeChannelID(nullptr, names);
+    };
     float strength;
-    if (m_to.GetGlobalUVWChannel() == NO_CHANNEL_ID && object.GetGlobalUVWChannel() != NO_CHANNEL_ID)
-        m_to.SetGlobalUVWChannel(object.GetGlobalUVWChannel());
+    if (const unsigned int id = source.object->GetGlobalUVWChannel(); id != NO_CHANNEL_ID && m_to.GetGlobalUVWChannel() == NO_CHANNEL_ID) {
+        m_to.SetGlobalUVWChannel(id);
+        rename(id, CHANNEL_UVW);
+    }
     if (m_to.GetGlobalVCChannel(strength) == NO_CHANNEL_ID)
-        if (const unsigned int id = object.GetGlobalVCChannel(strength); id != NO_CHANNEL_ID)
+        if (const unsigned int id = source.object->GetGlobalVCChannel(strength); id != NO_CHANNEL_ID) {
             m_to.SetGlobalVCChannel(id, strength);
+            rename(id, CHANNEL_VC);
+        }
 }
 
 void Concatenation::AppendChannel(const Source& source, const CChannel& from, CChannel& to, const PointChoice& choice)
@@ -301,19 +464,28 @@ void Concatenation::LevelChannels()
 
 }
 
-bool C3DGeomObject::Concatenate(C3DScene* scene, const CXArray<C3DGeomObject*, C3DGeomObject*>& sources, const C3DFilter* filter)
+bool Concatenate(C3DGeomObject& destination, C3DScene* scene, const CXArray<C3DGeomObject*, C3DGeomObject*>& sources,
+                 const C3DFilter* filter, bool sourcesStay, int* droppedFaces)
 {
-    if (!m_points || !m_faces)
+    if (!destination.GetPointList() || !destination.GetFaceList())
         return false;
-    Concatenation run(*this, filter);
+    Concatenation run(destination, scene, filter, sourcesStay);
     if (!run.Plan(sources))
         return false;
     run.Append();
-    SetFlag(OBJECT_EMPTY, false);
-    Clean();
-    ChangeChannelID(scene, run.GetRenamedChannels());
-    Invalidate(CHANGE_POINTS | CHANGE_FACES, true);
+    destination.SetFlag(OBJECT_EMPTY, false);
+    const int faces = destination.GetFaceNbr();
+    destination.Clean();
+    if (droppedFaces)
+        *droppedFaces += faces - destination.GetFaceNbr();
+    run.RenameInMaterials();
+    destination.Invalidate(CHANGE_POINTS | CHANGE_FACES, true);
     return true;
+}
+
+bool C3DGeomObject::Concatenate(C3DScene* scene, const CXArray<C3DGeomObject*, C3DGeomObject*>& sources, const C3DFilter* filter)
+{
+    return ::Concatenate(*this, scene, sources, filter, false, nullptr);
 }
 
 void C3DGeomObject::ChangeChannelID(C3DScene* scene, const CChannelMap& map)

@@ -1,5 +1,7 @@
 // Concatenation of the objects of a branch, transforms baked in.
 
+#include "meshops/Concatenate.h"
+
 #include <vector>
 
 #include "geometry/3DPointList.h"
@@ -56,23 +58,30 @@ C3DGeomObject* TakeObject(const Part& part, bool replace)
 
 bool IsFilled(const C3DGeomObject& object) { return object.GetPointNbr() > 0 && object.GetFaceNbr() > 0; }
 
-}
+/// What becomes of the nodes that a branch is joined from.
+enum Fate {
+    STAY,        // as they are
+    GO_LATER,    // the caller removes them; their materials may follow the result
+    ARE_REPLACED
+};
 
-C3DSceneNode* C3DScene::Concatenate(C3DSceneNode* start, const CXTString<wchar_t>& name, C3DGeomObject* destination, bool replace,
-                                    C3DFilter* filter, bool includeStart)
+// The node that holds the destination, or null. It stands in the scene when it replaces the branch.
+C3DSceneNode* JoinBranch(C3DScene& scene, C3DSceneNode* start, const CXTString<wchar_t>& name, C3DGeomObject* destination, Fate fate,
+                         C3DFilter* filter, bool includeStart, int* droppedFaces)
 {
+    const bool replace = fate == ARE_REPLACED;
     if (!destination)
         destination = CreateDestination();
     if (!start)
-        start = GetRoot();
-    if (replace && start == GetRoot())
-        ConvertToGlobalCoordinates(nullptr);
+        start = scene.GetRoot();
+    if (replace && start == scene.GetRoot())
+        scene.ConvertToGlobalCoordinates(nullptr);
 
     CXArray<C3DGeomObject*, C3DGeomObject*> objects;
-    for (const Part& part : ListParts(*this, start, filter, includeStart))
+    for (const Part& part : ListParts(scene, start, filter, includeStart))
         if (C3DGeomObject* object = TakeObject(part, replace))
             objects.Add(object);
-    destination->Concatenate(this, objects, filter);
+    Concatenate(*destination, &scene, objects, filter, fate == STAY, droppedFaces);
     for (C3DGeomObject* object : objects)
         DeleteMe(object);
     if (!IsFilled(*destination)) {
@@ -84,32 +93,58 @@ C3DSceneNode* C3DScene::Concatenate(C3DSceneNode* start, const CXTString<wchar_t
     node->SetObject(destination, true);
     node->SetName(name);
     if (replace) {
-        RemoveNode(start, true);
-        AddNode(nullptr, node);
+        scene.RemoveNode(start, true);
+        scene.AddNode(nullptr, node);
     }
     return node;
 }
 
-int C3DScene::ConcatenateByMaterials(C3DSceneNode* start, bool replace, C3DFilterByMaterial* filter)
+int JoinByMaterials(C3DScene& scene, C3DSceneNode* start, bool replace, C3DFilterByMaterial* filter, int* droppedFaces)
 {
     C3DFilterByMaterial local;
     if (!filter)
         filter = &local;
-    ConvertToGlobalCoordinates(start);
+    scene.ConvertToGlobalCoordinates(start);
     C3DFaceList::MaterialsMap materials;
-    GetMaterials(start, materials, false);
+    scene.GetMaterials(start, materials, false);
     std::vector<C3DSceneNode*> nodes;
     for (const auto& entry : materials) {
-        const C3DMaterial* material = GetMaterialList().FindByID(entry.first);
+        const C3DMaterial* material = scene.GetMaterialList().FindByID(entry.first);
         if (!material)
             continue;
         filter->SetMaterial(entry.first, true);
-        if (C3DSceneNode* node = Concatenate(start, material->GetName(), nullptr, false, filter, true))
+        if (C3DSceneNode* node =
+                JoinBranch(scene, start, material->GetName(), nullptr, replace ? GO_LATER : STAY, filter, true, droppedFaces))
             nodes.push_back(node);
     }
     if (replace)
-        RemoveAllNodes();
+        scene.RemoveAllNodes();
     for (C3DSceneNode* node : nodes)
-        AddNode(nullptr, node);
+        scene.AddNode(nullptr, node);
     return static_cast<int>(nodes.size());
+}
+
+}
+
+C3DSceneNode* C3DScene::Concatenate(C3DSceneNode* start, const CXTString<wchar_t>& name, C3DGeomObject* destination, bool replace,
+                                    C3DFilter* filter, bool includeStart)
+{
+    return JoinBranch(*this, start, name, destination, replace ? ARE_REPLACED : STAY, filter, includeStart, nullptr);
+}
+
+int C3DScene::ConcatenateByMaterials(C3DSceneNode* start, bool replace, C3DFilterByMaterial* filter)
+{
+    return JoinByMaterials(*this, start, replace, filter, nullptr);
+}
+
+bool ConcatenateScene(C3DScene& scene, const CXTString<wchar_t>& name, int& droppedFaces)
+{
+    droppedFaces = 0;
+    return JoinBranch(scene, nullptr, name, nullptr, ARE_REPLACED, nullptr, false, &droppedFaces) != nullptr;
+}
+
+int ConcatenateSceneByMaterials(C3DScene& scene, int& droppedFaces)
+{
+    droppedFaces = 0;
+    return JoinByMaterials(scene, nullptr, true, nullptr, &droppedFaces);
 }

@@ -140,6 +140,17 @@ TEST_F(Checkout, SortsSiblingsByName)
     EXPECT_EQ(scene->GetChildNode(nullptr)->GetName(), L"1");
 }
 
+TEST_F(Checkout, JoiningTellsOfFacesThatItDrops)
+{
+    for (const unsigned int how : {IMPORT_CONCATENATE, IMPORT_CONCATENATE_BY_MATERIALS}) {
+        scene->RemoveAllNodes();
+        AddMesh(*scene, L"a", MakeMesh(SQUARE, {{0, 1, 2}, {0, 0, 1}, {1, 2}}));
+        const TextLines lines = Run(how);
+        ASSERT_EQ(lines.size(), 2u);
+        EXPECT_EQ(lines[1], L"2 Faces with fewer than 3 different corners left out: 2");
+    }
+}
+
 TEST_F(Checkout, EachFlagDoesItsStepAndSaysSo)
 {
     const unsigned int both = IMPORT_CONCATENATE | IMPORT_CONCATENATE_BY_MATERIALS;

@@ -116,6 +116,82 @@ TEST(Concatenate, TakesWhatTheFilterPassesAndNothingElse)
 
 namespace {
 
+/// The u of a face's first corner in the channel that the diffuse map of its material names; -1 for none.
+float ShownU(const C3DScene& scene, C3DGeomObject& object, unsigned int face)
+{
+    const C3DMaterial* material = scene.GetMaterialByID(object.GetFaceList()->GetFaceMaterial(face));
+    const auto* channel = static_cast<CUVWChannel*>(object.GetChannelByID(material->GetDiffuseMaps()->GetChannelID(), CHANNEL_UVW));
+    const std::vector<float> us = channel ? UsOf(*channel, static_cast<int>(face)) : std::vector<float>();
+    return us.empty() ? -1 : us[0];
+}
+
+}
+
+// Faults in mind: a channel that comes in has an id that another one has already; a material is renamed for one object and shared with
+// another; objects that stay in the scene no longer find their coordinates.
+TEST(Concatenate, FacesKeepTheCoordinatesThatTheirMaterialsName)
+{
+    enum Way { BARE, STAYS, REPLACED };
+    const struct {
+        const char* name;
+        std::vector<unsigned int> ids[2];    // of the channels of two objects
+        unsigned int named[2];               // by their materials
+        bool share;                          // one material
+    } rows[] = {
+        {"taken at another place", {{0, 1, 5}, {0, 5}}, {5, 5}, false},
+        {"the other way round", {{0, 5}, {5, 0}}, {5, 0}, false},
+        {"one place, two ids", {{5}, {7}}, {5, 7}, false},
+        {"one material, other places", {{0, 1, 5}, {0, 5}}, {5, 5}, true},
+        {"one material, other way round", {{0, 5}, {5, 0}}, {5, 5}, true},
+    };
+    for (const auto& row : rows)
+        for (const Way way : {BARE, STAYS, REPLACED}) {
+            SCOPED_TRACE(row.name + std::to_string(way));
+            Owned<C3DScene> scene(C3DScene::Create());
+            Objects sources;
+            C3DMaterial* materials[2] = {scene->CreateNewMaterial(NO_MATERIAL), scene->CreateNewMaterial(NO_MATERIAL)};
+            float shown[2];
+            for (int i = 0; i < 2; i++) {
+                C3DObject* object = ObjectOf(Cube()).release();
+                for (std::size_t k = 0; k < row.ids[i].size(); k++) {
+                    AddUVW(*object, row.ids[i][k], 1000.0f * i + 100.0f * k);
+                    if (row.ids[i][k] == row.named[i])
+                        shown[i] = 1000.0f * i + 100.0f * k;
+                }
+                materials[i]->AddMaterialMap(L"a.png", row.named[i], MAP_DIFFUSE, PROJECTION_UVW);
+                for (unsigned int face = 0; face < 6; face++)
+                    object->GetFaceList()->SetFaceMaterial(face, materials[row.share ? 0 : i]->GetMaterialID());
+                sources.Add(object);
+                C3DSceneNode* node = C3DSceneNode::Create();
+                node->SetObject(object, true);
+                scene->AddNode(nullptr, node);
+            }
+            Owned<C3DObject> bare = Empty();
+            C3DGeomObject* all = bare.get();
+            C3DSceneNode* node = nullptr;
+            if (way == BARE)
+                ASSERT_TRUE(all->Concatenate(scene.get(), sources, nullptr));
+            else {
+                node = scene->Concatenate(nullptr, L"all", nullptr, way == REPLACED, nullptr, false);
+                all = node->GetGeomObject();
+            }
+            CheckInStep(*all);
+            for (CChannel* channel : *all->GetChannels())
+                EXPECT_EQ(all->GetChannelByID(channel->GetChannelID(), CHANNEL_UVW), channel);
+            for (unsigned int i = 0; i < 2; i++) {
+                EXPECT_EQ(ShownU(*scene, *all, 6 * i), shown[i]);
+                if (way == STAYS) {
+                    EXPECT_EQ(ShownU(*scene, *sources[i], 0), shown[i]);
+                    EXPECT_EQ(materials[i]->GetDiffuseMaps()->GetChannelID(), row.named[i]);
+                }
+            }
+            if (way == STAYS)
+                node->Delete();
+        }
+}
+
+namespace {
+
 /// A scene of three cubes: one under the root, moved by 10; below it one moved by 5 more, which shares the object; beside them a hidden
 /// one. The second face of the shared object has material 7.
 struct ThreeCubes {
