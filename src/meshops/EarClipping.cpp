@@ -1,6 +1,7 @@
 // Cutting ears off a polygon.
 //
 //   TakeEars         the order in which corners are tried and cut off; knows no representation
+//   TakeRest         cuts off what is left where no corner makes an ear
 //   CSmallPolygon    the common case: on the stack, corners found by looking at all of them, angles hardly ever worked out
 //   CLargePolygon    corners in a list, the sharpest one from a tournament, corners in the way from a tree over the plane
 //
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
+#include <set>
 
 #include "geometry/3DFace.h"
 #include "geometry/3DPointList.h"
@@ -122,19 +125,45 @@ bool IsWide(const CornerTurn& t)
 
 }
 
-// The ears of a polygon of `count` corners, as long as there are some. `take(c, q, p)` is told of each.
+// What TakeEars finds no ear in: the rest of a polygon that crosses or folds itself where it is bent, and corners in a line. The corner of
+// the smallest inner angle goes first, whatever lies in the way, so that every edge of the polygon gets its triangle.
+template <class POLYGON, class TAKE> void TakeRest(POLYGON& polygon, int first, int left, TAKE take)
+{
+    constexpr float TURN = 2 * std::numbers::pi_v<float>;
+    const auto innerAngle = [&](int i) {
+        const auto angle = static_cast<float>(polygon.GetAngle(i));
+        return angle >= 0 ? angle : angle < 0 ? angle + TURN : TURN;    // a corner without a place comes last
+    };
+    std::set<std::pair<float, int>> byAngle;
+    for (int i = first, k = 0; k < left; k++, i = polygon.GetNext(i))
+        byAngle.insert({innerAngle(i), i});
+    while (left >= 3) {
+        const int c = byAngle.begin()->second, q = polygon.GetNext(c), p = polygon.GetPrev(c);
+        take(c, q, p);
+        if (--left < 3)
+            return;
+        for (const int i : {c, q, p})
+            byAngle.erase({innerAngle(i), i});
+        polygon.CutOff(c, q, p);
+        for (const int i : {q, p})
+            byAngle.insert({innerAngle(i), i});
+    }
+}
+
+// The ears of a polygon of `count` corners. `take(c, q, p)` is told of each.
 //
 // A round either cuts a corner off or takes its convexity from it, which only a cut beside it gives back: there are at most 4 * count.
 template <class POLYGON, class TAKE> void TakeEars(POLYGON& polygon, int count, TAKE take)
 {
     int c = polygon.FindStart();
     if (c < 0)
-        return;
+        return TakeRest(polygon, 0, count, take);
     for (int left = count; left >= 3;) {
         if (!polygon.IsConvex(c) || polygon.IsWide(c)) {
-            c = polygon.FindSharpest(c);
-            if (c < 0 || !polygon.IsAbove0(c))
-                return;
+            const int sharpest = polygon.FindSharpest(c);
+            if (sharpest < 0 || !polygon.IsAbove0(sharpest))
+                return TakeRest(polygon, c, left, take);
+            c = sharpest;
         }
         const int q = polygon.GetNext(c), p = polygon.GetPrev(c);
         if (polygon.IsInTheWay(c, q, p))
@@ -168,6 +197,7 @@ public:
     bool IsConvex(int i) const { return m_convex[i]; }
     bool IsWide(int i) const { return Turn::IsWide(m_turn[i]); }
     bool IsAbove0(int i) const { return Turn::IsAbove0(m_turn[i]); }
+    float GetAngle(int i) const { return m_turn[i].Angle(); }
     bool IsSharper(int a, int b) const { return Turn::IsSharper(m_turn[a], m_turn[b]); }
     int FindStart() const
     {
@@ -431,6 +461,7 @@ public:
     bool IsConvex(int i) const { return m_corners[i].convex; }
     bool IsWide(int i) const { return m_corners[i].angle > WIDE; }
     bool IsAbove0(int i) const { return m_corners[i].angle > 0; }
+    double GetAngle(int i) const { return m_corners[i].angle; }
     bool IsSharper(int a, int b) const { return m_corners[a].angle < m_corners[b].angle; }
     int FindStart() const { return m_sharpest.FindBehind(0); }
     int FindSharpest(int c) const { return m_sharpest.Find(c); }

@@ -18,8 +18,9 @@ using EarArray = CBlockVector<Ear>;
 ///
 /// The candidate is the sharpest corner at first, and then one of the two beside the last ear, so that a strip is cut across. It is given
 /// up for the sharpest of all when it is reflex or wider than a right angle (and a little). An ear with a reflex corner inside stays. An
-/// ear that has one point twice is cut off without a triangle. What is left without a corner above 0 stays untriangulated: a polygon that
-/// crosses itself can give fewer triangles than corners less 2.
+/// ear that has one point twice is cut off without a triangle. Where no corner is above 0 the one of the smallest inner angle is cut off,
+/// so that the triangles have the outline of the polygon: a closed mesh stays closed. They may overlap or have no area where the polygon
+/// crosses itself or runs straight on.
 ///
 /// Keep one for many polygons: it then allocates nothing. Cost: near linear in the corners.
 class ZEL_API CEarClipping {
