@@ -62,6 +62,12 @@ bool MergeCoplanar(C3DScene& scene, const std::string& angle)
     return ForObjects(scene, [&](C3DGeomObject& object) { return object.MergeCoplanarFaces(Number(angle) * RADIANS, ALL_CHANNELS); });
 }
 
+bool MergeCoplanarClosed(C3DScene& scene, const std::string& angle)
+{
+    return ForObjects(scene,
+                      [&](C3DGeomObject& object) { return MergeCoplanarFacesClosed(object, Number(angle) * RADIANS, ALL_CHANNELS); });
+}
+
 bool UnifyNormals(C3DScene& scene, const std::string&)
 {
     return ForObjects(scene, [](C3DGeomObject& object) { return object.UnifyNormals(); });
@@ -183,6 +189,8 @@ constexpr SceneStep STEPS[] = {
     {"quadrangulate", SceneStep::NONE, false, "Split faces of more than four corners into triangles", Quadrangulate},
     {"merge-coplanar", SceneStep::ANGLE, false, "Make one polygon of flat regions; the angle in degrees that counts as flat",
      MergeCoplanar},
+    {"merge-coplanar-closed", SceneStep::ANGLE, false,
+     "The same, but a corner stays on a straight border where other faces need it: closed meshes stay closed", MergeCoplanarClosed},
     {"unify-normals", SceneStep::NONE, false, "Turn faces the same way round, and outward", UnifyNormals},
     {"flip-normals", SceneStep::NONE, false, "Turn all faces round", FlipNormals},
     {"explode", SceneStep::NONE, false, "Make an object of each connected part", Explode},

@@ -6,6 +6,12 @@
 //   clean    faces that are none, then points that only inner faces had
 //
 // A region whose border is not one line, has a hole or touches itself stays as its faces.
+//
+// A corner where a border runs straight on goes. Other regions and faces may go on having its point: their edges then lie on a longer one,
+// and the mesh is open there. Where that must not be, the polygons are planned with all corners, and when all are known a corner goes only if
+// no other face needs its point.
+
+#include "meshops/CoplanarMerge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,7 +117,7 @@ private:
 
 class CCoplanarMerge {
 public:
-    CCoplanarMerge(const C3DFaceList& faces, C3DPointList& points, const CGeomInfo* info, double angle);
+    CCoplanarMerge(const C3DFaceList& faces, C3DPointList& points, const CGeomInfo* info, double angle, bool closed);
 
     /// False when the user stopped it.
     bool Plan();
@@ -127,7 +133,9 @@ private:
     bool IsSound(int face) const;
     bool Merge(int seed);
     void KeepTurns();
+    void KeepAll();
     void AddChannelCorners(ChannelPair& pair);
+    void DropStraightCorners();
     void Copy(int face);
     void WriteList(CFaceList& target, const CFaceList& source, const CBlockVector<int>& from, const CBlockVector<int>& corners,
                    const std::vector<bool>* hasData) const;
@@ -137,6 +145,7 @@ private:
     C3DPointList& m_points;
     const CGeomInfo* m_info;
     const double m_threshold;
+    const bool m_closed;
     const CFaceFlags m_flags;
     const unsigned char* m_materials;
     std::size_t m_materialStride;
@@ -161,15 +170,16 @@ private:
     };
     CBlockVector<Result> m_results;
     CBlockVector<int> m_corners;
+    CBitArray m_needed;    // by point, where no seam may open: a corner that no face can do without
 };
 
 }
 
-CCoplanarMerge::CCoplanarMerge(const C3DFaceList& faces, C3DPointList& points, const CGeomInfo* info, double angle)
-    : m_faces(faces), m_points(points), m_info(info), m_threshold(std::cos(angle) - 1e-6), m_flags(faces),
+CCoplanarMerge::CCoplanarMerge(const C3DFaceList& faces, C3DPointList& points, const CGeomInfo* info, double angle, bool closed)
+    : m_faces(faces), m_points(points), m_info(info), m_threshold(std::cos(angle) - 1e-6), m_closed(closed), m_flags(faces),
       m_normals(C3DVectorList::Create(nullptr), [](C3DVectorList* list) { DeleteMe(list); }), m_across(faces, points),
       m_cornersOfFaces(faces), m_percent(faces.GetSize()), m_processed(static_cast<unsigned int>(faces.GetSize()), false),
-      m_seedOf(faces.GetSize(), -1)
+      m_seedOf(faces.GetSize(), -1), m_needed(closed ? static_cast<unsigned int>(points.GetSize()) : 0, false)
 {
     const CElementArray* const main = faces.GetDataChunks().GetMainArray();
     m_materials = static_cast<const unsigned char*>(main->GetBase()) + sizeof(unsigned int);
@@ -213,6 +223,8 @@ bool CCoplanarMerge::Plan()
         if (m_percent.IsCancelled())
             return false;
     }
+    if (m_closed)
+        DropStraightCorners();
     return true;
 }
 
@@ -307,8 +319,12 @@ bool CCoplanarMerge::IsSound(int face) const
 bool CCoplanarMerge::Merge(int seed)
 {
     KeepTurns();
+    if (m_polygon.size() < 3)
+        return false;
+    if (m_closed)
+        KeepAll();
     const int count = static_cast<int>(m_polygon.size());
-    if (count < 3 || count > CFace::MAX_CORNERS)
+    if (count > CFace::MAX_CORNERS)
         return false;
     const auto fillPoints = [&] {
         m_polygonPoints.clear();
@@ -359,6 +375,15 @@ void CCoplanarMerge::KeepTurns()
     }
 }
 
+/// The whole line. DropStraightCorners sees to the corners that are no turns.
+void CCoplanarMerge::KeepAll()
+{
+    for (const CRegionBorder::Corner& corner : m_polygon)
+        m_needed.SetAt(static_cast<unsigned int>(corner.point), true);
+    const CBlockVector<CRegionBorder::Corner>& line = m_border.GetLine();
+    m_polygon.assign(line.begin(), line.end());
+}
+
 void CCoplanarMerge::AddChannelCorners(ChannelPair& pair)
 {
     const CFaceList& source = *pair.source->GetFaceList();
@@ -378,7 +403,50 @@ void CCoplanarMerge::AddChannelCorners(ChannelPair& pair)
     pair.hasData.push_back(hasData);
 }
 
-void CCoplanarMerge::Copy(int face) { m_results.push_back({face, 0}); }
+void CCoplanarMerge::Copy(int face)
+{
+    m_results.push_back({face, 0});
+    if (!m_closed)
+        return;
+    int count;
+    const int* const corners = m_faces.GetIndexes(face, count);
+    for (int k = 0; k < count; k++)
+        if (static_cast<unsigned int>(corners[k]) < static_cast<unsigned int>(m_points.GetSize()))
+            m_needed.SetAt(static_cast<unsigned int>(corners[k]), true);
+}
+
+/// Takes the corners out of the polygons whose points no face needs, in the geometry and in each channel.
+void CCoplanarMerge::DropStraightCorners()
+{
+    const CBlockVector<int> all = std::move(m_corners);
+    m_corners.clear();
+    CBlockVector<CBlockVector<int>> allOfChannels;
+    for (ChannelPair& pair : m_channels) {
+        allOfChannels.push_back(std::move(pair.corners));
+        pair.corners.clear();
+    }
+    CBlockVector<std::size_t> next(m_channels.size(), 0);    // in the channels' corners
+    std::size_t at = 0, polygon = 0;
+    for (Result& result : m_results) {
+        if (result.corners == 0)
+            continue;
+        const auto keep = [&](const CBlockVector<int>& from, std::size_t first, CBlockVector<int>& to) {
+            for (int k = 0; k < result.corners; k++)
+                if (m_needed[static_cast<unsigned int>(all[at + k])])
+                    to.push_back(from[first + k]);
+        };
+        for (std::size_t i = 0; i < m_channels.size(); i++)
+            if (ChannelPair& pair = m_channels[i]; pair.source->GetFaceList() && pair.hasData[polygon]) {
+                keep(allOfChannels[i], next[i], pair.corners);
+                next[i] += static_cast<std::size_t>(result.corners);
+            }
+        const std::size_t before = m_corners.size();
+        keep(all, at, m_corners);
+        at += static_cast<std::size_t>(result.corners);
+        result.corners = static_cast<int>(m_corners.size() - before);
+        polygon++;
+    }
+}
 
 // --- The destination ---------------------------------------------------------------------------------------------------------------
 
@@ -459,54 +527,64 @@ static void CleanMerged(C3DFaceList& target, C3DPointList& points, CDependentCha
     channels->CleanChannels(&info, &faceMap, &pointMap);
 }
 
-int C3DFaceList::MergeCoplanarFaces(const CGeomInfo* info, double angle)
+static int MergeFaces(C3DFaceList& faces, const CGeomInfo* info, double angle, bool closed)
 {
     C3DFaceList* const target = info ? info->GetDst3DFaceList() : nullptr;
     C3DPointList* const points = info ? info->GetSrc3DPointList() : nullptr;
-    if (!target || target == this || !points)
+    if (!target || target == &faces || !points)
         return 0;
-    if (m_size == 0) {
+    const int size = faces.GetSize();
+    if (size == 0) {
         target->RemoveAll();
         return 0;
     }
-    CCoplanarMerge merge(*this, *points, info, angle);
+    CCoplanarMerge merge(faces, *points, info, angle, closed);
     if (!merge.Plan()) {
         target->RemoveAll();
         return -1;
     }
     merge.Write(*target);
-    CleanMerged(*target, *points, info->GetDstChannels(), m_size);
+    CleanMerged(*target, *points, info->GetDstChannels(), size);
     return target->GetSize();
 }
 
+int C3DFaceList::MergeCoplanarFaces(const CGeomInfo* info, double angle) { return MergeFaces(*this, info, angle, false); }
+
 // --- The object --------------------------------------------------------------------------------------------------------------------
 
-bool C3DGeomObject::MergeCoplanarFaces(double angle, unsigned int channelTypes)
+static bool MergeObject(C3DGeomObject& object, double angle, unsigned int channelTypes, bool closed)
 {
     constexpr unsigned int SHARED = CHANNEL_COPY_SHARE | CHANNEL_COPY_SKIP_UNFOLLOWED;
     constexpr unsigned int SHAPED = CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_NO_DATA | CHANNEL_COPY_SKIP_UNFOLLOWED;
-    if (!m_faces || !m_points)
+    C3DFaceList* const faces = object.GetFaceList();
+    if (!faces || !object.GetPointList())
         return false;
-    CGeomInfo info(this);
-    C3DFaceList* const merged = new C3DFaceList(m_faces);
-    info.SetFaceList(m_faces, merged, 2);
-    CDependentChannels* channels = nullptr;
-    if (channelTypes && m_channels->GetSize() > 0) {
+    CGeomInfo info(&object);
+    info.SetFaceList(faces, new C3DFaceList(faces), 2);
+    const bool hasChannels = channelTypes && object.GetChannels()->GetSize() > 0;
+    if (hasChannels) {
         CDependentChannels* const sources = CDependentChannels::Create();
-        channels = CDependentChannels::Create();
-        info.SetChannels(sources, channels, 3);
-        sources->CopyChannels(*m_channels, channelTypes, SHARED);
-        channels->CopyChannels(*m_channels, channelTypes, SHAPED);
+        CDependentChannels* const targets = CDependentChannels::Create();
+        info.SetChannels(sources, targets, 3);
+        sources->CopyChannels(*object.GetChannels(), channelTypes, SHARED);
+        targets->CopyChannels(*object.GetChannels(), channelTypes, SHAPED);
     }
-    const int count = m_faces->MergeCoplanarFaces(&info, angle);
-    if (count < 0 || count == m_faces->GetSize())
+    const int count = MergeFaces(*faces, &info, angle, closed);
+    if (count < 0 || count == faces->GetSize())
         return false;
 
-    *m_faces = *merged;
-    if (channels)
-        m_channels->CopyChannels(*channels, CHANNEL_ALL, CHANNEL_COPY_SHARE);
+    object.SetFaceList(info.GetDst3DFaceList(true), true);
+    if (hasChannels)
+        object.SetChannels(info.GetDstChannels(true), true);
     else
-        m_channels->RemoveChannels(~channelTypes & CHANNEL_ALL, 0, true);
-    Invalidate(CHANGE_POINTS | CHANGE_FACES, true);    // points went too
+        object.GetChannels()->RemoveChannels(~channelTypes & CHANNEL_ALL, 0, true);
+    object.Invalidate(CHANGE_POINTS | CHANGE_FACES, true);    // points went too
     return true;
+}
+
+bool C3DGeomObject::MergeCoplanarFaces(double angle, unsigned int channelTypes) { return MergeObject(*this, angle, channelTypes, false); }
+
+bool MergeCoplanarFacesClosed(C3DGeomObject& object, double angle, unsigned int channelTypes)
+{
+    return MergeObject(object, angle, channelTypes, true);
 }

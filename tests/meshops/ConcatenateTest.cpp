@@ -154,7 +154,7 @@ TEST(Concatenate, FacesKeepTheCoordinatesThatTheirMaterialsName)
             for (int i = 0; i < 2; i++) {
                 C3DObject* object = ObjectOf(Cube()).release();
                 for (std::size_t k = 0; k < row.ids[i].size(); k++) {
-                    AddUVW(*object, row.ids[i][k], 1000.0f * i + 100.0f * k);
+                    AddCornerUVW(*object, row.ids[i][k], 1000.0f * i + 100.0f * k);
                     if (row.ids[i][k] == row.named[i])
                         shown[i] = 1000.0f * i + 100.0f * k;
                 }

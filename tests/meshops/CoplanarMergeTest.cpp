@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <numeric>
 #include <random>
@@ -8,6 +9,7 @@
 #include "channels/WeightChannel.h"
 #include "channels/WeightPointList.h"
 #include "geometry/Edge.h"
+#include "meshops/CoplanarMerge.h"
 #include "meshops/ObjectCase.h"
 #include "meshops/SlotTable.h"
 #include "support/Checksum.h"
@@ -249,6 +251,63 @@ TEST(CoplanarMerge, WhatPartsFaces)
                   face.CCollectionElement::SetSize(0);
               }),
               2);    // data on one side alone
+}
+
+// A box whose sides are cut into strips of two materials: borders run straight on where strips of another side or material end.
+TEST(CoplanarMerge, ClosedMeshesStayClosedWhereAsked)
+{
+    std::mt19937 random(2);
+    for (int round = 0; round < 40 && !HasFailure(); round++) {
+        SCOPED_TRACE(round);
+        const int n = 2 + round % 5;
+        std::map<std::array<int, 3>, int> numbers;
+        std::vector<XYZ> points;
+        FaceCorners corners;
+        std::vector<unsigned int> materials;
+        for (int axis = 0; axis < 3; axis++)
+            for (const int level : {0, n})
+                for (int i = 0; i < n * n; i++) {
+                    if (i % n == 0)
+                        materials.push_back(random() % 2);
+                    std::vector<int> quad;
+                    for (const auto& [u, v] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) {
+                        std::array<int, 3> p{};
+                        p[axis] = level, p[(axis + 1) % 3] = i / n + u, p[(axis + 2) % 3] = i % n + v;
+                        const auto [place, added] = numbers.insert({p, static_cast<int>(points.size())});
+                        if (added)
+                            points.push_back({static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2])});
+                        quad.push_back(place->second);
+                    }
+                    corners.push_back(level ? quad : std::vector<int>(quad.rbegin(), quad.rend()));
+                }
+        int faceCount = 0, pointCount = 0;
+        for (const bool closed : {false, true}) {
+            SCOPED_TRACE(closed);
+            const Owned<C3DObject> object = ObjectOf(MakeMesh(points, corners));
+            for (std::size_t i = 0; i < corners.size(); i++)
+                object->GetFaceList()->SetFaceMaterial(static_cast<unsigned int>(i), materials[i / n]);
+            AddUVW(*object);
+            ASSERT_TRUE(closed ? MergeCoplanarFacesClosed(*object, 0, CHANNEL_ALL) : object->MergeCoplanarFaces(0, CHANNEL_ALL));
+            CheckInStep(*object);
+            auto* uvw = static_cast<CUVWChannel*>(object->GetChannelByIndex(0, CHANNEL_UVW, true));
+            std::map<std::pair<int, int>, int> edges;
+            for (int i = 0; i < object->GetFaceNbr(); i++) {
+                const auto geometry = Corners(*object->GetFaceList(), i), values = Corners(*uvw->GetFaceList(), i);
+                for (std::size_t k = 0; k < geometry.size(); k++) {
+                    const C3DTPoint<float>& p = *(*object->GetPointList())[geometry[k]];
+                    const int old = numbers.at({static_cast<int>(p.x), static_cast<int>(p.y), static_cast<int>(p.z)});
+                    EXPECT_EQ((*uvw->GetUVWPointList())[values[k]]->u, static_cast<float>(old));
+                    edges[std::minmax({geometry[k], geometry[(k + 1) % geometry.size()]})]++;
+                }
+            }
+            if (closed) {    // a corner that no region turns at goes all the same
+                EXPECT_EQ(object->GetFaceNbr(), faceCount);
+                EXPECT_EQ(object->GetPointNbr(), pointCount);
+                EXPECT_TRUE(std::all_of(edges.begin(), edges.end(), [](const auto& edge) { return edge.second == 2; }));
+            }
+            faceCount = object->GetFaceNbr(), pointCount = object->GetPointNbr();
+        }
+    }
 }
 
 TEST(CoplanarMerge, ChannelsHaveValuesOfTheirOwnAndWeightsFollow)
