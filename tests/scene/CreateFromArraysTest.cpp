@@ -115,17 +115,3 @@ TEST(Checksum, SeesWhatItIsAskedFor)
     weights->SetFlag(CHANNEL_INVALID, true);
     EXPECT_FALSE(differ(16 | 1));
 }
-
-TEST(Checksum, OfTheCustomDataLeavesOutTheListedIds)
-{
-    const CRef<C3DObject> object(CreateSquare());
-    const unsigned int geometry = object->GetChecksum(0xFFFFFFFF);
-    EXPECT_EQ(object->GetCustomDataChecksum(0), geometry);
-    object->GetCustomData().SetInt(1, 10);
-    object->GetCustomData().SetInt(2, 20);
-    EXPECT_EQ(object->GetCustomDataChecksum(1, 2, 0), geometry);
-    const unsigned int one = object->GetCustomDataChecksum(2, 0) - geometry, two = object->GetCustomDataChecksum(1, 0) - geometry;
-    EXPECT_NE(one, 0u);
-    EXPECT_NE(one, two);
-    EXPECT_EQ(object->GetCustomDataChecksum(0), geometry + one + two);
-}

@@ -75,24 +75,6 @@ TEST(Instance, MadeUniqueAgain)
     EXPECT_EQ(scene->GetFaceNbr(), 6);
 }
 
-TEST(Instance, FoundByIDAndByReference)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
-    C3DSceneNode* b = AddSharer(*scene, a, L"b", a);
-    C3DSceneNode* c = AddNode(*scene, nullptr, L"c", OBJECT_DUMMY);
-    CXArray<C3DSceneNode*> nodes;
-    EXPECT_EQ(scene->GetInstancesByID(nullptr, a->GetObjectID(), nodes, true), 2);
-    EXPECT_EQ(scene->GetInstancesByID(a, b, nodes, false), 3);
-    EXPECT_EQ(scene->GetInstancesByID(nullptr, 0xFFFFFFFF, nodes, false), 3);
-    EXPECT_EQ(scene->GetInstancesByID(nullptr, c, nodes, true), 1);
-    EXPECT_EQ(scene->GetInstancesByID(nullptr, static_cast<C3DSceneNode*>(nullptr), nodes, true), 0);
-    EXPECT_EQ(scene->GetObjectByID(c->GetObjectID()), c->GetBaseObject());
-    EXPECT_EQ(scene->GetNodeByID(b->GetNodeID()), b);
-    EXPECT_EQ(scene->GetNodeByID(0xFFFFFFFF), nullptr);
-    EXPECT_EQ(scene->GetObjectByID(0xFFFFFFFF), nullptr);
-}
-
 TEST(Copy, OfANodeTakesWhatTheFlagsSay)
 {
     const CRef<C3DScene> scene(C3DScene::Create());

@@ -73,19 +73,6 @@ TEST(SceneTextures, PathsAndSmoothModeLiveSideBySide)
     EXPECT_EQ(loaded->GetSmoothMode(), 3);
 }
 
-TEST(SceneTextures, PreferencesKeepPaths)
-{
-    C3DPreferences& preferences = C3DPreferences::Get3DPreferences();
-    CXArray<CXTString<wchar_t>> former, paths;
-    preferences.GetTexturePaths(former, false);
-    paths.Add(L"/x/");
-    preferences.SetTexturePaths(paths);
-    EXPECT_EQ(preferences.GetTexturePaths(paths, true), 2);
-    EXPECT_EQ(preferences.GetTexturePaths(paths, false), 1);
-    EXPECT_EQ(Texts(paths), (std::vector<std::wstring>{L"/x/"}));
-    preferences.SetTexturePaths(former);
-}
-
 TEST(SceneTextures, MaterialsAreKnownByTheirNodesAndFiles)
 {
     // p(q) and r: p and r share a square of materials 1 and 2, q has one of material 3 alone; g is a group.

@@ -4,21 +4,7 @@
 #include "scene/Patch.h"
 #include "scene/ProcessState.h"
 #include "scene/SceneBuilders.h"
-#include "tools/FileNameSpec.h"
 #include "tools/FourCC.h"
-
-TEST(Scene, StartsWithARootThatNobodyCounts)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    C3DSceneNode* root = scene->GetRoot();
-    ASSERT_NE(root, nullptr);
-    EXPECT_TRUE(root->GetName() == L"Scene");
-    EXPECT_EQ(root->GetObjectKindOf(), OBJECT_GROUP);
-    EXPECT_EQ(root->GetScene(), static_cast<C3DScene*>(scene));
-    EXPECT_EQ(scene->GetChildDepth(root), 0xFFFFFFFFu);
-    scene->RemoveAll();
-    EXPECT_EQ(scene->GetRoot(), root);
-}
 
 TEST(Scene, TreeQueries)
 {
@@ -29,11 +15,6 @@ TEST(Scene, TreeQueries)
     C3DSceneNode* d = AddNode(*scene, c, L"d", OBJECT_DUMMY);
     EXPECT_EQ(scene->GetChildCount(nullptr, OBJECT_ANY), 3);
     EXPECT_EQ(scene->GetChildCount(a, OBJECT_DUMMY), 2);
-    EXPECT_EQ(scene->GetDirectChildCount(a, 0), 2);
-    EXPECT_EQ(scene->GetDirectChildCount(nullptr, 0), 1);
-    EXPECT_EQ(scene->GetChildDepth(a), 0u);
-    EXPECT_EQ(scene->GetChildDepth(d), 2u);
-    EXPECT_EQ(scene->GetChildDepth(nullptr), 0xFFFFFFFFu);
     EXPECT_EQ(scene->GetParent(nullptr), nullptr);
     EXPECT_EQ(scene->GetRightNode(nullptr), nullptr);
     EXPECT_EQ(scene->GetRightNode(b), c);
@@ -61,18 +42,6 @@ TEST(Scene, TreeQueries)
     EXPECT_EQ(loose.GetScene(), nullptr);
     scene->RemoveNode(nullptr, true);
     EXPECT_EQ(Outline(*scene), L"");
-}
-
-TEST(Scene, CountersOnlyGoUp)
-{
-    const C3DSceneNode first, second;
-    EXPECT_EQ(second.GetNodeID(), first.GetNodeID() + 1);
-    EXPECT_TRUE(first.GetName() == L"Unnamed object");
-    const unsigned int next = CreateSceneID(ID_OBJECT) + 1;
-    AdvanceSceneID(ID_OBJECT, next - 1);
-    EXPECT_EQ(CreateSceneID(ID_OBJECT), next);
-    AdvanceSceneID(ID_OBJECT, next + 100);
-    EXPECT_EQ(CreateSceneID(ID_OBJECT), next + 101);
 }
 
 TEST(Scene, DepthDoesNotMatter)
@@ -149,9 +118,6 @@ TEST(Scene, Units)
     scene->SetUnit(UNIT_INCH);
     EXPECT_DOUBLE_EQ(scene->ConvertToUnit(3), 300);
     EXPECT_TRUE(scene->GetUnitText(true) == L"in");
-    const double factors[] = {1, 1e-7, 0.0001, 0.1, 1, 100, 100000, 2.54, 30.48, 91.44, 160934.4, 1};
-    for (int unit = 0; unit < 12; unit++)
-        EXPECT_EQ(C3DScene::GetUnitFactor(static_cast<_UNIT_MODE>(unit)), factors[unit]) << unit;
 }
 
 TEST(Scene, PatchLevelReachesEveryPatch)
@@ -167,18 +133,6 @@ TEST(Scene, PatchLevelReachesEveryPatch)
     }
     unsigned int stored;
     EXPECT_TRUE(scene->GetCustomData().GetUnsigned(FourCC("PALV"), stored) && stored == 9);
-}
-
-TEST(Scene, FileNameComesAndGoes)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    EXPECT_TRUE(scene->GetFilename().IsEmpty());
-    scene->SetFilename(CFileNameSpec(L"/models/car.obj", 0x4F424A20));
-    EXPECT_TRUE(scene->GetFilename().GetFullName() == L"/models/car.obj");
-    EXPECT_EQ(scene->GetFilename().GetClass(), 0x4F424A20u);
-    EXPECT_TRUE(scene->GetFilepath() == L"/models/");
-    scene->SetFilename(CFileNameSpec());
-    EXPECT_TRUE(scene->GetCustomData().IsEmpty());
 }
 
 TEST(Scene, ParserDataGoesBackOnce)

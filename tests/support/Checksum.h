@@ -20,7 +20,7 @@ private:
             for (const auto& part : value)
                 AddOne(part);
         } else if constexpr (std::same_as<VALUE, float>)
-            AddWord(std::bit_cast<std::uint32_t>(value));
+            AddWord(value == value ? std::bit_cast<std::uint32_t>(value) : 0x7FC00000u);    // one number for what is none
         else if constexpr (requires { value.x, value.y, value.z; })
             Add(value.x, value.y, value.z);
         else

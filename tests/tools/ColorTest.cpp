@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tools/HashMix.h"
-#include "tools/Time.h"
 
 TEST(Color, RoundsAndClamps)
 {
@@ -26,11 +25,4 @@ TEST(HashMix, KnownResults)
     // Worked out with unbounded integers, cut to 64 bits after each step.
     EXPECT_EQ(HashMix64(0), 0x77CFA1EEF01BCA90u);
     EXPECT_EQ(HashMix64(0x464350521234), 0x3F0EE16637F935BAu);
-}
-
-TEST(Time, NeverGoesBackAndIsNeverZero)
-{
-    const std::int64_t first = timeGetTick();
-    EXPECT_GT(first, 0);
-    EXPECT_GE(timeGetTick(), first);
 }

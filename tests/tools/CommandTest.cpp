@@ -80,19 +80,6 @@ TEST(CommandMgr, RunsCommandsByTheirType)
     EXPECT_FALSE(zoom.IsScripting());
 }
 
-TEST(CommandMgr, KeepsTheOrderOfNames)
-{
-    constexpr unsigned int A = FourCC("ZTGA"), B = FourCC("ZTGB");
-    const size_t before = CCommandMgr::GetGroupNames().size();
-    CCommandMgr::RegisterGroupName(B, L"b");
-    CCommandMgr::RegisterGroupName(A, L"a");
-    CCommandMgr::RegisterGroupName(B, L"again");
-    const auto& names = CCommandMgr::GetGroupNames();
-    ASSERT_EQ(names.size(), before + 2);
-    EXPECT_EQ(names[before].name, Text(L"again"));
-    EXPECT_EQ(names[before + 1].id, A);
-}
-
 TEST(CommandAccess, NamesItsKeys)
 {
     struct {

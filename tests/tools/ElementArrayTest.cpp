@@ -141,21 +141,6 @@ TEST(ElementArray, SizeKeepsOrRenews)
     EXPECT_EQ(array->GetBase(), nullptr);
 }
 
-TEST(ElementArray, GrowthAddsWhatWasAskedFor)
-{
-    struct {
-        int factor, grow, capacity;
-    } const rows[] = {{-1, -1, 126}, {-1, 0, 101}, {-1, 7, 108}, {10, -1, 111}, {10, 3, 104}};
-    for (const auto& row : rows) {
-        const auto array = MakeArray<CTestWordMethods>();
-        array->SetGrowFactor(row.factor);
-        array->SetSize(100);
-        EXPECT_EQ(array->GetCapacity(), 100);    // the first block has no reserve
-        array->SetSize(101, true, row.grow);
-        EXPECT_EQ(array->GetCapacity(), row.capacity);
-    }
-}
-
 TEST(ElementArray, AnElementOfItsOwnSurvivesTheMove)
 {
     const auto array = Words({7});

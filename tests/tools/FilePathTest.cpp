@@ -108,17 +108,6 @@ TEST(FilePath, ShortensForADisplayAndForALimit)
     EXPECT_EQ(fileCutName(L"a.longextension", 4), Text(L".lon"));
 }
 
-TEST(FilePath, KnowsWhatCanBeAName)
-{
-    EXPECT_TRUE(fileIsValidFileName(L".\\Textures\\"));
-    EXPECT_TRUE(fileIsValidFileName(L"/a/b: c?"));
-    EXPECT_FALSE(fileIsValidFileName(L""));
-    EXPECT_FALSE(fileIsValidFileName(L"a\nb"));
-    EXPECT_TRUE(fileIsValidFileName(Text(L'a', 255)));
-    EXPECT_FALSE(fileIsValidFileName(Text(L'a', 256)));
-    EXPECT_FALSE(fileIsValidFileName(Text(L'\u00e9', 128)));    // two bytes each
-}
-
 TEST(FilePath, CopiesWholeFilesOnly)
 {
     const TempFolder folder;
@@ -154,19 +143,6 @@ TEST(FilePath, ComparesByIdentityOnDisk)
     EXPECT_TRUE(fileExists(folder.Wide("maps/a")));
     EXPECT_FALSE(fileExists(folder.Wide("maps")));
     EXPECT_TRUE(fileIsDirectory(folder.Wide("maps")));
-}
-
-TEST(FilePath, MakesFolders)
-{
-    const TempFolder folder;
-    EXPECT_FALSE(fileCreateDirectory(folder.Wide("a/b/c"), false));
-    EXPECT_TRUE(fileCreateDirectory(folder.Wide("a\\b\\c\\"), true));
-    EXPECT_TRUE(fileIsDirectory(folder.Wide("a/b/c")));
-    EXPECT_TRUE(fileCreateDirectory(folder.Wide("a/b/c"), false));    // is there
-    EXPECT_TRUE(fileCreateDirectory(folder.Wide("a/b/d"), false));
-    folder.Write("file", "");
-    EXPECT_FALSE(fileCreateDirectory(folder.Wide("file/x"), true));
-    EXPECT_FALSE(fileCreateDirectory(L"", true));
 }
 
 TEST(FilePath, FindsFreeNames)

@@ -308,17 +308,6 @@ TEST(Images, SeveralFramesBecomeOneFileOrNumberedFiles)
     EXPECT_EQ(back->GetFrameCount(), 3);
 }
 
-TEST(Images, RegisteringTwiceChangesNothing)
-{
-    RegisterImageFormats();
-    const std::size_t count = fileGetExtensions(FILE_FAMILY_BITMAP).size();
-    RegisterImageFormats();
-    EXPECT_EQ(fileGetExtensions(FILE_FAMILY_BITMAP).size(), count);
-    EXPECT_EQ(fileGetExtensions(FILE_FAMILY_BITMAP, FILE_KIND_WRITE).size(), 7u);
-    EXPECT_NE(fileGetKindOf(L"x.JPEG") & FILE_FAMILY_BITMAP, 0u);
-    EXPECT_EQ(fileGetExtensions(FILE_FAMILY_3D).size(), 0u);
-}
-
 TEST(LayerBitmap, AlphaIsJoinedAndLookedForInOrder)
 {
     CLayerBitmap layers(Filled(BITMAP_RGB, 2, 1, {1, 2, 3}).release());

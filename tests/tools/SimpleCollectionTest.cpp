@@ -17,7 +17,6 @@ constexpr unsigned int NONE = 0xFFFFFFFF;
 
 constexpr unsigned int GROW = Collection::ENTRIES_EMPTY | Collection::ESTIMATE_ADDED;
 constexpr unsigned int EXACT = GROW | Collection::NO_MARGIN;
-constexpr unsigned int KEEP = GROW | Collection::KEEP_POOL;
 
 Lists Contents(const Collection& collection)
 {
@@ -56,43 +55,6 @@ void CheckLayout(const Collection& collection)
 
 }
 
-TEST(SimpleCollection, LaysEntriesOutAndMovesTheOnesThatGrow)
-{
-    Collection collection;
-    ASSERT_TRUE(collection.SetCollectionSize(2, 3, EXACT));
-    EXPECT_EQ(collection.GetPoolUsed(), 32u);
-    EXPECT_EQ(collection.GetPoolCapacity(), 32u);
-    const struct {
-        const char* name;
-        unsigned int entry, count;
-        bool construct;
-        unsigned int items;
-        std::uint64_t used, capacity;
-    } rows[] = {
-        {"within the capacity", 0, 3, true, 3, 32, 32},
-        {"room within the capacity", 1, 2, false, 0, 32, 32},
-        {"fewer", 0, 1, true, 1, 32, 32},
-        {"fewer, without construction", 0, 0, false, 0, 32, 32},
-        {"beyond the capacity", 0, 4, true, 4, 52, 68},          // 32 + 20, and max(52 / 4, 16)
-        {"room beyond the capacity", 1, 5, false, 0, 76, 95},    // 52 + 24, and 76 / 4
-        {"in the room made", 1, 5, true, 5, 76, 95},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_NE(collection.SetEntrySize(row.entry, row.count, row.construct), nullptr);
-        EXPECT_EQ(collection.GetItemCount(row.entry), row.items);
-        EXPECT_EQ(collection.GetPoolUsed(), row.used);
-        EXPECT_EQ(collection.GetPoolCapacity(), row.capacity);
-        CheckLayout(collection);
-    }
-    EXPECT_EQ(collection.GetLiveSize(), 44u);    // 4 + 16 and 4 + 20
-    collection.CompactPool(60);
-    EXPECT_EQ(collection.GetPoolUsed(), 44u);
-    EXPECT_EQ(collection.GetPoolCapacity(), 60u);
-    EXPECT_EQ(collection.GetEntryCapacity(0), 4u);
-    CheckLayout(collection);
-}
-
 TEST(SimpleCollection, RefusesMoreItemsThanTheCountHolds)
 {
     Collection collection;
@@ -113,47 +75,6 @@ TEST(SimpleCollection, RefusesMoreItemsThanTheCountHolds)
     EXPECT_FALSE(collection.AddItem(0, 1));
     EXPECT_EQ(collection.GetItemCount(0), 65535u);
     EXPECT_LT(collection.GetPoolCapacity(), 10u << 20) << "items one by one must not cost the square of their number";
-}
-
-TEST(SimpleCollection, KeepsTheMarginsOfItsModes)
-{
-    const struct {
-        const char* name;
-        unsigned int from, to, flags;
-        std::uint64_t used, capacity;
-        unsigned int entries;
-    } rows[] = {
-        {"grow from nothing", 0, 100, GROW, 1600, 2000, 100},
-        {"exact from nothing", 0, 100, EXACT, 1600, 1600, 100},
-        {"grow", 10, 100, GROW, 1600, 2000, 100},
-        {"exact", 10, 100, EXACT, 1600, 1600, 100},
-        {"shrink, growing", 100, 10, GROW, 160, 200, 10},    // items fill the capacity here
-        {"shrink, exact", 100, 10, EXACT, 160, 160, 10},
-        {"shrink, kept", 100, 10, KEEP, 1600, 1600, 100},
-        {"to nothing", 100, 0, GROW, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Collection collection;
-        collection.AppendEntries(row.from, 3, [](int* items, unsigned int k) { items[0] = items[1] = items[2] = static_cast<int>(k); });
-        Lists expected = Contents(collection);
-        ASSERT_TRUE(collection.SetCollectionSize(row.to, 3, row.flags));
-        expected.resize(row.entries);
-        EXPECT_EQ(Contents(collection), expected);
-        EXPECT_EQ(collection.GetPoolUsed(), row.used);
-        EXPECT_EQ(collection.GetPoolCapacity(), row.capacity);
-        CheckLayout(collection);
-    }
-    Collection reserved;
-    reserved.ReserveCollection(10, 35);    // 3 + 1 items and a header each: 200 bytes and a quarter
-    EXPECT_EQ(reserved.GetPoolCapacity(), 250u);
-    EXPECT_EQ(reserved.GetEntryCount(), 0u);
-    const unsigned int capacities[] = {2, 0, 5};
-    reserved.RemoveAll();
-    reserved.SetCollectionSize(3, 0, EXACT, capacities);
-    EXPECT_EQ(reserved.GetPoolCapacity(), 40u);
-    EXPECT_EQ(reserved.GetEntryCapacity(2), 5u);
-    EXPECT_EQ(reserved.GetItemCount(2), 0u);
 }
 
 TEST(SimpleCollection, FillsPlacesInAnyOrder)
@@ -186,66 +107,6 @@ TEST(SimpleCollection, FillsPlacesInAnyOrder)
     EXPECT_EQ(refused.InitPlaces(2, tooLarge), nullptr);
     EXPECT_EQ(Contents(refused), (Lists{{1}}));
     EXPECT_EQ(tooLarge[0], 1u);
-}
-
-TEST(SimpleCollection, AppendsAnotherOrItself)
-{
-    Collection one, two;
-    Fill(one, {{1, 2, 3}, {}, {4}});
-    one.SetEntrySize(2, 6, false);
-    Fill(two, {{9}});
-    two.AppendCollection(one, false, false);
-    EXPECT_EQ(Contents(two), (Lists{{9}, {1, 2, 3}, {}, {4}}));
-    EXPECT_EQ(two.GetEntryCapacity(3), 6u);
-    EXPECT_EQ(two.GetPoolCapacity(), 8u + 16 + 4 + 28);
-    two.AppendCollection(two, true, false);
-    EXPECT_EQ(Contents(two), (Lists{{9}, {1, 2, 3}, {}, {4}, {}, {}, {}, {}}));
-    EXPECT_EQ(two.GetEntryCapacity(7), 6u);
-    CheckLayout(two);
-    one.SetDefaultCapacity(7);
-    two.AppendCollection(one, true, true);
-    EXPECT_EQ(Contents(two), (Lists{{}, {}, {}}));
-    EXPECT_EQ(two.GetDefaultCapacity(), 7u);
-}
-
-TEST(SimpleCollection, CompactsFirstWhenAskedTo)
-{
-    Collection collection;
-    Fill(collection, {{1, 2, 3}, {4, 5, 6}});
-    collection.SetEntrySize(0, 1, true);
-    collection.SetCompactOnGrow(true);
-    collection.SetEntrySize(1, 4, true);    // 8 + 16 live, 20 more
-    EXPECT_EQ(collection.GetPoolUsed(), 44u);
-    EXPECT_EQ(Contents(collection), (Lists{{1}, {4, 5, 6, 0}}));
-}
-
-TEST(SimpleCollection, ReordersEveryLayout)
-{
-    // Faults in mind: an entry cut at the stride of the others, spare room read beyond the pool, holes.
-    const std::vector<unsigned int> source = {2, 0, 1, 3};
-    const struct {
-        const char* name;
-        Lists lists;
-        unsigned int grown, grownTo;
-    } rows[] = {
-        {"triangles", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, 0, 3},
-        {"quads", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 16}}, 0, 4},
-        {"pairs", {{1, 2}, {3, 4}, {5, 6}, {7, 8}}, 0, 2},
-        {"last is larger", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12, 13, 14}}, 3, 5},
-        {"last is smaller", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10}}, 3, 1},
-        {"mixed", {{1}, {}, {2, 3, 4, 5}, {6, 7}}, 0, 1},
-        {"moved", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, 1, 6},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Collection collection;
-        Fill(collection, row.lists);
-        collection.SetEntrySize(row.grown, row.grownTo, true);
-        const Lists before = Contents(collection);
-        collection.Reorder(source.data(), 4);
-        EXPECT_EQ(Contents(collection), (Lists{before[2], before[0], before[1], before[3]}));
-        CheckLayout(collection);
-    }
 }
 
 TEST(SimpleCollection, AgreesWithListsUnderRandomEdits)
