@@ -25,6 +25,7 @@ template <class TAKE> void ForWorldObjects(const C3DScene& scene, TAKE take)
             continue;
         }
         C3DBaseObject* moved = object->Copy(0, nullptr);
+        moved->SetScene(object->GetScene());    // whose smooth settings it may inherit
         moved->MatrixTransform(matrix);
         take(*node, std::shared_ptr<C3DGeomObject>(static_cast<C3DGeomObject*>(*moved), [](C3DGeomObject* copy) { DeleteMe(copy); }));
     }

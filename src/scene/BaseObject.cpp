@@ -23,7 +23,7 @@ C3DBaseObject::C3DBaseObject(_OBJECT_KINDOF kind) : m_kind(kind), m_objectID(Cre
 
 C3DBaseObject::C3DBaseObject(const C3DBaseObject& other)
     : CXObject(other), CInstanciatedObject(other), m_kind(other.m_kind), m_flags(other.m_flags), m_updateFlags(other.m_updateFlags),
-      m_customData(other.m_customData), m_objectID(CreateSceneID(ID_OBJECT)), m_scene(other.m_scene)
+      m_customData(other.m_customData), m_objectID(CreateSceneID(ID_OBJECT))
 {
 }
 
@@ -91,8 +91,6 @@ bool C3DBaseObject::InternalCopy(C3DBaseObject*& target, int copyFlags, C3DObjec
         if (!target)
             return false;
     }
-    if (!(copyFlags & COPY_FOREIGN_SCENE))
-        target->m_scene = m_scene;
     target->InheritFlags(*this, copyFlags);
     return true;
 }
@@ -140,6 +138,61 @@ CXTString<wchar_t> C3DBaseObject::GetTypeString() const
         return text.LoadStringW(entry.id) ? text : CXTString<wchar_t>(entry.fallback);
     }
     return {};
+}
+
+// Identity and place
+
+void C3DBaseObject::RenewObjectID() { m_objectID = CreateSceneID(ID_OBJECT); }
+
+void C3DBaseObject::SetScene(C3DScene* scene)
+{
+    if (m_sceneNodes || m_scene == scene)
+        return;
+    m_scene = scene;
+    SceneChanged();
+}
+
+void C3DBaseObject::SceneChanged() {}
+
+void C3DBaseObject::EnterScene(C3DScene* scene)
+{
+    if (scene && m_scene != scene) {
+        SceneUse next{scene, 0};
+        for (std::size_t i = 0; i < m_otherScenes.size(); i++) {
+            if (m_otherScenes[i].scene == scene) {
+                next = m_otherScenes[i];
+                m_otherScenes.erase(m_otherScenes.begin() + i);
+            }
+        }
+        if (m_sceneNodes)
+            m_otherScenes.push_back({m_scene, m_sceneNodes});
+        m_scene = scene;
+        m_sceneNodes = next.nodes;
+        SceneChanged();
+    }
+    m_sceneNodes += scene != nullptr;
+}
+
+void C3DBaseObject::LeaveScene(const C3DScene* scene)
+{
+    if (!scene)
+        return;
+    if (m_scene != scene) {
+        for (SceneUse& use : m_otherScenes)
+            use.nodes -= use.scene == scene;
+        std::erase_if(m_otherScenes, [](const SceneUse& use) { return use.nodes == 0; });
+        return;
+    }
+    if (m_sceneNodes == 0 || --m_sceneNodes)
+        return;
+    SceneUse next{};
+    if (!m_otherScenes.empty()) {
+        next = m_otherScenes.back();
+        m_otherScenes.pop_back();
+    }
+    m_scene = next.scene;
+    m_sceneNodes = next.nodes;
+    SceneChanged();
 }
 
 // Update protocol

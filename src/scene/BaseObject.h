@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "geometry/4x4Matrix.h"
 #include "scene/Forward.h"
@@ -31,7 +32,7 @@ enum _OBJECT_PROPERTIES : unsigned int {
 enum _COPY_FLAGS : int {
     COPY_INSTANCE = 0x10,          ///< share the object in place of copying it
     COPY_NO_OBJECT = 0x100,        ///< a node copy without object
-    COPY_FOREIGN_SCENE = 0x200,    ///< for another scene: no scene pointer, same object id
+    COPY_FOREIGN_SCENE = 0x200,    ///< for another scene: same object id
 };
 
 /// What a scene node holds: root of the object family.
@@ -77,8 +78,8 @@ public:
 
     /// A new object of exactly one kind, one reference; null for any other value.
     static C3DBaseObject* Create(_OBJECT_KINDOF kind);
-    /// A copy that the caller owns; null when it fails. A null creator means the default one. With COPY_INSTANCE the object
-    /// itself with one more reference and one more user.
+    /// A copy that the caller owns, without a scene until a node takes it; null when it fails. A null creator means the default
+    /// one. With COPY_INSTANCE the object itself with one more reference and one more user.
     C3DBaseObject* Copy(int copyFlags, C3DObjectCreator* creator) const;
 
     _OBJECT_KINDOF GetKindOf() const { return m_kind; }
@@ -88,9 +89,13 @@ public:
     void SetFlag(_OBJECT_PROPERTIES flags, bool set) { m_flags = set ? m_flags | flags : m_flags & ~flags; }
     unsigned int GetFlags() const { return m_flags; }
     unsigned int GetObjectID() const { return m_objectID; }
-    /// Scene of the nodes that hold the object; null before it is attached.
+    /// Takes a new id: for an object that comes into a scene where another one has its id.
+    void RenewObjectID();
+    /// A scene of which a node holds the object, the last one that it came into; null when there is none.
     C3DScene* GetScene() const { return m_scene; }
-    void SetScene(C3DScene* scene) { m_scene = scene; }
+    /// For an object that no node of a scene holds: the scene whose settings it inherits until a node takes it. The caller takes it back
+    /// before that scene ends. Ignored while a node of a scene holds the object.
+    void SetScene(C3DScene* scene);
     CCustomData& GetCustomData() { return m_customData; }
     const CCustomData& GetCustomData() const { return m_customData; }
     /// Name of the kind in the language in force; empty for an unknown kind.
@@ -134,6 +139,15 @@ protected:
     C3DBaseObject& operator=(const C3DBaseObject&) = delete;
     ~C3DBaseObject() override;
 
+    // The nodes that hold the object tell where they stand, so that the object never names a scene that has ended.
+
+    friend class C3DSceneNode;
+    /// One more node of the scene holds the object; nothing for null.
+    void EnterScene(C3DScene* scene);
+    void LeaveScene(const C3DScene* scene);
+    /// GetScene answers something else now; for what stands for the object on screen.
+    virtual void SceneChanged();
+
     /// Sets or clears the expansion of the low bits and the high bits themselves. Clearing stamps the items given.
     void SetUpdateFlags(unsigned int flags, bool set);
     void SetUpdateWord(unsigned int word) { m_updateFlags = word; }
@@ -149,4 +163,10 @@ private:
     unsigned int m_objectID;
     mutable int m_instanceCount = 1;
     C3DScene* m_scene = nullptr;
+    int m_sceneNodes = 0;    ///< nodes of m_scene that hold the object
+    struct SceneUse {
+        C3DScene* scene;
+        int nodes;
+    };
+    std::vector<SceneUse> m_otherScenes;    ///< the same for further scenes, which hardly any object has
 };

@@ -26,13 +26,21 @@ void C3DPatch::Invalidate(unsigned int flags, bool set)
     C3DGeomObject::Invalidate(flags, set);
 }
 
+void C3DPatch::SceneChanged()
+{
+    if (m_final)
+        m_final->SetScene(GetScene());
+}
+
 C3DBaseObject* C3DPatch::GetFinalObject(bool detach)
 {
     if (!m_final && m_level >= 0)
         Subdivide(m_level);
     else if (!m_final)
         SetLevel(static_cast<int>(C3DPreferences::Get3DPreferences().GetPatchLevel()));
-    m_final->SetScene(GetScene());
+    if (!m_final)
+        return nullptr;    // the mesh cannot be copied
+    m_final->SetScene(detach ? nullptr : GetScene());
     C3DObject* const final = m_final;
     if (detach)
         m_final = nullptr;

@@ -34,6 +34,8 @@ public:
 protected:
     ~C3DPatch() override;
 
+    /// The surface follows.
+    void SceneChanged() override;
     void ReleasePatch();
     // meshops/Subdivide.cpp
     void Subdivide(int level);

@@ -12,8 +12,10 @@ C3DSceneNode::C3DSceneNode() : m_nodeID(CreateSceneID(ID_NODE)) {}
 
 C3DSceneNode::~C3DSceneNode()
 {
-    if (m_object)
-        m_object->DeleteFromNode();
+    if (!m_object)
+        return;
+    m_object->LeaveScene(m_scene);
+    m_object->DeleteFromNode();
 }
 
 C3DSceneNode* C3DSceneNode::Create() { return new C3DSceneNode; }
@@ -53,9 +55,11 @@ void C3DSceneNode::SetName(const CXTString<wchar_t>& name)
 
 void C3DSceneNode::SetScene(C3DScene* scene)
 {
+    if (m_object) {
+        m_object->LeaveScene(m_scene);
+        m_object->EnterScene(scene);
+    }
     m_scene = scene;
-    if (m_object && (scene || !m_object->IsInstanciated()))
-        m_object->SetScene(scene);
 }
 
 void C3DSceneNode::Invalidate(unsigned int flags, bool set) { SetInvalidateFlag(flags & (NODE_UPDATE_DISPLAY | 0xFFFF), set); }
@@ -72,8 +76,11 @@ void C3DSceneNode::SetObject(C3DBaseObject* object, bool deleteOld)
     // The node's own object, handed over without a further reference, stays.
     if (old == object && (!object || object->GetRefCount() == 1))
         return;
+    if (old)
+        old->LeaveScene(m_scene);
     Hold(object);
-    SetScene(m_scene);
+    if (object)
+        object->EnterScene(m_scene);
     if (old && deleteOld)
         old->DeleteFromNode();
 }

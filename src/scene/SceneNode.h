@@ -44,7 +44,7 @@ public:
     void SetName(const CXTString<wchar_t>& name);
     unsigned int GetNodeID() const { return m_nodeID; }
     C3DScene* GetScene() const { return m_scene; }
-    /// On the node and its object. An object that other nodes hold too keeps its scene when this node leaves.
+    /// The object follows: it names a scene as long as a node of that scene holds it.
     void SetScene(C3DScene* scene);
     CCustomData& GetCustomData() { return m_customData; }
     const CCustomData& GetCustomData() const { return m_customData; }

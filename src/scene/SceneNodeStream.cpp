@@ -59,7 +59,7 @@ void C3DSceneNode::Serialize(CXArchive& ar)
     }
 
     if (context)
-        m_scene = context->scene;
+        SetScene(context->scene);
     SetObject(nullptr, true);
     if (!hasObject)
         return;
