@@ -1,10 +1,9 @@
 // Joining scenes: one moves into another, or is copied there.
 
-#include <vector>
-
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 #include "scene/ObjectCreator.h"
+#include "scene/ObjectIDs.h"
 
 // The materials of `from` that `to` lacks become materials of `to`. From each old id to the id in `to`.
 static C3DFaceList::MaterialsMap TakeMaterials(C3DScene& to, const C3DScene& from)
@@ -22,6 +21,15 @@ static C3DFaceList::MaterialsMap TakeMaterials(C3DScene& to, const C3DScene& fro
     return ids;
 }
 
+// Every file counts its objects from 1: those of `from` whose ids `to` has already get new ones.
+static void GiveFreeIDs(const C3DScene& to, const C3DScene& from)
+{
+    CObjectIDs ids;
+    ids.Enter(to.GetRoot()->GetBaseObject());
+    ids.EnterNodes(to);
+    ids.EnterNodes(from);
+}
+
 bool C3DScene::Merge(C3DScene* other, C3DSceneNode* parent)
 {
     if (!other || other == this || (parent && !IsSceneRoot(parent) && !IsNodeInScene(parent)))
@@ -33,6 +41,7 @@ bool C3DScene::Merge(C3DScene* other, C3DSceneNode* parent)
         other->GetNextNode(object, pos);
         object->ReplaceMaterials(ids);
     }
+    GiveFreeIDs(*this, *other);
     for (C3DSceneNode* node = other->GetChildNode(nullptr); node;) {
         C3DSceneNode* const next = GetRightNode(node);
         other->RemoveNode(node, false);

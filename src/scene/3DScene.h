@@ -53,7 +53,7 @@ public:
     // Tree (3DScene.cpp)
 
     /// Appends a detached node, with what is below it, under `parent`; the scene owns it from here on. False for null or a
-    /// node that is in a tree.
+    /// node that is in a tree. Object ids stay as they are: nodes of another scene come by Merge or AddScene.
     bool AddNode(C3DSceneNode* parent, C3DSceneNode* node);
     C3DSceneNode* GetRoot() const { return static_cast<C3DSceneNode*>(CTree::GetRoot()); }
     bool IsSceneRoot(const C3DSceneNode* node) const { return node && node == GetRoot(); }
@@ -315,8 +315,9 @@ public:
 
     // Joining scenes (io/Merge.cpp)
 
-    /// Moves all nodes of another scene under `parent` (null: the root) and joins materials of equal parameters. `other` is given up, one
-    /// reference of it. False, with nothing changed, for null, for this scene, and for a parent that is not in this scene.
+    /// Moves all nodes of another scene under `parent` (null: the root) and joins materials of equal parameters. Objects whose ids this
+    /// scene has already get new ones. `other` is given up, one reference of it. False, with nothing changed, for null, for this
+    /// scene, and for a parent that is not in this scene.
     bool Merge(C3DScene* other, C3DSceneNode* parent);
     /// Copies another scene into this one, with its parameters (unless SCENE_COPY_NO_SCENE_DATA) and parser info. False for null.
     bool AddScene(const C3DScene* other, int flags, C3DObjectCreator* creator);

@@ -163,11 +163,16 @@ void CSceneCopier::RememberCopy(const C3DBaseObject* object, C3DBaseObject* copy
         m_sharedCopies.Insert(object, copy);
     if (m_givenCreator)
         m_givenCreator->GetObjectMap().Insert(object->GetObjectID(), copy->GetObjectID());
+    if (m_destinationState == INDEXED)
+        m_destination.Insert(copy->GetObjectID(), copy);
 }
 
-/// As C3DScene::GetObjectByID. The first question is answered by a walk, so that the copy of one node needs no table.
+/// As C3DScene::GetObjectByID, the root's object too. The first question is answered by a walk, so that the copy of one node needs no table.
 C3DBaseObject* CSceneCopier::FindInDestination(unsigned int id)
 {
+    C3DBaseObject* const ofRoot = m_to.GetRoot()->GetBaseObject();
+    if (ofRoot && ofRoot->GetObjectID() == id)
+        return ofRoot;
     if (m_destinationState == NOT_ASKED) {
         m_destinationState = ASKED_ONCE;
         return m_to.GetObjectByID(id);

@@ -2,6 +2,7 @@
 
 #include "scene/3DScene.h"
 #include "scene/Group.h"
+#include "scene/ObjectIDs.h"
 #include "scene/ParserSceneInfo.h"
 #include "tools/Archive.h"
 
@@ -89,6 +90,10 @@ void C3DScene::Serialize(CXArchive& ar)
         CheckNodes(*this);
         if (!GetRoot()->GetBaseObject())    // whatever a stream says, the root holds one
             GetRoot()->SetObject(new C3DGroup, true);
+        // References are settled: what shares an id with another object from here on is none.
+        CObjectIDs ids;
+        ids.EnterNodes(*this);
+        ids.Enter(GetRoot()->GetBaseObject());
     }
 
     for (C3DNodePos pos = GetFirstNode(OBJECT_ANY); pos;) {

@@ -1,3 +1,8 @@
+#include <map>
+#include <set>
+
+#include "scene/Curve.h"
+
 #include "io/SceneCase.h"
 
 // Scenes that move into another, or are copied there.
@@ -46,6 +51,30 @@ TEST(Merge, JoinsEqualMaterialsAndMovesTheNodes)
     EXPECT_EQ(material->GetDiffuseColor(0, false), Color(30));
     for (C3DNodePos pos = scene->GetFirstNode(OBJECT_ANY); pos;)
         EXPECT_EQ(scene->GetNextNode(pos)->GetScene(), scene);
+}
+
+TEST(Merge, ObjectsWhoseIdsAreTakenGetNewOnes)
+{
+    // Faults in mind: two objects of one id, so that one is taken for an instance of the other; sharers that come in part; a third file
+    // meets the new ids of the second.
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* const a = AddSquare(*scene, L"a", 1, 1);
+    AddSharer(*scene, a, L"b", a);
+    AddNode(*scene, nullptr, L"c", OBJECT_LIGHT);
+    const CRef<C3DScene> file(scene->Copy(nullptr, 0, nullptr));
+    for (int i = 0; i < 2; i++)
+        ASSERT_TRUE(scene->Merge(file->Copy(nullptr, 0, nullptr), nullptr));
+    ASSERT_EQ(Outline(*scene), L"a(b)ca(b)ca(b)c");
+    std::map<unsigned int, std::set<const C3DBaseObject*>> objects;
+    for (C3DNodePos pos = scene->GetFirstNode(OBJECT_ANY); pos;) {
+        const C3DSceneNode* const node = scene->GetNextNode(pos);
+        objects[node->GetObjectID()].insert(node->GetBaseObject());
+        EXPECT_EQ(node->GetBaseObject()->GetInstanceCount(), node->GetObjectKindOf() == OBJECT_LIGHT ? 1 : 2);
+    }
+    EXPECT_EQ(objects.size(), 6u);
+    for (const auto& [id, sharing] : objects)
+        EXPECT_EQ(sharing.size(), 1u) << id;
+    EXPECT_EQ(scene->GetObjectByID(a->GetObjectID()), a->GetBaseObject());
 }
 
 TEST(Merge, TakesEmptyScenesAndParents)

@@ -160,6 +160,7 @@ TEST(SceneStream, TheLastIdOfAllEndsNothing)
     const C3DSceneNode* const d = read->GetRightNode(read->GetChildNode(nullptr));
     const C3DSceneNode* const readE = read->GetRightNode(d);
     EXPECT_NE(readE->GetBaseObject(), d->GetBaseObject());
+    EXPECT_NE(readE->GetObjectID(), d->GetObjectID());    // an id names one object
     EXPECT_EQ(readE->GetGeomObject()->GetChannels()->GetSize(), 0);
     EXPECT_EQ(read->GetRightNode(readE)->GetGeomObject()->GetChannels()->GetSize(), 0);
 }
