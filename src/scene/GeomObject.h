@@ -78,11 +78,15 @@ public:
     /// The same; null makes empty channels.
     virtual void SetChannels(CDependentChannels* channels, bool deleteOld);
     /// Number of live faces by material, owned by the face list, valid until faces change; null without a face list.
-    /// `withBack` counts back materials too.
+    /// `withBack` counts back materials too. A curve counts its own material as one face.
     virtual const MaterialMap* GetMaterialsHashMap(bool withBack);
     /// Repairs degenerate faces, removes what is marked invalid and points that no face uses; channels keep step.
     /// OBJECT_EMPTY when nothing is left.
     virtual void Clean();
+    /// False when nothing was replaced.
+    virtual bool ReplaceMaterial(unsigned int from, unsigned int to);
+    /// Applies every pair whose source the object uses, all at once: ids that are exchanged do not run into one another.
+    virtual bool ReplaceMaterials(const MaterialMap& map);
 
     // Lists and channels (GeomObject.cpp)
 
@@ -128,13 +132,6 @@ public:
     void SetSmoothMode(_NormalSmoothMode mode);
     _faceModeEnum GetFaceMode() const { return m_faceMode; }
     void SetFaceMode(_faceModeEnum mode);
-
-    // Materials (GeomObjectMaterials.cpp)
-
-    /// False when nothing was replaced.
-    bool ReplaceMaterial(unsigned int from, unsigned int to);
-    /// Applies every pair whose source the object uses, all at once: ids that are exchanged do not run into one another.
-    bool ReplaceMaterials(const MaterialMap& map);
 
     // Boxes (GeomObjectBox.cpp)
 

@@ -20,7 +20,7 @@ bool C3DGeomObject::ReplaceMaterial(unsigned int from, unsigned int to)
 
 bool C3DGeomObject::ReplaceMaterials(const MaterialMap& map)
 {
-    const MaterialMap* used = map.IsEmpty() ? nullptr : GetMaterialsHashMap(true);
+    const MaterialMap* used = map.IsEmpty() ? nullptr : C3DGeomObject::GetMaterialsHashMap(true);
     if (!used || used->IsEmpty())
         return false;
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <map>
 
+#include "scene/Curve.h"
 #include "scene/Units.h"
 
 #include "io/SceneCase.h"
@@ -218,15 +219,17 @@ TEST_F(ExportPreparation, FacesPointAtMaterialsThatAreThere)
     scene->CreateNewMaterial(21)->SetName(L"used");
     scene->CreateNewMaterial(23)->SetName(L"back");
     scene->CreateNewMaterial(24)->SetName(L"unused");
+    scene->CreateNewMaterial(25)->SetName(L"of a curve");
+    static_cast<C3DCurve&>(*AddNode(*scene, nullptr, L"k", OBJECT_CURVE)->GetGeomObject()).SetMaterialID(25);
     const struct {
         const char* name;
         unsigned int flags;
         std::vector<unsigned int> ids;
         std::size_t lines;
     } rows[] = {
-        {"plain", 0, {21, 22}, 1},
-        {"back materials", EXPORT_KEEP_BACKFACE_MATERIALS, {21, 22, 23}, 0},
-        {"unused materials", EXPORT_KEEP_UNUSED_MATERIALS, {21, 22, 23, 24}, 1},
+        {"plain", 0, {21, 22, 25}, 1},
+        {"back materials", EXPORT_KEEP_BACKFACE_MATERIALS, {21, 22, 23, 25}, 0},
+        {"unused materials", EXPORT_KEEP_UNUSED_MATERIALS, {21, 22, 23, 24, 25}, 1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -237,7 +240,7 @@ TEST_F(ExportPreparation, FacesPointAtMaterialsThatAreThere)
         std::sort(ids.begin(), ids.end());
         EXPECT_EQ(ids, row.ids);
         EXPECT_EQ(Log().size(), row.lines);
-        EXPECT_EQ(scene->GetMaterialNumber(), 3u);
+        EXPECT_EQ(scene->GetMaterialNumber(), 4u);
     }
 }
 

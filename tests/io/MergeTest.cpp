@@ -36,16 +36,19 @@ TEST(Merge, JoinsEqualMaterialsAndMovesTheNodes)
     C3DSceneNode* const moved = AddSquare(*other, L"a", 1, 2);
     AddSharer(*other, moved, L"b", moved);
     C3DSceneNode* const third = AddSquare(*other, L"c", 3, 3);
+    C3DSceneNode* const line = AddNode(*other, nullptr, L"k", OBJECT_CURVE);
+    static_cast<C3DCurve&>(*line->GetGeomObject()).SetMaterialID(1);
 
     EXPECT_FALSE(scene->Merge(nullptr, nullptr));
     EXPECT_FALSE(scene->Merge(scene, nullptr));
     EXPECT_FALSE(scene->Merge(other, moved));    // not in this scene
     ASSERT_TRUE(scene->Merge(other, nullptr));
-    EXPECT_EQ(Outline(*scene), L"aa(b)c");
+    EXPECT_EQ(Outline(*scene), L"aa(b)ck");
     EXPECT_EQ(scene->GetMaterialNumber(), 3u);
     const C3DFaceList& faces = *moved->GetGeomObject()->GetFaceList();
     EXPECT_EQ(faces.GetFaceMaterial(0), 2u);
     EXPECT_EQ(faces.GetFaceMaterial(1), 1u);
+    EXPECT_EQ(static_cast<C3DCurve&>(*line->GetGeomObject()).GetMaterialID(), 2u);
     const C3DMaterial* const material = scene->GetMaterialByID(third->GetGeomObject()->GetFaceList()->GetFaceMaterial(0));
     ASSERT_TRUE(material);
     EXPECT_EQ(material->GetDiffuseColor(0, false), Color(30));

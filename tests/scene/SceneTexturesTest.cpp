@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "geometry/3DFaceList.h"
+#include "scene/Curve.h"
 #include "scene/Preferences.h"
 #include "scene/SceneBuilders.h"
 #include "support/Streams.h"
@@ -118,6 +119,21 @@ TEST(SceneTextures, MaterialsAreKnownByTheirNodesAndFiles)
     EXPECT_EQ(scene->GetNodesByMaterial(p, 3, nodes, false), 3u);
     EXPECT_EQ(nodes[2], q);
     EXPECT_EQ(scene->GetNodesByMaterial(nullptr, 0xFFFFFFFF, nodes, true), 0u);
+
+    // A curve's one material counts and is replaced like that of a face.
+    C3DSceneNode* const k = AddNode(*scene, nullptr, L"k", OBJECT_CURVE);
+    auto& curve = static_cast<C3DCurve&>(*k->GetGeomObject());
+    curve.SetMaterialID(2);
+    EXPECT_EQ(scene->GetNodesByMaterial(nullptr, 2, nodes, true), 3u);
+    EXPECT_EQ(nodes[2], k);
+    C3DFaceList::MaterialsMap exchange;
+    exchange.SetAt(2, 3);
+    exchange.SetAt(3, 2);
+    EXPECT_TRUE(k->GetGeomObject()->ReplaceMaterials(exchange));
+    EXPECT_EQ(curve.GetMaterialID(), 3u);
+    EXPECT_TRUE(k->GetGeomObject()->ReplaceMaterial(3, 1));
+    EXPECT_FALSE(k->GetGeomObject()->ReplaceMaterial(3, 2));
+    EXPECT_EQ(scene->GetNodesByMaterial(nullptr, 1, nodes, true), 3u);
 
     C3DMaterial like;
     like = *scene->GetMaterialByID(3);
