@@ -247,7 +247,7 @@ public:
     _NormalSmoothMode GetSmoothMode() const;
     /// 0 stands for the preferences' mode.
     void SetSmoothMode(_NormalSmoothMode mode, bool alsoPreferences);
-    /// Of every patch, and of those to come.
+    /// Of every patch, and of those to come; held to C3DPatch::MOST_LEVEL.
     void SetPatchLevel(unsigned int level);
 
     CFileNameSpec GetFilename() const;

@@ -1,8 +1,10 @@
 #include "scene/Preferences.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "channels/NormalMode.h"
+#include "scene/Patch.h"
 #include "tools/FilePath.h"
 #include "tools/FourCC.h"
 
@@ -60,20 +62,27 @@ bool C3DPreferences::Save() const
 
 CXTString<wchar_t> C3DPreferences::GetWarning() const { return m_warning; }
 
+// The file may say anything: a getter holds what it finds there to what its setter takes.
+
+static bool IsSmoothAngle(float angle)
+{
+    const double degrees = angle * (180 / 3.14159265358979323846);
+    return degrees >= 0 && degrees <= 180.005;    // false for NaN
+}
+
 float C3DPreferences::GetSmoothAngle() const
 {
+    constexpr float STANDARD = 0.54105204f;
     const std::lock_guard<std::mutex> guard(m_lock);
     float angle;
-    m_bag.GetFloat(SMOOTH_ANGLE, angle, 0.54105204f);
-    return angle;
+    m_bag.GetFloat(SMOOTH_ANGLE, angle, STANDARD);
+    return IsSmoothAngle(angle) ? angle : STANDARD;
 }
 
 void C3DPreferences::SetSmoothAngle(float angle)
 {
-    const double degrees = angle * (180 / 3.14159265358979323846);
-    if (!(degrees >= 0 && degrees <= 180.005))    // refuses NaN too
-        return;
-    Change(&CCustomData::SetFloat, SMOOTH_ANGLE, angle);
+    if (IsSmoothAngle(angle))
+        Change(&CCustomData::SetFloat, SMOOTH_ANGLE, angle);
 }
 
 _NormalSmoothMode C3DPreferences::GetSmoothMode() const
@@ -90,22 +99,25 @@ void C3DPreferences::SetSmoothMode(_NormalSmoothMode mode)
         Change(&CCustomData::SetUnsigned, SMOOTH_MODE, mode);
 }
 
+static unsigned int HeldLevel(unsigned int level) { return std::min<unsigned int>(level, C3DPatch::MOST_LEVEL); }
+
 unsigned int C3DPreferences::GetPatchLevel() const
 {
     const std::lock_guard<std::mutex> guard(m_lock);
     unsigned int level;
     m_bag.GetUnsigned(PATCH_LEVEL, level, 1);
-    return level;
+    return HeldLevel(level);
 }
 
-void C3DPreferences::SetPatchLevel(unsigned int level) { Change(&CCustomData::SetUnsigned, PATCH_LEVEL, level); }
+void C3DPreferences::SetPatchLevel(unsigned int level) { Change(&CCustomData::SetUnsigned, PATCH_LEVEL, HeldLevel(level)); }
 
 float C3DPreferences::GetViewAngle() const
 {
     const std::lock_guard<std::mutex> guard(m_lock);
+    constexpr float STANDARD = 0.5235988f;
     float angle;
-    m_bag.GetFloat(VIEW_ANGLE, angle, 0.5235988f);
-    return angle;
+    m_bag.GetFloat(VIEW_ANGLE, angle, STANDARD);
+    return std::isfinite(angle) ? angle : STANDARD;
 }
 
 void C3DPreferences::SetViewAngle(float angle)

@@ -35,7 +35,7 @@ public:
     _NormalSmoothMode GetSmoothMode() const;
     /// 0 is ignored.
     void SetSmoothMode(_NormalSmoothMode mode);
-    /// Level of subdivision of patches; 1 unless set.
+    /// Level of subdivision of patches, 1 unless set, at most C3DPatch::MOST_LEVEL.
     unsigned int GetPatchLevel() const;
     void SetPatchLevel(unsigned int level);
 

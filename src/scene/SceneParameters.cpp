@@ -134,11 +134,12 @@ void C3DScene::SetSmoothMode(_NormalSmoothMode mode, bool alsoPreferences)
 
 void C3DScene::SetPatchLevel(unsigned int level)
 {
+    level = std::min<unsigned int>(level, C3DPatch::MOST_LEVEL);
     m_customData.SetUnsigned(PATCH_LEVEL, level);
     C3DBaseObject* object;
     for (C3DNodePos pos = GetFirstNode(OBJECT_PATCH, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
-        static_cast<C3DPatch*>(*object)->SetLevel(static_cast<int>(std::min<unsigned int>(level, C3DPatch::MOST_LEVEL)));
+        static_cast<C3DPatch*>(*object)->SetLevel(static_cast<int>(level));
     }
 }
 

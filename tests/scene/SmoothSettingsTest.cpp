@@ -9,6 +9,7 @@
 #include "geometry/GeomInfo.h"
 #include "scene/Preferences.h"
 #include "scene/SceneBuilders.h"
+#include "tools/FourCC.h"
 
 namespace {
 
@@ -24,6 +25,17 @@ class RemoveFolder : public testing::Environment {
     void TearDown() override { std::filesystem::remove_all(PREFERENCES_FOLDER); }
 };
 [[maybe_unused]] const auto* const s_removeFolder = testing::AddGlobalTestEnvironment(new RemoveFolder);
+
+/// Preferences as a file may give them.
+class CFilePreferences : public C3DPreferences {
+public:
+    CFilePreferences()
+    {
+        m_bag.SetUnsigned(FourCC("PHLV"), 0xFFFFFFFF);
+        for (const unsigned int id : {FourCC("SMAG"), FourCC("VWAG")})
+            m_bag.SetFloat(id, std::numeric_limits<float>::quiet_NaN());
+    }
+};
 
 constexpr float DEFAULT_ANGLE = 0.54105204f;
 
@@ -125,6 +137,21 @@ TEST(SmoothSettings, AChangeReachesTheNormalsOfWhoeverInherits)
     Fixture f;
     f.object->SetSmoothAngle(0.1f);    // an own change drops the smoothed normals
     EXPECT_EQ(f.object->GetChannels()->GetSize(), 1);
+}
+
+TEST(SmoothSettings, PreferencesHoldWhatComesInToItsRange)
+{
+    // Fault in mind: the surface of a patch of level 0xFFFFFFFF is null, and whoever draws it uses that.
+    const CFilePreferences file;
+    EXPECT_EQ(file.GetPatchLevel(), 8u);
+    EXPECT_EQ(file.GetSmoothAngle(), DEFAULT_ANGLE);
+    EXPECT_FLOAT_EQ(file.GetViewAngle(), 0.5235988f);
+
+    C3DPreferences& preferences = C3DPreferences::Get3DPreferences();
+    preferences.SetPatchLevel(0xFFFFFFFF);
+    const CRef<C3DBaseObject> patch(C3DBaseObject::Create(OBJECT_PATCH));
+    EXPECT_NE(patch->GetFinalObject(false), nullptr);
+    preferences.SetPatchLevel(1);
 }
 
 TEST(SmoothSettings, PreferencesKeepWhatIsSensibleAndSurvive)
