@@ -91,8 +91,6 @@ bool C3DScene::MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child)
         return false;
     // The parent's pivot does not reach its children, and neither does it here.
     std::vector<int> times = GetKeyTimes(*parent);
-    if (times.empty())
-        return true;
     for (const int time : GetKeyTimes(*child)) {
         parent->CreateKey(time, KEY_MATRIX, 0);
         times.push_back(time);

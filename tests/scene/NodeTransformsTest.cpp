@@ -280,6 +280,34 @@ TEST(SceneTransforms, TimeIsHeldToTheKeys)
     EXPECT_EQ(scene->GetTimeRange(KEY_ANY), CTimeRange(0, 0));
 }
 
+TEST(SceneTransforms, MergedMatrixKeysStandAtTheTimesOfBothNodes)
+{
+    struct {
+        std::vector<int> parent, child, both;
+    } const rows[] = {{{0, 10}, {5}, {0, 5, 10}}, {{}, {5, 7}, {5, 7}}, {{3}, {}, {3}}, {{}, {}, {}}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.both.size());
+        const CRef<C3DScene> scene(C3DScene::Create());
+        C3DSceneNode* const parent = AddNode(*scene, nullptr, L"p", OBJECT_GROUP);
+        C3DSceneNode* const child = AddNode(*scene, parent, L"c", OBJECT_GROUP);
+        for (const int time : row.parent)
+            parent->AddKey(time, C3DMatrixKey(Translation(2, 0, 0)));
+        for (const int time : row.child)
+            static_cast<C3DVectorKey*>(child->CreateKey(time, KEY_TRANSLATE, 0))->SetVector({0, 1, 0});
+        EXPECT_TRUE(scene->MergeMatrixKeyframes(parent, child));
+        for (C3DSceneNode* const node : {parent, child}) {
+            std::vector<int> times;
+            int time;
+            for (int i = 0; node->GetKeyByIndex(i, &time, KEY_MATRIX); i++)
+                times.push_back(time);
+            EXPECT_EQ(times, row.both);
+        }
+        Matrix m;
+        child->GetObjectLocalTM(5, m);
+        ExpectNear(Values(m.GetTranslation()), {row.parent.empty() ? 0.f : 2.f, row.child.empty() ? 0.f : 1.f, 0});
+    }
+}
+
 TEST(SceneTransforms, ChildrenOfDeletedNodesStayInPlaceAtEveryKey)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
