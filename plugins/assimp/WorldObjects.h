@@ -20,7 +20,7 @@ template <class TAKE> void ForWorldObjects(const C3DScene& scene, TAKE take)
             continue;
         C4x4TMatrix<float> matrix;
         walk.Get(node, matrix);
-        if (matrix.IsIdentity()) {
+        if (matrix == C4x4TMatrix<float>()) {
             take(*node, std::shared_ptr<C3DGeomObject>(object, [](C3DGeomObject*) {}));
             continue;
         }

@@ -133,13 +133,18 @@ bool C3DPointList::MatrixTransform(const C4x4TMatrix<float>& matrix)
 {
     if (matrix.IsIdentity())
         return false;
+    Transform(matrix);
+    return true;
+}
+
+void C3DPointList::Transform(const C4x4TMatrix<float>& matrix)
+{
     const LaneMatrix columns(matrix);
     C3DTPoint<float>* points = GetFirst();
     for (int i = 0, count = GetSize(); i < count; i++) {
         const Lanes loaded = LoadLanes(points[i]);
         StoreLanes(points[i], columns.Point(loaded), loaded);
     }
-    return true;
 }
 
 bool C3DPointList::SwapCoordinates(unsigned int code) { return SwapAllCoordinates(GetFirst(), GetSize(), code); }

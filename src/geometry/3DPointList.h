@@ -39,6 +39,8 @@ public:
     C3DTPoint<float> GetCenterOfBoundingBox() const;
     /// Transforms every point. False, with nothing moved, for an identity within its tolerance. Marks nothing.
     bool MatrixTransform(const C4x4TMatrix<float>& matrix);
+    /// The same without tolerance.
+    void Transform(const C4x4TMatrix<float>& matrix);
     /// Exchanges and mirrors axes (geometry/Swap.h). False for a code without meaning. Marks nothing.
     bool SwapCoordinates(unsigned int code);
     /// Replaces each point for which (flags & mask) == mask equals `wanted` by the wave at its place.

@@ -39,8 +39,9 @@ std::vector<Part> ListParts(const C3DScene& scene, C3DSceneNode* start, const C3
 // The object in the space of the result, with a reference of the caller's. A node that stays is not touched.
 C3DGeomObject* TakeObject(const Part& part, bool replace)
 {
-    if (replace || part.matrix.IsIdentity()) {
-        if (replace && !part.matrix.IsIdentity())
+    const bool inPlace = part.matrix == C4x4TMatrix<float>();
+    if (replace || inPlace) {
+        if (replace && !inPlace)
             part.node->ConvertToGlobalCoordinates(part.matrix);
         C3DGeomObject* object = part.node->GetGeomObject();
         object->AddRef();

@@ -64,8 +64,8 @@ public:
     /// Marks the lists changed, drops the normal channels that can be computed again, then the base's part.
     void Invalidate(unsigned int flags, bool set) override;
     void InheritFlags(const C3DBaseObject& from, int copyFlags) override;
-    /// Transforms points and channels; turns the faces round when the matrix mirrors. False for an identity (tolerance
-    /// 0.005). Reports the change.
+    /// Transforms points and channels; turns the faces round when the matrix mirrors. False for the identity. Reports the
+    /// change. Points take the smallest transform, normals none within IsIdentity.
     bool MatrixTransform(const C4x4TMatrix<float>& matrix) override;
     bool InternalCopy(C3DBaseObject*& target, int copyFlags, C3DObjectCreator* creator) const override;
 

@@ -12,10 +12,10 @@ static double Determinant(const C4x4TMatrix<float>& matrix)
 
 bool C3DGeomObject::MatrixTransform(const C4x4TMatrix<float>& matrix)
 {
-    if (matrix.IsIdentity())
+    if (matrix == C4x4TMatrix<float>())
         return false;
     if (m_points)
-        m_points->MatrixTransform(matrix);
+        m_points->Transform(matrix);    // no tolerance: the whole model may be small in scene units
     m_channels->MatrixTransform(matrix, CHANNEL_ALL);
     if (Determinant(matrix) < 0)
         FlipNormals();

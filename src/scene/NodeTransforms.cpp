@@ -31,6 +31,11 @@ void C3DSceneNode::GetNodeTM(int time, C4x4TMatrix<float>& matrix, bool withRoot
         parent->GetObjectLocalTM(time, parentTM);
         MultiplyMatrices(parentTM.m, matrix.m, matrix.m);
     }
+    ApplyPivot(time, matrix);
+}
+
+void C3DSceneNode::ApplyPivot(int time, C4x4TMatrix<float>& matrix) const
+{
     const CKeyPlaces& places = GetKeyPlaces();
     if (!places.IsEmpty() && !CTransformKeys::GetSingleMatrix(places))
         CTransformKeys(places, time, FindBehind(time)).ApplyPivot(matrix);
@@ -57,25 +62,30 @@ void C3DSceneNode::GetNodeLocalTM(int time, C4x4TMatrix<float>& matrix) const
 void C3DSceneNode::CenterPivotOnCG(const C3DTVector<float>& relative, const C3DTVector<float>& offset)
 {
     C3DGeomObject* object = GetGeomObject();
-    C3DPointList* points = object ? object->GetPointList() : nullptr;
     C3DTPoint<float> min, max;
-    if (!points || !object->GetBoundingBox(min, max, BOX_POINTS))
+    if (!object || !object->GetPointList() || !object->GetBoundingBox(min, max, BOX_POINTS))
         return;
-    C3DTVector<float> pivot;
+    C3DTVector<float> shift;
     for (int i = 0; i < 3; i++)
-        pivot[i] = (max[i] - min[i]) * relative[i] + min[i] + offset[i];
-    if (IsZeroVector(pivot))
+        shift[i] = (max[i] - min[i]) * relative[i] + min[i] + offset[i];
+    if (IsZeroVector(shift))
         return;
 
-    // By hand: the list's own transform passes over translations that are small in scene units.
-    C3DTPoint<float>* point = points->GetFirst();
-    for (int i = 0; i < points->GetSize(); i++)
-        point[i] -= pivot;
+    if (DeleteObjectInstanciation())    // for other nodes the points stay
+        object = GetGeomObject();
+    C3DPointList& points = *object->GetPointList();
+    C3DTPoint<float>* point = points.GetFirst();
+    for (int i = 0; i < points.GetSize(); i++)
+        point[i] -= shift;
     object->Invalidate(CHANGE_POINTS, true);
 
-    CreateKey(0, KEY_PIVOT, KEY_KEEP_DEFAULT);
-    for (int i = 0; i < GetKeyNbr(KEY_PIVOT); i++)
-        static_cast<C3DVectorKey*>(GetKeyByIndex(i, nullptr, KEY_PIVOT))->SetVector(pivot);
+    // What the points lose the pivot gets, at every time that it has a key.
+    if (GetKeyNbr(KEY_PIVOT) == 0)
+        CreateKey(0, KEY_PIVOT, KEY_KEEP_DEFAULT);
+    for (int i = 0; i < GetKeyNbr(KEY_PIVOT); i++) {
+        auto* key = static_cast<C3DVectorKey*>(GetKeyByIndex(i, nullptr, KEY_PIVOT));
+        key->SetVector(key->GetVector() + shift);
+    }
 }
 
 bool C3DSceneNode::GetCG(int time, C3DTPoint<float>& center) const
@@ -108,6 +118,7 @@ bool C3DSceneNode::ConvertToGlobalCoordinates(int time)
 {
     C4x4TMatrix<float> matrix;
     GetObjectLocalTM(time, matrix);
+    ApplyPivot(time, matrix);
     return !matrix.IsIdentity() && ConvertToGlobalCoordinates(matrix);
 }
 

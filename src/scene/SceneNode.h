@@ -86,10 +86,11 @@ public:
     void GetNodeTM(int time, C4x4TMatrix<float>& matrix, bool withRoot) const;
     /// To the parent's space, the pivots of both included.
     void GetNodeLocalTM(int time, C4x4TMatrix<float>& matrix) const;
-    /// Moves the pivot to (max - min) * relative + min + offset of the object's box; the points move the other way.
+    /// Moves the pivot by (max - min) * relative + min + offset of the object's box; the points move the other way, so that the object
+    /// stays in place. The object is made unique.
     void CenterPivotOnCG(const C3DTVector<float>& relative, const C3DTVector<float>& offset);
-    /// Bakes the local transform into the object, which is made unique, and deletes the keys. False, with nothing changed,
-    /// for an identity (tolerance 0.005).
+    /// Bakes the local transform and the pivot into the object, which is made unique, and deletes the keys. False, with nothing
+    /// changed, for an identity (tolerance 0.005).
     bool ConvertToGlobalCoordinates(int time);
     /// The same with a given matrix and without tolerance.
     bool ConvertToGlobalCoordinates(const C4x4TMatrix<float>& matrix);
@@ -133,6 +134,7 @@ public:
 private:
     bool GetInternalBox(const C4x4TMatrix<float>& matrix, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int boxFlags,
                         unsigned int pointFilter) const;
+    void ApplyPivot(int time, C4x4TMatrix<float>& matrix) const;
     /// Without giving up what was held.
     void Hold(C3DBaseObject* object);
     friend class CNodeWalkTM;

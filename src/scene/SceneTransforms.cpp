@@ -119,7 +119,7 @@ int C3DScene::ConvertToGlobalCoordinates(C3DSceneNode* start)
         C3DSceneNode* node = GetNextNode(pos);
         C4x4TMatrix<float> matrix;
         walk.Get(node, matrix);
-        if (!matrix.IsIdentity()) {
+        if (!(matrix == C4x4TMatrix<float>())) {    // no tolerance: the keys go
             node->DeleteObjectInstanciation();
             node->GetBaseObject()->MatrixTransform(matrix);
         }

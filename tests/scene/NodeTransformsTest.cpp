@@ -157,6 +157,21 @@ TEST(NodeTransforms, CentringThePivotKeepsThePointsInPlace)
     const unsigned int before = node->GetBaseObject()->GetChecksum(1);
     node->CenterPivotOnCG({0.5, 0.5, 0.5}, {0, 0, 0});    // already there
     EXPECT_EQ(node->GetBaseObject()->GetChecksum(1), before);
+
+    // With a pivot that moves, and a sharer that is not to move.
+    const C3DSceneNode* const sharer = AddSharer(*scene, nullptr, L"s", node);
+    static_cast<C3DVectorKey*>(node->CreateKey(10, KEY_PIVOT, 0))->SetVector({0, 0, 8});
+    std::vector<Coordinates> places;
+    const auto place = [&](int time) {
+        node->GetNodeTM(time, m, true);
+        return Values(m * PointOf(node->GetGeomObject(), 4));
+    };
+    for (const int time : {0, 5, 10})
+        places.push_back(place(time));
+    node->CenterPivotOnCG({0.5, 0.5, 0.5}, {1, 2, 3});
+    for (int i = 0; i < 3; i++)
+        ExpectNear(place(5 * i), places[i]);
+    EXPECT_EQ(Values(PointOf(sharer->GetGeomObject(), 4)), Coordinates({4.5, 4.5, 4.5}));
     EXPECT_FALSE(AddNode(*scene, nullptr, L"b", OBJECT_GROUP)->GetCG(0, center));
 }
 
@@ -177,6 +192,16 @@ TEST(NodeTransforms, BakingLeavesSharersAndSmallMatricesAlone)
     C3DTPoint<float> min, max;
     b->GetGeomObject()->GetBoundingBox(min, max, BOX_FACES);
     EXPECT_EQ(max.x, 6);
+
+    SetVectorKey(b, KEY_PIVOT, 0, 3, 0);
+    EXPECT_TRUE(b->ConvertToGlobalCoordinates(0));    // the pivot alone moves what it carries
+    EXPECT_EQ(b->GetKeyNbr(KEY_ANY), 0);
+    EXPECT_EQ(Values(PointOf(b->GetGeomObject(), 0)), Coordinates({5, 3, 0}));
+    EXPECT_TRUE(b->ConvertToGlobalCoordinates(Translation(0, 0.004f, 0)));    // a model may be as small
+    EXPECT_FLOAT_EQ(PointOf(b->GetGeomObject(), 0).y, 3.004f);
+    a->AddKey(0, C3DMatrixKey(Translation(0, 0, 0.004f)));
+    scene->ConvertToGlobalCoordinates(nullptr);
+    EXPECT_EQ(PointOf(a->GetGeomObject(), 0).z, 0.004f);
 }
 
 TEST(NodeTransforms, AMirrorTurnsTheFacesRound)
