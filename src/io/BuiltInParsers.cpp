@@ -4,6 +4,7 @@
 
 #include "io/NativeFile.h"
 #include "tools/FileExt.h"
+#include "tools/IOPlugin.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ template <class PARSER> CFileParser* Create(unsigned int, CFileIo* fileIo) { ret
 struct BuiltIn {
     unsigned int fileClass;
     CParserFactory factory;       ///< null: the class is known, but its parser is not part of this build
-    const wchar_t* extensions;    ///< null: none that this library registers
+    const wchar_t* extensions;    ///< with a parser
     const wchar_t* description;
 };
 
@@ -44,8 +45,10 @@ void RegisterBuiltInFormats()
     static const bool registered = [] {
         constexpr unsigned int KIND = FILE_FAMILY_3D | FILE_KIND_LISTED | FILE_KIND_READ | FILE_KIND_WRITE;
         for (const BuiltIn& row : BUILT_IN)
-            if (row.extensions)
+            if (row.factory) {
+                ReserveIOClass(row.fileClass);
                 fileRegisterFile(CFileExt(row.description, row.extensions, row.fileClass, KIND));
+            }
         return true;
     }();
     (void)registered;

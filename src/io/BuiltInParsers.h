@@ -6,5 +6,5 @@
 bool IsBuiltInClass(unsigned int fileClass);
 /// A parser of a built-in class; null for other classes, and for those whose parser is not part of this build.
 CFileParser* CreateBuiltInParser(unsigned int fileClass, CFileIo* fileIo);
-/// Makes the extensions of the built-in classes known. Once a process; later calls do nothing.
+/// Makes the extensions of the built-in classes known and keeps the classes that have a parser here from plug-ins. Once a process; later calls do nothing.
 void RegisterBuiltInFormats();

@@ -4,10 +4,10 @@
 //
 // A module is a shared object zel-io-NAME.so that exports zelRegisterIoPlugin. Beside it may stand its manifest,
 // zel-io-NAME.formats: with it the module's formats are known without loading it, and it is loaded when the first file of one
-// of its classes comes along. A module without manifest is loaded at once.
+// of its classes comes along. A module without manifest is first loaded in a process of its own, which tells its formats.
 //
-// A module that cannot be loaded, lacks the function, is made for another API version or throws costs itself alone and one
-// line of GetIOPluginLog.
+// A module that cannot be loaded, lacks the function, is made for another API version, throws, or in that process aborts or never
+// comes back costs itself alone and one line of GetIOPluginLog. A manifest vouches for its module: what has one is not tried.
 
 #include <vector>
 
@@ -45,8 +45,11 @@ constexpr const char* ZEL_IO_PLUGIN_ENTRY = "zelRegisterIoPlugin";
 ///              library, then the folder fixed at build time. Of modules with one name the first found counts
 /// @return      number of modules added
 ZEL_API int RegisterIOPlugins(unsigned int family, const CXTString<wchar_t>& path);
-/// Adds formats that the program itself brings, as if they came from a module called `name`.
+/// Adds formats that the program itself brings, as if they came from a module called `name`. False without a factory, a class or an
+/// extension, and for a reserved class.
 ZEL_API bool RegisterIOParser(const CXTString<wchar_t>& name, const CFileExt& format, CParserFactory factory);
+/// Keeps a class for the system itself, for the whole process: formats of that class are refused, and those that came before go.
+ZEL_API void ReserveIOClass(unsigned int fileClass);
 /// Forgets the plug-ins with formats of these families. A module is unloaded as soon as no parser of it lives.
 ZEL_API void FreeIOPlugins(unsigned int family);
 
@@ -60,6 +63,7 @@ struct CIoPluginInfo {
 ZEL_API std::vector<CIoPluginInfo> GetIOPlugins();
 /// What went wrong with plug-ins in this process, one line each.
 ZEL_API std::vector<CXTString<wchar_t>> GetIOPluginLog();
+ZEL_API void AddIOPluginLog(const CXTString<wchar_t>& line);
 ZEL_API void ClearIOPluginLog();
 
 /// Writes the manifest of a module beside it; for the build of a plug-in. Loads the module. False when that fails.

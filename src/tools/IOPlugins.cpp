@@ -1,6 +1,7 @@
 // IO plug-ins: finding them, reading their manifests, loading them when a file needs them, unloading them.
 //
-//   register   for each folder, each zel-io-NAME.so whose NAME is new: its manifest, or else the module itself, tells the formats
+//   register   for each folder, each zel-io-NAME.so whose NAME is new: its manifest, or else the module itself in a process of its own,
+//              tells the formats
 //   load       at the first parser of one of its classes; what the module registers then is what counts
 //   free       formats go at once, the module with its last parser
 
@@ -11,33 +12,27 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <sstream>
 
 #include <dlfcn.h>
 #include <unistd.h>
 
-#include "tools/Exception.h"
+#include "tools/CaughtException.h"
 #include "tools/FilePath.h"
+#include "tools/IOPluginModule.h"
 
 namespace {
 
 using Text = CXTString<wchar_t>;
 
 constexpr std::string_view MODULE_PREFIX = "zel-io-", MODULE_SUFFIX = ".so", MANIFEST_SUFFIX = ".formats";
-constexpr std::string_view MANIFEST_HEAD = "zel-io-formats";
 constexpr size_t MAX_LOG_LINES = 1000;
-
-struct Format {
-    CFileExt extension;
-    CParserFactory factory;    ///< null until the module is loaded
-};
 
 struct Module {
     Text name;
     std::string path;           ///< empty for what the program brings
     unsigned int family = 0;    ///< families asked for
-    std::vector<Format> formats;
+    std::vector<CIoFormat> formats;
     void* handle = nullptr;
     bool loaded = false, failed = false, freed = false;
     int parsers = 0;    ///< that live
@@ -46,6 +41,7 @@ struct Module {
 struct Manager {
     std::recursive_mutex lock;    // a module may call in while it registers
     std::vector<std::unique_ptr<Module>> modules;
+    std::vector<unsigned int> reserved;    ///< classes
     std::vector<Text> log;
 };
 
@@ -56,80 +52,46 @@ Manager& GetManager()
     return manager;
 }
 
-void Log(const Text& module, const Text& what)
+void AddLine(const Text& line)
 {
     std::vector<Text>& log = GetManager().log;
     if (log.size() < MAX_LOG_LINES)
-        log.push_back(module + L": " + what);
+        log.push_back(line);
 }
 
-class Collector : public IIoPluginRegistrar {
-public:
-    void RegisterFormat(const CFileExt& format, CParserFactory factory) override
-    {
-        if (format.fileClass && !format.extensions.empty() && factory)
-            formats.push_back({format, factory});
-    }
-
-    std::vector<Format> formats;
-};
-
-// What the exception says. The exception object may lie in the module, so it has to be gone before that is closed.
-std::optional<Text> RunCatching(const auto& work)
-{
-    try {
-        work();
-        return std::nullopt;
-    } catch (const CXException* exception) {
-        const Text text = exception->GetText();
-        XDeleteThreadException();
-        return text.IsEmpty() ? Text(L"an exception") : text;
-    } catch (const std::exception& exception) {
-        return Utf8ToWide(exception.what());
-    } catch (...) {
-        return Text(L"an exception");
-    }
-}
+void Log(const Text& module, const Text& what) { AddLine(module + L": " + what); }
 
 // Opens a module and lets it register; false, with a line in the log, when that fails.
-bool OpenModule(const Text& name, const std::string& path, void*& handle, std::vector<Format>& formats)
+bool OpenModule(const Text& name, const std::string& path, void*& handle, std::vector<CIoFormat>& formats)
 {
-    handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-        const char* const error = dlerror();
-        Log(name, L"can't be loaded: " + Utf8ToWide(error ? error : ""));
-        return false;
-    }
-    Collector collector;
-    unsigned int version = 0;
     Text problem;
-    if (void* const entry = dlsym(handle, ZEL_IO_PLUGIN_ENTRY)) {
-        const auto registerFormats = reinterpret_cast<ZelRegisterIoPlugin>(entry);
-        if (const auto thrown = RunCatching([&] { version = registerFormats(ZEL_IO_PLUGIN_API, &collector); }))
-            problem = L"failed while it registered: " + *thrown;
-        else if (version != ZEL_IO_PLUGIN_API)
-            problem.FormatString(L"is made for plug-in version %u, not %u", version, ZEL_IO_PLUGIN_API);
-    } else
-        problem = Text(L"has no function ") + Utf8ToWide(ZEL_IO_PLUGIN_ENTRY);
-    if (!problem.IsEmpty()) {
-        Log(name, problem);
-        dlclose(handle);
-        handle = nullptr;
-        return false;
-    }
-    formats = std::move(collector.formats);
-    return true;
+    if (OpenIOModule(path, handle, formats, problem))
+        return true;
+    Log(name, problem);
+    return false;
 }
 
 void RegisterFormats(const Module& module)
 {
-    for (const Format& format : module.formats)
+    for (const CIoFormat& format : module.formats)
         fileRegisterFile(format.extension, &module);
 }
 
-void KeepFamily(std::vector<Format>& formats, unsigned int family)
+bool IsReserved(unsigned int fileClass)
 {
-    std::erase_if(formats, [&](const Format& format) { return !(format.extension.kind & family & FILE_KIND_FAMILY); });
+    const auto& reserved = GetManager().reserved;
+    return std::find(reserved.begin(), reserved.end(), fileClass) != reserved.end();
+}
+
+// Leaves what belongs to the families and is not the system's own.
+void KeepAllowed(const Text& name, std::vector<CIoFormat>& formats, unsigned int family)
+{
+    std::erase_if(formats, [&](const CIoFormat& format) {
+        const bool reserved = IsReserved(format.extension.fileClass);
+        if (reserved)
+            Log(name, L"can't have \"" + fileGetClassText(format.extension.fileClass) + L"\", a class of the system's own");
+        return reserved || !(format.extension.kind & family & FILE_KIND_FAMILY);
+    });
 }
 
 // Loads a module known by its manifest. What it registers replaces the manifest's formats; their order stays where it can.
@@ -137,15 +99,15 @@ bool LoadModule(Module& module)
 {
     if (module.loaded || module.failed)
         return module.loaded;
-    std::vector<Format> formats;
+    std::vector<CIoFormat> formats;
     module.failed = !OpenModule(module.name, module.path, module.handle, formats);
     if (module.failed)
         return false;
     module.loaded = true;
-    KeepFamily(formats, module.family);
-    for (Format& known : module.formats) {
+    KeepAllowed(module.name, formats, module.family);
+    for (CIoFormat& known : module.formats) {
         const auto found = std::find_if(formats.begin(), formats.end(),
-                                        [&](const Format& format) { return format.extension.fileClass == known.extension.fileClass; });
+                                        [&](const CIoFormat& format) { return format.extension.fileClass == known.extension.fileClass; });
         if (found == formats.end()) {
             Log(module.name, L"doesn't handle \"" + fileGetClassText(known.extension.fileClass) + L"\", which its manifest names");
             continue;
@@ -156,120 +118,6 @@ bool LoadModule(Module& module)
     module.formats.insert(module.formats.end(), formats.begin(), formats.end());
     RegisterFormats(module);
     return true;
-}
-
-// Manifest: a head line with the plug-in version, then a line for each format, fields separated by tabs:
-// class, kind in hexadecimals without abilities, abilities "r", "w" or "rw", extensions separated by ';', description.
-// Lines that begin with '#' are for people.
-
-std::vector<std::string> SplitFields(const std::string& line)
-{
-    std::vector<std::string> fields;
-    std::istringstream stream(line);
-    for (std::string field; std::getline(stream, field, '\t');)
-        fields.push_back(field);
-    return fields;
-}
-
-// Four characters as they are, or hexadecimals for a class that has others.
-std::string WriteClassField(unsigned int fileClass)
-{
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        const unsigned int c = fileClass >> shift & 0xFF;
-        if (c < 32 || c > 126 || (shift == 24 && c == '#')) {
-            std::ostringstream number;
-            number << "0x" << std::hex << fileClass;
-            return number.str();
-        }
-        text += static_cast<char>(c);
-    }
-    return text;
-}
-
-bool ReadHex(const std::string& field, unsigned int& value)
-{
-    if (field.size() < 3 || field.size() > 10 || field[0] != '0' || field[1] != 'x')
-        return false;
-    char* end = nullptr;
-    value = static_cast<unsigned int>(std::strtoul(field.c_str() + 2, &end, 16));
-    return *end == 0;
-}
-
-bool ReadClassField(const std::string& field, unsigned int& value)
-{
-    if (field.size() != 4)
-        return ReadHex(field, value);
-    value = 0;
-    for (const char c : field)
-        value = value << 8 | static_cast<unsigned char>(c);
-    return true;
-}
-
-bool ReadFormatLine(const std::string& line, Format& format)
-{
-    const std::vector<std::string> fields = SplitFields(line);
-    unsigned int fileClass = 0, kind = 0;
-    if (fields.size() != 5 || !ReadClassField(fields[0], fileClass) || !ReadHex(fields[1], kind))
-        return false;
-    kind &= ~static_cast<unsigned int>(FILE_KIND_READ | FILE_KIND_WRITE);
-    for (const char ability : fields[2]) {
-        if (ability != 'r' && ability != 'w')
-            return false;
-        kind |= ability == 'r' ? FILE_KIND_READ : FILE_KIND_WRITE;
-    }
-    format = {CFileExt(Utf8ToWide(fields[4]), Utf8ToWide(fields[3]), fileClass, kind), nullptr};
-    return fileClass != 0 && !format.extension.extensions.empty();
-}
-
-enum class ManifestState { MISSING, GOOD, DAMAGED, WRONG_VERSION };
-
-ManifestState ReadManifest(const std::string& path, std::vector<Format>& formats)
-{
-    std::ifstream file(path);
-    if (!file)
-        return ManifestState::MISSING;
-    std::string line;
-    std::getline(file, line);
-    const std::vector<std::string> head = SplitFields(line);
-    if (head.size() != 2 || head[0] != MANIFEST_HEAD)
-        return ManifestState::DAMAGED;
-    if (head[1] != std::to_string(ZEL_IO_PLUGIN_API))
-        return ManifestState::WRONG_VERSION;
-    while (std::getline(file, line)) {
-        if (line.empty() || line[0] == '#')
-            continue;
-        Format format;
-        if (!ReadFormatLine(line, format)) {
-            formats.clear();
-            return ManifestState::DAMAGED;
-        }
-        formats.push_back(std::move(format));
-    }
-    return ManifestState::GOOD;
-}
-
-std::string WriteManifest(const std::vector<Format>& formats)
-{
-    std::ostringstream text;
-    text << MANIFEST_HEAD << '\t' << ZEL_IO_PLUGIN_API << "\n# class, kind, abilities, extensions, description\n";
-    for (const Format& format : formats) {
-        const CFileExt& extension = format.extension;
-        text << WriteClassField(extension.fileClass) << "\t0x" << std::hex
-             << (extension.kind & ~static_cast<unsigned int>(FILE_KIND_READ | FILE_KIND_WRITE)) << std::dec << '\t';
-        if (extension.CanRead())
-            text << 'r';
-        if (extension.CanWrite())
-            text << 'w';
-        text << '\t';
-        for (size_t i = 0; i < extension.extensions.size(); i++)
-            text << (i ? ";" : "") << WideToUtf8(extension.extensions[i]);
-        std::string description = WideToUtf8(extension.description);
-        std::replace_if(
-            description.begin(), description.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
-        text << '\t' << description << '\n';
-    }
-    return text.str();
 }
 
 std::string ManifestOf(const std::string& module)
@@ -304,24 +152,20 @@ bool AddModule(const std::string& path, unsigned int family)
         return false;
     module->path = path;
     module->family = family;
-    const ManifestState state = ReadManifest(ManifestOf(path), module->formats);
+    const ManifestState state = ReadIOManifest(ManifestOf(path), module->formats);
     if (state == ManifestState::WRONG_VERSION) {
         Log(module->name, L"is made for another plug-in version");
         return false;
     }
     if (state == ManifestState::DAMAGED)
-        Log(module->name, L"has a damaged manifest, and is loaded at once");
-    if (state != ManifestState::GOOD) {
-        if (!OpenModule(module->name, path, module->handle, module->formats))
-            return false;
-        module->loaded = true;
-    }
-    KeepFamily(module->formats, family);
-    if (module->formats.empty()) {
-        if (module->handle)
-            dlclose(module->handle);
+        Log(module->name, L"has a damaged manifest, and is asked itself");
+    if (Text problem; state != ManifestState::GOOD && !TryIOModule(path, module->formats, problem)) {
+        Log(module->name, problem);
         return false;
     }
+    KeepAllowed(module->name, module->formats, family);
+    if (module->formats.empty())
+        return false;
     RegisterFormats(*module);
     GetManager().modules.push_back(std::move(module));
     return true;
@@ -374,16 +218,16 @@ void Destroy(Module* module)
     std::erase_if(manager.modules, [&](const auto& own) { return own.get() == module; });
 }
 
-bool CanDo(const Format& format, unsigned int abilities)
+bool CanDo(const CIoFormat& format, unsigned int abilities)
 {
     const unsigned int own = format.extension.kind & (FILE_KIND_READ | FILE_KIND_WRITE);
     return own == 0 || (own & abilities) == abilities;    // a format that doesn't tell is asked
 }
 
-const Format* FindFormat(const Module& module, unsigned int fileClass, unsigned int abilities)
+const CIoFormat* FindFormat(const Module& module, unsigned int fileClass, unsigned int abilities)
 {
     if (!module.freed)
-        for (const Format& format : module.formats)
+        for (const CIoFormat& format : module.formats)
             if (format.extension.fileClass == fileClass && CanDo(format, abilities))
                 return &format;
     return nullptr;
@@ -399,7 +243,7 @@ Module* HoldModule(unsigned int fileClass, unsigned int abilities, int index, CP
             continue;
         if (!LoadModule(*module))
             return nullptr;
-        const Format* const format = FindFormat(*module, fileClass, abilities);
+        const CIoFormat* const format = FindFormat(*module, fileClass, abilities);
         if (!format || !format->factory)
             return nullptr;
         factory = format->factory;
@@ -428,6 +272,8 @@ bool RegisterIOParser(const Text& name, const CFileExt& format, CParserFactory f
         return false;
     Manager& manager = GetManager();
     const std::lock_guard guard(manager.lock);
+    if (IsReserved(format.fileClass))
+        return false;
     const auto found = std::find_if(manager.modules.begin(), manager.modules.end(),
                                     [&](const auto& module) { return !module->freed && module->path.empty() && module->name == name; });
     Module* module = found != manager.modules.end() ? found->get() : nullptr;
@@ -438,9 +284,25 @@ bool RegisterIOParser(const Text& name, const CFileExt& format, CParserFactory f
         module->loaded = true;
     }
     module->family |= format.GetFamily();
-    std::erase_if(module->formats, [&](const Format& own) { return own.extension.fileClass == format.fileClass; });
+    std::erase_if(module->formats, [&](const CIoFormat& own) { return own.extension.fileClass == format.fileClass; });
     module->formats.push_back({format, factory});
     return fileRegisterFile(format, module);
+}
+
+void ReserveIOClass(unsigned int fileClass)
+{
+    Manager& manager = GetManager();
+    const std::lock_guard guard(manager.lock);
+    if (IsReserved(fileClass))
+        return;
+    manager.reserved.push_back(fileClass);
+    for (const auto& module : manager.modules) {    // that came before
+        if (module->freed)
+            continue;
+        KeepAllowed(module->name, module->formats, module->family);
+        fileUnregisterOwner(module.get());
+        RegisterFormats(*module);
+    }
 }
 
 void FreeIOPlugins(unsigned int family)
@@ -469,7 +331,7 @@ std::vector<CIoPluginInfo> GetIOPlugins()
         if (module->freed)
             continue;
         CIoPluginInfo info{module->name, Utf8ToWide(module->path), module->loaded, {}};
-        for (const Format& format : module->formats)
+        for (const CIoFormat& format : module->formats)
             info.formats.push_back(format.extension);
         infos.push_back(std::move(info));
     }
@@ -480,6 +342,12 @@ std::vector<Text> GetIOPluginLog()
 {
     const std::lock_guard guard(GetManager().lock);
     return GetManager().log;
+}
+
+void AddIOPluginLog(const Text& line)
+{
+    const std::lock_guard guard(GetManager().lock);
+    AddLine(line);
 }
 
 void ClearIOPluginLog()
@@ -494,12 +362,12 @@ bool WriteIOPluginManifest(const Text& module)
     std::string path = WideToUtf8(module);
     const Text name = NameOfModule(path);
     void* handle = nullptr;
-    std::vector<Format> formats;
+    std::vector<CIoFormat> formats;
     if (path.find('/') == std::string::npos)
         path = "./" + path;    // else it would be searched for among the libraries
     if (name.IsEmpty() || !OpenModule(name, path, handle, formats))
         return false;
-    const std::string text = WriteManifest(formats);
+    const std::string text = FormatIOManifest(formats);
     dlclose(handle);
     const std::string manifest = ManifestOf(path), temporary = manifest + ".new";
     std::ofstream file(temporary, std::ios::binary);
@@ -527,7 +395,7 @@ CFileParser* CreateIOParser(unsigned int fileClass, unsigned int abilities, int 
     if (!owner)
         return nullptr;
     CFileParser* parser = nullptr;
-    if (const auto thrown = RunCatching([&] { parser = factory(fileClass, fileIo); })) {
+    if (const auto thrown = CatchAll([&] { parser = factory(fileClass, fileIo); })) {
         const std::lock_guard guard(GetManager().lock);
         Log(owner->name, L"failed to make a parser: " + *thrown);
     }

@@ -81,20 +81,25 @@ TEST_F(IOPlugins, LoadsAModuleWithManifestWithTheFirstParserOnly)
 
 TEST_F(IOPlugins, CostThemselvesAloneWhenTheyFail)
 {
-    // Faults in mind: a failing module takes the following ones with it, or leaves what it had registered before it failed.
-    Add("empty");
-    Add("old");
-    Add("thrower");
+    // Faults in mind: a failing module takes the following ones with it, or the whole program, or leaves what it had registered before it
+    // failed.
+    for (const char* const plugin : {"empty", "old", "thrower", "number", "aborts", "exits", "loops"})
+        Add(plugin);
     Add("good", "zlast");
     m_folder.Write("zel-io-broken.so", "no module at all");
     EXPECT_EQ(Register(), 1);
     ASSERT_EQ(GetIOPlugins().size(), 1u);
     EXPECT_EQ(GetIOPlugins()[0].name, Text(L"zlast"));
     const std::string log = LogText();
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 4) << log;
-    for (const char* const part : {"broken: can't be loaded", "empty: has no function", "old: is made for plug-in version 99",
-                                   "thrower: failed while it registered: registering went wrong"})
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 8) << log;
+    for (const char* const part :
+         {"broken: can't be loaded", "empty: has no function", "old: is made for plug-in version 99",
+          "thrower: failed while it registered: registering went wrong", "number: failed while it registered: an exception without a text",
+          "aborts: was ended by signal 6 while it registered", "exits: ended the process while it registered",
+          "loops: did not come back while it registered"})
         EXPECT_NE(log.find(part), std::string::npos) << part << "\n" << log;
+    EXPECT_FALSE(GetIOPlugins()[0].loaded);    // until a file needs it
+    EXPECT_EQ(Chain(FILEIO_READ), std::vector<int>{1});
 }
 
 TEST_F(IOPlugins, FormAChainOfParsers)
@@ -132,29 +137,47 @@ TEST_F(IOPlugins, ReadManifestsWithCare)
     struct {
         const char* name;
         std::string text;
-        bool known, loaded;
+        std::size_t extensions;    // 1 by most manifests, 2 by the module itself
     } const rows[] = {
-        {"as written", MANIFEST, true, false},
-        {"comments and blank lines", head + "# x\n\nTEST\t0x4010\tr\t.tst\tTest\n", true, false},
-        {"class in hexadecimals", head + "0x54455354\t0x4010\tr\t.tst\tTest\n", true, false},
-        {"other plug-in version", "zel-io-formats\t2\nTEST\t0x4010\tr\t.tst\tTest\n", false, false},
-        {"no head: the module tells", "TEST\t0x4010\tr\t.tst\tTest\n", true, true},
-        {"field missing", head + "TEST\t0x4010\tr\t.tst\n", true, true},
-        {"unknown ability", head + "TEST\t0x4010\tx\t.tst\tTest\n", true, true},
-        {"kind is no number", head + "TEST\t4010\tr\t.tst\tTest\n", true, true},
-        {"other family", head + "TEST\t0x1000\tr\t.tst\tTest\n", false, false},
-        {"empty file", "", true, true},
+        {"as written", MANIFEST, 2},
+        {"comments and blank lines", head + "# x\n\nTEST\t0x4010\tr\t.tst\tTest\n", 1},
+        {"class in hexadecimals", head + "0x54455354\t0x4010\tr\t.tst\tTest\n", 1},
+        {"other plug-in version", "zel-io-formats\t2\nTEST\t0x4010\tr\t.tst\tTest\n", 0},
+        {"no head: the module tells", "TEST\t0x4010\tr\t.tst\tTest\n", 2},
+        {"field missing", head + "TEST\t0x4010\tr\t.tst\n", 2},
+        {"unknown ability", head + "TEST\t0x4010\tx\t.tst\tTest\n", 2},
+        {"kind is no number", head + "TEST\t4010\tr\t.tst\tTest\n", 2},
+        {"other family", head + "TEST\t0x1000\tr\t.tst\tTest\n", 0},
+        {"empty file", "", 2},
     };
     Add("good");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         m_folder.Write("zel-io-good.formats", row.text);
         Register();
-        EXPECT_EQ(fileGetExtensionInfo(TEST), row.known);
-        EXPECT_EQ(!GetIOPlugins().empty() && GetIOPlugins()[0].loaded, row.loaded);
+        CFileExt info;
+        EXPECT_EQ(fileGetExtensionInfo(TEST, &info), row.extensions > 0);
+        EXPECT_EQ(info.extensions.size(), row.extensions);
         FreeIOPlugins(FILE_FAMILY_3D);
         EXPECT_FALSE(fileGetExtensionInfo(TEST));
     }
+}
+
+TEST_F(IOPlugins, CannotTakeAClassOfTheSystem)
+{
+    // Faults in mind: what came before the class was reserved stays; a manifest brings it all the same.
+    constexpr unsigned int OWN = FourCC("OWN ");
+    const CFileExt format(L"Own", L".own", OWN, 0x4011);
+    const CParserFactory factory = [](unsigned int, CFileIo* io) -> CFileParser* { return new CFileParser(io); };
+    ASSERT_TRUE(RegisterIOParser(L"host", format, factory));
+    ReserveIOClass(OWN);
+    EXPECT_EQ(GetIOParserCount(OWN, FILE_KIND_READ), 0);
+    EXPECT_FALSE(fileGetExtensionInfo(OWN));
+    EXPECT_FALSE(RegisterIOParser(L"host", format, factory));
+    Add("good", "taker");
+    m_folder.Write("zel-io-taker.formats", "zel-io-formats\t1\nOWN \t0x4010\tr\t.own\tOwn\n");
+    EXPECT_EQ(Register(), 0);
+    EXPECT_NE(LogText().find("taker: can't have \"OWN \", a class of the system's own"), std::string::npos) << LogText();
 }
 
 TEST_F(IOPlugins, WriteTheirOwnManifest)

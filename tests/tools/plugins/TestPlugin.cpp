@@ -1,6 +1,7 @@
 // A small IO plug-in in several variants, told apart by what is defined when it is compiled.
 
 #include <atomic>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "tools/Exception.h"
@@ -13,6 +14,22 @@ public:
     TestParser(CFileIo* fileIo) : CFileParser(fileIo) {}
     IoShowDialog MustShowDialog() override { return static_cast<IoShowDialog>(TEST_ANSWER); }
 };
+
+// What may happen while a module registers.
+
+[[maybe_unused]] void Throw() { throw XSetThreadException(new CXInvalidArgException(L"registering went wrong")); }
+
+[[maybe_unused]] void ThrowNumber() { throw 42; }
+
+[[maybe_unused]] void Abort() { std::abort(); }
+
+[[maybe_unused]] void Exit() { std::exit(0); }
+
+[[maybe_unused]] void Loop()
+{
+    for (std::atomic<bool> ended = false; !ended;) {
+    }
+}
 
 [[maybe_unused]] CFileParser* CreateParser(unsigned int, CFileIo* fileIo)
 {
@@ -28,8 +45,8 @@ public:
 extern "C" ZEL_API unsigned int zelRegisterIoPlugin(unsigned int, IIoPluginRegistrar* registrar)
 {
     registrar->RegisterFormat(CFileExt(L"Test files", L".tst;.tst2", FourCC("TEST"), TEST_KIND), &CreateParser);
-#ifdef TEST_THROWS
-    throw XSetThreadException(new CXInvalidArgException(L"registering went wrong"));
+#ifdef TEST_REGISTER
+    TEST_REGISTER();
 #endif
     return TEST_VERSION;
 }
