@@ -45,6 +45,8 @@ std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::functio
         reason = "not enough memory";
     } catch (const std::exception& error) {
         reason = error.what();
+    } catch (...) {    // a plug-in throws whatever it likes
+        reason = "an exception without a text";
     }
     return reason.empty() ? "failed" : reason;    // a failure without words is one too
 }

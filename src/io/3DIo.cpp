@@ -4,8 +4,10 @@
 
 #include "io/BuiltInParsers.h"
 #include "scene/3DScene.h"
+#include "tools/CaughtException.h"
 #include "tools/Exception.h"
 #include "tools/FileExt.h"
+#include "tools/IOPlugin.h"
 #include "tools/IoFile.h"
 #include "tools/Window.h"
 
@@ -335,7 +337,11 @@ bool C3DIo::CanUpdate(unsigned int fileClass, C3DScene* scene)
 bool C3DIo::ReleaseParser(bool reading, unsigned int fileClass, void* parserData)
 {
     C3DIo io(fileClass, reading ? FILEIO_READ | FILEIO_SILENT : FILEIO_SILENT, nullptr);
-    return io.InitParser() && io.GetParser()->ReleaseParser(reading, parserData);
+    bool released = false;
+    // A scene gives its data back while it ends, where nothing may be thrown.
+    if (const auto thrown = CatchAll([&] { released = io.InitParser() && io.GetParser()->ReleaseParser(reading, parserData); }))
+        AddIOPluginLog(L"\"" + fileGetClassText(fileClass) + L"\" failed to take its data back: " + *thrown);
+    return released;
 }
 
 bool C3DIo::DisplayFormatDialog(unsigned int fileClass, bool reading, CCustomData* parameters, CWnd* parent)

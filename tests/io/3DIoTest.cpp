@@ -73,6 +73,8 @@ public:
     bool Update(const Text&, C3DScene*, void*, CSceneExportOptions&) override { return Say("update"), true; }
     bool ReleaseParser(bool reading, void* data) override
     {
+        if (!data)
+            throw 42;
         Say(reading ? "release reading" : "release writing");
         *static_cast<int*>(data) = 0;
         return true;
@@ -403,6 +405,7 @@ TEST_F(C3DIoTest, UpdatesOnlyWhatCameFromTheSameFormat)
     EXPECT_TRUE(C3DIo::ReleaseParser(false, FIRST, &bad));
     EXPECT_EQ(TakeCalls(), "1:release reading 1:closed 1:release writing 1:closed ");
     EXPECT_FALSE(C3DIo::ReleaseParser(true, FourCC("NONE"), &good));
+    EXPECT_FALSE(C3DIo::ReleaseParser(true, FIRST, nullptr));    // throws: scenes give their data back while they end
 }
 
 TEST_F(C3DIoTest, EditsAndDescribesTheSettingsOfAFormat)
