@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <set>
 
 #include "tools/Archive.h"
@@ -30,6 +31,7 @@ void CKeyPlaces::InsertAt(int index, const _KeyframeInfo& info)
     std::copy_backward(places + index, places + m_size, places + m_size + 1);
     places[index] = info;
     m_size++;
+    NotePlaces(index);
 }
 
 void CKeyPlaces::RemoveAll()
@@ -38,6 +40,91 @@ void CKeyPlaces::RemoveAll()
         delete[] m_block;
     m_size = 0;
     m_capacity = 1;
+    m_classPlaces.reset();
+}
+
+/// After a key has come in at a place. Without memory for it the list does without: it is walked.
+void CKeyPlaces::NotePlaces(int index)
+{
+    constexpr unsigned int LONG_LIST = 32;    // a shorter one is sooner walked than looked up
+    if (m_size < LONG_LIST)
+        return;
+    try {
+        if (!m_classPlaces) {
+            m_classPlaces = std::make_unique<ClassPlaces>();
+            for (int i = 0; i < GetSize(); i++)
+                (*m_classPlaces)[(*this)[i].key->GetClassID()].push_back(i);
+            return;
+        }
+        if (index + 1 < GetSize())
+            for (auto& [classId, places] : *m_classPlaces)
+                for (std::size_t i = places.size(); i-- > 0 && places[i] >= index;)
+                    places[i]++;
+        std::vector<int>& places = (*m_classPlaces)[(*this)[index].key->GetClassID()];
+        places.insert(std::lower_bound(places.begin(), places.end(), index), index);
+    } catch (const std::bad_alloc&) {
+        m_classPlaces.reset();
+    }
+}
+
+/// Null for a class without keys.
+const std::vector<int>* CKeyPlaces::GetPlaces(std::uint64_t classId) const
+{
+    const auto found = m_classPlaces->find(classId);
+    return found == m_classPlaces->end() ? nullptr : &found->second;
+}
+
+int CKeyPlaces::GetCount(std::uint64_t classId) const
+{
+    if (classId == KEY_ANY)
+        return GetSize();
+    if (m_classPlaces) {
+        const std::vector<int>* const places = GetPlaces(classId);
+        return places ? static_cast<int>(places->size()) : 0;
+    }
+    return static_cast<int>(std::count_if(begin(), end(), [=](const _KeyframeInfo& info) { return Matches(info, classId); }));
+}
+
+int CKeyPlaces::FindByIndex(std::uint64_t classId, unsigned int index) const
+{
+    if (classId == KEY_ANY)
+        return static_cast<int>(std::min(index, m_size));
+    if (m_classPlaces) {
+        const std::vector<int>* const places = GetPlaces(classId);
+        return places && index < places->size() ? (*places)[index] : GetSize();
+    }
+    int place = FindFrom(0, classId);
+    while (index-- > 0 && place < GetSize())
+        place = FindFrom(place + 1, classId);
+    return place;
+}
+
+int CKeyPlaces::FindFrom(int place, std::uint64_t classId) const
+{
+    if (m_classPlaces && classId != KEY_ANY) {
+        const std::vector<int>* const places = GetPlaces(classId);
+        if (!places)
+            return GetSize();
+        const auto next = std::lower_bound(places->begin(), places->end(), place);
+        return next == places->end() ? GetSize() : *next;
+    }
+    while (place < GetSize() && !Matches((*this)[place], classId))
+        place++;
+    return place;
+}
+
+int CKeyPlaces::FindBefore(int place, std::uint64_t classId) const
+{
+    if (m_classPlaces && classId != KEY_ANY) {
+        const std::vector<int>* const places = GetPlaces(classId);
+        if (!places)
+            return -1;
+        const auto next = std::lower_bound(places->begin(), places->end(), place);
+        return next == places->begin() ? -1 : *(next - 1);
+    }
+    while (--place >= 0 && !Matches((*this)[place], classId)) {
+    }
+    return place;
 }
 
 // The list
@@ -56,14 +143,10 @@ C3DKeyframable::~C3DKeyframable() { DeleteAllKeys(); }
 
 CTimeRange C3DKeyframable::GetTimeRange(std::uint64_t classId)
 {
-    const auto matches = [=](const _KeyframeInfo& info) { return Matches(info, classId); };
-    const auto first = std::find_if(m_keys.begin(), m_keys.end(), matches);
-    if (first == m_keys.end())
+    const int first = m_keys.FindFrom(0, classId);
+    if (first == m_keys.GetSize())
         return {};
-    auto last = m_keys.end() - 1;
-    while (!matches(*last))
-        --last;
-    return {first->time, last->time};
+    return {m_keys[first].time, m_keys[m_keys.FindBefore(m_keys.GetSize(), classId)].time};
 }
 
 const C3DKeyframe* C3DKeyframable::GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
@@ -148,22 +231,14 @@ C3DKeyframe* C3DKeyframable::GetKey(int time, unsigned int mode, std::uint64_t c
     int found = -1;
     if (!m_keys.IsEmpty()) {
         const int count = m_keys.GetSize(), first = FindFirst(time), behind = FindBehind(time);
-        const auto findBackward = [&](int from, int to) {
-            while (--from >= to && !Matches(m_keys[from], classId)) {
-            }
-            return from >= to ? from : -1;
-        };
-        if (mode & KEY_AFTER) {
-            int i = behind;
-            while (i < count && !Matches(m_keys[i], classId))
-                i++;
-            if (i < count)
-                found = i;
-        }
-        if (found == -1 && (mode & KEY_EXACT))
-            found = findBackward(behind, first);
+        if (mode & KEY_AFTER)
+            if (const int after = m_keys.FindFrom(behind, classId); after < count)
+                found = after;
+        if (found == -1 && (mode & KEY_EXACT) && behind > first)
+            if (const int exact = m_keys.FindBefore(behind, classId); exact >= first)
+                found = exact;
         if (found == -1 && (mode & KEY_BEFORE) && !(mode & KEY_AFTER))
-            found = findBackward(first, 0);
+            found = m_keys.FindBefore(first, classId);
     }
     if (keyTime)
         *keyTime = found == -1 ? -1 : m_keys[found].time;
@@ -180,25 +255,16 @@ bool C3DKeyframable::GetKey(int time, unsigned int mode, C3DKeyframe& out, int* 
 
 C3DKeyframe* C3DKeyframable::GetKeyByIndex(unsigned int index, int* time, std::uint64_t classId) const
 {
-    if (classId != KEY_ANY) {
-        const auto isWanted = [&](const _KeyframeInfo& info) { return Matches(info, classId) && index-- == 0; };
-        index = static_cast<unsigned int>(std::find_if(m_keys.begin(), m_keys.end(), isWanted) - m_keys.begin());
-    }
-    if (index >= static_cast<unsigned int>(m_keys.GetSize()))
+    const int place = m_keys.FindByIndex(classId, index);
+    if (place == m_keys.GetSize())
         return nullptr;
-    const _KeyframeInfo& info = m_keys[static_cast<int>(index)];
+    const _KeyframeInfo& info = m_keys[place];
     if (time)
         *time = info.time;
     return info.key;
 }
 
-int C3DKeyframable::GetKeyNbr(std::uint64_t classId) const
-{
-    if (classId == KEY_ANY)
-        return m_keys.GetSize();
-    const auto matches = [=](const _KeyframeInfo& info) { return Matches(info, classId); };
-    return static_cast<int>(std::count_if(m_keys.begin(), m_keys.end(), matches));
-}
+int C3DKeyframable::GetKeyNbr(std::uint64_t classId) const { return m_keys.GetCount(classId); }
 
 void C3DKeyframable::DeleteAllKeys()
 {

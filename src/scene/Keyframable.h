@@ -1,5 +1,9 @@
 #pragma once
 
+#include <map>
+#include <memory>
+#include <vector>
+
 #include "scene/Keyframe.h"
 
 /// Bits of a key lookup. See C3DKeyframable::GetKey.
@@ -41,7 +45,8 @@ struct _KeyframeInfo {
     C3DKeyframe* key;    ///< owned by the list
 };
 
-/// The places of a key list. One key, as most nodes have, needs no memory of its own.
+/// The places of a key list. One key, as most nodes have, needs no memory of its own. A long list knows the places of each class, so that a
+/// class with few keys, or with none, is not looked for among those of the others.
 class CKeyPlaces {
 public:
     CKeyPlaces() = default;
@@ -57,7 +62,25 @@ public:
     void InsertAt(int index, const _KeyframeInfo& info);
     void RemoveAll();
 
+    // Keys of a class; KEY_ANY stands for all of them.
+
+    int GetCount(std::uint64_t classId) const;
+    /// Place of the key number `index` of the class; the size when there are fewer.
+    int FindByIndex(std::uint64_t classId, unsigned int index) const;
+    /// Place of the first one at or behind a place; the size for none.
+    int FindFrom(int place, std::uint64_t classId) const;
+    /// Place of the last one before a place; -1 for none.
+    int FindBefore(int place, std::uint64_t classId) const;
+    /// Whether the four above cost a look-up rather than a walk.
+    bool HasClassPlaces() const { return m_classPlaces != nullptr; }
+
 private:
+    using ClassPlaces = std::map<std::uint64_t, std::vector<int>>;    ///< ascending
+
+    void NotePlaces(int index);
+    const std::vector<int>* GetPlaces(std::uint64_t classId) const;
+
+    std::unique_ptr<ClassPlaces> m_classPlaces;    ///< of long lists alone
     unsigned int m_size = 0, m_capacity = 1;
     union {
         _KeyframeInfo m_single;    ///< for a capacity of 1

@@ -1,5 +1,6 @@
 #include "scene/NodeWalkTM.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "scene/TransformKeys.h"
@@ -11,7 +12,7 @@ void CNodeWalkTM::Get(const C3DSceneNode* node, C4x4TMatrix<float>& matrix)
         node->GetObjectLocalTM(m_time, matrix);
         return;
     }
-    if (parent && !IsInside(parent))
+    if (parent && (m_levels.empty() || m_levels.back().node != parent))
         Enter(parent);
     const CKeyPlaces& places = node->GetKeyPlaces();
     if (const C4x4TMatrix<float>* single = CTransformKeys::GetSingleMatrix(places)) {
@@ -33,7 +34,7 @@ void CNodeWalkTM::Get(const C3DSceneNode* node, C4x4TMatrix<float>& matrix)
 void CNodeWalkTM::Place(const C3DSceneNode* node, const C4x4TMatrix<float>* local, C4x4TMatrix<float>& matrix)
 {
     if (!node->GetParent()) {
-        m_levels.clear();
+        Cut(0);
         if (local)
             CopyMatrix(local->m, matrix.m);
         else
@@ -49,29 +50,10 @@ void CNodeWalkTM::Place(const C3DSceneNode* node, const C4x4TMatrix<float>* loca
     }
 }
 
-/// Makes `parent` the last level where it is one.
-bool CNodeWalkTM::IsInside(const C3DSceneNode* parent)
-{
-    std::size_t level = m_levels.size();
-    while (level && m_levels[level - 1].node != parent)
-        level--;
-    if (level)
-        m_levels.resize(level);
-    return level != 0;
-}
-
-/// Makes `parent` the last level, keeping what the levels share with its ancestors.
+/// Makes `parent` the last level, keeping the levels that are its ancestors.
 void CNodeWalkTM::Enter(const C3DSceneNode* parent)
 {
-    m_missing.clear();
-    for (const C3DSceneNode* node = parent; node; node = node->GetParent())
-        m_missing.push_back(node);
-    std::size_t shared = 0;
-    while (shared < m_levels.size() && !m_missing.empty() && m_levels[shared].node == m_missing.back()) {
-        m_missing.pop_back();
-        shared++;
-    }
-    m_levels.resize(shared);
+    Cut(FindAncestor(parent));
     for (; !m_missing.empty(); m_missing.pop_back()) {
         const C3DSceneNode* node = m_missing.back();
         C4x4TMatrix<float> matrix;
@@ -83,4 +65,30 @@ void CNodeWalkTM::Enter(const C3DSceneNode* parent)
         level.node = node;
         std::memcpy(level.matrix, matrix.m, sizeof(level.matrix));
     }
+}
+
+/// Number of levels up to the lowest one that is `parent` or an ancestor; those between come into `m_missing`. The cost is that of the nodes
+/// between: a search through the levels would cost the depth of the tree at each step of a walk that leaves nodes out.
+std::size_t CNodeWalkTM::FindAncestor(const C3DSceneNode* parent)
+{
+    constexpr std::size_t NEAR = 8;    // levels that are looked at before a table is worth it: a walk mostly goes up by few
+    m_missing.clear();
+    for (std::size_t count = m_levels.size(), last = count > NEAR ? count - NEAR : 0; count > last; count--)
+        if (m_levels[count - 1].node == parent)
+            return count;
+    for (; m_placed < m_levels.size(); m_placed++)
+        m_places[m_levels[m_placed].node] = m_placed;
+    for (const C3DSceneNode* node = parent; node; node = node->GetParent()) {
+        const auto place = m_places.find(node);
+        if (place != m_places.end() && place->second < m_levels.size() && m_levels[place->second].node == node)
+            return place->second + 1;
+        m_missing.push_back(node);
+    }
+    return 0;
+}
+
+void CNodeWalkTM::Cut(std::size_t count)
+{
+    m_levels.resize(count);
+    m_placed = std::min(m_placed, count);
 }

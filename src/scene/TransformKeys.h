@@ -25,12 +25,16 @@ inline void CopyMatrix(const float (&from)[4][4], float (&to)[4][4])
 
 /// The keys of a node that stand for its transform at a time: of each class the last one up to then and the first one after.
 ///
-/// One pass over the places of the keys, which ends when all classes are found. What is not interpolated is taken from its key as it
-/// stands, without a copy.
+/// A look-up for each class in a long list; else one pass over the places of the keys, which ends when all classes are found. What is not
+/// interpolated is taken from its key as it stands, without a copy.
 class CTransformKeys {
 public:
     CTransformKeys(const CKeyPlaces& places, int time, int behind) : m_time(time)
     {
+        if (places.HasClassPlaces()) {
+            LookUp(places, behind);
+            return;
+        }
         for (int i = behind, missing = PARTS; i-- > 0 && missing;)
             missing -= Note(places[i], &Around::before);
         for (int i = behind, missing = PARTS; i < places.GetSize() && missing; i++)
@@ -73,6 +77,16 @@ private:
     struct Around {
         const _KeyframeInfo *before = nullptr, *after = nullptr;
     };
+
+    void LookUp(const CKeyPlaces& places, int behind)
+    {
+        for (int part = 0; part < PARTS; part++) {
+            if (const int before = places.FindBefore(behind, IDS[part]); before >= 0)
+                m_around[part].before = &places[before];
+            if (const int after = places.FindFrom(behind, IDS[part]); after < places.GetSize())
+                m_around[part].after = &places[after];
+        }
+    }
 
     /// 1 when the place is the first one of its class on that side.
     int Note(const _KeyframeInfo& info, const _KeyframeInfo* Around::*side)

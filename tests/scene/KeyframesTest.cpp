@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -107,6 +109,42 @@ TEST(Keyframable, LookupAgreesWithAWalkFromTheFront)
                 }
     }
     EXPECT_EQ(sum.Get(), 0xB16820B8CBA46489u);
+}
+
+TEST(Keyframable, ALongListLooksAClassUpAmongItsOwnKeys)
+{
+    // Every third key from 0 to 297 is another one; they come in from the end, the middle and the front.
+    C3DKeyframable list;
+    for (int i = 0; i < 100; i++) {
+        const int time = (i * 37 + 99) % 100 * 3;
+        list.AddKey(time, Number(time, time % 9 ? NUMBER : OTHER));
+    }
+    list.AddKey(9, Number(-1));    // of the other class at the same time
+    EXPECT_EQ(list.GetKeyNbr(OTHER), 34);
+    EXPECT_EQ(list.GetKeyNbr(REAL), 0);
+    EXPECT_EQ(list.GetKeyByIndex(33, nullptr, OTHER), list.GetKey(297, KEY_EXACT, OTHER, nullptr));
+    EXPECT_EQ(list.GetKeyByIndex(34, nullptr, OTHER), nullptr);
+    EXPECT_EQ(list.GetTimeRange(NUMBER), CTimeRange(3, 294));
+    for (int time = -2; time < 302; time++) {
+        const int after = std::max(0, time - (time % 9 + 9) % 9 + 9), before = after - 9;
+        EXPECT_EQ(list.GetKeyTime(time, KEY_AFTER, OTHER), after <= 297 ? after : time) << time;
+        EXPECT_EQ(list.GetKeyTime(time, KEY_BEFORE | KEY_EXACT, OTHER), before >= 0 ? std::min(before, 297) : time) << time;
+        EXPECT_EQ(list.GetKey(time, KEY_EXACT, OTHER, nullptr) != nullptr, time >= 0 && time <= 297 && time % 9 == 0) << time;
+        EXPECT_EQ(list.GetKey(time, KEY_AFTER | KEY_EXACT, REAL, nullptr), nullptr);
+    }
+
+    // Nothing is looked for among the keys of others: a walk would take 5,000,000,000 steps.
+    for (int i = 300; i <= 50000; i++)
+        list.AddKey(i, Number(i));
+    C3DTypeKey<float> none(REAL, 5);
+    C3DTypeKey<int> last(OTHER, 0);
+    const std::clock_t start = std::clock();
+    for (int i = 300; i < 50000; i++) {
+        ASSERT_FALSE(list.Evaluate(i, none));
+        ASSERT_TRUE(list.Evaluate(i, last));
+    }
+    EXPECT_EQ(last.value, 297);
+    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 2);
 }
 
 TEST(Keyframable, LookupByHand)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <random>
 
 #include "scene/Filter.h"
@@ -85,6 +86,52 @@ TEST(NodeTransforms, ParentsAndPivot)
     ExpectNear(parent * local, m);
     a->GetNodeLocalTM(0, local);
     ExpectNear(local, parent);
+}
+
+TEST(NodeTransforms, KeysAmongManyOthersMakeTheSameMatrix)
+{
+    C3DSceneNode few, many;
+    for (int i = 0; i < 40; i++)
+        many.CreateKey(i - 10, KEY_MAP_TILE, 0);
+    for (C3DSceneNode* const node : {&few, &many}) {
+        node->AddKey(12, C3DMatrixKey(QuarterZ()));
+        node->AddKey(3, C3DRotateKey(0.5f, C3DTVector<float>(1, 2, 3)));
+        for (const int time : {0, 20}) {
+            static_cast<C3DVectorKey*>(node->CreateKey(time, KEY_TRANSLATE, 0))->SetVector({1.0f + time, 2, 3});
+            static_cast<C3DVectorKey*>(node->CreateKey(time, KEY_SCALE, 0))->SetVector({1, 2, 0.5f + time});
+        }
+    }
+    for (int time = -12; time < 40; time++) {
+        Matrix expected, got;
+        few.GetObjectLocalTM(time, expected);
+        many.GetObjectLocalTM(time, got);
+        EXPECT_TRUE(got == expected) << time;
+    }
+}
+
+TEST(NodeTransforms, AWalkThatLeavesNodesOutCostsTheSameAtAnyDepth)
+{
+    // A ladder: each node has a leaf and the next node. Every second node is left out, so that no parent is the one before.
+    constexpr int DEPTH = 60000;
+    const CRef<C3DScene> scene(C3DScene::Create());
+    C3DSceneNode* parent = nullptr;
+    for (int i = 0; i < DEPTH; i++) {
+        C3DSceneNode* const node = AddNode(*scene, parent, L"n", i % 2 ? OBJECT_DUMMY : OBJECT_GROUP);
+        node->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
+        if (parent)
+            AddNode(*scene, parent, L"leaf", OBJECT_DUMMY);
+        parent = node;
+    }
+    const std::clock_t start = std::clock();
+    CNodeWalkTM walk(0, true);
+    Matrix matrix;
+    double sum = 0;
+    for (C3DNodePos pos = scene->GetFirstNode(OBJECT_DUMMY); pos;) {
+        walk.Get(scene->GetNextNode(pos), matrix);
+        sum += matrix.m[0][3];
+    }
+    EXPECT_EQ(sum, 0.5 * DEPTH * (DEPTH / 2.0 + 1) + 0.5 * DEPTH * (DEPTH - 1.0));    // nodes at 2, 4, 6...; leaves at 1, 2, 3...
+    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 2);
 }
 
 TEST(NodeTransforms, EveryBitIsThatOfThePlainProducts)
