@@ -119,6 +119,7 @@ std::vector<std::uint64_t> ListEdges(C3DGeomObject& object)
 MeshStatistics::MeshStatistics(C3DScene& scene)
 {
     CHashTable<unsigned int> seen;
+    CNodeWalkTM walk(scene.GetTickCount(), true);
     C3DNodePos pos = scene.GetFirstNode(OBJECT_GEOMETRIC);
     C3DGeomObject* object;
     while (C3DSceneNode* node = scene.GetNextNode(object, pos)) {
@@ -129,7 +130,7 @@ MeshStatistics::MeshStatistics(C3DScene& scene)
         if (!object->GetFaceList())
             continue;
         C4x4TMatrix<float> matrix;
-        node->GetNodeTM(scene.GetTickCount(), matrix, true);
+        walk.Get(node, matrix);
         const Measures measures = Measure(*object, matrix);
         area += measures.area;
         volume += measures.volume;

@@ -32,9 +32,8 @@ Gauge MakeGauge(const double (&along)[3], const C4x4TMatrix<float>& view, const 
 }
 
 /// Calls `use` for each point that a face may have: where there are faces, for those inside their box.
-template <class USE> void ForEachPoint(C3DGeomObject& object, USE&& use)
+template <class USE> void ForEachPoint(C3DGeomObject& object, const C3DPointList& points, USE&& use)
 {
-    const C3DPointList& points = *object.GetPointList();
     C3DTPoint<float> min(-HUGE_VALF, -HUGE_VALF, -HUGE_VALF), max(HUGE_VALF, HUGE_VALF, HUGE_VALF);
     if (object.GetFaceNbr() > 0 && !object.GetBoundingBox(min, max, BOX_FACES))
         return;
@@ -72,16 +71,18 @@ private:
 void SceneExtent::Add(const C3DScene& scene, bool selectedOnly, const C4x4TMatrix<float>& view, const C3DTPoint<float>& center)
 {
     const int time = scene.GetTickCount();
+    CNodeWalkTM walk(time, true);
     for (C3DNodePos pos = scene.GetFirstNode(OBJECT_POLYGONAL | OBJECT_CURVE | OBJECT_PATCH); pos;) {
         const C3DSceneNode* const node = scene.GetNextNode(pos);
         C3DBaseObject* const shown = node->GetFinalObject(time);
         C3DGeomObject* const object = shown ? static_cast<C3DGeomObject*>(*shown) : nullptr;
-        if (!object || node->IsFlagSet(NODE_HIDDEN) || (selectedOnly && !node->IsFlagSet(NODE_SELECTED)))
+        const C3DPointList* const points = object ? object->GetPointList() : nullptr;
+        if (!points || node->IsFlagSet(NODE_HIDDEN) || (selectedOnly && !node->IsFlagSet(NODE_SELECTED)))
             continue;
         C4x4TMatrix<float> matrix;
-        node->GetNodeTM(time, matrix, true);
+        walk.Get(node, matrix);
         Gauges gauges(*this, view, matrix, center);
-        ForEachPoint(*object, [&](const C3DTPoint<float>& point) { gauges.Add(point); });
+        ForEachPoint(*object, *points, [&](const C3DTPoint<float>& point) { gauges.Add(point); });
     }
 }
 

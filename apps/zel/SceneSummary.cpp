@@ -5,10 +5,11 @@
 SceneSummary::SceneSummary(C3DScene& scene)
 {
     CHashTable<unsigned int> seen;
+    CNodeWalkTM walk(0, true);
     const CTree& tree = *scene.GetTree();
     for (CTreeNode* next = tree.GetFirstNode(nullptr); next; next = tree.GetNextNode(next, nullptr)) {
         auto& node = static_cast<C3DSceneNode&>(*next);
-        CountNode(node);
+        CountNode(node, walk);
         C3DBaseObject* object = node.GetBaseObject();
         if (!object)
             continue;
@@ -53,13 +54,17 @@ void SceneSummary::ListMaps(C3DScene& scene)
                                 WideToUtf8(map->GetBitmapPath(&scene, false, true))});
 }
 
-void SceneSummary::CountNode(C3DSceneNode& node)
+void SceneSummary::CountNode(C3DSceneNode& node, CNodeWalkTM& walk)
 {
     nodes++;
     if (const _OBJECT_KINDOF kind = node.GetObjectKindOf())
         nodesByKind[kind]++;
-    if (C3DGeomObject* object = node.GetGeomObject())
-        ExtendBounds(node, *object);
+    C3DGeomObject* const object = node.GetGeomObject();
+    if (!object || object->IsFlagSet(OBJECT_EMPTY) || object->GetPointNbr() == 0)
+        return;
+    C4x4TMatrix<float> matrix;
+    walk.Get(&node, matrix);
+    ExtendBounds(*object, matrix);
 }
 
 void SceneSummary::CountObject(C3DGeomObject& object)
@@ -84,11 +89,14 @@ void SceneSummary::CountObject(C3DGeomObject& object)
     specifiedNormalChannels += count(CHANNEL_SPEC_NORMAL);
 }
 
-void SceneSummary::ExtendBounds(C3DSceneNode& node, C3DGeomObject& object)
+// Of the faces, and of the points where there are none.
+void SceneSummary::ExtendBounds(C3DGeomObject& object, C4x4TMatrix<float>& matrix)
 {
     C3DTPoint<float> nodeMin, nodeMax;
-    const unsigned int what = object.GetFaceNbr() > 0 ? BOX_FACES : BOX_POINTS;
-    if (object.GetPointNbr() == 0 || !object.GetBoundingBox(nodeMin, nodeMax, what | BOX_IN_NODE_SPACE, 0, false, &node))
+    const CGeomInfo info(&object);
+    if (object.GetFaceNbr() == 0)
+        object.GetPointList()->GetBoundingBox(nodeMin, nodeMax, 0, false, &matrix);
+    else if (!object.GetFaceList()->GetBoundingBox(&info, nodeMin, nodeMax, 0, false, &matrix))
         return;
     for (int i = 0; i < 3; i++) {
         min[i] = hasBounds ? std::min(min[i], nodeMin[i]) : nodeMin[i];

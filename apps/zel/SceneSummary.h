@@ -35,10 +35,10 @@ struct SceneSummary {
     C3DTPoint<float> min, max;    ///< of what is drawn, in scene space
 
 private:
-    void CountNode(C3DSceneNode& node);
+    void CountNode(C3DSceneNode& node, CNodeWalkTM& walk);
     void CountObject(C3DGeomObject& object);
     void ListMaps(C3DScene& scene);
-    void ExtendBounds(C3DSceneNode& node, C3DGeomObject& object);
+    void ExtendBounds(C3DGeomObject& object, C4x4TMatrix<float>& matrix);
 };
 
 /// Name of a kind, as hosts write it.
