@@ -25,6 +25,9 @@ public:
 protected:
     friend class CFaceList;
 
+    /// Set by a tagger that takes every neighbour and overrides no BelongToGroup: it is asked for none, and a walk by points goes round each
+    /// point once. Without it a point of n faces costs n times its faces, since each face's turn tells of those that have no group yet.
+    bool m_takesAll = false;
     CGeomInfo* m_info = nullptr;
     CPointList* m_points = nullptr;
     CFaceList* m_faces = nullptr;

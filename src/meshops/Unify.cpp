@@ -359,7 +359,7 @@ bool CUnifyTagger::Run::GetEdgesAt(int face, int corner, C3DTVector<float> (&edg
 
 // --- The tagger and its callers -------------------------------------------------------------------------------------
 
-CUnifyTagger::CUnifyTagger(CBitArray& flipped) : m_flipped(flipped) {}
+CUnifyTagger::CUnifyTagger(CBitArray& flipped) : m_flipped(flipped) { m_takesAll = true; }
 
 CUnifyTagger::~CUnifyTagger() = default;
 

@@ -9,7 +9,7 @@
 ///
 /// A group hangs together through points. Its sheets, which hang together through edges, are turned after their first face each; a sheet
 /// that touches another one at a point alone follows that one where both lie in one plane and side by side.
-class ZEL_API CUnifyTagger : public CFaceTagger {
+class ZEL_API CUnifyTagger final : public CFaceTagger {
 public:
     /// `flipped` has a bit for each face of the list: set for those that end up reversed.
     explicit CUnifyTagger(CBitArray& flipped);

@@ -110,3 +110,21 @@ TEST(TagFaces, CountsGroups)
     Recorder tagger(Recorder::TAKE_ALL);
     EXPECT_EQ(cube.faces->TagFaces(nullptr, tagger, true), 0u);
 }
+
+TEST(TagFaces, ATaggerThatTakesAllGetsTheSameGroupsUnasked)
+{
+    // Fault in mind: the walk round each point once meets the faces in another order.
+    struct Groups : Recorder {
+        explicit Groups(bool unasked) : Recorder(TAKE_ALL) { m_takesAll = unasked; }
+        void ProcessGroup(unsigned int* faces, unsigned int count) override { found.emplace_back(faces, faces + count); }
+        std::vector<std::vector<unsigned int>> found;
+    };
+    for (unsigned int seed = 0; seed < 100; seed++) {
+        const RandomMesh m(seed, seed % 4 ? RandomMesh::MIXED : RandomMesh::BROKEN);
+        CGeomInfo info = m.mesh.Info();
+        Groups asked(false), unasked(true);
+        m.mesh.faces->TagFaces(&info, asked, false);
+        m.mesh.faces->TagFaces(&info, unasked, false);
+        EXPECT_EQ(unasked.found, asked.found) << seed;
+    }
+}
