@@ -15,6 +15,13 @@ inline double CosineBetween(const C3DTVector<float>& a, const C3DTVector<float>&
     return denominator < NO_LENGTH ? 0 : std::clamp(Dot(a, b) / denominator, -1.0, 1.0);
 }
 
+/// Whether the length is 1 as far as floats can tell. To divide such a vector by its length again moves its last bits.
+inline bool IsNearlyUnit(const C3DTVector<float>& v)
+{
+    constexpr double OFF_UNIT = 1e-6;    // of the squared length: twice what rounding to float leaves, and more
+    return std::abs(v.LengthSquared() - 1) < OFF_UNIT;
+}
+
 /// Makes a unit vector of one that has a length.
 inline void NormalizeSum(C3DTVector<float>& sum)
 {
@@ -39,10 +46,7 @@ public:
     }
 
 private:
-    static constexpr double OFF_UNIT = 1e-6;    ///< of squared lengths: twice what rounding to float leaves, and more
-    static constexpr double DOUBT = 4 * OFF_UNIT;
-
-    static bool IsNearlyUnit(const C3DTVector<float>& v) { return std::abs(v.LengthSquared() - 1) < OFF_UNIT; }
+    static constexpr double DOUBT = 4e-6;    ///< more than what IsNearlyUnit leaves open
 
     double m_cosine;
 };

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <unordered_map>
 
 #include "channels/Cosine.h"
 #include "channels/FaceCorners.h"
 #include "channels/FaceNormalContributionInfo.h"
 #include "channels/FaceNormals.h"
+#include "channels/HubSums.h"
 #include "channels/NormalFaceList.h"
 #include "channels/SpecNormalChannel.h"
 #include "geometry/3DFaceList.h"
@@ -122,12 +125,18 @@ private:
     /// The face and those around the point within its angle; true when that is all of them.
     bool Sum(int face, int point, C3DTVector<float>& sum)
     {
-        const C3DTVector<float>& normal = m_unitNormals[face];
-        bool allAgree = true;
-        m_context.SetPoint(point);
-        Contribute(face, point, sum);
         int count;
         const int* around = m_faces.GetFacesConnectedToPoint(point, count);
+        m_context.SetPoint(point);
+        if (count >= MANY_FACES)
+            if (CHubSums& hub = GetHub(point, around, count); hub.Has(face)) {
+                const bool allAgree = hub.Get(face, sum);
+                NormalizeSum(sum);
+                return allAgree;
+            }
+        const C3DTVector<float>& normal = m_unitNormals[face];
+        bool allAgree = true;
+        Contribute(face, point, sum);
         for (int i = 0; i < count; i++) {
             if (around[i] == face || m_flags.IsDead(around[i]))
                 continue;
@@ -138,6 +147,22 @@ private:
         }
         NormalizeSum(sum);
         return allAgree;
+    }
+
+    CHubSums& GetHub(int point, const int* around, int count)
+    {
+        std::unique_ptr<CHubSums>& hub = m_hubs[point];
+        if (!hub) {
+            hub = std::make_unique<CHubSums>(m_angle);
+            for (int i = 0; i < count; i++) {
+                if (m_flags.IsDead(around[i]))
+                    continue;
+                C3DTVector<float> part;
+                Contribute(around[i], point, part);
+                hub->Add(around[i], m_unitNormals[around[i]], part);
+            }
+        }
+        return *hub;
     }
 
     void Contribute(int face, int point, C3DTVector<float>& sum)
@@ -156,6 +181,8 @@ private:
         return m_used++;
     }
 
+    static constexpr int MANY_FACES = 64;
+
     C3DFaceList& m_faces;
     CNormalFaceList& m_normalFaces;
     C3DVectorList& m_vectors;
@@ -164,9 +191,10 @@ private:
     CFaceNormalContributionInfo m_context;
     const CFaceNormals m_unitNormals;
     CFaceCorners m_faceCorners;
-    int m_used;                     // vectors; those behind are room
-    CHashMap<int, int> m_shared;    // by point: the vector for all its corners
-    CBlockVector<int> m_corners;    // of the current face, to be filled
+    int m_used;                                                   // vectors; those behind are room
+    CHashMap<int, int> m_shared;                                  // by point: the vector for all its corners
+    CBlockVector<int> m_corners;                                  // of the current face, to be filled
+    std::unordered_map<int, std::unique_ptr<CHubSums>> m_hubs;    // by point, of those with many faces
 };
 
 }    // namespace

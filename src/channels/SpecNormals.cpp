@@ -63,9 +63,11 @@ void CSpecNormalChannel::ComputeNormals(const CGeomInfo* info, _NormalSmoothMode
             NormalizeSum(*vector);
 }
 
-// Makes the vector a unit vector; false for one without length or direction, which then is unset.
+// Makes the vector a unit vector, unless it is one: what is read and saved again and again stays as it is. False for one without length or direction, which then is unset.
 static bool NormalizeGiven(C3DTVector<float>& v)
 {
+    if (IsNearlyUnit(v))
+        return true;
     const double length = v.Length();
     if (std::isfinite(length) && !(std::abs(v.x) < NO_LENGTH && std::abs(v.y) < NO_LENGTH && std::abs(v.z) < NO_LENGTH)) {
         v /= length;

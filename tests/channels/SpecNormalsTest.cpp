@@ -1,8 +1,11 @@
 // Given normals: computed ones, lengths, corners without, and where they break.
 
+#include <algorithm>
 #include <limits>
+#include <random>
 
 #include "NormalMesh.h"
+#include "channels/Cosine.h"
 #include "geometry/Edge.h"
 
 namespace {
@@ -228,4 +231,59 @@ TEST(SpecNormals, FrontierBetweenTwoFaces)
     CSpecNormalChannel& channel = mesh.Give({Tilted(0)}, {{0, 0, 0, 0}, {}});
     channel.GetNormalFaceList()->SetFaceFlags(1, FACE_INVALID, true);
     EXPECT_FALSE(channel.IsNormalFrontier(&mesh.info, Degrees(10), C3DEdge(1, 4), 0, 1));
+}
+
+TEST(SpecNormals, GenerateSumsManyFacesOfAPointAsFewOnes)
+{
+    // A rough cone of 131 faces, one of them dead and one without area. Faults in mind: a block of faces mixes up its lanes, a face adds
+    // its part twice, a normal that decides nothing in float is passed over.
+    Mesh cone = Fan(131);
+    std::mt19937 random(5);
+    for (int i = 1; i < cone.points->GetSize(); i++)
+        cone.points->ElementAt(i)->z = static_cast<float>(random() % 1000) / 1000;
+    cone.faces->SetFaceFlags(70, FACE_INVALID, true);
+    *cone.points->ElementAt(91) = *cone.points->ElementAt(90);
+    NormalMesh mesh(std::move(cone));
+    CSpecNormalChannel& channel = mesh.Give({}, std::vector<std::vector<int>>(131));
+    const double angle = Degrees(25);
+    channel.GenerateNormals(&mesh.info, 1 | 4, angle, NORMAL_AREA);
+
+    const C3DFaceList& faces = *mesh.mesh.faces;
+    C3DVectorList *const units = C3DVectorList::Create(), *const raw = C3DVectorList::Create();
+    faces.GetNormals(&mesh.info, *units, true);
+    faces.GetNormals(&mesh.info, *raw, false);
+    for (int face = 0; face < 131; face++) {
+        if (face == 70)
+            continue;
+        Vector sum;
+        sum += *raw->ElementAt(face);
+        for (int other = 0; other < 131; other++)
+            if (other != face && other != 70 && !(std::cos(angle) > CosineBetween(*units->ElementAt(face), *units->ElementAt(other))))
+                sum += *raw->ElementAt(other);
+        NormalizeSum(sum);
+        const std::vector<int> corners = Corners(faces, face);
+        const int hub = static_cast<int>(std::find(corners.begin(), corners.end(), 0) - corners.begin());
+        EXPECT_EQ(*AtCorner(channel, face, hub), sum) << face;
+    }
+    DeleteMe(units);
+    DeleteMe(raw);
+}
+
+TEST(SpecNormals, UnitVectorsKeepTheirBits)
+{
+    NormalMesh cube(Cube());
+    std::mt19937 random(9);
+    std::vector<XYZ> values(1000);
+    for (XYZ& v : values)
+        v = {static_cast<float>(random() % 2001) - 1000, static_cast<float>(random() % 2001) - 1000, 7};
+    CSpecNormalChannel& channel = cube.Give(values, std::vector<std::vector<int>>(6, {0, 1, 2, 3}));
+    channel.Normalize();
+    std::vector<Vector> once;
+    for (int i = 0; i < 1000; i++) {
+        once.push_back(*channel.GetNormalVectorList()->ElementAt(i));
+        EXPECT_NEAR(once.back().Length(), 1, 1e-6);
+    }
+    channel.Normalize();
+    for (int i = 0; i < 1000; i++)
+        EXPECT_EQ(*channel.GetNormalVectorList()->ElementAt(i), once[i]);
 }
