@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "geometry/CoordinateLoops.h"
+#include "geometry/FiniteBox.h"
 #include "geometry/NoisyWave.h"
 #include "geometry/PointMaterialGraph.h"
 #include "geometry/PointMethods.h"
@@ -88,6 +89,15 @@ template <class SELECT, class PLACE> bool ExtendBox(LaneBox& box, const C3DTPoin
     return any;
 }
 
+// Whether an infinite coordinate is in the box. Empty axes have their bounds the other way round.
+bool HasInfinity(const LaneBox& box)
+{
+    for (int lane = 1; lane < 4; lane++)
+        if (box.min[lane] == -FAR || box.max[lane] == FAR)
+            return true;
+    return false;
+}
+
 void StoreBox(const LaneBox& box, C3DTPoint<float>& min, C3DTPoint<float>& max)
 {
     for (int i = 0; i < 3; i++) {
@@ -117,6 +127,13 @@ bool C3DPointList::GetBoundingBox(C3DTPoint<float>& min, C3DTPoint<float>& max, 
         any = matrix ? ExtendBox(box, points, count, all, there) : ExtendBox(box, points, count, all, here);
     else
         any = matrix ? ExtendBox(box, points, count, selected, there) : ExtendBox(box, points, count, selected, here);
+    if (any && HasInfinity(box)) {    // seldom: the fast way over the points need not look at each coordinate
+        CFiniteBox finite;
+        for (int i = 0; i < count; i++)
+            if (mask == 0 || selected(points[i]))
+                finite.Add(matrix ? *matrix * points[i] : points[i]);
+        return finite.Get(min, max);
+    }
     if (any)
         StoreBox(box, min, max);
     return any;

@@ -28,8 +28,8 @@ public:
 
     // --- Measures and transforms (3DPointList.cpp) ------------------------------------------------------------------------
 
-    /// Box of the points, in scene units. False, with (0, 0, 0) in both, when no point took part. A coordinate that is not a number
-    /// does not count.
+    /// Box of the points, in scene units. False, with (0, 0, 0) in both, when no point took part. A coordinate that is not finite does
+    /// not count.
     ///
     /// @param mask    0: every point; otherwise points whose (flags & mask) != 0 equals `wanted`
     /// @param matrix  measure the transformed points; may be null

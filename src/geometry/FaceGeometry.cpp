@@ -6,6 +6,7 @@
 #include "geometry/3DPointList.h"
 #include "geometry/3DVectorList.h"
 #include "geometry/4x4Matrix.h"
+#include "geometry/FiniteBox.h"
 #include "geometry/GeomInfo.h"
 #include "geometry/Triangle.h"
 
@@ -225,29 +226,17 @@ bool C3DFace::Get2DCoordinates(const C3DPointList& points, const int* corners, i
 bool C3DFaceList::GetBoundingBox(const CGeomInfo* info, C3DTPoint<float>& min, C3DTPoint<float>& max, unsigned int mask, bool wanted,
                                  C4x4TMatrix<float>* m) const
 {
-    min.x = min.y = min.z = max.x = max.y = max.z = 0;
+    CFiniteBox box;
     const C3DPointList* points = info ? info->GetSrc3DPointList(false) : nullptr;
-    if (!points)
-        return false;
-    bool empty = true;
-    const auto extend = [&](const C3DTPoint<float>& p) {
-        if (empty) {
-            min.x = max.x = p.x, min.y = max.y = p.y, min.z = max.z = p.z;
-            empty = false;
-            return;
-        }
-        min.x = std::min(min.x, p.x), min.y = std::min(min.y, p.y), min.z = std::min(min.z, p.z);
-        max.x = std::max(max.x, p.x), max.y = std::max(max.y, p.y), max.z = std::max(max.z, p.z);
-    };
     const CFaceFlags flags(*this);
-    for (int i = 0; i < m_size; i++) {
+    for (int i = 0; points && i < m_size; i++) {
         if (flags.IsDead(i) || (mask && ((flags[i] & mask) != 0) != wanted))
             continue;
         int count;
         const int* indexes = GetIndexes(i, count);
         for (int k = 0; k < count; k++)
             if (const C3DTPoint<float>* point = points->ElementAt(indexes[k]))
-                extend(m ? *m * *point : *point);
+                box.Add(m ? *m * *point : *point);
     }
-    return !empty;
+    return box.Get(min, max);
 }

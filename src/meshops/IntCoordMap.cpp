@@ -8,7 +8,7 @@
 
 #include "geometry/3DPointList.h"
 #include "meshops/CellTable.h"
-#include "meshops/FiniteBox.h"
+#include "meshops/Extent.h"
 #include "tools/BlockVector.h"
 #include "tools/Hash.h"
 
@@ -49,7 +49,7 @@ CIntCoordMap CIntCoordMap::ForPoints(const C3DPointList& points, double toleranc
         absolute = false;
     }
     C3DTPoint<float> low, high;
-    GetFiniteBox(points, low, high);
+    points.GetBoundingBox(low, high);
     const double size = absolute ? tolerance : GetAbsoluteDistance(tolerance, low, high);
     const double shift = shifted ? size * 0.25 : 0;
     C3DTPoint<float> origin;

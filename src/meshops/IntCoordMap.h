@@ -13,7 +13,7 @@ class C3DPointList;
 /// Points by the cells of a uniform grid.
 ///
 /// A coordinate v lies in cell (v - origin) / size, truncated towards zero: the cells around the origin are twice as wide as the others.
-/// Any float has a cell; what is not a number has none, and such a point is never entered.
+/// Any finite coordinate has a cell; a point with another one has none and is never entered.
 class ZEL_API CIntCoordMap {
 public:
     struct Cell {
@@ -38,14 +38,14 @@ public:
     double GetCellX() const { return m_sizeX; }
     double GetCellY() const { return m_sizeY; }
     double GetCellZ() const { return m_sizeZ; }
-    /// The cell of a place, in the grid or not. False, with the cell untouched, when a coordinate is not a number.
+    /// The cell of a place, in the grid or not. False, with the cell untouched, when a coordinate is not finite.
     bool GetCell(const C3DTPoint<float>& place, Cell& cell) const
     {
         const double x = (double{place.x} - m_origin.x) / m_sizeX;
         const double y = (double{place.y} - m_origin.y) / m_sizeY;
         const double z = (double{place.z} - m_origin.z) / m_sizeZ;
-        if (x != x || y != y || z != z)
-            return false;
+        if ((place.x - place.x) + (place.y - place.y) + (place.z - place.z) != 0 || x != x || y != y || z != z)
+            return false;    // the difference is 0 for finite coordinates alone
         cell = {Number(x), Number(y), Number(z)};
         return true;
     }

@@ -15,7 +15,7 @@
 #include "channels/Block.h"
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
-#include "meshops/FiniteBox.h"
+#include "meshops/Extent.h"
 #include "meshops/IntCoordMap.h"
 #include "meshops/SliceScene.h"
 #include "meshops/SubObjectCutter.h"
@@ -49,7 +49,7 @@ CIntCoordMap* C3DPointList::InitSlicerMap(bool fill, unsigned int nx, unsigned i
     if (GetSize() == 0)
         return nullptr;
     C3DTPoint<float> low, high;
-    GetFiniteBox(*this, low, high, flag, flagValue);
+    GetBoundingBox(low, high, flag, flagValue);
     // A flat side gets cells of some other length: all of its points lie at the origin, in one of them.
     auto* map = new CIntCoordMap(low, CellDistance(low.x, high.x, nx), CellDistance(low.y, high.y, ny), CellDistance(low.z, high.z, nz));
     if (fill)

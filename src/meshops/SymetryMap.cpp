@@ -16,7 +16,7 @@
 #include "geometry/3DPointList.h"
 #include "geometry/Edge.h"
 #include "geometry/FaceList.h"
-#include "meshops/FiniteBox.h"
+#include "meshops/Extent.h"
 #include "meshops/IntCoordMap.h"
 #include "tools/BlockVector.h"
 #include "tools/HashMix.h"
@@ -289,7 +289,7 @@ C3DPointSymetryMap* C3DPointList::InitSymetryMap(_AXIS_INFO axisInfo, double tol
     auto* map = new C3DPointSymetryMap;
     const int axis = axisInfo <= AXIS_Z ? static_cast<int>(axisInfo) : 0;
     C3DTPoint<float> low, high;
-    GetFiniteBox(*this, low, high);
+    GetBoundingBox(low, high);
     const double extent = Extent(low[axis], high[axis]);
     if (extent < FLAT)
         return map;

@@ -115,7 +115,7 @@ private:
     {
         m_target[point] = STAYS;
         if (!inGrid)
-            return;    // not a number: near to nothing
+            return;    // not finite: near to nothing
         bool added;
         const unsigned int entry = m_cells.Insert(cell, hash, {NONE, false, NONE}, added);
         m_around.clear();

@@ -70,7 +70,8 @@ constexpr float MOST = std::numeric_limits<float>::max();
 TEST(C3DPointList, BoundingBoxOfTheSelectedPoints)
 {
     constexpr unsigned int I = POINT_INVALID, B = POINT_BORDER;
-    const Matrix up = Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 100}), mirrored = Rows({-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0});
+    const Matrix up = Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 100}), mirrored = Rows({-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0}),
+                 doubled = Rows({2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0});
     struct {
         const char* name;
         std::vector<Values> points;
@@ -88,7 +89,9 @@ TEST(C3DPointList, BoundingBoxOfTheSelectedPoints)
         {"selected and mirrored", {{1, 2, 3}, {4, 5, 6}, {9, 9, 9, I}}, I, false, &mirrored, true, {-4, 3, 2}, {-1, 6, 5}},
         {"a coordinate is no number", {{NOT, 1, 2}, {3, NOT, 4}}, 0, true, nullptr, true, {3, 1, 2}, {3, 1, 4}},
         {"no number at all", {{NOT, NOT, NOT}}, 0, true, nullptr, true, {0, 0, 0}, {0, 0, 0}},
-        {"the largest", {{MOST, -MOST, FAR}, {0, 0, -FAR}}, 0, true, nullptr, true, {0, -MOST, -FAR}, {MOST, 0, FAR}},
+        {"the largest", {{MOST, -MOST, 1}, {0, 0, 2}}, 0, true, nullptr, true, {0, -MOST, 1}, {MOST, 0, 2}},
+        {"infinite", {{FAR, 1, -FAR}, {3, -FAR, 5}, {9, 9, 9, I}}, I, false, nullptr, true, {3, 1, 5}, {3, 1, 5}},
+        {"infinite once it is moved", {{MOST, 1, 2}, {3, 4, 5}}, 0, true, &doubled, true, {6, 2, 4}, {6, 8, 10}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
