@@ -185,8 +185,10 @@ bool Disconnection::Prepare(unsigned int marks)
         m_groups->RemoveAll();
         m_groups->Reserve(marked);
     }
-    if (m_extra)
+    if (m_extra) {
+        m_extra->RemoveAll();
         m_extra->SetSizeAndFlags(m_faces.GetSize(), FACE_INVALID);
+    }
     return true;
 }
 
@@ -207,13 +209,15 @@ void Disconnection::DividePoint(int point)
     m_faces.SetFaceFlags(faces[0], m_faceFlag, true);
     if (m_groups)
         m_groups->Add(point);
-    for (int i = 0; i < m_object.GetChannels()->GetSize() && m_distinct < count; i++) {
+    for (int i = 0; i < m_object.GetChannels()->GetSize(); i++) {
         CChannel& channel = *m_object.GetChannels()->GetAt(i);
         const unsigned int mark = channel.GetType() & m_options ? MarkOf(channel.GetType()) : 0;
         if (mark == 0 || channel.IsFlagSet(CHANNEL_INVALID) || !m_points.ElementAt(point)->IsOneFlagSet(static_cast<int>(mark)))
             continue;
         m_used[i] = true;
         DivideByChannel(point, faces, count, channel);
+        if (m_distinct == count)
+            break;    // each face has a point of its own: nothing more to tell apart
     }
     if (!m_noPoints)
         MoveCorners(point, faces, count);

@@ -233,9 +233,12 @@ private:
             to.AppendFaces(count, static_cast<int>(sizes[0]), fill);
         else
             to.AppendFaces(count, sizes.data(), fill);
-        const CFaceFlags flags(to), oldFlags(old);
-        for (const int face : kept)
-            flags[face] = face < old.GetSize() ? oldFlags[face] : FACE_EMPTY;
+        for (const int face : kept) {
+            if (face < old.GetSize())
+                to.CopyFace(static_cast<unsigned int>(face), static_cast<unsigned int>(face), old, true);
+            else
+                to.SetFaceFlag(static_cast<unsigned int>(face), FACE_EMPTY, true);
+        }
     }
 
     // The channel point of a point, made when it is met for the first time; 0 for a point that is not there.

@@ -138,3 +138,29 @@ TEST(GlobalChannel, GathersTheChannelsOfTheMaterials)
     EXPECT_TRUE(channel.GetFaceList()->IsFaceFlagsSet(2, FACE_DEAD));
     EXPECT_EQ(object->GlobalizeChannels(scene.get(), true), id);
 }
+
+TEST(Disconnect, AMarkedPointOfOneFaceRenumbersItsChannelToo)
+{
+    // The face comes back to point 0 with another value. There is nothing to part; still the channel's corners become the object's.
+    Owned<C3DObject> object = ObjectOf(MakeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2, 0, 3}}));
+    CUVWChannel* uvw = AddUVW(*object, 3, {5, 6, 7, 8, 9}, {{4, 3, 2, 1, 0}});
+    Owned<C3DFaceList> before(C3DFaceList::Create(nullptr));
+    AddFaces(*before, {{7, 8, 9}, {7, 8, 9}});    // of an earlier call
+    EXPECT_TRUE(object->DisconnectBorderFaces(CHANNEL_UVW, POINT_MARKS, FACE_MARKS, nullptr, false, before.get()));
+    EXPECT_EQ(object->GetPointNbr(), 4);
+    EXPECT_EQ(Corners(*uvw->GetFaceList(), 0), (std::vector<int>{0, 1, 2, 0, 3}));
+    EXPECT_EQ(UAt(*uvw, 0, 1), 8);
+    EXPECT_EQ(AllCorners(*before), (std::vector<std::vector<int>>{{0, 1, 2, 0, 3}}));
+}
+
+TEST(Disconnect, FacesThatWereNotTouchedAreMarkedInTheCopy)
+{
+    Owned<C3DObject> object = ObjectOf(
+        MakeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {5, 5, 5}, {6, 5, 5}, {5, 6, 5}}, {{0, 1, 2}, {1, 3, 2}, {4, 5, 6}}));
+    AddUVW(*object, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8}, {{0, 1, 2}, {3, 4, 5}, {6, 7, 8}});
+    Owned<C3DFaceList> before(C3DFaceList::Create(nullptr));
+    AddFaces(*before, {{7, 8, 9}, {7, 8, 9}, {7, 8, 9}});
+    EXPECT_TRUE(object->DisconnectBorderFaces(CHANNEL_UVW, POINT_MARKS, FACE_MARKS, nullptr, false, before.get()));
+    EXPECT_EQ(Corners(*before, 1), (std::vector<int>{1, 3, 2}));
+    EXPECT_TRUE(before->IsFaceFlagSet(2, FACE_INVALID));
+}

@@ -113,3 +113,16 @@ TEST(UVGeneration, TwoMaterialsWriteIntoOneChannel)
     EXPECT_EQ(cube.Channel()->GetFaceList()->GetNumberOfFaces(FACE_DEAD, true), 0);
     CheckConsistent(*cube.Channel()->GetFaceList(), 12);
 }
+
+TEST(UVGeneration, OtherFacesKeepTheirSideData)
+{
+    Projected cube(Cube(), PROJECTION_PLANAR);
+    ASSERT_TRUE(cube.scene->GenerateUVW());
+    cube.map->SetProjection(PROJECTION_PLANAR);    // the scene's run made it plain
+    cube.Channel()->GetFaceList()->SaveFacesIndex();
+    const unsigned int order[] = {5, 4, 3, 2, 1, 0};
+    cube.Channel()->GetFaceList()->ReorderFaces(order, 6, false);
+    cube.object->GetFaceList()->SetFaceMaterial(2, 0);
+    ASSERT_TRUE(cube.object->GenerateUVW(cube.scene.get()));
+    EXPECT_EQ(cube.Channel()->GetFaceList()->GetOriginalIndex(2), 3u);
+}
