@@ -6,6 +6,7 @@
 #include "channels/UVWChannel.h"
 #include "channels/VCChannel.h"
 #include "geometry/4x4Matrix.h"
+#include "geometry/StreamLimits.h"
 
 // Every query here accepts a null `this`; nothing may move into the header.
 
@@ -295,15 +296,15 @@ bool CDependentChannels::Weld(const CGeomInfo* info, double tolerance, unsigned 
 
 /// Class, type, flags, id and two presence words, at the least.
 constexpr unsigned int SMALLEST_CHANNEL = 21;
-/// They are found one by one, for every node that shares their object.
-constexpr unsigned int MOST_LOADED_CHANNELS = 4096;
 
 void CDependentChannels::Serialize(CXArchive& ar)
 {
     if (ar.IsStoring()) {
-        int count = 0;
+        unsigned int count = 0;
         for (int i = 0; i < GetSize(); i++)
             count += !GetAt(i)->CanBeRecomputed();
+        if (count > MOST_STORED_CHANNELS)
+            XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT, L"an object has more channels than a stream can hold");
         ar.WriteCount(count);
         for (int i = 0; i < GetSize(); i++) {
             if (GetAt(i)->CanBeRecomputed())
@@ -316,7 +317,7 @@ void CDependentChannels::Serialize(CXArchive& ar)
 
     RemoveAll();
     const std::uint64_t count = ar.ReadCount(SMALLEST_CHANNEL);
-    if (count > MOST_LOADED_CHANNELS)
+    if (count > MOST_STORED_CHANNELS)
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT, L"number of channels");
     for (std::uint64_t i = 0; i < count; i++) {
         const CXRuntimeClass* type = ar.ReadClass(CChannel::GetThisRuntimeClassDescriptor());

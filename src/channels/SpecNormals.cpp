@@ -63,7 +63,8 @@ void CSpecNormalChannel::ComputeNormals(const CGeomInfo* info, _NormalSmoothMode
             NormalizeSum(*vector);
 }
 
-// Makes the vector a unit vector, unless it is one: what is read and saved again and again stays as it is. False for one without length or direction, which then is unset.
+// Makes the vector a unit vector, unless it is one: what is read and saved again and again stays as it is. False for one without length or
+// direction, which then is unset.
 static bool NormalizeGiven(C3DTVector<float>& v)
 {
     if (IsNearlyUnit(v))

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "geometry/ElementMethods.h"
+#include "geometry/StreamLimits.h"
 #include "tools/Archive.h"
 #include "tools/Exception.h"
 #include "tools/Hash.h"
@@ -11,8 +12,7 @@ namespace {
 
 constexpr unsigned int NO_ID = 0xFFFFFFFF;
 constexpr unsigned int STORED_FLAGS = 0xFF;
-constexpr unsigned int MOST_LOADED_CHUNKS = 4096;    // they are found one by one
-constexpr int MOST_LOADED_GROWTH = 1 << 20;          // elements: what a stream says costs no more than some megabytes
+constexpr int MOST_LOADED_GROWTH = 1 << 20;    // elements: what a stream says costs no more than some megabytes
 
 }
 
@@ -295,6 +295,8 @@ void CDataChunk::Serialize(CXArchive& ar)
 {
     if (ar.IsLoading())
         return Load(ar);
+    if (GetChunksNbr() > MOST_STORED_CHUNKS)
+        XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT, L"a list has more chunks than a stream can hold");
     ar << GetChunksNbr() << m_size << static_cast<unsigned int>(m_grow);
     for (const Chunk& chunk : m_chunks) {
         ar << chunk.id << chunk.flags << 1u;    // an array always has a class of its own
@@ -309,7 +311,7 @@ void CDataChunk::Load(CXArchive& ar)
     unsigned int count, size, grow;
     ar >> count >> size >> grow;
     ar.CheckCount(count, 3 * sizeof(unsigned int));
-    if (size > 0x7FFFFFFF || count > MOST_LOADED_CHUNKS)
+    if (size > 0x7FFFFFFF || count > MOST_STORED_CHUNKS)
         XThrowArchive(CXArchiveException::ARCHIVE_BAD_COUNT);
     m_grow = std::clamp(static_cast<int>(grow), -1, MOST_LOADED_GROWTH);
     CHashTable<unsigned int> ids;

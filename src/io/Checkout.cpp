@@ -1,7 +1,7 @@
 // Import checkout: whatever a parser delivers, what follows may count on the scene.
 //
 //   axes      the scene stands in the z-up world
-//   objects   each once: a name, coordinates that are numbers, corners that exist, then the mesh operations asked for
+//   objects   each once: a name, coordinates that are finite, corners that exist, then the mesh operations asked for
 //   siblings  by name, however the parser added them
 //   scene     operations on all objects together; names of materials
 //
@@ -15,6 +15,8 @@
 #include "channels/SpecNormalChannel.h"
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
+#include "geometry/LoadedCorners.h"
+#include "io/BadFaces.h"
 #include "io/SceneOptions.h"
 #include "io/Texts.h"
 #include "meshops/Concatenate.h"
@@ -36,29 +38,6 @@ Text Numbered(const Text& name, unsigned int number)
     return text;
 }
 
-bool AreCornersBelow(const CFaceList& faces, unsigned int face, int pointCount)
-{
-    int count;
-    const int* const corners = faces.GetIndexes(face, count);
-    for (int i = 0; i < count; i++)
-        if (corners[i] < 0 || corners[i] >= pointCount)
-            return false;
-    return true;
-}
-
-// Every face is live and has points that are there. The usual answer is yes, and this is the fast way to it.
-bool IsSound(const CFaceList& faces, int pointCount)
-{
-    int live = 0;
-    bool sound = true;
-    faces.ForEachLiveFace([&](int, const int* corners, int count) {
-        live++;
-        for (int i = 0; i < count; i++)
-            sound &= static_cast<unsigned int>(corners[i]) < static_cast<unsigned int>(pointCount);
-    });
-    return sound && live == faces.GetSize();
-}
-
 /// The checkout of one geometric object.
 class CObjectCheckout {
 public:
@@ -72,7 +51,6 @@ private:
     bool RepairFaces();
     void RepairChannels();
     bool RepairChannelFaces(CChannel& channel);
-    void LogBadFace(unsigned int face);
 
     C3DGeomObject& m_object;
     CSceneImportOptions& m_options;
@@ -94,10 +72,10 @@ void CObjectCheckout::RepairPoints()
     bool changed = false;
     C3DTPoint<float>* point = points ? points->GetFirst() : nullptr;
     for (int i = 0, count = m_object.GetPointNbr(); i < count; i++, point = points->GetNext(point)) {
-        if (!std::isnan(point->x) && !std::isnan(point->y) && !std::isnan(point->z))
+        if (std::isfinite(point->x) && std::isfinite(point->y) && std::isfinite(point->z))
             continue;
         for (float* const value : {&point->x, &point->y, &point->z})
-            if (std::isnan(*value))
+            if (!std::isfinite(*value))
                 *value = 0;
         changed = true;
     }
@@ -109,23 +87,13 @@ void CObjectCheckout::RepairPoints()
 bool CObjectCheckout::RepairFaces()
 {
     C3DFaceList* const faces = m_object.GetFaceList();
-    const int pointCount = m_object.GetPointNbr();
-    if (!faces || IsSound(*faces, pointCount))
+    if (!faces)
         return false;
-    bool mustClean = false;
-    const CFaceFlags flags(*faces);
-    for (int face = 0; face < faces->GetSize(); face++) {
-        if (flags.IsDead(face)) {
-            mustClean = true;
-            continue;
-        }
-        if (AreCornersBelow(*faces, face, pointCount))
-            continue;
-        flags[face] |= FACE_INVALID;
-        LogBadFace(face);
-        mustClean = true;
+    for (const unsigned int face : FindBadFaces(*faces, m_object.GetPointNbr())) {
+        faces->SetFaceFlag(face, FACE_INVALID, true);
+        LogBadFace(m_options, face);
     }
-    return mustClean;
+    return faces->GetNumberOfFaces(static_cast<unsigned int>(FACE_DEAD), true) > 0;
 }
 
 void CObjectCheckout::RepairChannels()
@@ -154,36 +122,18 @@ bool CObjectCheckout::RepairChannelFaces(CChannel& channel)
         return false;
     if (faces->GetSize() != m_object.GetFaceNbr())
         channel.SetFlag(CHANNEL_INVALID, true);
-    const int pointCount = channel.GetPointList() ? channel.GetPointList()->GetSize() : 0;
-    if (IsSound(*faces, pointCount))
-        return false;
     bool changed = false;
-    const int size = std::min(faces->GetSize(), m_object.GetFaceNbr());
-    const CFaceFlags flags(*faces);
-    for (int i = 0; i < size; i++) {
-        const bool dead = flags.IsDead(i);
-        if (!dead && AreCornersBelow(*faces, i, pointCount))
-            continue;
-        if (!dead)
-            LogBadFace(i);
-        CFace face;
-        if (!faces->GetFace(i, face) || (face.GetSize() == 0 && !face.IsFlagSet(FACE_INVALID)))
-            continue;    // without data already
-        face.RemoveAll();
-        face.SetFlag(FACE_INVALID, false);
-        face.SetFlag(FACE_EMPTY, true);
-        changed = true;
+    for (const unsigned int face : FindBadFaces(*faces, channel.GetPointList() ? channel.GetPointList()->GetSize() : 0)) {
+        changed |= DropFaceData(*faces, face);
+        LogBadFace(m_options, face);
     }
+    const CFaceFlags flags(*faces);
+    for (int face = 0; face < faces->GetSize(); face++)
+        if (flags.IsDead(face))
+            changed |= DropFaceData(*faces, face);
     if (changed)
         faces->SetFlag(FACELIST_CHANGED, true);
     return changed;
-}
-
-void CObjectCheckout::LogBadFace(unsigned int face)
-{
-    Text text;
-    text.FormatString(L"%s (face %d)", LoadText(TEXT_INVALID_FACE_INDEX).c_str(), face);
-    m_options.AddLogInfo(IoLogInfo::WARNING, text);
 }
 
 void CObjectCheckout::Convert()

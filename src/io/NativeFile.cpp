@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "io/BadFaces.h"
 #include "scene/3DScene.h"
+#include "scene/GeomObject.h"
 #include "tools/Archive.h"
 #include "tools/Exception.h"
 #include "tools/FileIo.h"
@@ -71,6 +73,19 @@ bool ReadScene(IoFile& file, C3DScene& scene, const Text& name, CSceneImportOpti
     return true;
 }
 
+/// The scene is stored without them.
+void LogBadFaces(C3DScene& scene, CIoOptions& options)
+{
+    std::vector<unsigned int> faces;
+    C3DGeomObject* object;
+    for (C3DNodePos pos = scene.GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;) {
+        scene.GetNextNode(object, pos);
+        object->DropBadFaces(&faces);
+    }
+    for (const unsigned int face : faces)
+        LogBadFace(options, face);
+}
+
 /// The file name of a scene is not stored with it. It comes back unless the scene was saved.
 class CNameOutOfTheWay {
 public:
@@ -122,6 +137,7 @@ bool C3DIFIo::Save(const CXTString<wchar_t>& name, C3DScene* scene, CSceneExport
         SetIoError(IORESULT_NO_FILE, &options, IoLogInfo::FAILURE);
         return false;
     }
+    LogBadFaces(*scene, options);
     CNameOutOfTheWay sceneName(*scene);
     CXArchive ar(&file, CXArchive::STORE, BUFFER);
     Header header = {{}, VERSION, LOWEST_READER};

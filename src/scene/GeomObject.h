@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "channels/Channel.h"
 #include "channels/NormalMode.h"
 #include "geometry/3DFaceList.h"
@@ -101,6 +103,10 @@ public:
     void Inherit(const C3DGeomObject& from, unsigned int channelTypes, unsigned int options);
     /// Same order of faces by material in list and channels; reports the change when there is one.
     bool SortFaces(_FACE_SORT_MODE mode);
+    /// Makes a face invalid when it has a corner beyond the points; a face of a channel with one beyond the channel's points loses its
+    /// data. Reports the change. The numbers of the faces go behind those in `told`, which may be null. Storing does this first: no
+    /// reader takes such a corner.
+    bool DropBadFaces(std::vector<unsigned int>* told = nullptr);
     /// True when no face of more than 3 corners has ((flags & properties) == properties) == wanted.
     bool IsTriangular(_FACE_PROPERTIES properties, bool wanted);
 

@@ -36,8 +36,37 @@ static void FitTogether(const C3DGeomObject& object)
             channel->SetFlag(CHANNEL_INVALID, true);
 }
 
+bool C3DGeomObject::DropBadFaces(std::vector<unsigned int>* told)
+{
+    bool facesChanged = false, changed = false;
+    const auto find = [&](CFaceList* faces, int pointCount) {
+        const std::vector<unsigned int> bad = faces ? FindBadFaces(*faces, pointCount) : std::vector<unsigned int>();
+        if (told)
+            told->insert(told->end(), bad.begin(), bad.end());
+        changed |= !bad.empty();
+        return bad;
+    };
+    for (const unsigned int face : find(m_faces, GetPointNbr()))
+        m_faces->SetFaceFlag(face, FACE_INVALID, true);
+    facesChanged = changed;
+    for (CChannel* const channel : *m_channels) {
+        if (channel->CanBeRecomputed())
+            continue;    // it is not stored, and may be out of date
+        CFaceList* const faces = channel->GetFaceList();
+        for (const unsigned int face : find(faces, channel->GetPointList() ? channel->GetPointList()->GetSize() : 0)) {
+            DropFaceData(*faces, face);
+            faces->SetFlag(FACELIST_CHANGED, true);
+        }
+    }
+    if (changed)
+        Invalidate(facesChanged ? CHANGE_FACES : static_cast<unsigned int>(OBJECT_UPDATE_DISPLAY), true);
+    return changed;
+}
+
 void C3DGeomObject::Serialize(CXArchive& ar)
 {
+    if (ar.IsStoring())
+        DropBadFaces();
     C3DBaseObject::Serialize(ar);
     if (ar.IsLoading()) {
         DeleteMe(std::exchange(m_faces, nullptr));

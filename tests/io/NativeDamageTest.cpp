@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 
 #include "support/FullScene.h"
 #include "support/Mutate.h"
@@ -107,40 +109,69 @@ TEST(NativeDamage, WhatOperationsLeaveBehindIsReadAgain)
     }
 }
 
+namespace {
+
+/// A cube with a texture point for each of its corners.
+Owned<C3DObject> MappedCube()
+{
+    Mesh cube = Cube();
+    Owned<C3DObject> object(new C3DObject(std::exchange(cube.points, nullptr), std::exchange(cube.faces, nullptr), nullptr));
+    auto* const channel = new CUVWChannel;
+    int next = 0;
+    channel->GetFaceList()->AppendCopies(*object->GetFaceList(), nullptr, 6, [&](int) { return next++; });
+    channel->GetPointList()->SetSize(24);
+    object->AddChannel(channel);
+    return object;
+}
+
+}
+
 TEST(NativeDamage, CornersAreHeldAgainstPointsAndChannelsAgainstFaces)
 {
+    // What is stored is read: a corner that is not there costs its face, or that face's data in the channel.
     struct {
         const char* name;
         void (*change)(C3DGeomObject&);
-        bool reads;
+        int dead, deadInChannel;
     } const rows[] = {
-        {"a live face beyond the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = 8; }, false},
-        {"a live face before the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = -1; }, false},
+        {"a live face beyond the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = 8; }, 1, 0},
+        {"a live face before the points", [](C3DGeomObject& o) { CornersOf(*o.GetFaceList(), 0)[1] = -1; }, 1, 0},
         {"a dead face beyond the points",
          [](C3DGeomObject& o) {
              CornersOf(*o.GetFaceList(), 0)[1] = 8;
              o.GetFaceList()->SetFaceFlag(0, FACE_INVALID, true);
          },
-         true},
-        {"faces without points", [](C3DGeomObject& o) { o.SetPointList(nullptr, true); }, false},
-        {"a channel beyond its points", [](C3DGeomObject& o) { CornersOf(*(*o.GetChannels())[0]->GetFaceList(), 2)[0] = 24; }, false},
-        {"fewer faces than the channel has", [](C3DGeomObject& o) { o.GetFaceList()->SetSize(5, 0, CFaceList::SIZE_GROW); }, true},
+         1, 0},
+        {"faces without points", [](C3DGeomObject& o) { o.SetPointList(nullptr, true); }, 6, 0},
+        {"a channel beyond its points", [](C3DGeomObject& o) { CornersOf(*(*o.GetChannels())[0]->GetFaceList(), 2)[0] = 24; }, 0, 1},
+        {"fewer faces than the channel has", [](C3DGeomObject& o) { o.GetFaceList()->SetSize(5, 0, CFaceList::SIZE_GROW); }, 0, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        Mesh cube = Cube();
-        const Owned<C3DObject> object(new C3DObject(std::exchange(cube.points, nullptr), std::exchange(cube.faces, nullptr), nullptr));
-        auto* const channel = new CUVWChannel;
-        int next = 0;
-        channel->GetFaceList()->AppendCopies(*object->GetFaceList(), nullptr, 6, [&](int) { return next++; });
-        channel->GetPointList()->SetSize(24);
-        object->AddChannel(channel);
+        const Owned<C3DObject> object = MappedCube(), read(new C3DObject);
         row.change(*object);
-        const Owned<C3DObject> read(new C3DObject);
-        ASSERT_EQ(Load(*read, Stored(*object)), row.reads);
-        if (!row.reads)
-            continue;
+        ASSERT_TRUE(Load(*read, Stored(*object)));
         EXPECT_TRUE(read->GetFaceList()->AreIndexesBelow(read->GetPointNbr(), true));
-        EXPECT_EQ((*read->GetChannels())[0]->IsFlagSet(CHANNEL_INVALID), read->GetFaceNbr() < 6);
+        const CChannel& channel = *(*read->GetChannels())[0];
+        EXPECT_EQ(channel.IsFlagSet(CHANNEL_INVALID), read->GetFaceNbr() < 6);
+        constexpr auto DEAD = static_cast<unsigned int>(FACE_DEAD);
+        EXPECT_EQ(read->GetFaceList()->GetNumberOfFaces(DEAD, true), row.dead);
+        EXPECT_EQ(channel.GetFaceList()->GetNumberOfFaces(DEAD, true), row.deadInChannel);
+    }
+}
+
+TEST(NativeDamage, AStreamWithCornersThatAreNotThereIsRefused)
+{
+    const StreamBytes whole = Stored(*MappedCube());
+    for (const std::vector<int>& corners : {std::vector<int>{0, 2, 3, 1}, {4, 5, 6, 7}}) {    // of the geometry, of the channel
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(corners.data());
+        const auto place = std::search(whole.begin(), whole.end(), bytes, bytes + 16) - whole.begin();
+        ASSERT_LT(static_cast<std::size_t>(place), whole.size());
+        for (const int corner : {-1, 24}) {
+            StreamBytes damaged = whole;
+            std::memcpy(&damaged[place], &corner, sizeof corner);
+            const Owned<C3DObject> read(new C3DObject);
+            EXPECT_FALSE(Load(*read, damaged));
+        }
     }
 }

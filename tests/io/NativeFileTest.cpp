@@ -7,9 +7,12 @@
 #include <sys/stat.h>
 #include <thread>
 
+#include "channels/DependentChannels.h"
+#include "channels/WeightChannel.h"
 #include "io/3DIo.h"
 #include "scene/3DObject.h"
 #include "support/FullScene.h"
+#include "support/Meshes.h"
 #include "support/Owned.h"
 #include "support/SceneEqual.h"
 #include "support/TempFolder.h"
@@ -194,4 +197,35 @@ TEST_F(NativeFile, AFailedSaveLosesNothing)
 
     EXPECT_FALSE(Save(*scene, "no such folder/target.3dif"));
     EXPECT_EQ(scene->GetFilename(), name);
+}
+
+TEST_F(NativeFile, SavesNothingThatItWouldNotRead)
+{
+    const OwnedScene scene(C3DScene::Create());
+    auto* const object = new C3DObject;
+    C3DSceneNode* const node = C3DSceneNode::Create();
+    node->SetObject(object, true);
+    scene->AddNode(nullptr, node);
+    Mesh cube = Cube();
+    object->SetFaceList(std::exchange(cube.faces, nullptr), true);
+    object->SetPointList(std::exchange(cube.points, nullptr), true);
+    int count;
+    object->GetFaceList()->GetIndexes(2, count)[1] = 8;
+    for (int i = 0; i < 5000; i++)    // joints of a figure
+        object->AddChannel(new CWeightChannel(NO_CHANNEL_ID, true));
+    const OwnedScene read = RoundTrip(*scene);
+    ASSERT_TRUE(read) << m_log;
+    const C3DGeomObject& found = *read->GetChildNode(nullptr)->GetGeomObject();
+    EXPECT_EQ(found.GetChannels()->GetSize(), 5000);
+    EXPECT_TRUE(found.GetFaceList()->IsFaceFlagSet(2, FACE_INVALID));
+    ASSERT_TRUE(Save(*scene, "again.3dif"));
+    EXPECT_EQ(m_log, "") << "told once: the face is dead by now";
+
+    while (object->GetChannels()->GetSize() <= 16384)
+        object->AddChannel(new CWeightChannel(NO_CHANNEL_ID, true));
+    C3DIo io(m_folder.Wide("many.3dif"), FILEIO_SILENT, nullptr);
+    CSceneExportOptions options;
+    EXPECT_THROW(io.Save(false, scene.get(), &options), CXArchiveException*);
+    XDeleteThreadException();
+    EXPECT_TRUE(m_folder.Read("many.3dif").empty());
 }
