@@ -19,6 +19,7 @@
 #include "tools/Exception.h"
 #include "tools/FileDialog.h"
 #include "tools/FileExt.h"
+#include "tools/FileFind.h"
 #include "tools/FileInfo.h"
 #include "tools/FileIo.h"
 #include "tools/FileNameSpec.h"

@@ -3,6 +3,7 @@
 #include "scene/Preferences.h"
 #include "tools/2DIo.h"
 #include "tools/FileExt.h"
+#include "tools/FileFind.h"
 #include "tools/FileInfo.h"
 #include "tools/FilePath.h"
 #include "tools/IoFile.h"
@@ -35,7 +36,10 @@ public:
     {
         if (m_name.IsEmpty())
             return false;
-        return fileIsAbsolute(m_name) ? FindByFolder(false) : FindByFolder(true) || FindByFolder(false);
+        if (FindByFolders())
+            return true;
+        m_anyCase = true;    // other systems make no difference
+        return FindByFolders();
     }
     /// Of the folder of the scene, or with `absolute` of none.
     Text GetFound(bool absolute) const
@@ -46,6 +50,8 @@ public:
     }
 
 private:
+    bool FindByFolders() { return fileIsAbsolute(m_name) ? FindByFolder(false) : FindByFolder(true) || FindByFolder(false); }
+
     /// `relative`: below the folders under the whole of the name, else under the bare file name.
     bool FindByFolder(bool relative)
     {
@@ -65,8 +71,9 @@ private:
         return false;
     }
 
-    bool Try(const Text& candidate)
+    bool Try(const Text& name)
     {
+        const Text candidate = m_anyCase ? fileFindAnyCase(name) : name;
         IoFile file;
         if (!file.OpenFile(candidate, 1, nullptr))
             return false;
@@ -77,6 +84,7 @@ private:
 
     Text m_name, m_base, m_found;
     CXArray<Text> m_paths;
+    bool m_anyCase = false;
 };
 
 }

@@ -74,6 +74,8 @@ TEST(MaterialMap, AFileIsLookedForInOrder)
         {"first path first", "a.png", {"lib/a.png", "more/a.png"}, {"@/more", "@/lib"}, "@/more/a.png", "../more/a.png"},
         {"relative path, from the scene", "tex/a.png", {"scene/sub/a.png"}, {"sub"}, "@/scene/sub/a.png", "sub/a.png"},
         {"relative path, bare names alone", "tex/a.png", {"scene/sub/tex/a.png"}, {"sub"}, "", ""},
+        {"another case", "Tex/A.PNG", {"scene/TEX/b.png", "scene/tex/a.png"}, {}, "@/scene/tex/a.png", "tex/a.png"},
+        {"its own case first", "A.png", {"scene/a.png", "lib/A.png"}, {"@/lib"}, "@/lib/A.png", "../lib/A.png"},
         {"a folder is no file", "a.png", {"scene/a.png/b"}, {}, "", ""},
         {"nowhere", "tex/a.png", {"other/a.png"}, {"@/lib"}, "", ""},
         {"no name", "", {"scene/a.png"}, {}, "", ""},
