@@ -149,7 +149,7 @@
 #include "io/3DIo.h"
 #include "io/3DParser.h"
 #include "io/ConversionReport.h"
-#include "io/ImportLimits.h"
+#include "io/ImportSettings.h"
 #include "io/NativeFile.h"
 #include "io/SceneOptions.h"
 

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "io/BuiltInParsers.h"
+#include "io/ImportSettings.h"
 #include "scene/3DScene.h"
 #include "tools/CaughtException.h"
 #include "tools/Exception.h"
@@ -29,6 +30,15 @@ void ShowXsiNotice(CWnd* parent)
                             L"<b>Autodesk Crosswalk version 2013</b> must be setup on your computer in order to allow reading and "
                             L"writing XSI Softimage files.<br><br>This application is free, and can be downloaded from the web "
                             L"site of its maker.");
+}
+
+bool HasContent(C3DScene& scene, const CSceneImportOptions& options)
+{
+    if (scene.GetChildCount(nullptr, SHAPES) > 0)
+        return true;
+    bool shapeless = false;
+    const bool accepted = options.GetCustomData().GetBool(IMPORT_SHAPELESS, shapeless) && shapeless;
+    return accepted && (scene.GetChildCount(nullptr, OBJECT_CAMERA | OBJECT_LIGHT) > 0 || scene.GetTimeRange(KEY_ANY).end > 0);
 }
 
 // Wait cursor that a silent object never shows.
@@ -204,7 +214,7 @@ C3DScene* C3DIo::FinishReading(C3DScene* scene, CSceneImportOptions& options)
     if (scene->GetFilename().IsEmpty())
         scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
     scene->CheckoutImport(options);
-    if (scene->GetChildCount(nullptr, SHAPES) > 0) {
+    if (HasContent(*scene, options)) {
         SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);    // whatever a parser before this one had to say
         return scene;
     }
