@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fileClass = fileClass << 8 | data[i];
     CSceneImportOptions options;
     CProgress progress(L"Reading", 1000);
-    const Owned<C3DScene> scene(ImportFile(fileClass, Utf8ToWide(path), options, progress));
+    LibraryReading reading;
+    const Owned<C3DScene> scene(ImportFile(fileClass, Utf8ToWide(path), reading, options, progress));
     if (scene) {
         scene->CheckoutImport(options);
         WorkWith(*scene);

@@ -15,14 +15,24 @@ IoShowDialog CAssimpParser::MustShowDialog() { return IODIALOG_NONE; }
 
 void CAssimpParser::LoadDefaultOptions(CSceneImportOptions& options)
 {
-    if (GetFormatTraits(m_fileClass).yUp)
-        options.upAxis = UP_AXIS_Y;
+    const FormatTraits traits = GetFormatTraits(m_fileClass);
+    unsigned int wanted;
+    const bool isWanted = !traits.tellsUp && options.GetCustomData().GetUnsigned(IMPORT_UP_AXIS, wanted) && wanted <= UP_AXIS_X;
+    options.upAxis = isWanted && !traits.turned ? static_cast<_UP_AXIS_MODE>(wanted) : traits.up;
+    if (isWanted && traits.turned && wanted != UP_AXIS_Z)    // the axis is one of the file, not of what the library makes of it
+        options.swapCoordinates = wanted == UP_AXIS_Y ? SWAP_YZ | MIRROR_Y : SWAP_XZ | MIRROR_X;
 }
 
 C3DScene* CAssimpParser::Read(const CXTString<wchar_t>& path, CSceneImportOptions& options)
 {
     CProgress progress(L"Reading", 1000);
-    return ImportsInProcess() ? ImportFile(m_fileClass, path, options, progress) : ImportInWorker(m_fileClass, path, options, progress);
+    if (!ImportsInProcess())
+        return ImportInWorker(m_fileClass, path, options, progress);
+    LibraryReading reading;
+    C3DScene* const scene = ImportFile(m_fileClass, path, reading, options, progress);
+    if (scene)
+        reading.images.Write(*scene, options);
+    return scene;
 }
 
 void CAssimpParser::SaveDefaultOptions(CSceneExportOptions& options)

@@ -10,7 +10,7 @@ public:
     CAssimpParser(unsigned int fileClass, CFileIo* fileIo);
 
     IoShowDialog MustShowDialog() override;
-    /// Formats with +y up ask for it to be turned up.
+    /// The axis that points up: the one of IMPORT_UP_AXIS where the file can't say, or else that of the format.
     void LoadDefaultOptions(CSceneImportOptions& options) override;
     /// Null, with the library's words in the log, for a file that it refuses and for one without content.
     C3DScene* Read(const CXTString<wchar_t>& path, CSceneImportOptions& options) override;

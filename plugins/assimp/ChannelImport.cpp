@@ -12,6 +12,7 @@
 #include <assimp/mesh.h>
 
 #include "Convert.h"
+#include "TextureSets.h"
 
 namespace {
 
@@ -103,16 +104,29 @@ void PlanNormals(const MeshPolygons& polygons, std::vector<Layer>& layers)
     };
 }
 
-void PlanTextureCoordinates(const MeshPolygons& polygons, unsigned int set, std::vector<Layer>& layers)
+// The set that the channel of `set` is filled from. A mesh of a material that names it gives another when it has not this one.
+unsigned int SourceOf(const Part& part, const std::vector<ImportedMaterial>& materials, unsigned int set)
 {
-    if (!Any(polygons, [set](const aiMesh& mesh) { return mesh.HasTextureCoords(set); }))
+    const bool wanted =
+        part.mesh->mMaterialIndex < materials.size() && std::ranges::count(materials[part.mesh->mMaterialIndex].sets, set) > 0;
+    return wanted || part.mesh->HasTextureCoords(set) ? NearestSet(TextureSetsOf(*part.mesh), set) : NO_TEXTURE_SET;
+}
+
+void PlanTextureCoordinates(const MeshPolygons& polygons, const std::vector<ImportedMaterial>& materials, unsigned int set,
+                            std::vector<Layer>& layers)
+{
+    const auto has = [&, set](const Part& part) { return part.faceCount > 0 && SourceOf(part, materials, set) != NO_TEXTURE_SET; };
+    if (std::ranges::none_of(polygons.GetParts(), has))
         return;
     auto* channel = new CUVWChannel(TextureChannelId(set));
     layers.emplace_back().channel.reset(channel);
-    layers.back().fill = [&polygons, channel, set] {
+    layers.back().fill = [&polygons, &materials, channel, set] {
         LayerBuilder layer(polygons, *channel->GetUVWFaceList());
         for (const Part& part : polygons.GetParts())
-            part.mesh->HasTextureCoords(set) ? layer.AddPart(part, Triples(part.mesh->mTextureCoords[set])) : layer.AddEmptyPart(part);
+            if (const unsigned int source = SourceOf(part, materials, set); source != NO_TEXTURE_SET)
+                layer.AddPart(part, Triples(part.mesh->mTextureCoords[source]));
+            else
+                layer.AddEmptyPart(part);
         layer.Finish(*channel->GetUVWPointList());
         return true;
     };
@@ -125,15 +139,16 @@ const PlacedCoordinates* FindPlaced(const Part& part, const std::vector<Imported
         return nullptr;
     const std::vector<PlacedCoordinates>& placed = materials[part.mesh->mMaterialIndex].placed;
     const auto found = std::ranges::find(placed, channelId, &PlacedCoordinates::channelId);
-    return found != placed.end() && part.mesh->HasTextureCoords(found->set) ? &*found : nullptr;
+    return found != placed.end() && NearestSet(TextureSetsOf(*part.mesh), found->set) != NO_TEXTURE_SET ? &*found : nullptr;
 }
 
 BlockVector<Position> Place(const aiMesh& mesh, const PlacedCoordinates& placed)
 {
     const auto& m = placed.matrix;
+    const aiVector3D* const coordinates = mesh.mTextureCoords[NearestSet(TextureSetsOf(mesh), placed.set)];
     BlockVector<Position> triples(mesh.mNumVertices);
     for (unsigned int i = 0; i < mesh.mNumVertices; i++) {
-        const aiVector3D& from = mesh.mTextureCoords[placed.set][i];
+        const aiVector3D& from = coordinates[i];
         triples[i] = {m[0][0] * from.x + m[0][1] * from.y + m[0][2], m[1][0] * from.x + m[1][1] * from.y + m[1][2], from.z};
     }
     return triples;
@@ -145,7 +160,7 @@ void PlanPlacedCoordinates(const MeshPolygons& polygons, const std::vector<Impor
     for (const Part& part : polygons.GetParts())
         if (part.faceCount > 0 && part.mesh->mMaterialIndex < materials.size())
             for (const PlacedCoordinates& placed : materials[part.mesh->mMaterialIndex].placed)
-                if (part.mesh->HasTextureCoords(placed.set))
+                if (NearestSet(TextureSetsOf(*part.mesh), placed.set) != NO_TEXTURE_SET)
                     ids.insert(placed.channelId);
     for (const unsigned int id : ids) {
         auto* channel = new CUVWChannel(id);
@@ -262,7 +277,7 @@ void ImportChannels(const MeshPolygons& polygons, const BlockVector<int>& number
     std::vector<Layer> layers;
     PlanNormals(polygons, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_TEXTURECOORDS; set++)
-        PlanTextureCoordinates(polygons, set, layers);
+        PlanTextureCoordinates(polygons, materials, set, layers);
     PlanPlacedCoordinates(polygons, materials, layers);
     for (unsigned int set = 0; set < AI_MAX_NUMBER_OF_COLOR_SETS; set++)
         PlanColors(polygons, set, layers);

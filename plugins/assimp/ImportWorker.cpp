@@ -1,5 +1,6 @@
 #include "ImportWorker.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -40,69 +41,83 @@ std::string FindProgram()
     return folder.substr(0, folder.find_last_of('/')) + "/zel-import-worker";
 }
 
-/// The memory that host and worker share.
-class SharedMemory {
+/// A file in memory that a worker gets.
+class MemoryFile {
 public:
-    SharedMemory() : m_descriptor(memfd_create("zel-import", MFD_CLOEXEC))
+    explicit MemoryFile(const char* name) : m_descriptor(memfd_create(name, MFD_CLOEXEC | MFD_ALLOW_SEALING)) {}
+    ~MemoryFile()
     {
-        if (m_descriptor >= 0 && ftruncate(m_descriptor, WORKER_RESULT) == 0)
-            m_state = Map(WORKER_RESULT, PROT_READ | PROT_WRITE);
-    }
-    ~SharedMemory()
-    {
-        if (m_state)
-            munmap(m_state, WORKER_RESULT);
+        if (m_bytes)
+            munmap(m_bytes, m_mapped);
         if (m_descriptor >= 0)
             close(m_descriptor);
     }
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
 
-    bool IsValid() const { return m_state != nullptr; }
     int GetDescriptor() const { return m_descriptor; }
-    WorkerState& GetState() const { return *static_cast<WorkerState*>(m_state); }
-
-    C3DScene* TakeResult(CIoOptions& options) const
+    void* GetBytes() const { return m_bytes; }
+    bool Resize(std::size_t size) const { return ftruncate(m_descriptor, static_cast<off_t>(size)) == 0; }
+    /// Whoever has the file can from now on do none of these to it. False when somebody saw to it that it can't be had.
+    bool Seal(int seals) const { return fcntl(m_descriptor, F_ADD_SEALS, seals) == 0; }
+    std::size_t GetSize() const
     {
         struct stat status;
-        if (fstat(m_descriptor, &status) != 0 || status.st_size < static_cast<off_t>(WORKER_RESULT))
+        return fstat(m_descriptor, &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+    }
+    /// The first bytes, for as long as this lives. Null when there is no room. A file that can still shrink must not be mapped.
+    void* Map(std::size_t size, int protection)
+    {
+        void* const bytes = mmap(nullptr, size, protection, MAP_SHARED, m_descriptor, 0);
+        if (bytes == MAP_FAILED)
             return nullptr;
-        const auto size = static_cast<std::size_t>(status.st_size);
-        void* const all = Map(size, PROT_READ);
-        if (!all)
-            throw std::bad_alloc();
-        struct Unmap {
-            void* bytes;
-            std::size_t size;
-            ~Unmap() { munmap(bytes, size); }
-        } const unmap{all, size};
-        return ReadWorkerResult(static_cast<const char*>(all) + WORKER_RESULT, size - WORKER_RESULT, options);
+        m_mapped = size;
+        return m_bytes = bytes;
     }
 
 private:
-    void* Map(std::size_t size, int protection) const
-    {
-        void* const mapped = mmap(nullptr, size, protection, MAP_SHARED, m_descriptor, 0);
-        return mapped == MAP_FAILED ? nullptr : mapped;
-    }
-
     int m_descriptor;
-    void* m_state = nullptr;
+    void* m_bytes = nullptr;
+    std::size_t m_mapped = 0;
 };
 
-/// A worker at its work. Killed with this.
-class Worker {
+/// The memory that host and worker share.
+class SharedMemory {
 public:
-    ~Worker()
+    SharedMemory() : m_state("zel-import-state"), m_result("zel-import-result")
     {
-        if (m_process > 0) {
-            kill(m_process, SIGKILL);
-            Reap();
-        }
+        if (m_result.GetDescriptor() < 0 || !m_state.Resize(WORKER_STATE_SIZE) || !m_state.Seal(F_SEAL_SHRINK | F_SEAL_GROW) ||
+            !m_state.Map(WORKER_STATE_SIZE, PROT_READ | PROT_WRITE))
+            throw std::bad_alloc();
     }
 
+    const MemoryFile& GetStateFile() const { return m_state; }
+    const MemoryFile& GetResultFile() const { return m_result; }
+    WorkerState& GetState() const { return *static_cast<WorkerState*>(m_state.GetBytes()); }
+
+    /// Once the worker is gone. What it leaves may still be open elsewhere, so it is sealed first.
+    C3DScene* TakeResult(CIoOptions& options)
+    {
+        if (!m_result.Seal(F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE) || m_result.GetSize() == 0)
+            throw XSetThreadException(new CXArchiveException(CXArchiveException::ARCHIVE_END_OF_FILE));
+        const std::size_t size = m_result.GetSize();
+        const void* const bytes = m_result.Map(size, PROT_READ);
+        if (!bytes)
+            throw std::bad_alloc();
+        return ReadWorkerResult(bytes, size, options);
+    }
+
+private:
+    MemoryFile m_state, m_result;
+};
+
+/// A worker at its work, with all processes that it starts. They end with this.
+class Worker {
+public:
+    ~Worker() { End(); }
+
     /// 0, or the error that kept it from starting.
-    int Start(const std::string& program, const std::vector<std::string>& arguments, int descriptor)
+    int Start(const std::string& program, const std::vector<std::string>& arguments, const SharedMemory& memory)
     {
         std::vector<char*> words{const_cast<char*>(program.c_str())};
         for (const std::string& argument : arguments)
@@ -113,9 +128,18 @@ public:
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);    // importers talk
         posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, descriptor, WORKER_DESCRIPTOR);
-        posix_spawn_file_actions_addclosefrom_np(&actions, WORKER_DESCRIPTOR + 1);
-        const int error = posix_spawn(&m_process, program.c_str(), &actions, nullptr, words.data(), environ);
+        // through numbers that neither has: the one may have the other's place
+        const int state = memory.GetStateFile().GetDescriptor(), result = memory.GetResultFile().GetDescriptor();
+        const int apart = std::max({state, result, WORKER_RESULT_DESCRIPTOR}) + 1;
+        posix_spawn_file_actions_adddup2(&actions, result, apart);
+        posix_spawn_file_actions_adddup2(&actions, state, WORKER_STATE_DESCRIPTOR);
+        posix_spawn_file_actions_adddup2(&actions, apart, WORKER_RESULT_DESCRIPTOR);
+        posix_spawn_file_actions_addclosefrom_np(&actions, WORKER_RESULT_DESCRIPTOR + 1);
+        posix_spawnattr_t attributes;
+        posix_spawnattr_init(&attributes);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);    // a group of its own
+        const int error = posix_spawn(&m_process, program.c_str(), &actions, &attributes, words.data(), environ);
+        posix_spawnattr_destroy(&attributes);
         posix_spawn_file_actions_destroy(&actions);
         if (error)
             m_process = -1;
@@ -130,37 +154,49 @@ public:
         const bool ended = handle < 0 || poll(&end, 1, static_cast<int>(time.count())) > 0;
         if (handle >= 0)
             close(handle);
-        if (ended)
-            Reap();
+        if (ended && handle >= 0)
+            End();
         return ended;
+    }
+    /// Of all processes. The group has its number as long as the first of them is not reaped.
+    void End()
+    {
+        if (m_process <= 0)
+            return;
+        kill(-m_process, SIGKILL);
+        while (waitpid(m_process, &m_status, 0) < 0 && errno == EINTR)
+            continue;
+        m_process = -1;
     }
     /// As waitpid gives it, once it has ended.
     int GetStatus() const { return m_status; }
 
 private:
-    void Reap()
-    {
-        while (waitpid(m_process, &m_status, 0) < 0 && errno == EINTR)
-            continue;
-        m_process = -1;
-    }
-
     pid_t m_process = -1;
     int m_status = 0;
 };
 
-double GetLimit(const CSceneImportOptions& options, unsigned int id, double standard)
+bool GetLimit(const CSceneImportOptions& options, unsigned int id, unsigned int& limit)
 {
-    unsigned int limit;
-    return options.GetCustomData().GetUnsigned(id, limit) ? limit : standard;
+    return options.GetCustomData().GetUnsigned(id, limit);
 }
 
-// A file may hold much more than its size, up to a point.
-double GetStandardMegabytes(const std::string& path)
+double GetSeconds(const CSceneImportOptions& options)
 {
+    unsigned int seconds;
+    return GetLimit(options, IMPORT_SECONDS, seconds) ? seconds : IMPORT_SECONDS_STANDARD;
+}
+
+// What a worker is told of its memory: how much it may take, and how much more for each byte of files beside the first. A limit that the user
+// sets holds for all of them.
+std::vector<std::string> GetMemoryArguments(const CSceneImportOptions& options, const std::string& path)
+{
+    unsigned int megabytes;
+    if (GetLimit(options, IMPORT_MEGABYTES, megabytes))
+        return {std::to_string(megabytes), "0"};
     struct stat status;
-    const double size = stat(path.c_str(), &status) == 0 ? static_cast<double>(status.st_size) / (1 << 20) : 0;
-    return IMPORT_MEGABYTES_STANDARD + size * IMPORT_MEGABYTES_PER_MEGABYTE;
+    const std::uint64_t size = stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    return {std::to_string(IMPORT_MEGABYTES_STANDARD + ((size * IMPORT_BYTES_PER_BYTE) >> 20)), std::to_string(IMPORT_BYTES_PER_BYTE)};
 }
 
 Text DescribeEnd(int status)
@@ -168,6 +204,8 @@ Text DescribeEnd(int status)
     Text text;
     if (WIFSIGNALED(status))
         text.FormatString(L"the importer crashed on it (%s)", Utf8ToWide(strsignal(WTERMSIG(status))).Str().c_str());
+    else if (WEXITSTATUS(status) == WORKER_EXIT_RESULT)
+        text = L"what comes of it takes more memory than it may take (zel: --read-megabytes)";
     else
         text.FormatString(L"the importer gave up on it (exit code %d)", WEXITSTATUS(status));
     return text;
@@ -200,18 +238,18 @@ bool ImportsInProcess()
 
 C3DScene* ImportInWorker(unsigned int fileClass, const CXTString<wchar_t>& path, CSceneImportOptions& options, CProgress& progress)
 {
-    const SharedMemory memory;
-    if (!memory.IsValid())
-        throw std::bad_alloc();
+    SharedMemory memory;
     const std::string program = FindProgram(), file = WideToUtf8(path);
-    const double megabytes = GetLimit(options, IMPORT_MEGABYTES, GetStandardMegabytes(file));
+    std::vector<std::string> arguments{std::to_string(fileClass), file};
+    for (const std::string& argument : GetMemoryArguments(options, file))
+        arguments.push_back(argument);
     Worker worker;
-    if (const int error = worker.Start(program, {std::to_string(fileClass), file, std::to_string(static_cast<std::uint64_t>(megabytes))},
-                                       memory.GetDescriptor())) {
+    if (const int error = worker.Start(program, arguments, memory)) {
         options.AddLogInfo(IoLogInfo::FAILURE, Utf8ToWide(program + ": " + std::strerror(error)));
         return nullptr;
     }
-    const Text reason = WaitForResult(worker, memory.GetState(), GetLimit(options, IMPORT_SECONDS, IMPORT_SECONDS_STANDARD), progress);
+    const Text reason = WaitForResult(worker, memory.GetState(), GetSeconds(options), progress);
+    worker.End();
     if (!reason.IsEmpty()) {
         options.AddLogInfo(IoLogInfo::FAILURE, reason);
         return nullptr;

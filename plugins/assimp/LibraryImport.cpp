@@ -1,6 +1,7 @@
 #include "LibraryImport.h"
 
 #include <exception>
+#include <memory>
 #include <string>
 
 #include <strings.h>
@@ -9,11 +10,11 @@
 #include <assimp/config.h>
 #include <assimp/scene.h>
 
-#include "ForcedReader.h"
 #include "Formats.h"
 #include "MuteStandardError.h"
 #include "Preflight.h"
 #include "ProgressBridge.h"
+#include "ReadingFiles.h"
 #include "SceneImport.h"
 
 namespace {
@@ -31,46 +32,49 @@ bool HasExtension(const std::string& path, const std::string& extension)
     return path.size() >= end.size() && strcasecmp(path.c_str() + path.size() - end.size(), end.c_str()) == 0;
 }
 
-// The library chooses its reader by the extension. A file of another class than its extension says is shown with one of that class.
-const aiScene* ReadFile(Assimp::Importer& importer, unsigned int fileClass, const std::string& path)
+// The library chooses its reader by the extension: the one to show the file with when its own belongs to another class; empty otherwise.
+std::string ForcedExtension(unsigned int fileClass, const std::string& path)
 {
     std::string extension;
     for (const Format& format : ListFormats()) {
         if (format.fileClass != fileClass)
             continue;
         if (HasExtension(path, format.extension))
-            return importer.ReadFile(path, 0);
+            return {};
         if (extension.empty())
             extension = format.extension;
     }
-    auto* files = new ForcedReader(path, extension);    // the importer's
-    importer.SetIOHandler(files);
-    return importer.ReadFile(std::string(files->GetAlias()), 0);
+    return extension;
 }
 
 }
 
-C3DScene* ImportFile(unsigned int fileClass, const CXTString<wchar_t>& path, CSceneImportOptions& options, CProgress& progress)
+C3DScene* ImportFile(unsigned int fileClass, const CXTString<wchar_t>& path, LibraryReading& reading, CSceneImportOptions& options,
+                     CProgress& progress)
 {
-    ProgressBridge bridge(progress);
-    Assimp::Importer importer;
-    importer.SetProgressHandler(&bridge);
-    SetUp(importer);
+    auto* const importer = new Assimp::Importer;
+    const std::unique_ptr<Assimp::Importer> owner(reading.leavesData ? nullptr : importer);
+    importer->SetProgressHandler(new ProgressBridge(progress));    // its own, as the files below
+    SetUp(*importer);
+    const std::string file = WideToUtf8(path);
+    auto* const files = new ReadingFiles(file, fileClass, ForcedExtension(fileClass, file), reading.onCompanion);
+    importer->SetIOHandler(files);
 
     CXTString<wchar_t> reason;
     C3DScene* scene = nullptr;
     const MuteStandardError mute;
     try {
-        if (EndsBeforeItsContent(fileClass, WideToUtf8(path)))
-            reason = L"the file ends before what it announces";
-        else if (const aiScene* source = ReadFile(importer, fileClass, WideToUtf8(path)))
-            scene = ImportScene(*source, GetFormatTraits(fileClass), CFileNameSpec(path).GetTitle(), options);
+        if (const char* const fault = FindFault(fileClass, file))
+            reason = Utf8ToWide(fault);
+        else if (const aiScene* source = importer->ReadFile(files->GetName(), 0))
+            scene = ImportScene(*source, GetFormatTraits(fileClass), CFileNameSpec(path).GetTitle(), reading.images, options);
         else
-            reason = Utf8ToWide(importer.GetErrorString());
+            reason = Utf8ToWide(importer->GetErrorString());
+    } catch (const std::bad_alloc&) {
+        throw;                                 // for the caller, who knows why
     } catch (const std::exception& error) {    // the library's own, such as a file that is too large for it
         reason = Utf8ToWide(error.what());
     }
-    importer.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
     if (!reason.IsEmpty())
         options.AddLogInfo(IoLogInfo::FAILURE, reason);
     return scene;

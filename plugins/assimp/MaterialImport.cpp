@@ -8,10 +8,12 @@
 
 #include <assimp/GltfMaterial.h>
 #include <assimp/material.h>
+#include <assimp/mesh.h>
 #include <assimp/scene.h>
 
 #include "ChannelImport.h"
 #include "TextureImport.h"
+#include "TextureSets.h"
 
 namespace {
 
@@ -50,12 +52,14 @@ Placement GltfPlacementOf(const aiUVTransform& from)
 /// One run of ImportMaterials.
 class MaterialBuilder {
 public:
-    MaterialBuilder(const aiScene& source, const FormatTraits& traits, C3DScene& scene, CSceneImportOptions& options)
-        : m_traits(traits), m_scene(scene), m_textures(source, scene, options)
+    MaterialBuilder(const aiScene& source, const FormatTraits& traits, C3DScene& scene, UnpackedImages& images,
+                    CSceneImportOptions& options)
+        : m_traits(traits), m_scene(scene), m_textures(source, traits.gltf, images, options)
     {
     }
 
-    ImportedMaterial Build(const aiMaterial& from);
+    /// @param sets  of coordinates that meshes of this material have
+    ImportedMaterial Build(const aiMaterial& from, const TextureSets& sets);
 
 private:
     void TakeColors(const aiMaterial& from, C3DMaterial& to);
@@ -71,11 +75,13 @@ private:
     const FormatTraits& m_traits;
     C3DScene& m_scene;
     TextureImport m_textures;
+    TextureSets m_sets;
     std::map<std::pair<unsigned int, Placement>, unsigned int> m_placedChannels;
 };
 
-ImportedMaterial MaterialBuilder::Build(const aiMaterial& from)
+ImportedMaterial MaterialBuilder::Build(const aiMaterial& from, const TextureSets& sets)
 {
+    m_sets = sets;
     ImportedMaterial result;
     const aiString name = from.GetName();
     if (name == aiString(AI_DEFAULT_MATERIAL_NAME))
@@ -213,14 +219,18 @@ void MaterialBuilder::TakeMap(const aiMaterial& from, aiTextureType type, MapTyp
 
 void MaterialBuilder::TakeCoordinates(const aiMaterial& from, aiTextureType type, CMaterialMap& map, ImportedMaterial& result)
 {
-    const auto set = static_cast<unsigned int>(Get<int>(from, AI_MATKEY_UVWSRC(type, 0)).value_or(0));
-    map.SetChannelID(TextureChannelId(set));
+    const auto wanted = static_cast<unsigned int>(Get<int>(from, AI_MATKEY_UVWSRC(type, 0)).value_or(0));
+    const unsigned int found = NearestSet(m_sets, wanted), set = found != NO_TEXTURE_SET ? found : 0;
+    const auto takeAsItStands = [&] {
+        map.SetChannelID(TextureChannelId(set));
+        result.sets.push_back(set);
+    };
     const auto transform = Get<aiUVTransform>(from, AI_MATKEY_UVTRANSFORM(type, 0));
     if (!transform)
-        return;
+        return takeAsItStands();
     const Placement placement = m_traits.gltf ? GltfPlacementOf(*transform) : PlacementOf(*transform);
     if (placement == UNMOVED || !std::ranges::all_of(placement, [](float value) { return std::isfinite(value); }))
-        return;
+        return takeAsItStands();
     const auto next = static_cast<unsigned int>(FIRST_PLACED_CHANNEL + m_placedChannels.size());
     const unsigned int id = m_placedChannels.try_emplace({set, placement}, next).first->second;
     map.SetChannelID(id);
@@ -245,12 +255,16 @@ void MaterialBuilder::TakeProjection(const aiMaterial& from, aiTextureType type,
 
 }
 
-std::vector<ImportedMaterial> ImportMaterials(const aiScene& source, const FormatTraits& traits, C3DScene& scene,
+std::vector<ImportedMaterial> ImportMaterials(const aiScene& source, const FormatTraits& traits, C3DScene& scene, UnpackedImages& images,
                                               CSceneImportOptions& options)
 {
-    MaterialBuilder builder(source, traits, scene, options);
+    MaterialBuilder builder(source, traits, scene, images, options);
+    std::vector<TextureSets> sets(source.mNumMaterials);
+    for (unsigned int i = 0; i < source.mNumMeshes; i++)
+        if (const aiMesh& mesh = *source.mMeshes[i]; mesh.mMaterialIndex < sets.size())
+            sets[mesh.mMaterialIndex] |= TextureSetsOf(mesh);
     std::vector<ImportedMaterial> materials;
     for (unsigned int i = 0; i < source.mNumMaterials; i++)
-        materials.push_back(builder.Build(*source.mMaterials[i]));
+        materials.push_back(builder.Build(*source.mMaterials[i], sets[i]));
     return materials;
 }

@@ -5,6 +5,7 @@
 #include <3dzel.h>
 
 #include "Formats.h"
+#include "UnpackedImages.h"
 
 struct aiScene;
 
@@ -19,6 +20,7 @@ struct PlacedCoordinates {
 struct ImportedMaterial {
     unsigned int id = 0;    ///< in the scene; 0, the default material, for none
     bool twoSided = false;
+    std::vector<unsigned int> sets;    ///< of coordinates that its maps take as they stand
     std::vector<PlacedCoordinates> placed;
 };
 
@@ -26,5 +28,5 @@ struct ImportedMaterial {
 ///
 /// Opacity and the alpha of colours become the transparency factor. The colour of a metal-and-roughness material is the diffuse colour, and the
 /// smoother the stronger its highlights. Maps name files as the file does; those of the bump type may hold normals.
-std::vector<ImportedMaterial> ImportMaterials(const aiScene& source, const FormatTraits& traits, C3DScene& scene,
+std::vector<ImportedMaterial> ImportMaterials(const aiScene& source, const FormatTraits& traits, C3DScene& scene, UnpackedImages& images,
                                               CSceneImportOptions& options);

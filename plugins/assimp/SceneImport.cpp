@@ -18,9 +18,10 @@ namespace {
 /// One run of ImportScene.
 class SceneBuilder {
 public:
-    SceneBuilder(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, CSceneImportOptions& options)
-        : m_source(source), m_traits(traits), m_title(title), m_options(options), m_scene(C3DScene::Create()), m_animation(source),
-          m_cameras(source, traits, options)
+    SceneBuilder(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, UnpackedImages& images,
+                 CSceneImportOptions& options)
+        : m_source(source), m_traits(traits), m_title(title), m_images(images), m_options(options), m_scene(C3DScene::Create()),
+          m_animation(source), m_cameras(source, traits, options)
     {
     }
     ~SceneBuilder() { DeleteMe(m_scene); }
@@ -28,7 +29,7 @@ public:
     C3DScene* Build()
     {
         TakeUnit();
-        m_materials = ImportMaterials(m_source, m_traits, *m_scene, m_options);
+        m_materials = ImportMaterials(m_source, m_traits, *m_scene, m_images, m_options);
         TakeNodes();
         for (const CameraLightImport::Item& item : m_cameras.TakeRest())
             AddCameraNode(item, nullptr);
@@ -49,6 +50,7 @@ private:
     const aiScene& m_source;
     const FormatTraits& m_traits;
     const CXTString<wchar_t>& m_title;
+    UnpackedImages& m_images;
     CSceneImportOptions& m_options;
     C3DScene* m_scene;
     const AnimationImport m_animation;
@@ -185,7 +187,8 @@ C3DBaseObject* SceneBuilder::ObjectOf(const aiNode& node, bool hasChildren, std:
 
 }
 
-C3DScene* ImportScene(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, CSceneImportOptions& options)
+C3DScene* ImportScene(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, UnpackedImages& images,
+                      CSceneImportOptions& options)
 {
-    return source.mRootNode ? SceneBuilder(source, traits, title, options).Build() : nullptr;
+    return source.mRootNode ? SceneBuilder(source, traits, title, images, options).Build() : nullptr;
 }

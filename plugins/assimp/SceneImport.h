@@ -3,6 +3,7 @@
 #include <3dzel.h>
 
 #include "Formats.h"
+#include "UnpackedImages.h"
 
 struct aiScene;
 
@@ -12,6 +13,8 @@ struct aiScene;
 /// A camera or light is the object of the node of its name; where that has something else to carry, it gets a node below.
 ///
 /// @param title    names a node without name
+/// @param images   receives the images inside the file
 /// @param options  receives a line for whatever could not be taken over
 /// @return         owned by the caller; null without a root node
-C3DScene* ImportScene(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, CSceneImportOptions& options);
+C3DScene* ImportScene(const aiScene& source, const FormatTraits& traits, const CXTString<wchar_t>& title, UnpackedImages& images,
+                      CSceneImportOptions& options);

@@ -5,17 +5,19 @@
 
 #include <3dzel.h>
 
+#include "UnpackedImages.h"
+
 struct aiScene;
 struct aiTexture;
 
 /// Names of the image files of a scene's maps.
 ///
-/// Images inside the scene's file are written to 3dzel/textures/<hash of the content> in the user's cache folder ($XDG_CACHE_HOME or ~/.cache),
-/// once for all files that hold them, under the name that they have in the file; the folder becomes a texture path of the scene.
+/// Images inside the scene's file go to UnpackedImages under the name that they have in the file.
 class TextureImport {
 public:
-    TextureImport(const aiScene& source, C3DScene& scene, CSceneImportOptions& options)
-        : m_source(source), m_scene(scene), m_options(options)
+    /// @param decodesNames  names in the file are URIs
+    TextureImport(const aiScene& source, bool decodesNames, UnpackedImages& images, CSceneImportOptions& options)
+        : m_source(source), m_decodesNames(decodesNames), m_images(images), m_options(options)
     {
     }
 
@@ -27,7 +29,8 @@ private:
     CXTString<wchar_t> Unpack(const aiTexture& texture, const std::string& name);
 
     const aiScene& m_source;
-    C3DScene& m_scene;
+    bool m_decodesNames;
+    UnpackedImages& m_images;
     CSceneImportOptions& m_options;
     std::map<const aiTexture*, CXTString<wchar_t>> m_unpacked;
 };

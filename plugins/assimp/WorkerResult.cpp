@@ -40,32 +40,46 @@ struct Release {
 
 }
 
-bool WriteWorkerResult(int descriptor, const CIoOptions& options, C3DScene* scene)
+bool WriteWorkerResult(int descriptor, const CIoOptions& options, UnpackedImages& images, C3DScene* scene)
 {
-    if (lseek(descriptor, WORKER_RESULT, SEEK_SET) < 0)
-        return false;
     DescriptorFile file(descriptor);
-    CXArchive ar(&file, CXArchive::STORE, 1 << 16);
-    ar.WriteCount(options.GetLog().size());
-    for (const IoLogInfo& line : options.GetLog())
-        ar << static_cast<std::uint32_t>(line.level) << line.text;
-    ar << (scene != nullptr);
-    if (scene)
-        scene->Serialize(ar);
-    ar.Close();
+    try {
+        CXArchive ar(&file, CXArchive::STORE, 1 << 16);
+        ar.WriteCount(options.GetLog().size());
+        for (const IoLogInfo& line : options.GetLog())
+            ar << static_cast<std::uint32_t>(line.level) << line.loss << line.text;
+        images.Serialize(ar);
+        ar << (scene != nullptr);
+        if (scene)
+            scene->Serialize(ar);
+        ar.Close();
+    } catch (const CXArchiveException*) {
+        XDeleteThreadException();
+        return false;
+    }
     return true;
+}
+
+static void ReadLogLine(CXArchive& ar, CIoOptions& options)
+{
+    std::uint32_t level = 0;
+    bool loss = false;
+    CXTString<wchar_t> text;
+    ar >> level >> loss >> text;
+    if (loss)
+        options.AddLossInfo(text);
+    else
+        options.AddLogInfo(static_cast<int>(level), text);
 }
 
 C3DScene* ReadWorkerResult(const void* bytes, std::size_t size, CIoOptions& options)
 {
     CCustomMemFile file(bytes, size);
     CXArchive ar(&file, CXArchive::LOAD, 1 << 16);
-    for (std::uint64_t lines = ar.ReadCount(sizeof(std::uint32_t)); lines > 0; lines--) {
-        std::uint32_t level = 0;
-        CXTString<wchar_t> text;
-        ar >> level >> text;
-        options.AddLogInfo(static_cast<int>(level), text);
-    }
+    for (std::uint64_t lines = ar.ReadCount(sizeof(std::uint32_t)); lines > 0; lines--)
+        ReadLogLine(ar, options);
+    UnpackedImages images;
+    images.Serialize(ar);
     bool hasScene = false;
     ar >> hasScene;
     if (!hasScene)
@@ -73,5 +87,6 @@ C3DScene* ReadWorkerResult(const void* bytes, std::size_t size, CIoOptions& opti
     std::unique_ptr<C3DScene, Release> scene(C3DScene::Create());
     scene->Serialize(ar);
     ar.Close();
+    images.Write(*scene, options);
     return scene.release();
 }

@@ -6,20 +6,26 @@
 
 #include <3dzel.h>
 
-// What passes between a host and the worker that reads a file for it: one piece of memory that both have. First the state, then, once
-// the worker is done, the log and the scene.
+#include "UnpackedImages.h"
+
+// What passes between a host and the worker that reads a file for it: a piece of memory for the state, which both have mapped, and a file in
+// memory for the result, which the worker writes and the host seals before it looks at it.
 
 /// Written by the worker while the host looks at it.
 struct WorkerState {
     std::atomic<std::uint32_t> thousandths;    ///< of the reading
     std::atomic<std::uint32_t> done;           ///< the result stands
 };
-constexpr std::size_t WORKER_RESULT = 4096;    ///< where the result begins
+constexpr std::size_t WORKER_STATE_SIZE = 4096;
 
-/// Descriptor under which the worker finds the memory.
-constexpr int WORKER_DESCRIPTOR = 3;
+/// Descriptors under which the worker finds them.
+constexpr int WORKER_STATE_DESCRIPTOR = 3, WORKER_RESULT_DESCRIPTOR = 4;
 
-/// The worker's side: behind WORKER_RESULT. False when the memory does not take it.
-bool WriteWorkerResult(int descriptor, const CIoOptions& options, C3DScene* scene);
-/// The host's side: lines go to the log. Throws CXArchiveException when the bytes are no result; the scene is the caller's, or null.
+/// How a worker ends.
+enum WorkerExit { WORKER_EXIT_DONE = 0, WORKER_EXIT_ARGUMENTS = 2, WORKER_EXIT_RESULT = 3 };
+
+/// The worker's side. False when the file does not take the result.
+bool WriteWorkerResult(int descriptor, const CIoOptions& options, UnpackedImages& images, C3DScene* scene);
+/// The host's side: lines go to the log, images to the disk. Throws CXArchiveException when the bytes are no result; the scene is the caller's,
+/// or null.
 C3DScene* ReadWorkerResult(const void* bytes, std::size_t size, CIoOptions& options);
