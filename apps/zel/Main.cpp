@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -56,8 +57,12 @@ int main(int argc, char** argv)
     app.add_option("--read-as", reading.extension, "Extension of the format that files are in, whatever their names say")->group(READING);
     app.add_option("--read-seconds", reading.seconds, "Most time for a file of another program; 600 by default, 0: no limit")
         ->group(READING);
-    app.add_option("--read-megabytes", reading.megabytes, "Most memory for one; 4096 and 64 times its size by default, 0: no limit")
+    app.add_option("--read-megabytes", reading.megabytes, "Most memory for one; 64 and 40 times its size by default, 0: no limit")
         ->group(READING);
+    const std::map<std::string, _UP_AXIS_MODE> axes{{"x", UP_AXIS_X}, {"y", UP_AXIS_Y}, {"z", UP_AXIS_Z}};
+    app.add_option("--read-up", reading.up, "Axis that points up, where the file can't say: x, y or z")
+        ->group(READING)
+        ->transform(CLI::CheckedTransformer(axes, CLI::ignore_case).description(""));
 
     bool json = false, tree = false;
     std::vector<std::string> files;

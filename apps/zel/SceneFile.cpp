@@ -14,12 +14,15 @@ static unsigned int GetWantedClass()
     return s_settings.extension.empty() ? 0 : CFileNameSpec(Utf8ToWide("file." + s_settings.extension)).GetClass();
 }
 
-static void ApplyLimits(CSceneImportOptions& options)
+static void ApplySettings(CSceneImportOptions& options)
 {
+    options.GetCustomData().SetBool(IMPORT_SHAPELESS, true);
     if (s_settings.seconds)
         options.GetCustomData().SetUnsigned(IMPORT_SECONDS, *s_settings.seconds);
     if (s_settings.megabytes)
         options.GetCustomData().SetUnsigned(IMPORT_MEGABYTES, *s_settings.megabytes);
+    if (s_settings.up)
+        options.GetCustomData().SetUnsigned(IMPORT_UP_AXIS, *s_settings.up);
 }
 
 // The first failure of the log is the exact one; later ones only say that the work failed.
@@ -77,7 +80,7 @@ std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string
         console.Fail(name + ": no reader for files like ." + s_settings.extension + " (see zel formats)");
         return std::nullopt;
     }
-    ApplyLimits(options);
+    ApplySettings(options);
     C3DIo io(CFileNameSpec(Utf8ToWide(name), wantedClass), FILEIO_READ | FILEIO_SILENT, nullptr);
     SceneFile file;
     const auto start = std::chrono::steady_clock::now();

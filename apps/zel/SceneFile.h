@@ -25,6 +25,7 @@ struct SceneFile {
 /// How files are read, for the whole run.
 struct ReadSettings {
     std::optional<unsigned int> seconds, megabytes;    ///< limits for a file of another program; 0 is none
+    std::optional<_UP_AXIS_MODE> up;                   ///< axis that points up in files that don't tell
     std::string extension;                             ///< of the format that files are in, whatever their names say; empty: by name
 };
 void SetReadSettings(const ReadSettings& settings);

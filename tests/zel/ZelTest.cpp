@@ -11,6 +11,9 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
     std::ofstream(folder.Name("two\nlines.obj")) << "";
     const std::string broken = folder.Name("broken.3ds"), missing = folder.Name("missing.obj");
     const std::string renamed = folder.Name("model.data");
+    const std::string motion =
+        folder.Write("walk.bvh", "HIERARCHY\nROOT hip\n{\nOFFSET 0 0 0\nCHANNELS 1 Xposition\nEnd Site\n{\nOFFSET 0 1 0\n}\n}\n"
+                                 "MOTION\nFrames: 2\nFrame Time: 0.04\n0\n1\n");
     std::filesystem::copy_file(MODEL, renamed);
     const struct {
         std::string arguments;
@@ -54,6 +57,8 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
         {"info --read-as ply " + MODEL, 3, 1},
         {"info --read-as dae --read-seconds 0 --read-megabytes 0 " + renamed, 0, 0},
         {"info --read-seconds soon " + MODEL, 2, 1},
+        {"info --read-up up " + MODEL, 2, 1},
+        {"info " + motion, 0, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments);
@@ -98,6 +103,18 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
     const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
     ASSERT_TRUE(two.is_array());
     EXPECT_EQ(two.size(), 2u);
+}
+
+TEST_F(Zel, WhoReadsSaysWhichAxisPointsUp)
+{
+    const std::string file = WriteTriangle("t.obj", 3);
+    const auto box = [&](const std::string& option) {
+        return nlohmann::json::parse(Call("info --json " + option + file).out)["bounds"]["max"];
+    };
+    EXPECT_EQ(box(""), nlohmann::json({3, 0, 3}));
+    EXPECT_EQ(box("--read-up y "), box(""));
+    EXPECT_EQ(box("--read-up Z "), nlohmann::json({3, 3, 0}));
+    EXPECT_EQ(box("--read-up x "), nlohmann::json({0, 0, 3}));
 }
 
 TEST_F(Zel, TellsWhichTexturesAreFound)
