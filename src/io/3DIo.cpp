@@ -124,8 +124,7 @@ bool C3DIo::PrepareReading()
     const bool isReachable = !IsURL(false) || IsURL(true);
     if (!isReachable || !file.OpenFile(GetDiskName(), 1, nullptr)) {
         SetIoError(IORESULT_NO_FILE, nullptr, IoLogInfo::FAILURE);
-        if (const Text reason = file.GetErrorText(); !reason.IsEmpty())
-            SetIoDetail(L"(" + reason + L")");
+        SetIoDetail(file.GetErrorText());
         ReportIoError(nullptr, FAILURE_LEVELS);
         return false;
     }

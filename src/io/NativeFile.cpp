@@ -62,6 +62,13 @@ const wchar_t* GetDamageText(int type)
     }
 }
 
+/// Says in the system's words why a file could not be written, before anything that only says that it could not.
+void LogReason(const IoFile& file, const Text& name, CIoOptions& options)
+{
+    if (const Text reason = file.GetErrorText(); !reason.IsEmpty())
+        options.AddLogInfo(IoLogInfo::FAILURE, name + L" could not be written: " + reason);
+}
+
 /// True when the scene came through whole.
 bool ReadScene(IoFile& file, C3DScene& scene, const Text& name, CSceneImportOptions& options)
 {
@@ -84,6 +91,16 @@ void LogBadFaces(C3DScene& scene, CIoOptions& options)
     }
     for (const unsigned int face : faces)
         LogBadFace(options, face);
+}
+
+void WriteScene(IoFile& file, C3DScene& scene)
+{
+    CXArchive ar(&file, CXArchive::STORE, BUFFER);
+    Header header = {{}, C3DIFIo::VERSION, C3DIFIo::LOWEST_READER};
+    std::copy(std::begin(C3DIFIo::MAGIC), std::end(C3DIFIo::MAGIC), header.magic);
+    MoveHeader(ar, header);
+    scene.Serialize(ar);
+    ar.Close();
 }
 
 /// The file name of a scene is not stored with it. It comes back unless the scene was saved.
@@ -134,18 +151,20 @@ bool C3DIFIo::Save(const CXTString<wchar_t>& name, C3DScene* scene, CSceneExport
 {
     IoFile file(IsSilent(), SCENE_FILE);
     if (!file.OpenFile(name, 0, nullptr)) {
+        LogReason(file, name, options);
         SetIoError(IORESULT_NO_FILE, &options, IoLogInfo::FAILURE);
         return false;
     }
     LogBadFaces(*scene, options);
     CNameOutOfTheWay sceneName(*scene);
-    CXArchive ar(&file, CXArchive::STORE, BUFFER);
-    Header header = {{}, VERSION, LOWEST_READER};
-    std::copy(std::begin(MAGIC), std::end(MAGIC), header.magic);
-    MoveHeader(ar, header);
-    scene->Serialize(ar);
-    ar.Close();
+    try {
+        WriteScene(file, *scene);
+    } catch (const CXArchiveException*) {
+        LogReason(file, name, options);
+        throw;
+    }
     if (!file.CloseFile()) {
+        LogReason(file, name, options);
         SetIoError(IORESULT_FAILED, &options, IoLogInfo::FAILURE);
         return false;
     }

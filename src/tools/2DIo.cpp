@@ -195,10 +195,15 @@ int C2DIo::WriteFrames(const CFrameBitmap& frames, int first, int count, const T
     IoFile file;
     if (!file.OpenFile(name, 0, nullptr)) {
         Fail(IORESULT_NO_FILE, IMAGE_OK);
+        SetIoDetail(file.GetErrorText());
         return IORESULT_FAILED;
     }
     const bool written = file.WriteBytes(bytes.data(), bytes.size());
-    return file.CloseFile(written) && written ? IORESULT_OK : Fail(IORESULT_FAILED, IMAGE_OK);
+    if (file.CloseFile(written) && written)
+        return IORESULT_OK;
+    Fail(IORESULT_FAILED, IMAGE_OK);
+    SetIoDetail(file.GetErrorText());
+    return IORESULT_FAILED;
 }
 
 int C2DIo::Save(const Bitmap* bitmap)
