@@ -1,21 +1,24 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <unistd.h>
 
+#include "Printable.h"
+
 namespace {
 
-// Messages of importers may run over lines and hold control characters of a broken file.
-std::string OneLine(const std::string& text)
+// Messages of importers may run over lines.
+std::string OneLine(std::string text)
 {
-    std::string line;
-    for (const char character : text)
-        line += static_cast<unsigned char>(character) < ' ' || character == 0x7F ? ' ' : character;
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
+    std::ranges::replace_if(
+        text, [](char character) { return character == '\n' || character == '\r' || character == '\t'; }, ' ');
+    text.erase(text.find_last_not_of(' ') + 1);
+    return Printable(text);
 }
 
 bool HasColor()
@@ -44,7 +47,20 @@ void Console::PassOn(const std::string& talk) const
     std::fwrite(talk.data(), 1, talk.size(), stderr);
 }
 
-std::string Console::Heading(const std::string& text) const { return HasColor() ? "\033[1m" + text + "\033[0m" : text; }
+void Console::PrintHeading(const std::string& text) const
+{
+    const std::string heading = Printable(text);
+    std::printf(HasColor() ? "\033[1m%s\033[0m\n" : "%s\n", heading.c_str());
+}
+
+bool Console::Finish() const
+{
+    errno = 0;
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return true;
+    Fail(std::string("standard output: ") + (errno ? std::strerror(errno) : "not all could be written"));
+    return false;
+}
 
 bool Console::HasProgress() const { return !m_quiet && isatty(STDERR_FILENO); }
 
@@ -55,7 +71,7 @@ void Console::ShowProgress(const std::string& text, double fraction) const
         return;
     const int filled = std::clamp(static_cast<int>(fraction * WIDTH), 0, WIDTH);
     std::fprintf(stderr, "\r\033[K[%s%s] %s", std::string(filled, '#').c_str(), std::string(WIDTH - filled, ' ').c_str(),
-                 OneLine(text).substr(0, 40).c_str());
+                 OneLine(text.substr(0, 40)).c_str());
     std::fflush(stderr);
     m_showsProgress = true;
 }

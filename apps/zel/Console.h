@@ -4,7 +4,7 @@
 
 #include <3dzel.h>
 
-/// Where zel speaks: data goes to standard output, talk to standard error.
+/// Where zel speaks: data goes to standard output, talk to standard error. What it says is made printable.
 class Console {
 public:
     /// No talk but failures.
@@ -14,8 +14,10 @@ public:
     void Say(const std::string& text) const;
     /// One line on standard error, always.
     void Fail(const std::string& text) const;
-    /// A heading for standard output: bold on a terminal, unless NO_COLOR is set.
-    std::string Heading(const std::string& text) const;
+    /// A line on standard output: bold on a terminal, unless NO_COLOR is set.
+    void PrintHeading(const std::string& text) const;
+    /// False, with one line on standard error, when something that was printed did not come out: a full disk, a closed pipe.
+    bool Finish() const;
 
     /// Progress is shown: standard error is a terminal, and nobody asked for quiet.
     bool HasProgress() const;

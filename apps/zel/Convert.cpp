@@ -1,10 +1,13 @@
 #include "Convert.h"
 
 #include <charconv>
-#include <map>
+#include <chrono>
 #include <optional>
+#include <set>
 
+#include "OutputTarget.h"
 #include "ProgressBar.h"
+#include "StandardInput.h"
 
 namespace {
 
@@ -35,13 +38,20 @@ ConvertVerb::ConvertVerb(CLI::App& app)
     constexpr const char* BATCH = "Many files";
     m_verb->add_option("FILE", m_files, "IN OUT, or IN... with --out-dir")->required();
     CLI::Option* const folder = m_verb->add_option("--out-dir", m_folder, "Write each file to this folder, under its own name");
-    folder->group(BATCH)->needs(m_verb->get_option("--format"));
-    m_verb->add_option("-j,--jobs", m_jobs, "Files at a time, each in a process of its own")
+    folder->group(BATCH)->type_name("DIR")->needs(m_verb->get_option("--format"));
+    m_verb->add_flag("--keep-tree", m_keepTree, "Keep the folders of the files: a/b/c.obj becomes DIR/a/b/c")->group(BATCH)->needs(folder);
+    m_verb->add_option("-j,--jobs", m_jobs, "Files at a time, each in a process of its own; 1 by default, 1024 at most")
         ->group(BATCH)
-        ->check(CLI::Range(1u, 1024u))
+        ->type_name("N")
+        ->check(CLI::Range(1u, 1024u).description(""))
         ->needs(folder);
-    m_verb->add_option("--shard", m_shard, "I/N: only the I-th of N parts of the list, for array jobs; I from 1")
+    m_verb->add_option("--job-seconds", m_jobSeconds, "Time limit for each file; 3600 by default, 0: no limit")
         ->group(BATCH)
+        ->type_name("N")
+        ->needs(folder);
+    m_verb->add_option("--shard", m_shard, "Only the I-th of N parts of the list, for array jobs; I from 1")
+        ->group(BATCH)
+        ->type_name("I/N")
         ->check([](const std::string& text) { return ParseShard(text) ? std::string() : "not I/N with I from 1 to N: " + text; })
         ->needs(folder);
 }
@@ -59,15 +69,15 @@ ExitCode ConvertVerb::Run(const Console& console) const
 ExitCode ConvertVerb::ConvertFile(const Console& console, const std::string& source, const std::string& target) const
 {
     const InputFiles inputs({source});
-    unsigned int fileClass;
-    if (m_output.IsInput(console, target, inputs) || !m_output.GetFormat(console, fileClass))
-        return EXIT_USAGE;    // before the time that reading takes
+    if (const ExitCode code = m_output.Check(console, target, inputs); code != EXIT_DONE)
+        return code;
     const ProgressBar bar(console);
     C3DConversionReport report;
-    const std::optional<SceneFile> file = m_input.Read(console, source, report);
+    std::string failure;
+    const std::optional<SceneFile> file = m_input.Read(console, source, report, &failure);
     if (file)
         return m_output.Write(console, *file->scene, target, inputs, report);
-    m_output.PrintFailure(inputs, target, report);
+    m_output.PrintFailure(inputs, target, report, failure);
     return EXIT_UNREADABLE;
 }
 
@@ -76,11 +86,15 @@ ExitCode ConvertVerb::ConvertMany(const Console& console) const
     std::vector<BatchItem> items;
     if (!ListItems(console, items))
         return EXIT_USAGE;
-    if (!fileCreateDirectory(Utf8ToWide(m_folder), true)) {
-        console.Fail(m_folder + ": can't be made");
-        return EXIT_FAILED;
-    }
-    return Batch(console, std::move(items), m_jobs)
+    std::set<std::string> folders{m_folder};
+    for (const BatchItem& item : items)
+        folders.insert(WideToUtf8(fileGetPath(Utf8ToWide(item.target))));
+    for (const std::string& folder : folders)
+        if (const std::string reason = MakeFolder(folder); !reason.empty()) {
+            console.Fail(folder + ": " + reason);
+            return EXIT_FAILED;
+        }
+    return Batch(console, std::move(items), m_jobs, std::chrono::seconds(m_jobSeconds))
         .Run([&](const BatchItem& item) { return ConvertFile(console, item.source, item.target); }, m_output.IsJsonReport());
 }
 
@@ -95,18 +109,35 @@ bool ConvertVerb::ListItems(const Console& console, std::vector<BatchItem>& item
     const std::string extension = WideToUtf8(format.GetMainExtension());
     const InputFiles inputs(m_files);
     const Shard shard = ParseShard(m_shard).value_or(Shard());
-    std::map<std::string, std::string> sourceOf;
+    std::set<std::string> sources, targets;
     for (std::size_t i = 0; i < m_files.size(); i++) {
-        const std::string title = WideToUtf8(fileStripExtension(fileStripPath(Utf8ToWide(m_files[i]))));
-        const std::string target = WideToUtf8(fileAddSlash(Utf8ToWide(m_folder))) + title + extension;
-        if (m_output.IsInput(console, target, inputs))
-            return false;
-        if (const auto [other, isNew] = sourceOf.emplace(target, m_files[i]); !isNew) {
-            console.Fail(target + " would be made of both " + other->second + " and " + m_files[i]);
+        if (!sources.insert(m_files[i]).second) {
+            console.Fail(m_files[i] + ": is given twice");
             return false;
         }
-        if (i % shard.count == shard.number - 1)
-            items.push_back({m_files[i], target});
+        const std::string title = GetTitle(m_files[i]);
+        std::string target = title + extension;
+        for (int number = 2; !targets.insert(target).second; number++)
+            target = title + "-" + std::to_string(number) + extension;
+        if (m_output.IsInput(console, target, inputs))
+            return false;
+        if (i % shard.count != shard.number - 1)
+            continue;
+        if (target != title + extension)
+            console.Say(m_files[i] + ": is written to " + target + ", for another file has its name");
+        items.push_back({m_files[i], target});
     }
     return true;
+}
+
+// What the file becomes, without extension.
+std::string ConvertVerb::GetTitle(const std::string& source) const
+{
+    using Text = CXTString<wchar_t>;
+    const Text name = Utf8ToWide(source == STANDARD_INPUT ? "stdin" : source);
+    Text folders = m_keepTree ? fileNormalize(fileGetPath(name)) : Text();
+    folders = folders == L"." ? Text() : folders.Mid(fileGetRoot(folders).GetLength());
+    while (folders == L".." || folders.Left(3) == L"../")    // never out of the folder
+        folders = folders.Mid(3);
+    return WideToUtf8(fileAddSlash(Utf8ToWide(m_folder)) + fileAddSlash(folders) + fileStripExtension(fileStripPath(name)));
 }

@@ -24,12 +24,14 @@ private:
     ExitCode ConvertFile(const Console& console, const std::string& source, const std::string& target) const;
     ExitCode ConvertMany(const Console& console) const;
     bool ListItems(const Console& console, std::vector<BatchItem>& items) const;
+    std::string GetTitle(const std::string& source) const;
 
     CLI::App* m_verb;
     SceneInput m_input;
     SceneOutput m_output;
     std::vector<std::string> m_files;
     std::string m_folder;
-    unsigned int m_jobs = 1;
+    bool m_keepTree = false;
+    unsigned int m_jobs = 1, m_jobSeconds = 3600;
     std::string m_shard;
 };

@@ -4,11 +4,9 @@
 #include <cstdio>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include "Printable.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /// A file class and who handles it.
 struct FormatRow {
@@ -72,13 +70,14 @@ ExitCode ShowFormats(const Console& console, bool json)
                                {"read", row.format.CanRead()},
                                {"write", row.format.CanWrite()},
                                {"by", row.handlers}});
-        std::printf("%s\n", Json{{"schema", 1}, {"formats", formats}}.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
+        PrintJson({{"schema", 1}, {"formats", formats}});
         return EXIT_DONE;
     }
-    std::printf("%s\n", console.Heading("extension   class  read  write  by       format").c_str());
+    console.PrintHeading("extension   class  read  write  by       format");
     for (const FormatRow& row : rows)
         std::printf("%-11s %-6s %-5s %-6s %-8s %s\n", Join(Extensions(row.format)).c_str(),
                     WideToUtf8(fileGetClassText(row.format.fileClass)).c_str(), row.format.CanRead() ? "yes" : "-",
-                    row.format.CanWrite() ? "yes" : "-", Join(row.handlers).c_str(), WideToUtf8(row.format.description).c_str());
+                    row.format.CanWrite() ? "yes" : "-", Printable(Join(row.handlers)).c_str(),
+                    Printable(WideToUtf8(row.format.description)).c_str());
     return EXIT_DONE;
 }

@@ -6,15 +6,12 @@
 #include <optional>
 #include <utility>
 
-#include <nlohmann/json.hpp>
-
 #include "NodeTree.h"
+#include "Printable.h"
 #include "SceneFile.h"
 #include "SceneSummary.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 Json ToJson(const C3DTPoint<float>& point) { return {point.x, point.y, point.z}; }
 
@@ -115,7 +112,7 @@ std::string Text(const C3DTPoint<float>& point)
     return text;
 }
 
-void PrintLine(const char* name, const std::string& value) { std::printf("  %-11s %s\n", name, value.c_str()); }
+void PrintLine(const char* name, const std::string& value) { std::printf("  %-11s %s\n", name, Printable(value).c_str()); }
 
 std::string Number(std::uint64_t value) { return std::to_string(value); }
 
@@ -158,7 +155,7 @@ void PrintTree(C3DScene& scene)
     for (const NodeRow& row : ListNodes(scene)) {
         const std::string indent(4 + 2 * std::size_t{row.depth}, ' ');
         const std::string counts = List({{row.points, "points"}, {row.faces, "faces"}});
-        std::printf("%s%s [%s%s]%s%s\n", indent.c_str(), WideToUtf8(row.node->GetName()).c_str(),
+        std::printf("%s%s [%s%s]%s%s\n", indent.c_str(), Printable(WideToUtf8(row.node->GetName())).c_str(),
                     KindText(row.node->GetObjectKindOf()).c_str(), row.instance ? ", instance" : "", counts.empty() ? "" : " ",
                     counts.c_str());
         for (int i = 0; row.moved && i < 3; i++)
@@ -169,7 +166,7 @@ void PrintTree(C3DScene& scene)
 
 void Print(const Console& console, const SceneFile& file, const SceneSummary& summary, bool tree)
 {
-    std::printf("%s\n", console.Heading(file.name).c_str());
+    console.PrintHeading(file.name);
     PrintLine("format", file.format + " [" + file.fileClass + "]");
     PrintLine("nodes", Number(summary.nodes));
     for (const auto& [kind, count] : summary.nodesByKind)
@@ -208,9 +205,13 @@ ExitCode ShowInfo(const Console& console, const std::vector<std::string>& files,
     Json results = Json::array();
     std::size_t read = 0;
     for (const std::string& name : files) {
-        const std::optional<SceneFile> file = ReadSceneFile(console, name);
-        if (!file)
+        CSceneImportOptions options;
+        std::string failure;
+        const std::optional<SceneFile> file = ReadSceneFile(console, name, options, &failure);
+        if (!file) {
+            results.push_back({{"schema", 1}, {"file", name}, {"error", failure}});
             continue;
+        }
         read++;
         const SceneSummary summary(*file->scene);
         if (json)
@@ -218,11 +219,8 @@ ExitCode ShowInfo(const Console& console, const std::vector<std::string>& files,
         else
             Print(console, *file, summary, tree);
     }
-    if (json && (read > 0 || files.size() > 1)) {
-        const Json& document = files.size() == 1 ? results.front() : results;
-        // A name that is no UTF-8 must not cost the rest of the document.
-        std::printf("%s\n", document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
-    }
+    if (json)
+        PrintJson(files.size() == 1 ? results.front() : results);
     if (read == files.size())
         return EXIT_DONE;
     return read == 0 ? EXIT_UNREADABLE : EXIT_BATCH;

@@ -1,24 +1,23 @@
 // zel: the command-line tool of 3DZel.
 
-#include <csignal>
-#include <cstdio>
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
-
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
 #include "Console.h"
 #include "Convert.h"
 #include "ExitCode.h"
+#include "Failure.h"
 #include "Formats.h"
 #include "Info.h"
 #include "Merge.h"
 #include "Process.h"
 #include "Render.h"
 #include "SceneFile.h"
+#include "Signals.h"
 #include "Thumbnail.h"
 
 namespace {
@@ -33,16 +32,27 @@ private:
     static constexpr unsigned int INIT_FLAGS = 1;    // no viewer commands
 };
 
-void OnInterrupt(int)
+// What is wrong with a command line. The parser only says that a verb is missing when there is one that it does not know.
+std::string DescribeMistake(const CLI::App& app, const CLI::ParseError& error)
 {
-    _exit(EXIT_INTERRUPTED);    // files are written beside their targets: what is there is whole
+    std::string unknown;
+    if (app.get_subcommands().empty())
+        for (const std::string& argument : app.remaining())
+            if (unknown.empty() && !argument.starts_with('-'))
+                unknown = argument;
+    if (unknown.empty())
+        return std::string(error.what()) + " (see zel --help)";
+    std::string verbs;
+    for (const CLI::App* verb : app.get_subcommands(nullptr))
+        verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
+    return "no verb " + unknown + "; there are " + verbs + " (see zel --help)";
 }
 
 }
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGINT, OnInterrupt);
+    EndCleanlyOnSignals();
     Console console;
 
     CLI::App app("Reads, checks, converts and draws 3D scenes.", "zel");
@@ -50,24 +60,29 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", ZEL_VERSION);
     bool quiet = false;
     app.fallthrough();
-    app.add_flag("-q,--quiet", quiet, "No talk but failures");
+    app.add_flag("-q,--quiet", quiet, "Print errors only");
 
     ReadSettings reading;
     const char* const READING = "Reading";
-    app.add_option("--read-as", reading.extension, "Extension of the format that files are in, whatever their names say")->group(READING);
-    app.add_option("--read-seconds", reading.seconds, "Most time for a file of another program; 600 by default, 0: no limit")
-        ->group(READING);
-    app.add_option("--read-megabytes", reading.megabytes, "Most memory for one; 64 and 40 times its size by default, 0: no limit")
-        ->group(READING);
+    app.add_option("--read-as", reading.extension, "Extension of the format that files are in, whatever their names say")
+        ->group(READING)
+        ->type_name("EXT");
+    app.add_option("--read-seconds", reading.seconds, "Time limit for reading a foreign file; 600 by default, 0: no limit")
+        ->group(READING)
+        ->type_name("N");
+    app.add_option("--read-megabytes", reading.megabytes, "Memory limit for one; 64 and 40 times its size by default, 0: no limit")
+        ->group(READING)
+        ->type_name("N");
     const std::map<std::string, _UP_AXIS_MODE> axes{{"x", UP_AXIS_X}, {"y", UP_AXIS_Y}, {"z", UP_AXIS_Z}};
     app.add_option("--read-up", reading.up, "Axis that points up, where the file can't say: x, y or z")
         ->group(READING)
+        ->type_name("AXIS")
         ->transform(CLI::CheckedTransformer(axes, CLI::ignore_case).description(""));
 
     bool json = false, tree = false;
     std::vector<std::string> files;
     CLI::App* info = app.add_subcommand("info", "Shows what scene files hold");
-    info->add_option("FILE", files, "Files to read")->required();
+    info->add_option("FILE", files, "Files to read; - is standard input, whose format --read-as tells")->required();
     info->add_flag("--json", json, "Print JSON: an object a file, an array for several files");
     info->add_flag("--tree", tree, "Show all nodes with their kinds, counts and matrices");
     const ConvertVerb convert(app);
@@ -80,29 +95,36 @@ int main(int argc, char** argv)
 
     app.footer("Exit codes: 0 done, 1 failed, 2 wrong usage, 3 input unreadable or refused, 4 written with losses under --strict,\n"
                "5 no GL, 6 some files of a batch failed, 130 interrupted.");
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    JoinStepValues(arguments);
+    std::ranges::reverse(arguments);    // as the parser takes them
     try {
-        app.parse(argc, argv);
+        app.parse(std::move(arguments));
     } catch (const CLI::Success& help) {
-        return app.exit(help);
+        const int code = app.exit(help);
+        return console.Finish() ? code : EXIT_FAILED;
     } catch (const CLI::ParseError& error) {
-        console.Fail(std::string(error.what()) + " (see zel --help)");
+        console.Fail(DescribeMistake(app, error));
         return EXIT_USAGE;
     }
     console.SetQuiet(quiet);
     SetReadSettings(reading);
 
-    const Library library;
-    if (const auto warning = C3DPreferences::Get3DPreferences().GetWarning(); !warning.IsEmpty())
-        console.Say(WideToUtf8(warning));
-    if (convert.IsAsked())
-        return convert.Run(console);
-    if (merge.IsAsked())
-        return merge.Run(console);
-    if (process.IsAsked())
-        return process.Run(console);
-    if (render.IsAsked())
-        return render.Run(console);
-    if (thumbnail.IsAsked())
-        return thumbnail.Run(console);
-    return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);
+    const ExitCode code = RunSafely(console, app.get_subcommands().front()->get_name(), [&] {
+        const Library library;
+        if (const auto warning = C3DPreferences::Get3DPreferences().GetWarning(); !warning.IsEmpty())
+            console.Say(WideToUtf8(warning));
+        if (convert.IsAsked())
+            return convert.Run(console);
+        if (merge.IsAsked())
+            return merge.Run(console);
+        if (process.IsAsked())
+            return process.Run(console);
+        if (render.IsAsked())
+            return render.Run(console);
+        if (thumbnail.IsAsked())
+            return thumbnail.Run(console);
+        return info->parsed() ? ShowInfo(console, files, json, tree) : ShowFormats(console, json);
+    });
+    return console.Finish() || code != EXIT_DONE ? code : EXIT_FAILED;
 }

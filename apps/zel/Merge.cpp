@@ -51,16 +51,16 @@ MergeVerb::MergeVerb(CLI::App& app)
 ExitCode MergeVerb::Run(const Console& console) const
 {
     const InputFiles inputs(m_files);
-    unsigned int fileClass;
-    if (m_output.IsInput(console, m_target, inputs) || !m_output.GetFormat(console, fileClass))
-        return EXIT_USAGE;
+    if (const ExitCode code = m_output.Check(console, m_target, inputs); code != EXIT_DONE)
+        return code;
     const ProgressBar bar(console);
     C3DConversionReport report;
     std::optional<SceneFile> all;
     for (const std::string& name : m_files) {
-        std::optional<SceneFile> file = m_input.Read(console, name, report);
+        std::string failure;
+        std::optional<SceneFile> file = m_input.Read(console, name, report, &failure);
         if (!file) {
-            m_output.PrintFailure(inputs, m_target, report);
+            m_output.PrintFailure(inputs, m_target, report, failure);
             return EXIT_UNREADABLE;    // half of a merge is none
         }
         if (!all) {

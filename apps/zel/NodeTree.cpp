@@ -1,5 +1,11 @@
 #include "NodeTree.h"
 
+C3DGeomObject* GetDrawnGeometry(const C3DSceneNode& node)
+{
+    C3DBaseObject* const drawn = node.GetGeomObject() ? node.GetFinalObject() : nullptr;
+    return drawn ? static_cast<C3DGeomObject*>(*drawn) : nullptr;
+}
+
 std::vector<NodeRow> ListNodes(C3DScene& scene)
 {
     std::vector<NodeRow> rows;
@@ -15,11 +21,10 @@ std::vector<NodeRow> ListNodes(C3DScene& scene)
         row.depth = static_cast<unsigned int>(parents.size() - 1);
         if (const C3DBaseObject* object = node.GetBaseObject())
             row.instance = !seen.Insert(object->GetObjectID());
-        if (C3DBaseObject* drawn = node.GetFinalObject())
-            if (const C3DGeomObject* geometry = *drawn) {
-                row.points = geometry->GetPointNbr();
-                row.faces = geometry->GetFaceNbr();
-            }
+        if (const C3DGeomObject* geometry = GetDrawnGeometry(node)) {
+            row.points = geometry->GetPointNbr();
+            row.faces = geometry->GetFaceNbr();
+        }
         node.GetObjectLocalTM(0, row.matrix);
         row.moved = !row.matrix.IsIdentity();
         rows.push_back(row);

@@ -14,5 +14,7 @@ struct NodeRow {
     C4x4TMatrix<float> matrix;    ///< to the parent's space, at frame 0
 };
 
+/// The geometry that is drawn for a node; null for nodes of other kinds, whose icons are no part of the scene.
+C3DGeomObject* GetDrawnGeometry(const C3DSceneNode& node);
 /// All nodes, parents first, in the order of the tree.
 std::vector<NodeRow> ListNodes(C3DScene& scene);

@@ -2,6 +2,10 @@
 
 #include <cstdio>
 
+#include "InputFiles.h"
+#include "OutputTarget.h"
+#include "SceneFile.h"
+
 namespace {
 
 constexpr unsigned int JPEG = FourCC("JPEG"), GIF = FourCC("GIF "), WEBP = FourCC("WEBP"), TIFF = FourCC("TIFF");
@@ -16,18 +20,28 @@ PictureFile::PictureFile(std::string name, unsigned int otherwise) : m_name(std:
         m_class = format.fileClass;
 }
 
-bool PictureFile::Check(const Console& console, bool hasAlpha) const
+ExitCode PictureFile::Check(const Console& console, bool hasAlpha, const std::string& source) const
 {
     if (m_class == 0) {
         std::string list;
         for (const CFileExt& format : fileGetExtensions(FILE_FAMILY_BITMAP, FILE_KIND_WRITE))
             list += (list.empty() ? "" : ", ") + WideToUtf8(format.GetMainExtension());
         console.Fail(m_name + ": no picture of that kind can be written; there are " + list);
-    } else if (hasAlpha && m_class == JPEG)
+        return EXIT_USAGE;
+    }
+    if (hasAlpha && m_class == JPEG) {
         console.Fail(m_name + ": a JPEG has no transparency");
-    else
-        return true;
-    return false;
+        return EXIT_USAGE;
+    }
+    if (InputFiles({source}).Contain(m_name)) {
+        console.Fail(m_name + ": is read too");
+        return EXIT_USAGE;
+    }
+    if (const std::string obstacle = GetObstacle(m_name); !obstacle.empty()) {
+        console.Fail(m_name + ": " + obstacle);
+        return EXIT_FAILED;
+    }
+    return EXIT_DONE;
 }
 
 bool PictureFile::HoldsMany() const { return m_class == GIF || m_class == WEBP || m_class == TIFF; }
@@ -47,8 +61,7 @@ template <class SAVE> ExitCode PictureFile::Save(const Console& console, SAVE&& 
     io.GetOptions().pngLevel = PNG_LEVEL;
     if (save(io) == IORESULT_OK)
         return EXIT_DONE;
-    const std::string reason = WideToUtf8(io.GetResultText());
-    console.Fail(reason.find(m_name) == std::string::npos ? m_name + ": " + reason : reason);
+    console.Fail(NameFailure(m_name, WideToUtf8(io.GetResultText())));
     return EXIT_FAILED;
 }
 

@@ -19,8 +19,9 @@ public:
     /// `otherwise`: class of the format for a name that tells none; 0 for no such.
     explicit PictureFile(std::string name, unsigned int otherwise = 0);
 
-    /// False, with one line of the console, when the name tells no format that can be written, or one that cannot hold the picture.
-    bool Check(const Console& console, bool hasAlpha) const;
+    /// EXIT_DONE when it can be written as far as can be seen. Any other code comes after one line of the console: the name tells no format
+    /// that can be written, or one that cannot hold the picture, or is that of the file `source`, or something is in the way.
+    ExitCode Check(const Console& console, bool hasAlpha, const std::string& source) const;
     /// Whether several pictures go into the one file.
     bool HoldsMany() const;
     /// The file beside this one for one of several pictures: name0007.png.

@@ -1,7 +1,6 @@
 #include "Render.h"
 
 #include "DrawnFile.h"
-#include "InputFiles.h"
 #include "Turntable.h"
 
 RenderVerb::RenderVerb(CLI::App& app)
@@ -19,12 +18,8 @@ ExitCode RenderVerb::Run(const Console& console) const
         console.Fail(contradiction);
         return EXIT_USAGE;
     }
-    if (!target.Check(console, settings.transparent))
-        return EXIT_USAGE;
-    if (InputFiles({m_file}).Contain(m_target)) {
-        console.Fail(m_target + ": is read too");
-        return EXIT_USAGE;
-    }
+    if (const ExitCode code = target.Check(console, settings.transparent, m_file); code != EXIT_DONE)
+        return code;
     DrawnFile file(console, m_file, settings);
     if (const ExitCode code = file.Open(); code != EXIT_DONE)
         return code;

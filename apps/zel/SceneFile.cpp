@@ -1,18 +1,19 @@
 #include "SceneFile.h"
 
 #include <chrono>
-#include <exception>
-#include <new>
+
+#include "Failure.h"
+#include "StandardInput.h"
 
 static ReadSettings s_settings;
 
 void SetReadSettings(const ReadSettings& settings) { s_settings = settings; }
 
+// A name with the extension of the settings.
+static CFileNameSpec GetWantedName() { return CFileNameSpec(Utf8ToWide("stdin." + s_settings.extension)); }
+
 // The class that the extension of the settings asks for; 0 for none, or by name.
-static unsigned int GetWantedClass()
-{
-    return s_settings.extension.empty() ? 0 : CFileNameSpec(Utf8ToWide("file." + s_settings.extension)).GetClass();
-}
+static unsigned int GetWantedClass() { return s_settings.extension.empty() ? 0 : GetWantedName().GetClass(); }
 
 static void ApplySettings(CSceneImportOptions& options)
 {
@@ -44,14 +45,15 @@ std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::functio
     } catch (const CXException* error) {
         reason = error->GetText().IsEmpty() ? GetFailureReason(io, options) : WideToUtf8(error->GetText());
         XDeleteThreadException();
-    } catch (const std::bad_alloc&) {
-        reason = "not enough memory";
-    } catch (const std::exception& error) {
-        reason = error.what();
-    } catch (...) {    // a plug-in throws whatever it likes
-        reason = "an exception without a text";
+    } catch (...) {
+        reason = DescribeException();
     }
     return reason.empty() ? "failed" : reason;    // a failure without words is one too
+}
+
+std::string NameFailure(const std::string& file, const std::string& reason)
+{
+    return reason.find(file) == std::string::npos ? file + ": " + reason : reason;
 }
 
 // A broken file can be wrong in each of its faces; the report of a conversion has them all.
@@ -67,38 +69,62 @@ static void SayWarnings(const Console& console, const std::string& name, const C
         console.Say(name + ": " + std::to_string(count - MOST_LINES) + " more warnings");
 }
 
+// Reads the file at `path` into `file`. Empty, or why that failed.
+static std::string ReadFile(const std::string& path, unsigned int fileClass, CSceneImportOptions& options, SceneFile& file)
+{
+    C3DIo io(CFileNameSpec(Utf8ToWide(path), fileClass), FILEIO_READ | FILEIO_SILENT, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    const std::string reason = RunIo(io, options, [&] {
+        file.scene.reset(io.Read(false, &options));
+        return file.scene != nullptr;
+    });
+    const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
+    CFileExt format;
+    fileGetExtensionInfo(io.GetClass(), &format);
+    file.fileClass = WideToUtf8(fileGetClassText(io.GetClass()));
+    file.format = WideToUtf8(format.description);
+    file.readMilliseconds = elapsed.count();
+    return reason;
+}
+
+static std::string ReadStandardInput(unsigned int fileClass, CSceneImportOptions& options, SceneFile& file)
+{
+    if (fileClass == 0)
+        return "--read-as must tell the format of what comes on standard input";
+    SpooledInput input;
+    if (const std::string reason = input.Fill(WideToUtf8(fileGetExtension(GetWantedName().GetFullName()))); !reason.empty())
+        return reason;
+    const std::string reason = ReadFile(input.GetPath(), fileClass, options, file);
+    if (file.scene)    // textures are looked for from where the user is
+        file.scene->SetFilename(CFileNameSpec(fileGetCurrentDirectory() + GetWantedName().GetFullName(), fileClass));
+    return reason;
+}
+
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name)
 {
     CSceneImportOptions options;
     return ReadSceneFile(console, name, options);
 }
 
-std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options)
+std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options, std::string* failure)
 {
     const unsigned int wantedClass = GetWantedClass();
-    if (wantedClass == 0 && !s_settings.extension.empty()) {
-        console.Fail(name + ": no reader for files like ." + s_settings.extension + " (see zel formats)");
-        return std::nullopt;
-    }
     ApplySettings(options);
-    C3DIo io(CFileNameSpec(Utf8ToWide(name), wantedClass), FILEIO_READ | FILEIO_SILENT, nullptr);
     SceneFile file;
-    const auto start = std::chrono::steady_clock::now();
-    const std::string reason = RunIo(io, options, [&] {
-        file.scene.reset(io.Read(false, &options));
-        return file.scene != nullptr;
-    });
+    file.name = name;
+    std::string reason;
+    if (wantedClass == 0 && !s_settings.extension.empty())
+        reason = "no reader for files like ." + s_settings.extension + " (see zel formats)";
+    else if (name == STANDARD_INPUT)
+        reason = ReadStandardInput(wantedClass, options, file);
+    else
+        reason = ReadFile(name, wantedClass, options, file);
     if (!file.scene) {
-        console.Fail(reason.find(name) == std::string::npos ? name + ": " + reason : reason);
+        if (failure)
+            *failure = reason;
+        console.Fail(NameFailure(name, reason));
         return std::nullopt;
     }
     SayWarnings(console, name, options);
-    const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
-    CFileExt format;
-    fileGetExtensionInfo(io.GetClass(), &format);
-    file.name = name;
-    file.fileClass = WideToUtf8(fileGetClassText(io.GetClass()));
-    file.format = WideToUtf8(format.description);
-    file.readMilliseconds = elapsed.count();
     return file;
 }

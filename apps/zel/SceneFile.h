@@ -30,10 +30,16 @@ struct ReadSettings {
 };
 void SetReadSettings(const ReadSettings& settings);
 
-/// Reads a file of any format. Warnings are told; a failure is one line of the console, and no result.
+/// Reads a file of any format without import flags; see below.
 std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name);
-/// The same with import flags; the log is left in the options.
-std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options);
+/// Reads a file of any format, or standard input for the name "-". Warnings are told; a failure is one line of the console, and no result.
+///
+/// @param options  import flags; the log is left in them
+/// @param failure  out: why there is no result; null when nobody asks
+std::optional<SceneFile> ReadSceneFile(const Console& console, const std::string& name, CSceneImportOptions& options,
+                                       std::string* failure = nullptr);
 
 /// Why a reading or a writing came to nothing; empty when `work` tells that it did not. Its exceptions are reasons too.
 std::string RunIo(const C3DIo& io, const CIoOptions& options, const std::function<bool()>& work);
+/// `reason` with the file's name before it, unless it names the file itself.
+std::string NameFailure(const std::string& file, const std::string& reason);

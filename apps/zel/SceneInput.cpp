@@ -32,13 +32,14 @@ SceneInput::SceneInput(CLI::App& verb)
     }
 }
 
-std::optional<SceneFile> SceneInput::Read(const Console& console, const std::string& name, C3DConversionReport& report) const
+std::optional<SceneFile> SceneInput::Read(const Console& console, const std::string& name, C3DConversionReport& report,
+                                          std::string* failure) const
 {
     CSceneImportOptions options;
     for (const auto& [option, flag] : m_flags)
         if (option->count() > 0)
             options.flags |= flag;
-    std::optional<SceneFile> file = ReadSceneFile(console, name, options);
+    std::optional<SceneFile> file = ReadSceneFile(console, name, options, failure);
     report.Add(options);
     return file;
 }

@@ -17,8 +17,9 @@ class SceneInput {
 public:
     explicit SceneInput(CLI::App& verb);
 
-    /// Reads a file of any format. Null, after one line of the console, when it cannot be read. The log goes to `report` in any case.
-    std::optional<SceneFile> Read(const Console& console, const std::string& name, C3DConversionReport& report) const;
+    /// Reads a file as ReadSceneFile does. The log goes to `report` in any case.
+    std::optional<SceneFile> Read(const Console& console, const std::string& name, C3DConversionReport& report,
+                                  std::string* failure = nullptr) const;
 
 private:
     std::vector<std::pair<CLI::Option*, unsigned int>> m_flags;

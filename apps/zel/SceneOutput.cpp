@@ -2,12 +2,12 @@
 
 #include <cstdio>
 #include <map>
+#include <sstream>
 
-#include <nlohmann/json.hpp>
+#include "OutputTarget.h"
+#include "Printable.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr struct {
     const char* name;
@@ -54,15 +54,20 @@ const std::map<std::string, _UP_AXIS_MODE> AXES = {{"x", UP_AXIS_X}, {"y", UP_AX
 
 SceneOutput::SceneOutput(CLI::App& verb)
 {
-    const auto add = [&](const char* name, auto& value, const char* help) { return verb.add_option(name, value, help); };
-    add("--format", m_format, "Extension or class of the format (zel formats); otherwise that of OUT");
-    add("--form", m_form, "Another form of the format: text (PLY, STL, FBX), 1 (the first glTF), no-materials (OBJ)")
-        ->check(CLI::IsMember({"text", "1", "no-materials"}));
-    add("--unit", m_unit, "Scale to this unit where the file tells its own")->check(CLI::IsMember(UNITS));
-    add("--up-axis", m_upAxis, "Axis that points up in the file, whatever the format is used to")->check(CLI::IsMember(AXES));
-    add("--textures", m_textures, "Copy texture files to this folder; relative to that of OUT");
+    const auto add = [&](const char* name, auto& value, const char* type, const char* help) {
+        return verb.add_option(name, value, help)->type_name(type);
+    };
+    const auto oneOf = [](auto&& values) { return CLI::IsMember(values).description(""); };
+    add("--format", m_format, "EXT", "Extension or class of the format (zel formats); otherwise that of OUT");
+    add("--form", m_form, "FORM", "Another form of the format: text (PLY, STL, FBX), 1 (the first glTF), no-materials (OBJ)")
+        ->check(oneOf(std::vector<std::string>{"text", "1", "no-materials"}));
+    add("--unit", m_unit, "UNIT", "Scale to this unit where the file tells its own: nm, um, mm, cm, m, km, in, ft, yd, mi")
+        ->check(oneOf(UNITS));
+    add("--up-axis", m_upAxis, "AXIS", "Axis that points up in the file, in place of that of the format: x, y, z")->check(oneOf(AXES));
+    add("--textures", m_textures, "DIR", "Copy texture files to this folder; relative to that of OUT");
     verb.add_flag("--textures-from-anywhere", m_anyTextures, "Copy textures from outside the folder of the scene too");
-    verb.add_flag("--report{text}", m_report, "Print what was done and lost: text, or json")->check(CLI::IsMember({"text", "json"}));
+    verb.add_flag("--report{text}", m_report, "Print what was done and lost; --report=json prints JSON")
+        ->check(oneOf(std::vector<std::string>{"text", "json"}));
     verb.add_flag("--strict", m_strict, "Exit with 4 when something did not come through");
     verb.add_flag("--overwrite-input", m_overwrite, "Let OUT be one of the files that are read");
     for (const auto& row : FLAGS) {
@@ -113,6 +118,23 @@ bool SceneOutput::IsInput(const Console& console, const std::string& target, con
     return true;
 }
 
+ExitCode SceneOutput::Check(const Console& console, const std::string& target, const InputFiles& inputs) const
+{
+    unsigned int fileClass;
+    if (IsInput(console, target, inputs) || !GetFormat(console, fileClass))
+        return EXIT_USAGE;
+    C3DIo io(CFileNameSpec(Utf8ToWide(target), fileClass), FILEIO_SILENT, nullptr);
+    if (!io.PrepareSaving()) {
+        console.Fail(NameFailure(target, WideToUtf8(io.GetResultText()) + " (see zel formats)"));
+        return EXIT_USAGE;
+    }
+    if (const std::string obstacle = GetObstacle(target); !obstacle.empty()) {
+        console.Fail(target + ": " + obstacle);
+        return EXIT_FAILED;
+    }
+    return EXIT_DONE;
+}
+
 void SceneOutput::ChangeUnit(const Console& console, C3DScene& scene) const
 {
     if (m_unit.empty())
@@ -141,7 +163,7 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
                             C3DConversionReport& report) const
 {
     unsigned int fileClass;
-    if (IsInput(console, target, inputs) || !GetFormat(console, fileClass))
+    if (!GetFormat(console, fileClass))
         return EXIT_USAGE;
     C3DIo io(CFileNameSpec(Utf8ToWide(target), fileClass), FILEIO_SILENT, nullptr);
     CSceneExportOptions options;
@@ -159,11 +181,10 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
         TurnUp(scene, asked.upAxis);
         return io.Save(false, &scene, &options);
     });
-    const bool written = reason.empty();
     report.Add(options);
-    PrintReport(inputs, target, written, report);
-    if (!written) {
-        console.Fail(reason.find(target) == std::string::npos ? target + ": " + reason : reason);
+    PrintReport(inputs, target, report, reason);
+    if (!reason.empty()) {
+        console.Fail(NameFailure(target, reason));
         return EXIT_FAILED;
     }
     if (!m_strict || !report.HasLosses())
@@ -172,12 +193,19 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
     return EXIT_LOSSES;
 }
 
-void SceneOutput::PrintReport(const InputFiles& inputs, const std::string& target, bool written, const C3DConversionReport& report) const
+void SceneOutput::PrintReport(const InputFiles& inputs, const std::string& target, const C3DConversionReport& report,
+                              const std::string& failure) const
 {
     if (IsJsonReport()) {
-        Json document = {{"schema", 1}, {"sources", inputs.GetNames()}, {"target", target}, {"written", written}};
+        Json document = {{"schema", 1}, {"sources", inputs.GetNames()}, {"target", target}, {"written", failure.empty()}};
+        if (!failure.empty())
+            document["error"] = failure;
         document.update(Json::parse(report.GetJson()));
-        std::printf("%s\n", document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
-    } else if (!m_report.empty())
-        std::printf("%s\n%s", target.c_str(), report.GetText().c_str());
+        PrintJson(document);
+    } else if (!m_report.empty()) {
+        std::printf("%s\n", Printable(target).c_str());
+        std::istringstream lines(report.GetText());
+        for (std::string line; std::getline(lines, line);)
+            std::printf("%s\n", Printable(line).c_str());
+    }
 }

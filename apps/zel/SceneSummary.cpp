@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "NodeTree.h"
+
 SceneSummary::SceneSummary(C3DScene& scene)
 {
     CHashTable<unsigned int> seen;
@@ -13,6 +15,10 @@ SceneSummary::SceneSummary(C3DScene& scene)
         C3DBaseObject* object = node.GetBaseObject();
         if (!object)
             continue;
+        if (const C3DGeomObject* const drawn = GetDrawnGeometry(node)) {
+            points += static_cast<std::uint64_t>(drawn->GetPointNbr());
+            faces += static_cast<std::uint64_t>(drawn->GetFaceNbr());
+        }
         if (!seen.Insert(object->GetObjectID()))
             instances++;
         else {
@@ -21,8 +27,6 @@ SceneSummary::SceneSummary(C3DScene& scene)
                 CountObject(*geometry);
         }
     }
-    points = static_cast<std::uint64_t>(scene.GetPointNbr());
-    faces = static_cast<std::uint64_t>(scene.GetFaceNbr());
     materials = scene.GetMaterialNumber();
     ListMaps(scene);
     const CTimeRange range = scene.GetTimeRange(KEY_ANY);

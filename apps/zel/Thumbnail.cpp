@@ -16,8 +16,8 @@ ExitCode ThumbnailVerb::Run(const Console& console) const
     settings.size = CSize(m_size, m_size);
     settings.transparent = true;
     const PictureFile target(m_target, FourCC("PNG "));    // programs that ask for thumbnails may want them in a file without extension
-    if (!target.Check(console, true))
-        return EXIT_USAGE;
+    if (const ExitCode code = target.Check(console, true, m_file); code != EXIT_DONE)
+        return code;
     DrawnFile file(console, m_file, settings);
     if (const ExitCode code = file.Open(); code != EXIT_DONE)
         return code;

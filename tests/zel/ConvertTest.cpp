@@ -126,6 +126,32 @@ TEST_F(Zel, ABrokenFileOfABatchCostsItselfAlone)
     EXPECT_EQ(Info(out + "/t3.3dif")["bounds"]["max"][0], 3);
 }
 
+TEST_F(Zel, ABatchKeepsFilesApart)
+{
+    std::string files;
+    int size = 0;
+    for (const char* const name : {"in/t.obj", "in/a/t.obj", "in/b/t.obj"})
+        files += WriteTriangle(name, ++size) + " ";
+    const struct {
+        const char* option;
+        std::string targets[3];
+    } rows[] = {{"", {"t.3dif", "t-2.3dif", "t-3.3dif"}},
+                {"--keep-tree", {folder.Name("in/t.3dif"), folder.Name("in/a/t.3dif"), folder.Name("in/b/t.3dif")}}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.option);
+        const std::string out = folder.Name(std::string("out") + row.option + "/");
+        EXPECT_EQ(Call("convert --format=3dif " + std::string(row.option) + " --out-dir=" + out + " " + files).code, 0);
+        for (int i = 0; i < 3; i++)
+            EXPECT_EQ(Info(out + row.targets[i])["bounds"]["max"][0], i + 1);
+    }
+    // Never outside.
+    EXPECT_EQ(
+        Call("convert --format=3dif --keep-tree --out-dir=" + folder.Name("up") + " ../../../../../../../.." + folder.Name("in/t.obj"))
+            .code,
+        0);
+    EXPECT_EQ(Info(folder.Name("up") + folder.Name("in/t.3dif"))["faces"], 1);
+}
+
 TEST_F(Zel, ShardsTogetherGiveTheWhole)
 {
     std::string files;

@@ -27,15 +27,12 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
         {"", 2, 1},
         {"info", 2, 1},
         {"info --no-such-option x", 2, 1},
-        {"no-such-verb", 2, 1},
         {"process --stats --weld=x " + MODEL, 2, 1},
         {"process --stats --clean=1 " + MODEL, 2, 1},
         {"process --stats --slice " + MODEL, 2, 1},
         {"process --stats -q --triangulate " + MODEL, 0, 0},
         {"convert " + MODEL, 2, 1},
         {"convert " + MODEL + " " + MODEL, 2, 1},
-        {"convert " + MODEL + " " + folder.Name("x.unknown"), 1, 1},
-        {"convert " + MODEL + " " + folder.Name("none/x.3dif"), 1, 1},
         {"convert --format=unknown " + MODEL + " " + folder.Name("x"), 2, 1},
         {"convert --unit=parsec " + MODEL + " " + folder.Name("x.3dif"), 2, 1},
         {"convert --shard=1/2 " + MODEL, 2, 1},
@@ -103,6 +100,26 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
     const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
     ASSERT_TRUE(two.is_array());
     EXPECT_EQ(two.size(), 2u);
+
+    const auto failed = nlohmann::json::parse(Call("info --json " + MODEL + " " + folder.Name("missing.obj")).out);
+    ASSERT_EQ(failed.size(), 2u);
+    EXPECT_EQ(failed[1]["file"], folder.Name("missing.obj"));
+    EXPECT_NE(failed[1]["error"].get<std::string>().find("No such file"), std::string::npos) << failed[1];
+}
+
+TEST_F(Zel, CountsNoIcons)
+{
+    folder.Write("scene.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0,1]}],"nodes":[{"camera":0},{"mesh":0}],
+        "cameras":[{"type":"perspective","perspective":{"yfov":1,"znear":0.1}}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+        "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","min":[0,0,0],"max":[1,1,0]}],
+        "bufferViews":[{"buffer":0,"byteLength":36}],"buffers":[{"byteLength":36,
+        "uri":"data:application/octet-stream;base64,AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAgD8AAAAA"}]})");
+    const auto info = nlohmann::json::parse(Call("info --json --tree " + folder.Name("scene.gltf")).out);
+    EXPECT_EQ(info["by_kind"]["OBJECT_CAMERA"], 1);
+    EXPECT_EQ(info["points"], 3);
+    EXPECT_EQ(info["faces"], 1);
+    for (const auto& node : info["tree"])
+        EXPECT_EQ(node["points"], node["kind"] == "OBJECT_POLYGONAL" ? 3 : 0) << node;
 }
 
 TEST_F(Zel, WhoReadsSaysWhichAxisPointsUp)
@@ -169,6 +186,21 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
     EXPECT_EQ(twice["steps"].size(), 3u);
     EXPECT_EQ(twice["steps"][2]["operation"], "subdivide");
     EXPECT_GT(twice["after"]["faces"], 265 * 16);
+}
+
+TEST_F(Zel, TellsWhatEachStepDid)
+{
+    // Two triangles with a gap of 0.01 between them: wider than the tolerance that goes by the size of 141.
+    folder.Write("gap.obj", "o t\nv 0 0 0\nv 100 0 0\nv 0 100 0\nv 100.01 0 0\nv 0 100.01 0\nv 100 100 0\nf 1 2 3\nf 4 6 5\n");
+    const std::string file = folder.Name("gap.obj");
+    const Outcome wide = Call("process --weld 0.1 --flip-normals " + file), close = Call("process --weld " + file);
+    EXPECT_EQ(
+        wide.talk,
+        "zel: weld 0.1\nzel:   before  1 objects, 6 points, 2 faces, 6 corners\nzel:   after   1 objects, 4 points, 2 faces, 6 corners\n"
+        "zel: flip-normals\nzel:   before  1 objects, 4 points, 2 faces, 6 corners\nzel:   after   1 objects, 4 points, 2 faces, 6 "
+        "corners\n");
+    EXPECT_EQ(close.talk, "zel: weld 0.00141: nothing to do\nzel:   before  1 objects, 6 points, 2 faces, 6 corners\n"
+                          "zel:   after   1 objects, 6 points, 2 faces, 6 corners\n");
 }
 
 TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)
