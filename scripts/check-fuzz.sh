@@ -15,10 +15,12 @@ for program in build/fuzz/bin/*_fuzz; do
     [ "$subject" != import ] || these=0    # new inputs find faults of the packaged library, which are not ours to mend
     dictionary=
     [ ! -f "fuzz/$subject.dict" ] || dictionary=-dict=fuzz/$subject.dict
+    kept=("fuzz/corpus/$subject")
+    if [ "$subject" = draw ]; then kept+=(fuzz/corpus/native); these=$((runs / 20)); fi    # a picture takes longer than a reading
     log=build/fuzz/$subject.log
     # shellcheck disable=SC2086  # absent when there is none
     "$program" -runs="$these" -seed=1 -timeout=10 -rss_limit_mb=1500 -malloc_limit_mb=256 -max_len=65536 $dictionary \
-        -artifact_prefix=build/fuzz/found/ "$inputs" "fuzz/corpus/$subject" >"$log" 2>&1 || { tail -60 "$log"; exit 1; }
-    echo "fuzz: $subject, $(ls "fuzz/corpus/$subject" | wc -l) kept inputs and $these runs"
+        -artifact_prefix=build/fuzz/found/ "$inputs" "${kept[@]}" >"$log" 2>&1 || { tail -60 "$log"; exit 1; }
+    echo "fuzz: $subject, $(ls "${kept[@]}" | wc -l) kept inputs and $these runs"
     rm -rf "$inputs"
 done

@@ -162,6 +162,22 @@ TEST_F(Render, EachViewShowsItsSide)
     EXPECT_GT(Difference(*Draw("--view rtf --angle 30"), *Draw("--view rtf --angle 60")), 5);
 }
 
+TEST_F(Render, ObjectsWithoutPointsAreNoFault)
+{
+    const Owned<C3DScene> scene(C3DScene::Create());
+    scene->AddNode(nullptr, CreateCube({0, 0, 0}, 2, 2, 2, false, 0, 0));
+    for (const auto kind : {OBJECT_POLYGONAL, OBJECT_CURVE, OBJECT_PATCH, OBJECT_GROUP, OBJECT_DUMMY, OBJECT_CAMERA, OBJECT_LIGHT}) {
+        C3DSceneNode* const node = C3DSceneNode::Create();
+        node->SetObject(C3DBaseObject::Create(kind), true);
+        scene->AddNode(nullptr, node);
+    }
+    C3DIo io(folder.Wide("empty.3dif"), FILEIO_SILENT, nullptr);
+    ASSERT_TRUE(io.Save(false, scene.get(), nullptr));
+    for (const char* mode : {"smooth-wire", "wireframe --boxes --labels --normals"})
+        EXPECT_GT(Patch(*DrawFile(folder.Name("empty.3dif"), std::string("--mode ") + mode), SHOWN).count, 100) << mode;
+    EXPECT_EQ(Call("thumbnail " + folder.Name("empty.3dif") + " " + folder.Name("small.png")).code, 0);
+}
+
 TEST_F(Render, FillsThePicture)
 {
     for (const char* options : {"", "--view front", "--view left", "--size 30x90", "--size 90x30", "--select red",
