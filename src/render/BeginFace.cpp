@@ -112,9 +112,9 @@ C3DMaterial* C3DView::GetWireMaterial()
 
 void C3DView::SetFaceMaterial(unsigned int result)
 {
-    const unsigned int id = m_element.material->GetMaterialID();
+    const MaterialKey key = GetKey(*m_element.material);
     if (m_element.nodeMode == VIEWFLAG_WIREFRAME) {
-        if (id != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL)) {
+        if (key != m_currentMaterial && !(result & FACE_RESULT_KEEP_MATERIAL)) {
             if (m_list.mesh)
                 UseMaterialList(*m_element.material, CALLLIST_LINE_COLOR);
             else {
@@ -122,13 +122,13 @@ void C3DView::SetFaceMaterial(unsigned int result)
                 InitDiffuseColor(*m_element.material);
                 BeginPrimitive(m_primitive);
             }
-            m_currentMaterial = id;
+            m_currentMaterial = key;
         }
         return;
     }
-    const bool textured = m_element.uvwInUse && m_faceMaterial.hasTexture;
-    const unsigned int texture = textured ? id : NO_MATERIAL;
-    if ((id == m_currentMaterial && texture == m_boundTexture && !m_element.vcInUse) || (result & FACE_RESULT_KEEP_MATERIAL))
+    const bool textured = m_element.uvwInUse && m_faceMaterial.hasTexture && m_element.material == m_faceMaterial.material;
+    const unsigned int texture = textured ? m_element.material->GetMaterialID() : NO_MATERIAL;
+    if ((key == m_currentMaterial && texture == m_boundTexture && !m_element.vcInUse) || (result & FACE_RESULT_KEEP_MATERIAL))
         return;
     const bool byCorner = (result & FACE_RESULT_POINT_MATERIALS) != 0;
     // Corners that set their own material need the face's for its texture alone.
@@ -144,10 +144,10 @@ void C3DView::SetFaceMaterial(unsigned int result)
             BeginPrimitive(m_primitive);
         }
         m_boundTexture = texture;
-        m_currentMaterial = id;
-        m_corners.materialID = NO_MATERIAL;
+        m_currentMaterial = key;
+        m_corners.material = NO_MATERIAL;
     }
-    if (byCorner && m_list.mesh && !(m_meshColors && AreCornersOf(id))) {
+    if (byCorner && m_list.mesh && !(m_meshColors && AreCornersOf(key))) {
         EndPrimitive();
         InitCornerMaterial(*m_element.material);
         BeginPrimitive(m_primitive);
@@ -184,19 +184,51 @@ bool C3DView::ApplyFaceFlags(unsigned int flags, unsigned int& result)
     }
     if (m_element.nodeMode == VIEWFLAG_WIREFRAME)
         return true;
-    const bool culling = (m_element.viewFlags & VIEWFLAG_CULLING_ON) != 0;
-    if (flags & VIEW_FACE_ONE_SIDED ? !culling : (flags & VIEW_FACE_TWO_SIDED) && culling) {
-        EndPrimitive();
-        SetCullMode(!culling, m_element.viewFlags, m_element.front);
-        BeginPrimitive(m_primitive);
-        m_cullingChanged = true;
-    } else if (m_cullingChanged && !(flags & (VIEW_FACE_ONE_SIDED | VIEW_FACE_TWO_SIDED))) {
-        EndPrimitive();
-        RestoreCulling();
-        BeginPrimitive(m_primitive);
-        m_cullingChanged = false;
-    }
+    // With back materials each side is drawn on its own, and nothing is left to be seen from behind.
+    const FaceCulling wanted = m_element.hasBackMaterials      ? CULL_AS_OBJECT
+                               : (flags & VIEW_FACE_ONE_SIDED) ? CULL_ONE_SIDED
+                               : (flags & VIEW_FACE_TWO_SIDED) ? CULL_TWO_SIDED
+                                                               : CULL_AS_OBJECT;
+    if (wanted != m_faceCulling)
+        SwitchFaceCulling(wanted);
     return true;
+}
+
+// Lists are good for every state of VIEWFLAG_CULL_BACK: they set what object and faces say of their own, and then put back what was there.
+
+void C3DView::InitCulling(const C3DGeomObject& geometry)
+{
+    const _faceModeEnum mode = geometry.GetFaceMode();
+    NoteObjectCulling(geometry);
+    m_ownCulling = m_element.nodeMode != VIEWFLAG_WIREFRAME && (mode != FACE_MODE_VIEW || m_element.hasBackMaterials);
+    if (!m_ownCulling)
+        return;
+    glPushAttrib(GL_POLYGON_BIT);
+    SetCullMode(mode == FACE_MODE_ONE_SIDED, m_element.viewFlags, true);
+}
+
+void C3DView::NoteObjectCulling(const C3DGeomObject& geometry)
+{
+    const _faceModeEnum mode = geometry.GetFaceMode();
+    const bool culled =
+        m_element.hasBackMaterials || mode == FACE_MODE_ONE_SIDED || (mode == FACE_MODE_VIEW && (m_element.viewFlags & VIEWFLAG_CULL_BACK));
+    m_element.viewFlags = culled ? m_element.viewFlags | VIEWFLAG_CULLING_ON : m_element.viewFlags & ~VIEWFLAG_CULLING_ON;
+}
+
+void C3DView::SwitchFaceCulling(FaceCulling wanted)
+{
+    SwitchStipple(false);    // is put back with the culling
+    EndPrimitive();
+    if (m_faceCulling != CULL_AS_OBJECT)
+        glPopAttrib();
+    if (wanted == CULL_AS_OBJECT)
+        NoteObjectCulling(*static_cast<C3DGeomObject*>(m_element.finalObject));
+    else {
+        glPushAttrib(GL_POLYGON_BIT);
+        SetCullMode(wanted == CULL_ONE_SIDED, m_element.viewFlags, true);
+    }
+    BeginPrimitive(m_primitive);
+    m_faceCulling = wanted;
 }
 
 void C3DView::SetCullMode(int on, unsigned int& flags, bool front)
@@ -210,13 +242,6 @@ void C3DView::SetCullMode(int on, unsigned int& flags, bool front)
         flags &= ~VIEWFLAG_CULLING_ON;
     }
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-}
-
-void C3DView::RestoreCulling()
-{
-    const _faceModeEnum mode = static_cast<C3DGeomObject*>(m_element.finalObject)->GetFaceMode();
-    const bool culled = mode == FACE_MODE_ONE_SIDED || (mode == FACE_MODE_VIEW && (m_element.viewFlags & VIEWFLAG_CULL_BACK));
-    SetCullMode(culled, m_element.viewFlags, true);
 }
 
 void C3DView::SwitchStipple(bool on)

@@ -34,21 +34,54 @@ void C3DView::BeginCallList(C3DBaseObject* object, _CallListType type)
         DeleteNames(m_callLists.GetNext(former));
         m_callLists.Remove(m_list);
     }
-    m_list.name = m_openList = glGenLists(1);
-    glNewList(m_openList, GL_COMPILE);
+    m_list.name = glGenLists(1);
+    OpenList(m_list.name);
 }
 
 void C3DView::EndCallList()
 {
-    if (--m_listDepth > 0)
+    if (m_listDepth > 1) {
+        m_listDepth--;
         return;
-    glEndList();
+    }
+    CloseList();
     if (m_list.mesh) {
         m_list.mesh->BeginRange(m_openList, m_openList != m_list.name);    // the state behind the last range
         m_list.mesh->Upload();
     }
     m_callLists.Insert(m_list);
     m_list = {};
+    m_listDepth = 0;
+}
+
+void C3DView::AbandonCallList()
+{
+    if (m_isPrimitiveOpen && !m_list.mesh)
+        glEnd();
+    m_isPrimitiveOpen = false;
+    if (m_listDepth == 0)
+        return;
+    if (m_isListOpen) {
+        CloseList();
+        glDeleteLists(m_openList, 1);
+    }
+    DeleteNames(m_list);
+    DeleteGeometryLists(static_cast<unsigned int>(m_list.key));
+    m_list = {};
+    m_listDepth = 0;
+}
+
+void C3DView::OpenList(unsigned int name)
+{
+    glNewList(name, GL_COMPILE);
+    m_openList = name;
+    m_isListOpen = true;
+}
+
+void C3DView::CloseList()
+{
+    glEndList();
+    m_isListOpen = false;
 }
 
 // A primitive of a list that has a mesh is a range of it, and what stands between two is a list of its own.
@@ -56,30 +89,31 @@ void C3DView::EndCallList()
 void C3DView::BeginPrimitive(unsigned int primitive)
 {
     m_primitive = primitive;
+    m_isPrimitiveOpen = true;
     if (!m_list.mesh) {
         glBegin(primitive);
         return;
     }
-    glEndList();
+    CloseList();
     m_list.mesh->BeginRange(m_openList, m_openList != m_list.name);
 }
 
 void C3DView::EndPrimitive()
 {
+    m_isPrimitiveOpen = false;
     if (!m_list.mesh) {
         glEnd();
         return;
     }
     m_list.mesh->EndRange();
-    m_openList = glGenLists(1);
-    glNewList(m_openList, GL_COMPILE);
+    OpenList(glGenLists(1));
 }
 
 // What a material is to GL is one list for all meshes that have it: drivers are slow with many small lists.
 
 void C3DView::UseMaterialList(C3DMaterial& material, _CallListType type)
 {
-    const CHashID list{material.GetMaterialID(), GetGLContext(), type};
+    const CHashID list{GetKey(material), GetGLContext(), type};
     unsigned int place = m_callLists.GetPosition(list);
     m_list.mesh->EndRange();
     m_list.mesh->BeginRange(place == HASH_END ? CompileMaterial(material, type, glGenLists(1)) : m_callLists.GetNext(place).name, false);
@@ -87,23 +121,28 @@ void C3DView::UseMaterialList(C3DMaterial& material, _CallListType type)
 
 unsigned int C3DView::CompileMaterial(C3DMaterial& material, _CallListType type, unsigned int name)
 {
-    CHashID list{material.GetMaterialID(), GetGLContext(), type};
+    CHashID list{GetKey(material), GetGLContext(), type};
     list.name = name;
-    m_callLists.Insert(list);
     glNewList(name, GL_COMPILE);
-    ReinitCurrentMaterial();
-    if (type == CALLLIST_LINE_COLOR)
-        InitDiffuseColor(material);
-    else
-        ApplyMaterial(material, type == CALLLIST_TEXTURED_MATERIAL ? GetTextureName(list.key) : 0);
+    try {
+        ReinitCurrentMaterial();
+        if (type == CALLLIST_LINE_COLOR)
+            InitDiffuseColor(material);
+        else
+            ApplyMaterial(material, type == CALLLIST_TEXTURED_MATERIAL ? GetTextureName(material.GetMaterialID()) : 0);
+    } catch (...) {
+        glEndList();
+        throw;
+    }
     glEndList();
+    m_callLists.Insert(list);
     return name;
 }
 
 void C3DView::RecompileMaterial(C3DMaterial& material)
 {
     for (const _CallListType type : {CALLLIST_MATERIAL, CALLLIST_TEXTURED_MATERIAL, CALLLIST_LINE_COLOR})
-        if (unsigned int place = m_callLists.GetPosition({material.GetMaterialID(), GetGLContext(), type}); place != HASH_END)
+        if (unsigned int place = m_callLists.GetPosition({GetKey(material), GetGLContext(), type}); place != HASH_END)
             CompileMaterial(material, type, m_callLists.GetNext(place).name);
 }
 

@@ -76,6 +76,8 @@ public:
     {
         if (!m_smooth)
             m_faceNormal = m_element.faceNormalList->ElementAt(m_element.faceNumber);
+        else
+            m_reversed = m_element.specNormals && LooksBack();
         if (m_element.face.GetSize() == 3) {
             for (int corner = 0; corner < 3; corner++)
                 SendCorner(corner, corner == 2);
@@ -87,6 +89,25 @@ public:
     }
 
 private:
+    /// Whether the face's normals look to the side from which it goes round clockwise. GL lights the side that it takes for the back by the
+    /// normals turned round, and goes by the corners' order: with such normals it would light both sides from behind.
+    bool LooksBack() const
+    {
+        const C3DFace& face = m_element.face;
+        const C3DTPoint<float>& origin = *m_element.pointList->ElementAt(face[0]);
+        const auto from = [&](int corner) { return *m_element.pointList->ElementAt(face[corner]) - origin; };
+        C3DTVector<double> across(0, 0, 0), looks(0, 0, 0);
+        for (int k = 1; k + 1 < face.GetSize(); k++) {
+            const auto a = from(k), b = from(k + 1);
+            across += C3DTVector<double>(double{a.y} * b.z - double{a.z} * b.y, double{a.z} * b.x - double{a.x} * b.z,
+                                         double{a.x} * b.y - double{a.y} * b.x);
+        }
+        for (int k = 0; k < face.GetSize(); k++)
+            if (const auto* const normal = m_element.pointNormals->GetSmoothNormalByCorner(m_element.faceNumber, k, nullptr))
+                looks += C3DTVector<double>(normal->x, normal->y, normal->z);
+        return across.x * looks.x + across.y * looks.y + across.z * looks.z < 0;
+    }
+
     void SendCorner(int corner, bool last)
     {
         const int number = m_element.face[corner];
@@ -108,11 +129,11 @@ private:
         }
         if (m_mesh) {
             const CRGBColor color = ownMaterial ? m_view.GetMixedColor(m_view.GetCornerColor(corner)) : CRGBColor();
-            m_mesh->AddCorner(number, *point, normal, uvw, color);
+            m_mesh->AddCorner(number, *point, normal, m_reversed, uvw, color);
             return;
         }
         if (normal)
-            glNormal3fv(normal->ValPtr());
+            glNormal3fv(m_reversed ? (-*normal).ValPtr() : normal->ValPtr());
         if (uvw)
             glTexCoord3fv(uvw->ValPtr());
         glVertex3fv(point->ValPtr());
@@ -125,6 +146,7 @@ private:
     const bool m_smooth;
     const bool m_lastCornerCounts;    ///< GL shades flat: a triangle has the colour of its last corner
     const C3DTVector<float>* m_faceNormal = nullptr;
+    bool m_reversed = false;    ///< the face's normals count the other way round
     CFaceCutter m_cutter;
 };
 
@@ -204,7 +226,7 @@ void C3DView::ViewWireframeNode(C3DSceneNode* node, C3DGeomObject* geometry)
     CDrawnEdges drawn(points.GetSize());
     const auto send = [&](int number) {
         if (m_list.mesh)
-            m_list.mesh->AddCorner(number, *points.ElementAt(number), nullptr, nullptr, {});
+            m_list.mesh->AddCorner(number, *points.ElementAt(number), nullptr, false, nullptr, {});
         else
             glVertex3fv(points.ElementAt(number)->ValPtr());
     };

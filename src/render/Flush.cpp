@@ -7,6 +7,8 @@
 
 #include <GL/gl.h>
 
+#include <exception>
+
 #include "channels/DependentChannels.h"
 #include "channels/FaceNormalChannel.h"
 #include "channels/PointNormalChannel.h"
@@ -25,10 +27,10 @@
 void C3DView::BeginScene()
 {
     ReinitCurrentMaterial();
-    Activate();
     if (m_appliedFlags == 0xFFFFFFFF)
         InitViewFlag();
     DeleteGLLists(CALLLIST_FLUSHED, nullptr);
+    Activate();
 }
 
 void C3DView::EndScene() { Deactivate(); }
@@ -37,15 +39,18 @@ void C3DView::FlushScene()
 {
     if (!m_scene)
         return;
+    struct Ending {
+        C3DView& view;
+        ~Ending() { view.EndScene(); }
+    };
     BeginScene();
+    const Ending ending{*this};
     m_finalObjects.RemoveAll();
     m_transparentObjects.RemoveAll();
     InitTransparentMaterials();
-    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;)
-        FlushNode(m_scene->GetNextNode(pos));
+    m_flushPending = false;    // an object that fails from here on is tried again on its own
     Invalidate();
-    m_flushPending = false;
-    EndScene();
+    FlushNodes([this](C3DSceneNode* node) { FlushNode(node); });
 }
 
 void C3DView::InitTransparentMaterials()
@@ -62,6 +67,22 @@ void C3DView::InitTransparentMaterials()
     }
 }
 
+/// All nodes, whatever comes of one: an object that cannot be compiled costs the picture no other. The first failure is thrown at the end.
+void C3DView::FlushNodes(const std::function<void(C3DSceneNode*)>& flush)
+{
+    std::exception_ptr failure;
+    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;) {
+        try {
+            flush(m_scene->GetNextNode(pos));
+        } catch (...) {
+            if (!failure)
+                failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
 // --- A node ----------------------------------------------------------------------------------------------------------------------
 
 void C3DView::FlushNode(C3DSceneNode* node)
@@ -73,11 +94,19 @@ void C3DView::FlushNode(C3DSceneNode* node)
     if (!(base->GetKindOf() & m_settings.hiddenKinds) && !HasCallList(base) && !listed) {
         const CGLActivate active(this);
         ReinitCurrentMaterial();
-        FlushObject(node);
-        if (m_flushCallback) {
-            m_element.inFlushCallback = 1;
-            m_flushCallback(node, m_callbackData);
+        try {
+            FlushObject(node);
+            if (m_flushCallback) {
+                m_element.inFlushCallback = 1;
+                m_flushCallback(node, m_callbackData);
+                m_element.inFlushCallback = 0;
+            }
+        } catch (...) {
             m_element.inFlushCallback = 0;
+            AbandonCallList();
+            RemoveNode(node);
+            base->Invalidate(OBJECT_UPDATE_DISPLAY, true);    // the next update tries again
+            throw;
         }
     }
     base->Invalidate(OBJECT_UPDATE_DISPLAY, false);
@@ -164,7 +193,7 @@ void C3DView::Flush3DCurve(C3DSceneNode* node, C3DCurve* curve)
     const auto send = [&](int number) {
         const C3DTPoint<float>& point = *points->ElementAt(number);
         if (m_list.mesh) {
-            m_list.mesh->AddCorner(number, point, nullptr, nullptr, isSelected(number) ? selected : color);
+            m_list.mesh->AddCorner(number, point, nullptr, false, nullptr, isSelected(number) ? selected : color);
             return;
         }
         InitDiffuseColor(isSelected(number) ? m_selectionMaterial : *material);
@@ -195,7 +224,8 @@ void C3DView::InitCurrentRenderElement()
     m_element.callbackData = m_callbackData;
     m_element.viewFlags = m_settings.viewFlags;
     m_faceMaterial.known = false;
-    m_cullingChanged = m_stippled = m_meshColors = false;
+    m_stippled = m_meshColors = m_ownCulling = false;
+    m_faceCulling = CULL_AS_OBJECT;
     ReinitCurrentMaterial();
 }
 
@@ -220,8 +250,7 @@ bool C3DView::BeginNode(C3DSceneNode* node, C3DGeomObject* geometry, unsigned in
     m_element.channels = geometry->GetChannels();
     m_element.hasBackMaterials = m_element.faceList && m_element.faceList->HasBackFaceMaterials();
     const bool buffered = m_element.pointList && MayUseMesh();
-    if (!buffered || geometry->GetFaceMode() != FACE_MODE_VIEW)    // else it is as the view has it
-        RestoreCulling();
+    InitCulling(*geometry);
     if (m_element.viewFlags & VIEWFLAG_SPEC_NORMALS)
         m_element.specNormals = m_element.channels->GetSpecNormalChannel();
     if (!wires)
@@ -294,14 +323,15 @@ void C3DView::EndNode()
     const bool wires = m_element.nodeMode == VIEWFLAG_WIREFRAME;
     if (m_element.pointList)
         EndPrimitive();
+    if (m_faceCulling != CULL_AS_OBJECT)
+        glPopAttrib();
     if (m_meshColors)
         glDisable(GL_COLOR_MATERIAL);
     if (wires && (m_element.viewFlags & VIEWFLAG_SOLID))
         glEnable(GL_LIGHTING);
     if (m_stippled)
         glDisable(GL_POLYGON_STIPPLE);
-    const auto* const geometry = static_cast<C3DGeomObject*>(m_element.finalObject);
-    if (geometry->GetFaceMode() != FACE_MODE_VIEW || m_cullingChanged || m_element.hasBackMaterials)
-        SetCullMode((m_settings.viewFlags & VIEWFLAG_CULL_BACK) != 0, m_element.viewFlags, true);
+    if (m_ownCulling)
+        glPopAttrib();
     EndCallList();
 }

@@ -144,7 +144,7 @@ void C3DView::AdjustView(unsigned int flags)
         return;
     if (m_settings.GetCurrentCamera()->GetRefCount() > 1)    // copies of the settings share it
         m_settings.SetCurrentCamera(m_settings.GetCurrentCamera());
-    m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? diagonal / size : 1);
+    m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? size / diagonal : 1);
 }
 
 void C3DView::SizeChanged(int width, int height)

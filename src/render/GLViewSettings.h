@@ -103,7 +103,7 @@ public:
     unsigned int changeMask = 0;    ///< _GLSET_FLAGS
     float aspect = 0;               ///< width over height; 0 before the first size and for a height of 0
     float sceneSize = 1;            ///< diagonal of the scene's box
-    float nearPlane = 0, farPlane = 0;
+    float nearPlane = 0, farPlane = 1;
     C4x4TMatrix<float> matrix;    ///< a scene point p is seen at rotation * (p - sceneCenter) + translation
     C3DTPoint<float> sceneCenter{0, 0, 0};
     unsigned int hiddenKinds = 0;             ///< _OBJECT_KINDOF of what is not drawn

@@ -14,18 +14,18 @@ CMeshBuffer::CMeshBuffer(unsigned int primitive, int points, bool hasNormals, bo
     m_sources.reserve(points);
 }
 
-void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw,
+void CMeshBuffer::AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, bool reversed, const CUVWPoint* uvw,
                             const CRGBColor& color)
 {
     const auto vertex = static_cast<unsigned int>(m_sources.size());
-    m_sources.push_back({normal, uvw, color, m_firstVertex[number]});
+    m_sources.push_back({normal, uvw, color, m_firstVertex[number], reversed});
     m_firstVertex[number] = vertex;
     m_indexes.push_back(vertex);
     const auto add = [this](const float* values) { m_vertices.insert(m_vertices.end(), values, values + 3); };
     static constexpr float NOTHING[3] = {};
     add(point.ValPtr());
     if (m_hasNormals)
-        add(normal ? normal->ValPtr() : NOTHING);
+        add(!normal ? NOTHING : reversed ? (-*normal).ValPtr() : normal->ValPtr());
     if (m_hasUVW)
         add(uvw ? uvw->ValPtr() : NOTHING);
     if (m_hasColors) {

@@ -26,15 +26,18 @@ public:
     void BeginRange(unsigned int displayList, bool owned) { m_ranges.push_back({displayList, owned, m_indexes.size(), 0}); }
     void EndRange() { m_ranges.back().count = m_indexes.size() - m_ranges.back().first; }
     /// A corner. Corners of one point with the same colour, and the same normal and texture coordinate, told by their addresses, are one vertex.
-    void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw, const CRGBColor& color)
+    /// `reversed`: the normal counts the other way round.
+    void AddCorner(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, bool reversed, const CUVWPoint* uvw,
+                   const CRGBColor& color)
     {
         unsigned int vertex = m_firstVertex[number];
         for (unsigned int step = 0; vertex != NONE && step < MOST_STEPS; vertex = m_sources[vertex].next, step++)
-            if (m_sources[vertex].normal == normal && m_sources[vertex].uvw == uvw && m_sources[vertex].color == color) {
+            if (m_sources[vertex].normal == normal && m_sources[vertex].reversed == reversed && m_sources[vertex].uvw == uvw &&
+                m_sources[vertex].color == color) {
                 m_indexes.push_back(vertex);
                 return;
             }
-        AddVertex(number, point, normal, uvw, color);
+        AddVertex(number, point, normal, reversed, uvw, color);
     }
     /// A corner whose normal does not count, for another one gives its triangle the colour: any vertex of the point that has the coordinate.
     void AddCornerOfAnyNormal(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw)
@@ -45,7 +48,7 @@ public:
                 m_indexes.push_back(vertex);
                 return;
             }
-        AddVertex(number, point, normal, uvw, {});
+        AddVertex(number, point, normal, false, uvw, {});
     }
     /// Gives GL the vertices and forgets them here.
     void Upload();
@@ -59,7 +62,7 @@ public:
     void Delete();
 
 private:
-    static constexpr unsigned int NONE = 0xFFFFFFFF;
+    static constexpr unsigned int NONE = 0x7FFFFFFF;
     static constexpr unsigned int MOST_STEPS = 8;    // a point with more is a hub, whose corners share little
 
     struct Range {
@@ -72,9 +75,9 @@ private:
         const C3DTVector<float>* normal;
         const CUVWPoint* uvw;
         CRGBColor color;
-        unsigned int next;
+        unsigned int next : 31, reversed : 1;
     };
-    void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, const CUVWPoint* uvw,
+    void AddVertex(int number, const C3DTPoint<float>& point, const C3DTVector<float>* normal, bool reversed, const CUVWPoint* uvw,
                    const CRGBColor& color);
     void PointAt(const char* vertices) const;
     void DrawRanges(const char* indexes) const;

@@ -33,18 +33,17 @@ bool C3DView::IsNodeDrawn(int pass, const DrawnNode& drawn, unsigned int mode)
     const unsigned int flags = m_settings.viewFlags;
     if (pass == PASS_TRANSPARENT && !m_pick && !drawn.hasTransparent)
         return false;
+    if (pass == PASS_OVER_SURFACES || pass == PASS_OVER_WIRES)
+        return pass == PASS_OVER_WIRES || !drawn.wiresOnly;
     if (drawn.kind == OBJECT_GROUP) {
         if (pass == PASS_WIRES && drawn.isSelected && !drawn.isHidden && !m_pick)
             DrawBox(drawn.node);
         return false;
     }
-    if (pass == PASS_OVER_SURFACES || pass == PASS_OVER_WIRES)
-        return pass == PASS_OVER_WIRES || !drawn.wiresOnly;
     if ((drawn.kind == OBJECT_CURVE && pass != PASS_WIRES) || (drawn.kind == OBJECT_CAMERA && !(flags & VIEWFLAG_SHOW_CAMERAS)) ||
         (drawn.kind == OBJECT_LIGHT && !(flags & VIEWFLAG_SHOW_LIGHTS)))
         return false;
-    const unsigned int asked = pass == PASS_WIRES ? flags & VIEWFLAG_WIREFRAME : mode;
-    if (m_displayCallback && !m_displayCallback(drawn.node, DISPLAY_NODE, asked, m_callbackData))
+    if (m_displayCallback && !m_displayCallback(drawn.node, DISPLAY_NODE, mode, m_callbackData))
         return false;
     if (drawn.isHidden && !((flags & VIEWFLAG_HIDDEN_STIPPLED) && IsSolid()))
         return false;
@@ -67,15 +66,19 @@ void C3DView::RenderNode(int pass, const DrawnNode& drawn, unsigned int mode)
         m_displayCallback(drawn.node, DISPLAY_OVERLAY_NODE, mode, m_callbackData);
         return;
     }
-    const GLenum stipple = drawn.kind == OBJECT_CURVE ? GL_LINE_STIPPLE : GL_POLYGON_STIPPLE;
-    if (drawn.isHidden)
-        glEnable(stipple);
+    struct Stipple {
+        const GLenum kind;
+        ~Stipple() { glDisable(kind); }
+    };
+    std::optional<Stipple> stipple;
+    if (drawn.isHidden) {
+        stipple.emplace(drawn.kind == OBJECT_CURVE ? GL_LINE_STIPPLE : GL_POLYGON_STIPPLE);
+        glEnable(stipple->kind);
+    }
     if (pass == PASS_WIRES)
         RenderWires(drawn);
     else
         RenderSurface(pass, drawn);
-    if (drawn.isHidden)
-        glDisable(stipple);
 }
 
 void C3DView::RenderSurface(int pass, const DrawnNode& drawn)
@@ -83,7 +86,8 @@ void C3DView::RenderSurface(int pass, const DrawnNode& drawn)
     std::optional<CGLRenderingMode> blending;
     if (pass == PASS_TRANSPARENT && (m_settings.viewFlags & VIEWFLAG_TRANSPARENCY))
         blending.emplace(*this, GLMODE_BLEND);
-    const int offset = m_settings.viewFlags & VIEWFLAG_WIREFRAME ? SetObjectOffset(10) : m_objectOffset;
+    // Wires lie over the surface. Who picks looks for the surface where it is: no wire is drawn then.
+    const int offset = m_settings.viewFlags & VIEWFLAG_WIREFRAME && !m_pick ? SetObjectOffset(10) : m_objectOffset;
     const _CallListType type = pass == PASS_TRANSPARENT ? CALLLIST_TRANSPARENT : CALLLIST_SOLID;
     DrawCallList(drawn.node, type);
     DrawTint(drawn, type);
@@ -98,13 +102,9 @@ void C3DView::RenderWires(const DrawnNode& drawn)
         DrawCallList(drawn.node, CALLLIST_CURVE);
         DrawTint(drawn, CALLLIST_CURVE);
     } else if ((drawn.wiresOnly || (flags & VIEWFLAG_WIREFRAME)) && !drawn.isHidden) {
-        const bool tinted = drawn.isSelected && drawn.wiresOnly && !IsDrawingFlagSet(GLDRAW_MEMORY) && !m_pick;
-        const unsigned int mode = GLMODE_SMOOTH_LINES | (tinted ? GLMODE_TINT : IsSolid() ? GLMODE_NO_ALPHA_WRITE : GLMODE_DEPTH_CUE);
-        {
-            const CGLRenderingMode smooth(*this, mode);
-            DrawCallList(drawn.node, CALLLIST_WIREFRAME);
-        }
-        if (!IsSolid())
+        const CGLRenderingMode smooth(*this, GLMODE_SMOOTH_LINES | (IsSolid() ? GLMODE_NO_ALPHA_WRITE : GLMODE_DEPTH_CUE));
+        DrawCallList(drawn.node, CALLLIST_WIREFRAME);
+        if (!IsSolid() || drawn.wiresOnly)
             DrawTint(drawn, CALLLIST_WIREFRAME);
     }
     if (m_pick)

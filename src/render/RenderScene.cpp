@@ -21,16 +21,23 @@ void C3DView::RenderScene(CHashTable<C3DSceneNode*>* nodes)
 {
     if (!m_scene || !GetGLContext())
         return;
-    if (!(m_settings.viewFlags & VIEWFLAG_NO_CLEAR)) {
-        const CRGBColor& background = m_settings.background;
-        glClearColor(background.red / 255.0f, background.green / 255.0f, background.blue / 255.0f, 0);
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    }
-    if (m_flushPending || !(m_settings.aspect > 0))
+    if (!(m_settings.viewFlags & VIEWFLAG_NO_CLEAR))
+        ClearBackground();
+    if (m_flushPending || !(m_settings.aspect > 0)) {
+        if (!m_pick)
+            Present();
         return;
-    const bool colorsOff = (m_settings.viewFlags & VIEWFLAG_NO_COLOR_WRITE) != 0;
-    if (colorsOff)
-        glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
+    }
+    struct Colors {    // also when a host's callback throws
+        const bool off;
+        explicit Colors(bool isOff) : off(isOff) { Write(GL_FALSE); }
+        ~Colors() { Write(GL_TRUE); }
+        void Write(GLboolean on) const
+        {
+            if (off)
+                glColorMask(on, on, on, on);
+        }
+    } const colors((m_settings.viewFlags & VIEWFLAG_NO_COLOR_WRITE) != 0);
 
     InitProjection();
     InitModelview();
@@ -50,11 +57,21 @@ void C3DView::RenderScene(CHashTable<C3DSceneNode*>* nodes)
         m_pick->hits = glRenderMode(GL_RENDER);
     else {
         OnDraw(GetClientDC());
-        if (!IsDrawingFlagSet(GLDRAW_MEMORY))
-            GetClientDC()->SwapBuffers();
+        Present();
     }
-    if (colorsOff)
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+}
+
+void C3DView::ClearBackground()
+{
+    const CRGBColor& background = m_settings.background;
+    glClearColor(background.red / 255.0f, background.green / 255.0f, background.blue / 255.0f, 0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+}
+
+void C3DView::Present()
+{
+    if (!IsDrawingFlagSet(GLDRAW_MEMORY))
+        GetClientDC()->SwapBuffers();
 }
 
 // --- The eye ---------------------------------------------------------------------------------------------------------------------
@@ -153,8 +170,6 @@ std::vector<C3DView::DrawnNode> C3DView::CollectNodes(const CHashTable<C3DSceneN
         entry.isSelected = node->IsFlagSet(NODE_SELECTED);
         entry.wiresOnly = base->IsFlagSet(OBJECT_WIREFRAME_ONLY) || (entry.final && entry.final->IsFlagSet(OBJECT_WIREFRAME_ONLY));
         entry.hasTransparent = m_transparentObjects.Find(static_cast<int>(GetCallListID(entry.final)));
-        if (entry.kind == OBJECT_GROUP)
-            continue;
         C4x4TMatrix<float> matrix;
         walk.Get(node, matrix);
         C3DTVector<float> scale;

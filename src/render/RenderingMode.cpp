@@ -1,5 +1,6 @@
 #include "render/RenderingMode.h"
 
+#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include <cmath>
@@ -23,7 +24,7 @@ constexpr struct {
     {GLMODE_NO_DEPTH_WRITE, GL_DEPTH_BUFFER_BIT},
     {GLMODE_NO_ALPHA_WRITE, GL_COLOR_BUFFER_BIT},
     {GLMODE_NO_TEXTURE, GL_ENABLE_BIT},
-    {GLMODE_TINT, GL_COLOR_BUFFER_BIT | GL_ENABLE_BIT | GL_DEPTH_BUFFER_BIT | GL_CURRENT_BIT},
+    {GLMODE_TINT, GL_COLOR_BUFFER_BIT | GL_ENABLE_BIT | GL_DEPTH_BUFFER_BIT | GL_CURRENT_BIT | GL_FOG_BIT},
     {GLMODE_NO_MULTISAMPLE, GL_MULTISAMPLE_BIT},
     {GLMODE_IDENTITY, GL_TRANSFORM_BIT | GL_VIEWPORT_BIT},
     {GLMODE_PIXELS, GL_TRANSFORM_BIT | GL_VIEWPORT_BIT},
@@ -66,11 +67,19 @@ void CueDepth(const GlViewSettings& settings)
 
 void Tint()
 {
+    constexpr GLfloat COLOR[4] = {0, 0.4f, 0.8f, 1}, STRENGTH = 0.6f;
     Blend();
     glDisable(GL_LIGHTING);
     glDisable(GL_TEXTURE_2D);
     glDepthFunc(GL_EQUAL);    // over what is drawn already, and nowhere else
-    glColor4f(0, 0.4f, 0.8f, 0.6f);
+    // Lists set colours and textures of their own. A fog that is thick before the eye covers them all.
+    glEnable(GL_FOG);
+    glFogi(GL_FOG_MODE, GL_LINEAR);
+    glFogf(GL_FOG_START, -2);
+    glFogf(GL_FOG_END, -1);
+    glFogfv(GL_FOG_COLOR, COLOR);
+    glBlendColor(0, 0, 0, STRENGTH);
+    glBlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA);
 }
 
 void SetState(unsigned int mode, const GlViewSettings& settings)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -176,7 +177,7 @@ public:
     void InitMaterial();
     /// Forgets what is set.
     void ReinitCurrentMaterial();
-    unsigned int GetCurrentMaterial() const { return m_currentMaterial; }
+    unsigned int GetCurrentMaterial() const { return static_cast<unsigned int>(m_currentMaterial); }
     /// For what is drawn without light. Nothing for the current material, and for an id without material.
     void InitDiffuseColor(C3DMaterial& material);
     void InitDiffuseColor(unsigned int materialID);
@@ -309,7 +310,7 @@ protected:
     int LoadTexture(C3DMaterial* material, MapType type, unsigned int textureName);
     void DestroyMapping(bool keepTextureState);
     /// Whether the material of the element's face is set, with its texture or without. Colours of corners are no change of material.
-    bool IsMaterialCurrent() const;
+    bool IsMaterialCurrent();
     /// Enters a material in the transparent ones, or takes it out, by its colours now and its texture.
     void NoteTransparency(const C3DMaterial& material);
 
@@ -336,9 +337,20 @@ private:
     };
     struct DrawnNode;
 
+    /// Which faces a list culls: what its object says, or what a face says of itself.
+    enum FaceCulling { CULL_AS_OBJECT, CULL_ONE_SIDED, CULL_TWO_SIDED };
+
+    /// Names a material among those of the scene and the view's own, whose ids may be the same: an id, and OWN_MATERIAL beside it.
+    using MaterialKey = std::uint64_t;
+    static constexpr MaterialKey OWN_MATERIAL = MaterialKey{1} << 32;
+    MaterialKey GetKey(const C3DMaterial& material) const;
+    bool IsOwn(const C3DMaterial& material) const { return GetKey(material) >= OWN_MATERIAL; }
+
     void InitFaceMaterial(unsigned int id);
     bool ApplyFaceFlags(unsigned int flags, unsigned int& result);
-    void RestoreCulling();
+    void InitCulling(const C3DGeomObject& geometry);
+    void NoteObjectCulling(const C3DGeomObject& geometry);
+    void SwitchFaceCulling(FaceCulling wanted);
     void ReadUVWFace(int face);
     void ReadVCFace(int face);
     void SetFaceMaterial(unsigned int result);
@@ -355,6 +367,9 @@ private:
     void InitProjection();
     void InitModelview();
     std::vector<DrawnNode> CollectNodes(const CHashTable<C3DSceneNode*>* nodes) const;
+    /// Fills what is drawn on, and shows what was drawn there.
+    void ClearBackground();
+    void Present();
     void RenderPass(int pass, const std::vector<DrawnNode>& nodes);
     bool IsNodeDrawn(int pass, const DrawnNode& drawn, unsigned int mode);
     void RenderNode(int pass, const DrawnNode& drawn, unsigned int mode);
@@ -363,10 +378,7 @@ private:
     void LoadNodeMatrix(const DrawnNode& drawn);
     void DrawTint(const DrawnNode& drawn, _CallListType type);
 
-    bool AreCornersOf(unsigned int materialID) const
-    {
-        return m_currentMaterial == m_userMaterial.GetMaterialID() && m_corners.materialID == materialID;
-    }
+    bool AreCornersOf(MaterialKey material) const { return m_currentMaterial == GetKey(m_userMaterial) && m_corners.material == material; }
     void InitCornerMaterial(const C3DMaterial& material);
     /// Colour of the vertex at a corner of the element's face; transparent, which changes nothing, for a corner without one.
     CRGBColor GetCornerColor(int corner) const;
@@ -377,6 +389,11 @@ private:
     /// What comes next in the open mesh has the material; `type`: one of CALLLIST_MATERIALS.
     void UseMaterialList(C3DMaterial& material, _CallListType type);
     unsigned int CompileMaterial(C3DMaterial& material, _CallListType type, unsigned int name);
+    /// The list that GL compiles now, and its end.
+    void OpenList(unsigned int name);
+    void CloseList();
+    /// Drops the list that is being compiled, whatever of it is there.
+    void AbandonCallList();
     /// Under the names that meshes know.
     void RecompileMaterial(C3DMaterial& material);
     /// Colours and texture; 0 for none.
@@ -385,7 +402,8 @@ private:
     /// 0 for none.
     unsigned int GetTextureName(unsigned int materialID) const;
     /// Of the material whose texture the element's face has; NO_MATERIAL for none.
-    unsigned int GetWantedTexture() const;
+    unsigned int GetWantedTexture();
+    void FlushNodes(const std::function<void(C3DSceneNode*)>& flush);
     void FlushNodesOf(const C3DMaterial& material);
     /// Those of the letters, made when missing (DrawText.cpp): the first of COutlineFont::CHARACTERS, 0 without a font.
     unsigned int GetFontLists();
@@ -414,20 +432,22 @@ private:
     int m_listDepth = 0;
     CHashID m_list;    ///< that is being compiled, its mesh and GL's list that is open
     unsigned int m_openList = 0, m_primitive = 0;
+    bool m_isListOpen = false, m_isPrimitiveOpen = false;    ///< in GL: between glNewList and glEndList, glBegin and glEnd
     bool m_flushPending = false;
     FaceMaterial m_faceMaterial;
-    unsigned int m_boundTexture = 0xFFFFFFFF;    ///< id of the material whose texture the list has bound
-    bool m_cullingChanged = false;               ///< by a face, in the open list
-    bool m_stippled = false;                     ///< in the open list
-    bool m_meshColors = false;                   ///< in the open list: diffuse colours are those of the mesh's vertices
+    unsigned int m_boundTexture = 0xFFFFFFFF;      ///< id of the material whose texture the list has bound
+    bool m_ownCulling = false;                     ///< of the object, in the open list: the view's is kept on GL's stack
+    FaceCulling m_faceCulling = CULL_AS_OBJECT;    ///< in the open list; when it is another, the object's is kept there too
+    bool m_stippled = false;                       ///< in the open list
+    bool m_meshColors = false;                     ///< in the open list: diffuse colours are those of the mesh's vertices
 
     // Materials
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;
-    unsigned int m_currentMaterial = 0xFFFFFFFF;
+    MaterialKey m_currentMaterial = 0xFFFFFFFF;
     bool m_texturesLoaded = false, m_lightingInUse = false;
     /// While corners set their colours: the material that they change, and what the last of them had.
     struct {
-        unsigned int materialID = 0xFFFFFFFF;
+        MaterialKey material = 0xFFFFFFFF;
         CRGBColor diffuse;    ///< of the material
         CRGBColor color;
         float factor = 0;

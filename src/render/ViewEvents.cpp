@@ -55,7 +55,12 @@ void C3DView::OnPaint()
         return;
     const CGLActivate active(this);
     try {
-        RenderScene(nullptr);
+        if (m_scene)
+            RenderScene(nullptr);
+        else {
+            ClearBackground();
+            Present();
+        }
     } catch (...) {    // of a callback or for want of memory: the window stays as it is, and the next paint tries again
         return;
     }

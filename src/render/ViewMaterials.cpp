@@ -43,7 +43,7 @@ bool ReloadImage(const C3DMaterial& material)
 
 void C3DView::InitMaterial(C3DMaterial* material, int force)
 {
-    if (!material || (!force && material->GetMaterialID() == m_currentMaterial))
+    if (!material || (!force && GetKey(*material) == m_currentMaterial))
         return;
     const unsigned int tick = GetTick();
     SetMaterialColor(GL_AMBIENT, material->GetAmbientColor(tick, true));
@@ -52,8 +52,17 @@ void C3DView::InitMaterial(C3DMaterial* material, int force)
     glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, GetShininess(material->GetSpecularFactor(tick)));
     constexpr GLColor NO_GLOW{0, 0, 0, 1};
     glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, NO_GLOW.data());
-    m_currentMaterial = material->GetMaterialID();
-    m_corners.materialID = NO_MATERIAL;
+    m_currentMaterial = GetKey(*material);
+    m_corners.material = NO_MATERIAL;
+}
+
+C3DView::MaterialKey C3DView::GetKey(const C3DMaterial& material) const
+{
+    const MaterialKey id = material.GetMaterialID();
+    for (const C3DMaterial* const own : {&m_selectionMaterial, &m_cameraMaterial, &m_lightMaterial, &m_wireframeMaterial, &m_userMaterial})
+        if (own == &material)
+            return id | OWN_MATERIAL;
+    return id;
 }
 
 void C3DView::InitMaterial() { InitMaterial(m_element.material, false); }
@@ -64,18 +73,18 @@ void C3DView::ReinitCurrentMaterial()
     m_boundTexture = UNKNOWN_TEXTURE;
 }
 
-bool C3DView::IsMaterialCurrent() const
+bool C3DView::IsMaterialCurrent()
 {
-    const unsigned int id = m_element.material->GetMaterialID();
-    const bool isSet = m_currentMaterial == id || (m_element.vcInUse && AreCornersOf(id));
+    const MaterialKey key = GetKey(*m_element.material);
+    const bool isSet = m_currentMaterial == key || (m_element.vcInUse && AreCornersOf(key));
     return isSet && m_boundTexture == GetWantedTexture();
 }
 
 void C3DView::InitDiffuseColor(C3DMaterial& material)
 {
-    if (material.GetMaterialID() == m_currentMaterial)
+    if (GetKey(material) == m_currentMaterial)
         return;
-    m_currentMaterial = material.GetMaterialID();
+    m_currentMaterial = GetKey(material);
     glColor4fv(GetDrawnColor(material.GetDiffuseColor(GetTick(), true)).data());
 }
 
@@ -112,7 +121,7 @@ void C3DView::InitCornerMaterial(const C3DMaterial& material)
     m_userMaterial.SetAmbientColor(0, material.GetAmbientColor(tick, true));
     m_userMaterial.SetSpecularFactor(0, material.GetSpecularFactor(tick));
     InitMaterial(&m_userMaterial, true);
-    m_corners.materialID = material.GetMaterialID();
+    m_corners.material = GetKey(material);
     m_corners.diffuse = material.GetDiffuseColor(tick, true);
 }
 
@@ -133,7 +142,7 @@ CRGBColor C3DView::GetCornerColor(int corner) const
 void C3DView::MixVertexColor(const C3DMaterial& material)
 {
     const CRGBColor color = GetCornerColor(m_element.cornerNumber);
-    if (!AreCornersOf(material.GetMaterialID()))
+    if (!AreCornersOf(GetKey(material)))
         InitCornerMaterial(material);
     else if (color == m_corners.color && m_element.vcFactor == m_corners.factor)
         return;
@@ -144,10 +153,10 @@ void C3DView::MixVertexColor(const C3DMaterial& material)
 
 void C3DView::SetCornerColor(const CRGBColor& color)
 {
-    const unsigned int user = m_userMaterial.GetMaterialID();
+    const MaterialKey user = GetKey(m_userMaterial);
     if (!AreCornersOf(user)) {
         InitMaterial(&m_userMaterial, true);
-        m_corners.materialID = user;
+        m_corners.material = user;
     } else if (color == m_corners.color)
         return;
     SetMaterialColor(GL_AMBIENT, color);

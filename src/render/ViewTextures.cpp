@@ -138,13 +138,17 @@ unsigned int C3DView::GetTextureName(unsigned int materialID) const
     return place == HASH_END ? 0 : m_callLists.GetNext(place).name;
 }
 
-unsigned int C3DView::GetWantedTexture() const
+unsigned int C3DView::GetWantedTexture()
 {
     const unsigned int id = m_element.material->GetMaterialID();
-    return (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.uvwInUse && HasTexture(id) ? id : NO_MATERIAL;
+    return (m_element.viewFlags & VIEWFLAG_TEXTURE) && m_element.uvwInUse && TextureExist() ? id : NO_MATERIAL;
 }
 
-int C3DView::TextureExist() { return m_element.material && HasTexture(m_element.material->GetMaterialID()); }
+int C3DView::TextureExist()
+{
+    const C3DMaterial* const material = m_element.material;
+    return material && !IsOwn(*material) && HasTexture(material->GetMaterialID());
+}
 
 void C3DView::EnableTexture(int on)
 {

@@ -75,6 +75,15 @@ void C3DView::UpdateView(int asked)
         m_pendingUpdate |= flags;
         return;
     }
+    struct Ending {    // also when a host's callback throws, or for want of memory
+        C3DView& view;
+        ~Ending()
+        {
+            if (view.m_lastUpdate == NO_TIME)
+                view.m_settings.viewFlags &= ~VIEWFLAG_UPDATES_HELD;
+            view.Invalidate();
+        }
+    } const ending{*this};
     const CGLActivate active(this);
     if (flags & GLSET_RELOAD_TEXTURES) {
         DestroyMapping(false);
@@ -91,9 +100,6 @@ void C3DView::UpdateView(int asked)
         else if (flags & GLSET_UPDATE)
             FlushChangedNodes();
     }
-    if (m_lastUpdate == NO_TIME)
-        m_settings.viewFlags &= ~VIEWFLAG_UPDATES_HELD;
-    Invalidate();
 }
 
 /// While the user is at work, what objects have to do for themselves waits until OnTimer has seen no update for a while.
@@ -124,13 +130,12 @@ bool C3DView::HasChanged(const C3DSceneNode* node) const
 
 void C3DView::FlushChangedNodes()
 {
-    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;) {
-        C3DSceneNode* const node = m_scene->GetNextNode(pos);
+    FlushNodes([this](C3DSceneNode* node) {
         if (HasChanged(node)) {
             RemoveNode(node);
             FlushNode(node);
         }
-    }
+    });
 }
 
 void C3DView::LockWindow() { m_lockCount++; }

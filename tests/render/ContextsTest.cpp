@@ -397,6 +397,35 @@ TEST(WindowContext, HasTheMostSamplesThatThereAre)
     }
 }
 
+TEST(WindowContext, ShowsTheBackgroundWhateverElseThereIs)
+{
+    CFaultyPlatform platform;
+    C3DView view;
+    view.SetPeer(new CNoWindow);
+    ASSERT_EQ(view.OnCreate(), 0);
+    int red = 0;
+    const auto paint = [&] {
+        red += 50;
+        view.SetBackgroundColor(static_cast<unsigned char>(red), 0, 0);
+        platform.shown = 0;
+        view.OnPaint();
+        EXPECT_EQ(platform.shown, 1);
+        const CGLActivate active(&view);
+        unsigned char pixel[3];
+        glReadPixels(1, 1, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, pixel);
+        EXPECT_EQ(pixel[0], red);
+    };
+    paint();    // no scene
+    C3DScene* const scene = C3DScene::Create();
+    view.SetScene(scene, 0);
+    paint();    // not flushed yet
+    view.UpdateView(0);
+    paint();
+    view.SetScene(nullptr, 0);
+    paint();
+    DeleteMe(scene);
+}
+
 TEST(WindowContext, CoversByAlphaWhereThereAreSamplesAlone)
 {
     for (const int samples : {0, 4})

@@ -27,7 +27,7 @@ public:
     std::function<void()> death;
 
     std::vector<std::string> calls;
-    int surfaces = 0, contexts = 0;
+    int surfaces = 0, contexts = 0, shown = 0;
 
     bool InitExtensions() override { return Does("InitExtensions") && m_egl.InitExtensions(); }
     bool HasPBuffers() override { return Does("HasPBuffers") && m_egl.HasPBuffers(); }
@@ -75,20 +75,25 @@ public:
 
 private:
     struct Surface : CDC {
-        Surface(std::unique_ptr<CDC> dc, int count, int& alive) : inner(std::move(dc)), samples(count), live(alive) { live++; }
+        Surface(std::unique_ptr<CDC> dc, int count, int& alive, int& swaps)
+            : inner(std::move(dc)), samples(count), live(alive), shown(swaps)
+        {
+            live++;
+        }
         ~Surface() override { live--; }
         CSize GetSize() const override { return inner->GetSize(); }
         int GetSamples() const override { return samples; }
-        void SwapBuffers() override {}
+        void SwapBuffers() override { shown++; }
 
         std::unique_ptr<CDC> inner;
         int samples;
         int& live;
+        int& shown;
     };
     static Surface& Of(CDC& dc) { return static_cast<Surface&>(dc); }
     std::unique_ptr<CDC> Counted(std::unique_ptr<CDC> dc, int count)
     {
-        return dc ? std::make_unique<Surface>(std::move(dc), count, surfaces) : nullptr;
+        return dc ? std::make_unique<Surface>(std::move(dc), count, surfaces, shown) : nullptr;
     }
     bool Does(const std::string& step)
     {

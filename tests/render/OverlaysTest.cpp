@@ -121,7 +121,7 @@ TEST(RenderingMode, TintsWhatIsDrawnAlreadyAndNothingElse)
         const CGLRenderingMode tint(view, GLMODE_TINT);
         view.DrawSquare();
     }
-    EXPECT_TRUE(IsPixel(view.AtMiddle(), {102, 51 + 61, 122, 194}, 2));    // 0.4 of it and 0.6 of 0 0.4 0.8
+    EXPECT_TRUE(IsPixel(view.AtMiddle(), {102, 51 + 61, 122, 255}, 2));    // 0.4 of it and 0.6 of 0 0.4 0.8
     EXPECT_EQ(Count(view, {0, 0, 0, 0}), 64 * 64 * 3 / 4);
 }
 

@@ -2,6 +2,7 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -78,6 +79,69 @@ TEST(Passes, InAWindowWhatIsSelectedIsTinted)
         for (int i = 0; i < 3; i++)
             EXPECT_NEAR(tinted[i], 0.4 * plain[i] + 0.6 * TINT[i], 2) << colored << i;
     }
+}
+
+TEST(Passes, InAWindowTheTintShowsOnWires)
+{
+    // Whatever colours the lists set.
+    const struct {
+        const char* name;
+        unsigned int mode;
+        bool curve, buffered;
+    } rows[] = {
+        {"wires", VIEWFLAG_WIREFRAME, false, true},
+        {"wires as GL compiles them", VIEWFLAG_WIREFRAME, false, false},
+        {"wires among surfaces", VIEWFLAG_SMOOTH, false, true},
+        {"curve", VIEWFLAG_WIREFRAME, true, true},
+        {"curve among surfaces", VIEWFLAG_SMOOTH, true, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CStage stage;
+        stage.Settings().viewFlags = row.mode;
+        C3DSceneNode* node = stage.AddSquare(0, 0, 0, stage.AddMaterial(RED));
+        if (row.curve) {
+            Mesh line = MakeMesh({{-1, -1, 0}, {1, 0, 0}, {1, 1, 0}}, {});
+            auto* const curve = new C3DCurve(std::exchange(line.points, nullptr), nullptr, nullptr);
+            curve->SetMaterialID(stage.AddMaterial(RED));
+            node->SetFlag(NODE_HIDDEN, true);
+            node = stage.AddObject(curve);
+        } else
+            node->GetBaseObject()->SetFlag(OBJECT_WIREFRAME_ONLY, true);
+        if (!row.buffered)
+            stage.View().SetFaceCallback([](_RenderElement*) { return FACE_RESULT_NORMAL; });
+        stage.Show();
+        const auto draw = [&] {
+            const CGLActivate active(&stage.View());
+            stage.View().SetDrawingFlag(GLDRAW_MEMORY, false);
+            stage.View().RenderScene(nullptr);
+            stage.View().SetDrawingFlag(GLDRAW_MEMORY, true);
+            Picture picture(rgbBitmap::Create(64, 64));
+            glReadPixels(0, 0, 64, 64, GL_RGB, GL_UNSIGNED_BYTE, picture->GetLine(0));
+            return picture;
+        };
+        const Picture plain = draw();
+        EXPECT_GT(CountPixels(*plain, IsRed), 40);
+        EXPECT_EQ(CountPixels(*plain, IsBlue), 0);
+        node->SetFlag(NODE_SELECTED, true);
+        EXPECT_GT(CountPixels(*draw(), IsBlue), 40);
+    }
+}
+
+TEST(Passes, TheViewsOwnMaterialsAreNotThoseOfASceneThatHaveTheirIds)
+{
+    CStage stage;
+    stage.Settings().viewFlags = VIEWFLAG_WIREFRAME | VIEWFLAG_SHOW_CAMERAS;
+    SetMatrix(*stage.AddObject(new C3DCamera), Scaled(0.01, 0.01, 0.01));
+    const unsigned int first = stage.View().GetSelectionMaterial().GetMaterialID(), last = stage.View().GetUserMaterial().GetMaterialID();
+    for (unsigned int id = first; id <= last; id++) {
+        stage.Scene().CreateNewMaterial(id)->SetDiffuseColor(0, GREEN);
+        stage.AddSquare(static_cast<float>(id - first), 0, 0, id);
+    }
+    const Picture picture = stage.Draw();
+    EXPECT_GT(CountPixels(*picture, IsBlue), 10);
+    EXPECT_GT(CountPixels(*picture, IsGreen), 40);
+    EXPECT_EQ(CountPixels(*picture, IsRed), 0);
 }
 
 TEST(Passes, MirroredAndScaledNodesAreLitLikeOthers)
@@ -206,6 +270,24 @@ TEST(Passes, AHostHearsOfEachPassAndNode)
     EXPECT_EQ(Coverage(*draw(DISPLAY_NODE)), 0);
     EXPECT_EQ(Coverage(*draw(DISPLAY_PASS_BEGIN)), 0);
     EXPECT_EQ(calls.size(), 8U) << "a refused pass has no end, and its overlay comes all the same";
+
+    // Groups, of which nothing is drawn, are a host's to draw; wires have their pass where there are none.
+    C3DSceneNode* const group = stage.AddObject(C3DBaseObject::Create(OBJECT_GROUP));
+    stage.Settings().viewFlags = VIEWFLAG_SMOOTH;
+    stage.Show();
+    static int groups;
+    groups = 0;
+    stage.View().SetCallbackData(group);
+    stage.View().SetDisplayCallback([](C3DSceneNode* node, glCallbackDisplayState state, unsigned int mode, void* data) {
+        calls.push_back({state, mode});
+        groups += node == data;
+        return 1;
+    });
+    draw(-1);
+    EXPECT_EQ(groups, 2);
+    EXPECT_EQ(std::ranges::count(calls, Call{DISPLAY_OVERLAY_NODE, 4}), 2);
+    EXPECT_EQ(std::ranges::count(calls, Call{DISPLAY_OVERLAY_NODE, 1}), 2);
+    EXPECT_EQ(std::ranges::count(calls, Call{DISPLAY_NODE, 1}), 1);
 }
 
 TEST(Passes, AHostRefusesNodesAndFacesAndCompilesLists)

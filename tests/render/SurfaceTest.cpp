@@ -1,5 +1,8 @@
 // Faces of an object in its lists: which are drawn, in what material, from which side.
 
+#include "channels/NormalFaceList.h"
+#include "channels/SpecNormalChannel.h"
+#include "geometry/3DVectorList.h"
 #include "render/ViewCase.h"
 #include "scene/Patch.h"
 #include "scene/Primitives.h"
@@ -96,6 +99,13 @@ TEST(Surfaces, AreCulledByViewObjectAndFace)
             // The second face looks down and is seen in any case; the first one's culling does not stay with it.
             const double both = 8.0 / 20;
             EXPECT_NEAR(Coverage(*stage.Draw()), row.seen ? both : both / 2, 0.02);
+
+            // The lists are good for views that cull and for those that do not.
+            stage.Settings().viewFlags ^= VIEWFLAG_CULL_BACK;
+            stage.View().SetViewSettings(&stage.Settings());
+            stage.View().UpdateView(0);
+            const double changed = Coverage(*Picture(stage.View().CreateBitmapFromScene()));
+            EXPECT_NEAR(changed, Coverage(*stage.Draw()), 0.001);
         }
 }
 
@@ -108,7 +118,12 @@ TEST(Surfaces, ShowBackMaterialsFromBehind)
              ->GetGeomObject()
              ->GetFaceList();
     faces.SetBackFaceMaterial(0, green);    // the other face has none: red from both sides
-    for (const unsigned int mode : {VIEWFLAG_FLAT, VIEWFLAG_SMOOTH}) {
+    for (const unsigned int mode : {+VIEWFLAG_FLAT, +VIEWFLAG_SMOOTH, VIEWFLAG_SMOOTH | VIEWFLAG_CULL_BACK}) {
+        if (mode & VIEWFLAG_CULL_BACK) {    // two sides that each have their material are two already
+            C3DFace face;
+            faces.GetFace(0, face);
+            face.SetFlags(VIEW_FACE_TWO_SIDED, true);
+        }
         stage.Settings().viewFlags = mode;
         stage.Settings().viewNumber = RVIEW_TOP;
         const Picture front = stage.Draw();
@@ -119,6 +134,35 @@ TEST(Surfaces, ShowBackMaterialsFromBehind)
         EXPECT_NEAR(CountPixels(*back, IsGreen), CountPixels(*back, IsRed), 64);
         EXPECT_NEAR(Coverage(*back), HALF, 0.03);
     }
+}
+
+TEST(Surfaces, AreLitOnTheSideThatIsSeenWhateverTheirNormalsSay)
+{
+    // Given normals that look up or down, and corners that go round either way, seen from above and from below.
+    for (const auto view : {RVIEW_TOP, RVIEW_BOTTOM})
+        for (const bool buffered : {true, false})
+            for (const bool clockwise : {false, true}) {
+                int light[2];
+                for (const bool up : {true, false}) {
+                    CStage stage;
+                    stage.Settings().viewFlags = VIEWFLAG_SMOOTH | VIEWFLAG_SPEC_NORMALS;
+                    stage.Settings().viewNumber = view;
+                    const std::vector<int> corners = clockwise ? std::vector{3, 2, 1, 0} : std::vector{0, 1, 2, 3};
+                    C3DSceneNode* const node =
+                        stage.AddMesh({{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}, {corners}, stage.AddMaterial(RED));
+                    auto* const given = new CSpecNormalChannel;
+                    given->GetNormalVectorList()->SetSize(1, true, -1);
+                    *given->GetNormalVectorList()->ElementAt(0) = C3DTVector<float>(0, 0, up ? 1.0f : -1.0f);
+                    AddFaces(*given->GetNormalFaceList(), {{0, 0, 0, 0}});
+                    given->SetFlag(CHANNEL_STALE, false);
+                    node->GetGeomObject()->AddChannel(given);
+                    if (!buffered)
+                        stage.View().SetPointMaterialCallback([](_RenderElement*) { return 0; });
+                    light[up] = stage.Draw()->GetLine(32)[3 * 32];
+                }
+                EXPECT_GT(light[0], 150) << view << buffered << clockwise;
+                EXPECT_EQ(light[0], light[1]) << view << buffered << clockwise;
+            }
 }
 
 TEST(Surfaces, ManyMaterialsInAnyOrderKeepTheirFaces)

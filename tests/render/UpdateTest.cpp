@@ -1,3 +1,7 @@
+#include <GL/gl.h>
+
+#include <stdexcept>
+
 #include "render/SteeredView.h"
 #include "render/ViewProfile.h"
 #include "scene/Camera.h"
@@ -234,4 +238,46 @@ TEST(ViewUpdate, TheDefaultViewIsTheFirstCameraWhenTheProfileSaysSo)
     EXPECT_EQ(view.GetCurrentCameraId(), static_cast<int>(node->GetNodeID()));
     SetApplication(nullptr);
     EXPECT_EQ(show(), RVIEW_FRONT);
+}
+
+TEST(ViewUpdate, WhatFailsWhileItIsCompiledCostsTheViewNothingElse)
+{
+    // A host's callback that throws while a list is open, in the middle of a primitive, or between lists: once, for the first of two squares.
+    enum Where { IN_FACE, IN_LIST, BETWEEN };
+    static Where where;
+    static int left;
+    static const auto failing = [](bool here) {
+        if (here && left-- > 0)
+            throw std::runtime_error("host");
+    };
+    for (const Where place : {IN_FACE, IN_LIST, BETWEEN}) {
+        CStage stage;
+        C3DView& view = stage.View();
+        stage.AddSquare(0, 0, 0);
+        stage.AddSquare(4, 0, 0);
+        const double whole = Coverage(*stage.Draw());
+        where = place;
+        left = 0;
+        view.SetCallbackData(&view);
+        if (place == IN_FACE)
+            view.SetFaceCallback([](_RenderElement*) {
+                failing(true);
+                return FACE_RESULT_NORMAL;
+            });
+        view.SetFlushCallback([](C3DSceneNode* node, void* data) {
+            failing(where == BETWEEN);
+            if (where == IN_LIST) {
+                static_cast<C3DView*>(data)->BeginCallList(node->GetBaseObject(), static_cast<_CallListType>(0x100));
+                failing(true);
+                static_cast<C3DView*>(data)->EndCallList();
+            }
+        });
+        left = 1;
+        EXPECT_THROW(view.UpdateView(GLSET_FLUSH_ALL), std::runtime_error);
+        EXPECT_NEAR(Coverage(*Picture(view.CreateBitmapFromScene())), whole / 2, 0.01) << place;
+        view.UpdateView(GLSET_UPDATE);
+        EXPECT_NEAR(Coverage(*Picture(view.CreateBitmapFromScene())), whole, 0.001) << place;
+        const CGLActivate active(&view);
+        EXPECT_EQ(glGetError(), 0U);
+    }
 }
