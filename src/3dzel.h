@@ -130,6 +130,7 @@
 #include "scene/Preferences.h"
 #include "scene/Primitives.h"
 #include "scene/SceneNode.h"
+#include "scene/TextureSources.h"
 #include "scene/Units.h"
 #include "scene/UpAxis.h"
 #include "scene/UpdateFlags.h"

@@ -7,6 +7,7 @@
 #include "ImportWorker.h"
 #include "LibraryImport.h"
 #include "MuteStandardError.h"
+#include "TextureExport.h"
 #include "Writers.h"
 
 CAssimpParser::CAssimpParser(unsigned int fileClass, CFileIo* fileIo) : C3DParser(fileIo), m_fileClass(fileClass) {}
@@ -48,6 +49,7 @@ void CAssimpParser::SaveDefaultOptions(CSceneExportOptions& options)
     options.maxFaces = format->maxFaces;
     options.objectNameRule = format->objectNameRule;
     options.materialNameRule = format->materialNameRule;
+    options.texturesInside = format->Can(CAN_EMBED) ? TextureExport::ListInside() : std::vector<CXTString<wchar_t>>();
 }
 
 bool CAssimpParser::Save(const CXTString<wchar_t>& path, C3DScene* scene, CSceneExportOptions& options)
@@ -73,7 +75,7 @@ CXTString<wchar_t> CAssimpParser::Write(const CXTString<wchar_t>& path, C3DScene
     OutputFiles files(path);
     LossLog losses;
     CXTString<wchar_t> reason;
-    const WriterTask task{scene, format, path, files, losses};
+    const WriterTask task{scene, format, path, options, files, losses};
     switch (format.writer) {
     case WRITER_GLTF: WriteGltf(task); break;
     case WRITER_OBJ: WriteObj(task); break;

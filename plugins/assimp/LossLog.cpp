@@ -29,6 +29,8 @@ const wchar_t* const s_texts[LOSS_COUNT] = {
 
 void LossLog::Report(CIoOptions& options) const
 {
+    for (const CXTString<wchar_t>& line : m_lines)
+        options.AddLogInfo(IoLogInfo::WARNING, line);
     for (std::size_t loss = 0; loss < LOSS_COUNT; loss++)
         if (m_counts[loss] > 0) {
             CXTString<wchar_t> text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 #include <3dzel.h>
 
@@ -29,12 +30,14 @@ enum Loss : unsigned int {
     LOSS_COUNT
 };
 
-/// Counts what is left out and tells it, one line a kind.
+/// Counts what is left out and tells it, one line a kind, behind what is told in words.
 class LossLog {
 public:
     void Add(Loss loss, std::size_t count = 1) { m_counts[loss] += count; }
+    void Tell(const CXTString<wchar_t>& line) { m_lines.push_back(line); }
     void Report(CIoOptions& options) const;
 
 private:
     std::array<std::size_t, LOSS_COUNT> m_counts{};
+    std::vector<CXTString<wchar_t>> m_lines;
 };

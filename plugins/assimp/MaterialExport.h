@@ -9,17 +9,16 @@
 
 #include <3dzel.h>
 
-#include "ExportFormats.h"
-#include "LossLog.h"
 #include "TextureExport.h"
+#include "Writers.h"
 
 /// The materials of a scene as the library wants them, in the order in which they are asked for, as they are at time 0.
 ///
 /// The default material, left as it is, stands for none.
 class MaterialExport {
 public:
-    MaterialExport(const C3DScene& scene, const ExportFormat& format, TextureExport& textures, LossLog& losses)
-        : m_scene(scene), m_format(format), m_textures(textures), m_losses(losses)
+    MaterialExport(const WriterTask& task, TextureExport& textures)
+        : m_scene(task.scene), m_format(task.format), m_textures(textures), m_losses(task.losses)
     {
     }
 

@@ -18,11 +18,7 @@ namespace {
 
 class ObjWriter {
 public:
-    explicit ObjWriter(const WriterTask& task)
-        : m_task(task), m_textures(task.scene, task.target, false, task.losses),
-          m_materials(task.scene, task.format, m_textures, task.losses)
-    {
-    }
+    explicit ObjWriter(const WriterTask& task) : m_task(task), m_textures(task), m_materials(task, m_textures) {}
 
     void Run()
     {

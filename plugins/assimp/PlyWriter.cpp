@@ -42,8 +42,7 @@ struct Mesh {
 class PlyWriter {
 public:
     explicit PlyWriter(const WriterTask& task)
-        : m_task(task), m_isText(std::string_view(task.format.form) == "text"), m_textures(task.scene, task.target, false, task.losses),
-          m_materials(task.scene, task.format, m_textures, task.losses)
+        : m_task(task), m_isText(std::string_view(task.format.form) == "text"), m_textures(task), m_materials(task, m_textures)
     {
     }
 

@@ -1,19 +1,11 @@
 #include "TextureExport.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <cstring>
 
 namespace {
-
-std::vector<unsigned char> ReadFile(const CXTString<wchar_t>& path)
-{
-    IoFile file;
-    if (!file.OpenFile(path, 1, nullptr) || file.GetLength() > 0x7FFFFFFF)
-        return {};
-    std::vector<unsigned char> bytes(file.GetLength());
-    bytes.resize(file.ReadBytes(bytes.data(), bytes.size()));
-    return bytes;
-}
 
 // The kinds of image that may stand inside; what a file is, its first bytes tell.
 const char* HintOf(const std::vector<unsigned char>& bytes)
@@ -26,18 +18,18 @@ const char* HintOf(const std::vector<unsigned char>& bytes)
 
 }
 
-TextureExport::TextureExport(const C3DScene& scene, const CXTString<wchar_t>& target, bool embed, LossLog& losses)
-    : m_scene(scene), m_folder(fileGetPath(fileMakeAbsolutePath(fileGetCurrentDirectory(), target))), m_embed(embed), m_losses(losses)
+TextureExport::TextureExport(const WriterTask& task)
+    : m_format(task.format), m_losses(task.losses), m_folder(fileGetPath(fileMakeAbsolutePath(fileGetCurrentDirectory(), task.target))),
+      m_sources(task.scene, task.options.texturesFromAnywhere)
 {
+    if (task.options.flags & EXPORT_MOVE_TEXTURES)
+        for (const CXTString<wchar_t>& moved : task.options.textureNames)
+            m_sources.Allow(moved);
 }
 
 std::string TextureExport::NameOf(const CMaterialMap& map, bool alpha)
 {
-    const CXTString<wchar_t>& name = alpha ? map.GetAlphaFileName() : map.GetFileName();
-    if (name.IsEmpty())
-        return {};
-    const CXTString<wchar_t> path = map.GetBitmapPath(&m_scene, alpha, true);
-    return ToName(path.IsEmpty() ? name : path);
+    return ToName(alpha ? map.GetAlphaFileName() : map.GetFileName());
 }
 
 bool TextureExport::HasAlpha(const CMaterialMap& map) const
@@ -46,23 +38,20 @@ bool TextureExport::HasAlpha(const CMaterialMap& map) const
     constexpr unsigned char HAS_ALPHA = 4;
     unsigned char head[COLOR_TYPE_AT + 1];
     IoFile file;
-    return file.OpenFile(map.GetBitmapPath(&m_scene, false, true), 1, nullptr) && file.ReadBytes(head, sizeof head) == sizeof head &&
-           std::memcmp(head, "\x89PNG", 4) == 0 && head[COLOR_TYPE_AT] & HAS_ALPHA;
+    return !map.GetFileName().IsEmpty() && file.OpenFile(PlaceOf(map.GetFileName()), 1, nullptr) &&
+           file.ReadBytes(head, sizeof head) == sizeof head && std::memcmp(head, "\x89PNG", 4) == 0 && head[COLOR_TYPE_AT] & HAS_ALPHA;
 }
 
 std::string TextureExport::ToName(const CXTString<wchar_t>& file)
 {
     if (file.IsEmpty())
         return {};
-    if (m_embed)
-        if (std::string inside = Embed(file); !inside.empty())
+    if (m_format.Can(CAN_EMBED))
+        if (std::string inside = Embed(PlaceOf(file)); !inside.empty())
             return inside;
     std::string name = WideToUtf8(file);
     std::ranges::replace(name, '\\', '/');
-    if (!fileIsAbsolute(file))
-        return name;
-    const std::string relative = WideToUtf8(fileMakeRelativePath(m_folder, file));
-    return relative.starts_with("..") ? name : relative;
+    return m_format.Can(NAMES_ARE_ADDRESSES) ? ToAddress(name) : name;
 }
 
 // Empty for what is no image that may stand inside.
@@ -71,12 +60,10 @@ std::string TextureExport::Embed(const CXTString<wchar_t>& path)
     const auto [place, isNew] = m_names.try_emplace(WideToUtf8(path));
     if (!isNew)
         return place->second;
-    const std::vector<unsigned char> bytes = ReadFile(path);
+    const std::vector<unsigned char> bytes = ReadImage(path);
     const char* hint = HintOf(bytes);
-    if (!hint) {
-        m_losses.Add(LOSS_TEXTURES);
+    if (!hint)
         return {};
-    }
     auto texture = std::make_unique<aiTexture>();
     texture->mFilename = aiString(WideToUtf8(fileStripPath(path)));
     texture->mWidth = static_cast<unsigned int>(bytes.size());
@@ -86,4 +73,33 @@ std::string TextureExport::Embed(const CXTString<wchar_t>& path)
     place->second = std::string("*").append(std::to_string(m_embedded.size()));
     m_embedded.push_back(std::move(texture));
     return place->second;
+}
+
+// Empty, and counted, for what is no image that may stand inside or is not to be taken.
+std::vector<unsigned char> TextureExport::ReadImage(const CXTString<wchar_t>& path)
+{
+    IoFile file;
+    if (m_sources.Open(path, file) == CTextureSources::TEXTURE_OUTSIDE) {
+        m_losses.Tell(L"The image " + path + L" lies outside the folders of the scene: its name is written, and not its content");
+        return {};
+    }
+    std::vector<unsigned char> bytes(file.IsOpen() && file.GetLength() <= 0x7FFFFFFF ? file.GetLength() : 0);
+    bytes.resize(file.ReadBytes(bytes.data(), bytes.size()));
+    if (!HintOf(bytes))
+        m_losses.Add(LOSS_TEXTURES);
+    return bytes;
+}
+
+std::string ToAddress(const std::string& name)
+{
+    std::string address;
+    for (const char character : name)
+        if (std::isalnum(static_cast<unsigned char>(character)) || std::strchr("-._~/", character)) {
+            address += character;
+        } else {
+            char code[4];
+            std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned int>(static_cast<unsigned char>(character)));
+            address += code;
+        }
+    return address;
 }

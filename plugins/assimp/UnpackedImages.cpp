@@ -2,21 +2,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <utility>
 
 namespace {
-
-CXTString<wchar_t> TextureCacheFolder()
-{
-    const char* cache = std::getenv("XDG_CACHE_HOME");
-    if (cache && *cache == '/')    // a relative one does not count
-        return Utf8ToWide(std::string(cache) + "/3dzel/textures/");
-    const char* home = std::getenv("HOME");
-    return home && *home ? Utf8ToWide(std::string(home) + "/.cache/3dzel/textures/") : CXTString<wchar_t>();
-}
 
 // 128 bits of the content: files that share a name here are the same.
 std::string ContentHash(const unsigned char* bytes, std::size_t size)
@@ -69,7 +59,7 @@ bool WritePixels(const CXTString<wchar_t>& path, const std::vector<unsigned char
 
 CXTString<wchar_t> UnpackedImages::FolderOf(const Image& image)
 {
-    const CXTString<wchar_t> cache = TextureCacheFolder();
+    const CXTString<wchar_t> cache = GetUnpackedTexturesPath();
     return cache.IsEmpty() ? cache : cache + Utf8ToWide(ContentHash(image.bytes.data(), image.bytes.size()) + "/");
 }
 

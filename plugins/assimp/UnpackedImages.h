@@ -7,8 +7,8 @@
 
 /// Images that lay inside a model's file, on their way to the user's cache.
 ///
-/// Each goes to 3dzel/textures/<hash of the content> in the cache folder ($XDG_CACHE_HOME or ~/.cache), once for all files that hold it. Who
-/// reads a file only learns where its images will be; the host writes them, so that a worker need not write anywhere.
+/// Each goes to <hash of the content> in GetUnpackedTexturesPath, once for all files that hold it. Who reads a file only learns where its
+/// images will be; the host writes them, so that a worker need not write anywhere.
 class UnpackedImages {
 public:
     /// A file of an image, as it stood in the model's file.

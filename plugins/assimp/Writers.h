@@ -11,6 +11,7 @@ struct WriterTask {
     C3DScene& scene;
     const ExportFormat& format;
     const CXTString<wchar_t>& target;
+    const CSceneExportOptions& options;
     OutputFiles& files;
     LossLog& losses;
 };

@@ -12,7 +12,9 @@
 // Each step that changed something is a line of the log. A line about what the format cannot hold is marked as a loss when the parser asked
 // for the step; what the user asked for is none.
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "channels/DependentChannels.h"
@@ -20,6 +22,7 @@
 #include "geometry/3DPointList.h"
 #include "io/SceneOptions.h"
 #include "io/Texts.h"
+#include "io/TextureNames.h"
 #include "meshops/Concatenate.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
@@ -37,6 +40,12 @@ constexpr unsigned int SEAM_CHANNELS = 0xFFFF, SEAM_POINT = 0x90, SEAM_FACE = 0x
 constexpr unsigned int NO_LIMIT = 0xFFFFFFFF;
 constexpr double UNIT_TOLERANCE = 0.005;
 
+int CountFaces(const C3DGeomObject& object)
+{
+    const C3DFaceList* const faces = object.GetFaceList();
+    return faces ? faces->GetSize() - faces->GetNumberOfFaces(static_cast<unsigned int>(FACE_DEAD), true) : 0;
+}
+
 class CExportPreparation {
 public:
     CExportPreparation(C3DScene& scene, CSceneExportOptions& options) : m_scene(scene), m_options(options) {}
@@ -49,11 +58,14 @@ private:
     void RemoveWhatFormatLacks(C3DGeomObject& object, const Text& name);
     C3DGeomObject* ConvertPatch(C3DSceneNode* node, C3DPatch& patch, C3DNodePos& pos);
     void ArrangeTree();
+    void RemoveTransforms();
+    unsigned int CountAnimatedNodes() const;
     void SplitFaces();
     void TurnAxes();
     void JoinObjects();
     void ApplyLimits();
     void MatchMaterials();
+    void PlaceTextures();
     void NormaliseNames();
     bool HasObjects() const;
 
@@ -87,8 +99,7 @@ bool CExportPreparation::Run()
     JoinObjects();
     ApplyLimits();
     MatchMaterials();
-    if (IsAsked(EXPORT_MOVE_TEXTURES))
-        m_scene.MoveTextures(m_options.filePath, m_options.textureFolder, &m_options);
+    PlaceTextures();
     NormaliseNames();
     if (HasObjects())
         return true;
@@ -155,8 +166,11 @@ void CExportPreparation::PrepareObjects()
             if (!object)
                 continue;    // stays a patch
         }
+        const int faces = CountFaces(*object);
         object->Clean();
         object->CleanChannels(0xFFFFFFFF, true);
+        if (const int gone = faces - CountFaces(*object); gone > 0)
+            LogLoss(FormatText(TEXT_REMOVING_FACES, static_cast<unsigned int>(gone), node->GetName()), true);
     }
 }
 
@@ -195,6 +209,25 @@ C3DGeomObject* CExportPreparation::ConvertPatch(C3DSceneNode* node, C3DPatch& pa
 // ---- The scene
 
 void CExportPreparation::ArrangeTree()
+{
+    const unsigned int animated = CountAnimatedNodes();
+    RemoveTransforms();
+    if (const unsigned int left = CountAnimatedNodes(); left < animated)
+        LogLoss(FormatText(TEXT_REMOVING_ANIMATION, animated - left), IsForced(EXPORT_GLOBAL_COORDINATES | EXPORT_REMOVE_GROUPS));
+}
+
+unsigned int CExportPreparation::CountAnimatedNodes() const
+{
+    constexpr std::uint64_t TRANSFORMS[] = {KEY_MATRIX, KEY_TRANSLATE, KEY_ROTATE, KEY_SCALE};
+    unsigned int count = 0;
+    for (C3DNodePos pos = m_scene.GetFirstNode(OBJECT_ANY, ITER_EMPTY_NODES); pos;) {
+        const C3DSceneNode& node = *m_scene.GetNextNode(pos);
+        count += std::ranges::any_of(TRANSFORMS, [&node](std::uint64_t id) { return node.GetKeyNbr(id) > 1; });
+    }
+    return count;
+}
+
+void CExportPreparation::RemoveTransforms()
 {
     if (IsAsked(EXPORT_GLOBAL_COORDINATES)) {
         m_scene.ConvertToGlobalCoordinates(nullptr);
@@ -284,10 +317,26 @@ void CExportPreparation::MatchMaterials()
         }
         for (const unsigned int id : unused)
             m_scene.RemoveMaterial(id);
+        if (!unused.empty())
+            LogLoss(FormatText(TEXT_REMOVING_MATERIALS, static_cast<unsigned int>(unused.size())), true);
     }
     for (const auto& [id, count] : used)
         if (!m_scene.GetMaterialByID(id))
             m_scene.CreateNewMaterial(id);
+}
+
+void CExportPreparation::PlaceTextures()
+{
+    CTextureNames names(m_scene, m_options);
+    const bool hasFile = !m_options.filePath.IsEmpty();
+    if (hasFile)
+        names.MakeAbsolute();
+    if (IsAsked(EXPORT_MOVE_TEXTURES))
+        m_scene.MoveTextures(m_options.filePath, m_options.textureFolder, &m_options);
+    if (!hasFile)
+        return;
+    names.CopyUnpacked();
+    names.MakeRelative();
 }
 
 // ---- Names

@@ -1,12 +1,11 @@
 // The image files of an exported scene: copied to a folder of the user's choice, the maps' names with them.
 //
-// What a scene file names is not to be trusted: "../../secret" in it must not have a secret copied beside the export. So a source lies in
-// the folder of the scene or in a texture path, unless the options allow any place. Nothing of the scene's own is written over.
+// CTextureSources tells which files may be taken. Nothing of the scene's own is written over.
 
 #include "io/SceneOptions.h"
 #include "io/Texts.h"
 #include "scene/3DScene.h"
-#include "scene/Preferences.h"
+#include "scene/TextureSources.h"
 #include "tools/CodePage.h"
 #include "tools/FileNameSpec.h"
 #include "tools/FilePath.h"
@@ -26,35 +25,6 @@ int GetNameLimit(const CSceneExportOptions* options)
     const unsigned int limit = options ? options->textureNameLimit & 0xFFFFFF : 0;
     return limit ? static_cast<int>(limit) : -1;
 }
-
-/// The folders from which textures may be taken.
-class CTextureSources {
-public:
-    CTextureSources(const C3DScene& scene, const CSceneExportOptions* options)
-    {
-        const Text base = scene.GetFilepath();
-        // A scene without file names what its host put there.
-        m_any = scene.GetFilename().IsEmpty() || (options && options->texturesFromAnywhere);
-        m_folders.Add(MakeAbsolute(base));
-        CXArray<Text> paths;
-        scene.GetTexturePaths(paths, false);
-        C3DPreferences::Get3DPreferences().GetTexturePaths(paths, true);
-        for (const Text& path : paths)
-            m_folders.Add(MakeAbsolute(fileMakeAbsolutePath(base, path)));
-    }
-    bool IsAllowed(const Text& source) const
-    {
-        const Text file = MakeAbsolute(source);
-        for (const Text& folder : m_folders)
-            if (file.Str().starts_with(fileAddSlash(folder).Str()))
-                return true;
-        return m_any;
-    }
-
-private:
-    CXArray<Text> m_folders;
-    bool m_any;
-};
 
 // Whether the file is what a diffuse map of the scene shows, of those that name files from the scene's own folder still.
 bool IsTextureOfScene(const C3DScene& scene, const Text& file)
@@ -94,16 +64,10 @@ bool C3DScene::MoveTextures(const CXTString<wchar_t>& scenePath, const CXTString
 
     if (options)
         options->textureNames.RemoveAll();
-    const CTextureSources sources(*this, options);
     CHashMap<Text, const Text&, Text> moved;    // a file that several maps show is copied once
     const auto move = [&](const Text& source, Text& newPath) {
         if (const Text* const known = moved.Find(source))
             return newPath = *known, true;
-        if (!source.IsEmpty() && !sources.IsAllowed(source)) {
-            if (options)
-                options->AddLossInfo(FormatText(TEXT_CANNOT_MOVE_TEXTURE, fileMakeRelativePath(GetFilepath(), source)));
-            return false;
-        }
         return MoveTextureFile(source, folder, newPath, options) && moved.Insert(source, newPath);
     };
     for (unsigned int pos = GetFirstMaterial(); pos != HASH_END;) {
@@ -137,7 +101,8 @@ bool C3DScene::MoveTextureFile(const CXTString<wchar_t>& source, const CXTString
 
     const Text shown = fileMakeRelativePath(GetFilepath(), source);
     const bool taken = fileExists(target) && ((options && options->textureNames.Find(target)) || IsTextureOfScene(*this, target));
-    const bool copied = !target.IsEmpty() && !taken && fileCopy(source, target, false);
+    const CTextureSources sources(*this, options && options->texturesFromAnywhere);
+    const bool copied = !target.IsEmpty() && !taken && sources.Copy(source, target);
     if (copied)
         newPath = target;
     if (options && copied)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "scene/UpAxis.h"
 #include "tools/FourCC.h"
 #include "tools/Hash.h"
@@ -111,7 +113,9 @@ public:
     CXTString<wchar_t> textureFolder;             ///< where moved textures go
     bool textureFolderFixed = false;              ///< they go to the folder of the scene
     unsigned int textureCodePage = 0xFFFFFFFF;    ///< code page in which a texture's name must survive; 0xFFFFFFFF: none
-    /// Textures are moved wherever they lie. Without it only from the folder of the scene and the texture paths: names in a file that
-    /// somebody else made may lead anywhere.
+    /// Extensions of the image files that go into the file, in lower case with their point; the parser sets them.
+    std::vector<CXTString<wchar_t>> texturesInside;
+    /// Textures are moved, copied and put into the file wherever they lie. Without it only those that CTextureSources opens: names in a file
+    /// that somebody else made may lead anywhere.
     bool texturesFromAnywhere = false;
 };

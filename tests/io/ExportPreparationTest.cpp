@@ -2,7 +2,9 @@
 #include <map>
 
 #include "scene/Curve.h"
+#include "scene/ForeignData.h"
 #include "scene/Units.h"
+#include "support/TempFolder.h"
 
 #include "io/SceneCase.h"
 
@@ -227,8 +229,8 @@ TEST_F(ExportPreparation, FacesPointAtMaterialsThatAreThere)
         std::vector<unsigned int> ids;
         std::size_t lines;
     } rows[] = {
-        {"plain", 0, {21, 22, 25}, 1},
-        {"back materials", EXPORT_KEEP_BACKFACE_MATERIALS, {21, 22, 23, 25}, 0},
+        {"plain", 0, {21, 22, 25}, 2},
+        {"back materials", EXPORT_KEEP_BACKFACE_MATERIALS, {21, 22, 23, 25}, 1},
         {"unused materials", EXPORT_KEEP_UNUSED_MATERIALS, {21, 22, 23, 24, 25}, 1},
     };
     for (const auto& row : rows) {
@@ -241,6 +243,52 @@ TEST_F(ExportPreparation, FacesPointAtMaterialsThatAreThere)
         EXPECT_EQ(ids, row.ids);
         EXPECT_EQ(Log().size(), row.lines);
         EXPECT_EQ(scene->GetMaterialNumber(), 4u);
+    }
+}
+
+TEST_F(ExportPreparation, TellsWhatGoesUnseen)
+{
+    C3DSceneNode* const node = AddMesh(*scene, L"m", Polygons());
+    AddFaces(*node->GetGeomObject()->GetFaceList(), {{0, 1, 0}, {2, 2, 3}});
+    for (const int time : {0, 10})
+        node->AddKey(time, C3DTranslateKey());
+    scene->CreateNewMaterial(24)->SetName(L"unused");
+    options.forcedFlags = EXPORT_GLOBAL_COORDINATES;
+    Run(EXPORT_GLOBAL_COORDINATES);
+    EXPECT_EQ(Log(), (TextLines{L"1! Removing 2 degenerate faces of m", L"1 Converting Whole scene from local to global coordinates",
+                                L"1! Removing the animation of nodes (1)", L"1! Removing the materials that no face uses (1)"}));
+}
+
+TEST_F(ExportPreparation, NamesOfImagesLeadThereFromTheNewFile)
+{
+    const TempFolder folder;
+    const ScopedVariable cache("XDG_CACHE_HOME", folder.Name("cache"));
+    for (const char* file : {"from/a.png", "from/sub/b.png", "cache/3dzel/textures/1/c.png", "cache/3dzel/textures/2/d.jpg"})
+        folder.Write(file, file);
+    folder.Write("to/c.png", "another");
+    scene->SetFilename(CFileNameSpec(folder.Wide("from/scene.x")));
+    scene->AddTexturePath(folder.Wide("cache/3dzel/textures/1"));
+    AddMesh(*scene, L"m", Cube())->GetGeomObject()->GetFaceList()->SetFaceMaterial(0, 1);
+    C3DMaterial& material = *scene->CreateNewMaterial(1);
+    material.AddMaterialMap(L"a.png", 1, MAP_DIFFUSE, PROJECTION_UVW)->SetAlphaFileName(L"sub\\b.png", {});
+    material.AddMaterialMap(folder.Wide("cache/3dzel/textures/1/c.png"), 1, MAP_BUMP, PROJECTION_UVW);
+    material.AddMaterialMap(L"nowhere.png", 1, MAP_SPECULAR, PROJECTION_UVW);
+    material.GetCustomData().SetString(MATERIAL_EMISSIVE_FILE, folder.Wide("cache/3dzel/textures/2/d.jpg"));
+    options.filePath = folder.Wide("to/out.x");
+    options.texturesInside = {L".jpg"};
+    for (const bool again : {false, true}) {    // the second time the copy of the first is there
+        SCOPED_TRACE(again);
+        const C3DScene* const working = Run(EXPORT_RENAME_TEXTURES);
+        const C3DMaterial& written = *working->GetMaterialByID(1);
+        EXPECT_EQ(written.GetDiffuseMaps()->GetFileName(), L"../from/a.png");
+        EXPECT_EQ(written.GetDiffuseMaps()->GetAlphaFileName(), L"../from/sub/b.png");
+        EXPECT_EQ(written.GetMaterialMap(MAP_BUMP)->GetFileName(), L"c1.png");    // never over a file of another content
+        EXPECT_EQ(written.GetMaterialMap(MAP_SPECULAR)->GetFileName(), L"nowhere.png");
+        CXTString<wchar_t> emissive;
+        written.GetCustomData().GetString(MATERIAL_EMISSIVE_FILE, emissive);
+        EXPECT_EQ(emissive, L"../cache/3dzel/textures/2/d.jpg");
+        EXPECT_EQ(folder.Read("to/c.png") + folder.Read("to/c1.png"), "anothercache/3dzel/textures/1/c.png");
+        EXPECT_EQ(Log().size(), 1u);
     }
 }
 

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include <sys/stat.h>
+
 #include "io/SceneCase.h"
 #include "support/TempFolder.h"
 
@@ -123,10 +125,14 @@ TEST_F(MoveTextures, NoNameLeadsOutsideTheScene)
         {"down and up", L"sub/../../secret.png", false},
         {"absolute", folder.Wide("secret.png"), false},
         {"begins alike", L"../from-elsewhere/d.png", false},
+        {"a link", L"link.png", false},
+        {"a link on the way", L"up/secret.png", false},
         {"texture path", L"../library/deep/c.png", true},
     };
     folder.Write("from-elsewhere/d.png", "D");
     std::filesystem::create_directories(folder.Name("from/sub"));
+    std::filesystem::create_symlink("../secret.png", folder.Name("from/link.png"));
+    std::filesystem::create_symlink("..", folder.Name("from/up"));
     ASSERT_TRUE(scene->AddTexturePath(folder.Wide("library")));
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -137,6 +143,9 @@ TEST_F(MoveTextures, NoNameLeadsOutsideTheScene)
         ASSERT_EQ(Log().size(), 1u);
         EXPECT_EQ(options.GetLog()[0].IsLoss(), !row.moved);
     }
+    ASSERT_EQ(mkfifo(folder.Name("from/pipe.png").c_str(), 0600), 0);    // whose opening waits for a writer
+    AddTexture(2, L"pipe.png");
+    EXPECT_TRUE(Run());
     scene->GetMaterialList().RemoveAll();
     CMaterialMap* const map = AddTexture(1, L"../secret.png");
     options.texturesFromAnywhere = true;
