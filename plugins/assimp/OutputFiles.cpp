@@ -1,6 +1,12 @@
 #include "OutputFiles.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 OutputFile::OutputFile(const CXTString<wchar_t>& path) : m_path(path), m_block(new char[BLOCK]) { m_file.OpenFile(path, 0, nullptr); }
 
@@ -54,16 +60,74 @@ OutputFile* OutputFiles::Open(const CXTString<wchar_t>& path)
     return m_files.emplace_back(std::move(file)).get();
 }
 
+namespace {
+
+/// What stood in the place of a file that is written, under another name beside it until all files have their places.
+class FormerFile {
+public:
+    explicit FormerFile(const CXTString<wchar_t>& path)
+    {
+        struct stat status;
+        char* const real = realpath(fileToDisk(path).c_str(), nullptr);    // a link stays, and the file behind it is replaced
+        m_path = real ? real : fileToDisk(path);
+        free(real);
+        const bool exists = stat(m_path.c_str(), &status) == 0;
+        m_isOurs = exists ? S_ISREG(status.st_mode) : lstat(m_path.c_str(), &status) != 0;    // no device, no link to nothing
+        if (exists && m_isOurs)
+            Keep();
+    }
+
+    /// The former file stands in its place again, or nothing does.
+    void PutBack()
+    {
+        if (!m_kept.empty()) {
+            rename(m_kept.c_str(), m_path.c_str());
+            unlink(m_kept.c_str());    // renaming does nothing when both are still the same file
+        } else if (m_isOurs) {
+            unlink(m_path.c_str());
+        }
+    }
+    void Drop()
+    {
+        if (!m_kept.empty())
+            unlink(m_kept.c_str());
+    }
+
+private:
+    // Not all file systems know links; without one the place is empty for a moment.
+    void Keep()
+    {
+        m_kept = m_path.substr(0, m_path.rfind('/') + 1) + ".zel-XXXXXX";
+        const int handle = mkstemp(m_kept.data());
+        if (handle >= 0)
+            close(handle);
+        unlink(m_kept.c_str());
+        if (handle < 0 || (link(m_path.c_str(), m_kept.c_str()) != 0 && rename(m_path.c_str(), m_kept.c_str()) != 0))
+            m_kept.clear(), m_isOurs = false;
+    }
+
+    std::string m_path, m_kept;
+    bool m_isOurs;
+};
+
+}
+
 bool OutputFiles::Commit()
 {
     for (const auto& file : m_files)
         if (!file->Flush())
             Note(file->GetPath());
     std::ranges::stable_partition(m_files, [this](const auto& file) { return file->GetPath() != m_main; });
-    for (const auto& file : m_files)    // once one fails, those that follow are dropped
+    std::vector<FormerFile> formers;
+    for (const auto& file : m_files) {    // once one fails, those that follow are dropped
+        if (m_failedPath.IsEmpty() && m_files.size() > 1)
+            formers.emplace_back(file->GetPath());
         if (!file->Close(m_failedPath.IsEmpty()))
             Note(file->GetPath());
+    }
     m_files.clear();
+    for (FormerFile& former : formers)
+        m_failedPath.IsEmpty() ? former.Drop() : former.PutBack();
     return m_failedPath.IsEmpty();
 }
 

@@ -63,7 +63,8 @@ private:
     bool m_failed = false;
 };
 
-/// The files of one export. None takes its place before all are written: on any failure whatever stood there stays as it was.
+/// The files of one export. None takes its place before all are written, and when one cannot take its place, those that did give theirs back:
+/// on any failure whatever stood there stays as it was.
 class OutputFiles {
 public:
     /// Files other than `main` are side files, which take their places before it does.
