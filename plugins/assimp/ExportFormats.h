@@ -15,16 +15,17 @@ enum ExportAbility : unsigned int {
     CAN_CAMERAS = 0x20,
     CAN_LIGHTS = 0x40,
     CAN_BONES = 0x80,
-    CAN_CURVES = 0x100,             ///< lines
-    CAN_POINTS = 0x200,             ///< objects of points without faces
-    CAN_SHINE_STRENGTH = 0x400,     ///< a specular factor beside the specular colour
-    CAN_EMBED = 0x800,              ///< image files inside
-    NORMALS_TURNED = 0x20000,       ///< the library turns normals inwards, unless they are
-    TIMES_IN_SECONDS = 0x8000,      ///< the library takes key times for seconds, whatever it is told
-    IMAGE_HIDES_COLOR = 0x10000,    ///< a material has a diffuse image or a diffuse colour
-    KEYS_TOGETHER = 0x4000,         ///< a node has as many keys of each kind
-    NORMAL_MAPS_ONLY = 0x2000,      ///< of bump maps, those that hold normals
-    GIVEN_NORMALS_ONLY = 0x1000,    ///< of normals, only specified ones are written
+    CAN_CURVES = 0x100,               ///< lines
+    CAN_POINTS = 0x200,               ///< objects of points without faces
+    CAN_SHINE_STRENGTH = 0x400,       ///< a specular factor beside the specular colour
+    CAN_EMBED = 0x800,                ///< image files inside
+    NORMALS_TURNED = 0x20000,         ///< the library turns normals inwards, unless they are
+    TIMES_IN_SECONDS = 0x8000,        ///< the library takes key times for seconds, whatever it is told
+    IMAGE_HIDES_COLOR = 0x10000,      ///< a material has a diffuse image or a diffuse colour
+    KEYS_TOGETHER = 0x4000,           ///< a node has as many keys of each kind
+    NORMAL_MAPS_ONLY = 0x2000,        ///< of bump maps, those that hold normals
+    GIVEN_NORMALS_ONLY = 0x1000,      ///< of normals, only specified ones are written
+    NAMES_ARE_ADDRESSES = 0x40000,    ///< names of files have their characters coded as those of addresses are
 };
 
 /// Who writes a format.
@@ -52,6 +53,8 @@ struct ExportFormat {
     _UNIT_MODE unit = UNIT_UNDEFINED;                              ///< that lengths are in, when the format fixes it
     unsigned int maxPoints = 0xFFFFFFFF, maxFaces = 0xFFFFFFFF;    ///< of an object
     unsigned int objectNameRule = 0, materialNameRule = 0;         ///< as in CSceneExportOptions
+    /// Levels of nodes that the library writes: it descends by calls, which take up to 1,500 bytes of stack for a level (FBX).
+    std::size_t maxLevels = 1000;
 
     bool Can(unsigned int ability) const { return (abilities & ability) == ability; }
     bool HasMap(MapType type) const { return maps & 1u << type; }

@@ -15,6 +15,7 @@
 
 #include "GltfBuffer.h"
 #include "SceneExport.h"
+#include "TextureExport.h"
 #include "Writers.h"
 
 namespace {
@@ -43,8 +44,7 @@ float Sound(float value) { return std::isfinite(value) ? value : 0; }
 class GltfWriter {
 public:
     explicit GltfWriter(const WriterTask& task)
-        : m_task(task), m_isBinary(std::string_view(task.format.extension) == "glb"),
-          m_scene(ExportScene(task.scene, task.format, task.target, task.losses))
+        : m_task(task), m_isBinary(std::string_view(task.format.extension) == "glb"), m_scene(ExportScene(task))
     {
     }
 
@@ -85,7 +85,7 @@ private:
 
     const WriterTask& m_task;
     const bool m_isBinary;
-    const std::unique_ptr<aiScene> m_scene;
+    const ExportedScene m_scene;
     GltfBuffer m_buffer;
     Section m_nodes, m_meshes, m_skins, m_materials, m_textures, m_images, m_samplers, m_animations, m_cameras, m_lights;
     std::vector<int> m_materialNumbers;    // by the library's index; -1 for none
@@ -126,9 +126,6 @@ void GltfWriter::Run()
 
 // ---- Nodes
 
-// The root that the scene does not have, as more than one node stands there, is none here either.
-bool IsArtificial(const aiNode& root) { return root.mNumMeshes == 0 && root.mNumChildren != 1 && root.mName == aiString("ROOT"); }
-
 void GltfWriter::NumberNodes()
 {
     std::vector<const aiNode*> open;
@@ -136,10 +133,7 @@ void GltfWriter::NumberNodes()
         for (unsigned int i = node.mNumChildren; i-- > 0;)
             open.push_back(node.mChildren[i]);
     };
-    if (IsArtificial(*m_scene->mRootNode))
-        push(*m_scene->mRootNode);
-    else
-        open.push_back(m_scene->mRootNode);
+    push(*m_scene->mRootNode);    // which is no node of the scene itself
     while (!open.empty()) {
         const aiNode* node = open.back();
         open.pop_back();
@@ -464,21 +458,6 @@ int GltfWriter::SamplerOf(int wrapU, int wrapV)
     return place->second;
 }
 
-// What a name may hold in an address.
-std::string ToAddress(const std::string& name)
-{
-    std::string address;
-    for (const char character : name)
-        if (std::isalnum(static_cast<unsigned char>(character)) || std::strchr("-._~/", character)) {
-            address += character;
-        } else {
-            char code[4];
-            std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned int>(static_cast<unsigned char>(character)));
-            address += code;
-        }
-    return address;
-}
-
 int GltfWriter::ImageOf(const std::string& name)
 {
     const auto [place, isNew] = m_imageOf.try_emplace(name);
@@ -491,7 +470,7 @@ int GltfWriter::ImageOf(const std::string& name)
         json.Member("name", inside->mFilename.C_Str()).Member("mimeType", isPng ? "image/png" : "image/jpeg");
         json.Member("bufferView", m_buffer.AddBytes({reinterpret_cast<const unsigned char*>(inside->pcData), inside->mWidth}));
     } else {
-        json.Member("uri", ToAddress(name));
+        json.Member("uri", name);
     }
     json.Close('}');
     return place->second = m_images.Finish();

@@ -1,6 +1,9 @@
 #include "LibraryFiles.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include "FileStamps.h"
 
 namespace {
 
@@ -11,7 +14,10 @@ public:
     std::size_t Read(void*, std::size_t, std::size_t) override { return 0; }
     std::size_t Write(const void* bytes, std::size_t size, std::size_t count) override
     {
-        m_file.Write(bytes, size * count);
+        const std::string_view all(static_cast<const char*>(bytes), size * count);
+        const std::size_t head = m_file.GetPosition() < STAMPS_END ? std::min(all.size(), STAMPS_END) : 0;
+        m_file.Write(ClearStamps(all.substr(0, head)));
+        m_file.Write(all.substr(head));
         return m_file.HasFailed() ? 0 : count;
     }
     aiReturn Seek(std::size_t offset, aiOrigin origin) override

@@ -1,17 +1,21 @@
 // Writing through the library's exporters.
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <assimp/Exporter.hpp>
 #include <assimp/cexport.h>
 #include <assimp/scene.h>
 
 #include "FbxRepair.h"
+#include "FileStamps.h"
 #include "LibraryFiles.h"
 #include "ProgressBridge.h"
 #include "SceneExport.h"
@@ -43,15 +47,30 @@ private:
     std::string m_path;
 };
 
+std::size_t CountLevels(const aiNode& root)
+{
+    std::size_t levels = 0;
+    std::vector<std::pair<const aiNode*, std::size_t>> open{{&root, 0}};    // the root is no node of the scene
+    while (!open.empty()) {
+        const auto [node, level] = open.back();
+        open.pop_back();
+        levels = std::max(levels, level);
+        for (unsigned int i = 0; i < node->mNumChildren; i++)
+            open.emplace_back(node->mChildren[i], level + 1);
+    }
+    return levels;
+}
+
 /// One run of WriteThroughLibrary.
 class LibraryWriter {
 public:
-    explicit LibraryWriter(const WriterTask& task) : m_task(task), m_content(ExportScene(task.scene, task.format, task.target, task.losses))
-    {
-    }
+    explicit LibraryWriter(const WriterTask& task) : m_task(task), m_content(ExportScene(task)) {}
 
     CXTString<wchar_t> Run()
     {
+        if (const std::size_t levels = CountLevels(*m_content->mRootNode); levels > m_task.format.maxLevels)
+            return L"The scene has " + CXTString<wchar_t>(std::to_wstring(levels)) + L" levels of nodes, and this format takes " +
+                   CXTString<wchar_t>(std::to_wstring(m_task.format.maxLevels)) + L" at most";
         const std::string_view exporter = m_task.format.exporter;
         bool written = false;
         if (m_task.format.writer == WRITER_ARCHIVE)
@@ -86,7 +105,8 @@ private:
         Assimp::Exporter exporter;
         const aiExportDataBlob* blob = exporter.ExportToBlob(m_content.get(), m_task.format.exporter);
         m_error = exporter.GetErrorString();
-        const std::string file = blob ? RepairFbx({static_cast<const char*>(blob->data), blob->size}) : std::string();
+        std::string file = blob ? RepairFbx({static_cast<const char*>(blob->data), blob->size}) : std::string();
+        ClearFbxStamps(file);
         OutputFile* main = file.empty() ? nullptr : m_task.files.OpenMain();
         if (main)
             main->Write(file);
@@ -114,13 +134,14 @@ private:
         if (folder.GetPath().empty() || !main || !Write(archive))
             return false;
         std::ifstream file(archive, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        ClearArchiveStamps(bytes);
         main->Write(bytes);
         return bytes.size() >= END_SIZE && bytes.compare(bytes.size() - END_SIZE, END.size(), END) == 0;
     }
 
     const WriterTask& m_task;
-    const std::unique_ptr<aiScene> m_content;
+    const ExportedScene m_content;
     std::string m_error;
 };
 

@@ -28,13 +28,19 @@ aiMatrix4x4 NodePlace::At(int time) const
 {
     C4x4TMatrix<float> local;
     m_hasPivot ? m_node.GetNodeLocalTM(time, local) : m_node.GetObjectLocalTM(time, local);
-    aiMatrix4x4 matrix = ToMatrix(local);
-    for (unsigned int i = 0; i < 12; i++)
-        if (float& element = matrix[i / 4][i % 4]; !std::isfinite(element))    // no text of numbers can hold it
-            element = i % 5 == 0 ? 1.0f : 0.0f;
+    aiMatrix4x4 matrix = ToFiniteMatrix(local);
     if (m_turnsBack)
         matrix = TURN_BACK * matrix;
     return m_turnsItself ? matrix * TURN : matrix;
+}
+
+aiMatrix4x4 ToFiniteMatrix(const C4x4TMatrix<float>& from)
+{
+    aiMatrix4x4 matrix = ToMatrix(from);
+    for (unsigned int i = 0; i < 12; i++)
+        if (float& element = matrix[i / 4][i % 4]; !std::isfinite(element))
+            element = i % 5 == 0 ? 1.0f : 0.0f;
+    return matrix;
 }
 
 bool IsAnimated(const C3DSceneNode& node)

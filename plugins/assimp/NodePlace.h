@@ -19,5 +19,8 @@ private:
     bool m_hasPivot, m_turnsItself, m_turnsBack, m_isPlain;
 };
 
+/// The matrix as a file can hold it: numbers that are none are those of the identity.
+aiMatrix4x4 ToFiniteMatrix(const C4x4TMatrix<float>& from);
+
 /// Translation, rotation, scale or matrix changes over time.
 bool IsAnimated(const C3DSceneNode& node);

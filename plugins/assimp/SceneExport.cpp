@@ -30,22 +30,22 @@ template <class T> void MoveTo(std::vector<std::unique_ptr<T>>&& from, T**& arra
 /// One run of ExportScene.
 class SceneWriter {
 public:
-    SceneWriter(C3DScene& scene, const ExportFormat& format, const CXTString<wchar_t>& target, LossLog& losses)
-        : m_scene(scene), m_format(format), m_losses(losses), m_textures(scene, target, format.Can(CAN_EMBED), losses),
-          m_materials(scene, format, m_textures, losses), m_meshExport(scene, format, m_materials, losses), m_cameras(format, losses)
+    explicit SceneWriter(const WriterTask& task)
+        : m_scene(task.scene), m_format(task.format), m_losses(task.losses), m_textures(task), m_materials(task, m_textures),
+          m_meshExport(task.scene, task.format, m_materials, task.losses), m_cameras(task.format, task.losses)
     {
     }
 
-    std::unique_ptr<aiScene> Build();
+    ExportedScene Build();
 
 private:
     void MarkTwoSided();
     aiNode* BuildRoot();
-    void BuildBelow(const C3DSceneNode* parent, aiNode& to);
-    bool SkipBare(const C3DSceneNode& node);
+    void BuildTree(aiNode& root);
+    void BuildFlat(aiNode& root);
     std::unique_ptr<aiNode> BuildNode(C3DSceneNode& from);
     const std::vector<unsigned int>& MeshesOf(const C3DSceneNode& node, C3DGeomObject& object);
-    void SetUnit(aiScene& to) const;
+    void SetMetaData(aiScene& to) const;
 
     C3DScene& m_scene;
     const ExportFormat& m_format;
@@ -58,9 +58,9 @@ private:
     std::map<unsigned int, std::vector<unsigned int>> m_meshesOf;    // by object id
 };
 
-std::unique_ptr<aiScene> SceneWriter::Build()
+ExportedScene SceneWriter::Build()
 {
-    auto to = std::make_unique<aiScene>();
+    ExportedScene to(new aiScene);
     MarkTwoSided();
     to->mRootNode = BuildRoot();
     if (m_meshes.empty())
@@ -71,7 +71,7 @@ std::unique_ptr<aiScene> SceneWriter::Build()
     MoveTo(m_cameras.TakeCameras(), to->mCameras, to->mNumCameras);
     MoveTo(m_cameras.TakeLights(), to->mLights, to->mNumLights);
     MoveTo(ExportAnimations(m_scene, m_format, m_losses), to->mAnimations, to->mNumAnimations);
-    SetUnit(*to);
+    SetMetaData(*to);
     return to;
 }
 
@@ -88,26 +88,22 @@ void SceneWriter::MarkTwoSided()
     }
 }
 
-// A tree has one root: the node that stands alone, else one that is no node of the scene.
+// The root is no node of the scene, not even one that stands alone: the library's writers drop or misplace what a root holds.
 aiNode* SceneWriter::BuildRoot()
 {
-    C3DSceneNode* first = m_scene.GetChildNode(nullptr);
-    const bool isAlone = first && !m_scene.GetRightNode(first);
-    std::unique_ptr<aiNode> root = isAlone ? BuildNode(*first) : std::make_unique<aiNode>("ROOT");
-    BuildBelow(isAlone ? first : m_scene.GetRoot(), *root);
+    auto root = std::make_unique<aiNode>("ROOT");
+    m_format.Can(CAN_TREE) ? BuildTree(*root) : BuildFlat(*root);
     return root.release();
 }
 
-void SceneWriter::BuildBelow(const C3DSceneNode* parent, aiNode& to)
+void SceneWriter::BuildTree(aiNode& root)
 {
-    std::vector<std::pair<const C3DSceneNode*, aiNode*>> open{{parent, &to}};    // not recursive: trees can be deep
+    std::vector<std::pair<const C3DSceneNode*, aiNode*>> open{{m_scene.GetRoot(), &root}};    // not recursive: trees can be deep
     while (!open.empty()) {
         const auto [from, node] = open.back();
         open.pop_back();
         std::vector<std::unique_ptr<aiNode>> children;
         for (C3DSceneNode* child = m_scene.GetChildNode(from); child; child = m_scene.GetRightNode(child)) {
-            if (!m_format.Can(CAN_TREE) && SkipBare(*child))
-                continue;
             children.push_back(BuildNode(*child));
             children.back()->mParent = node;
             open.emplace_back(child, children.back().get());
@@ -116,19 +112,23 @@ void SceneWriter::BuildBelow(const C3DSceneNode* parent, aiNode& to)
     }
 }
 
-// Without a tree, branches without geometry are nothing. What is lost with them is counted.
-bool SceneWriter::SkipBare(const C3DSceneNode& node)
+// Without a tree, nodes without geometry are nothing. What is lost with them is counted.
+void SceneWriter::BuildFlat(aiNode& root)
 {
-    if (node.IsGeomObject() || m_scene.GetChildCount(&node, OBJECT_GEOMETRIC) > 0)
-        return false;
-    m_cameras.Take(node);
-    m_losses.Add(LOSS_DUMMIES, node.GetObjectKindOf() == OBJECT_DUMMY);
-    for (C3DNodePos pos = m_scene.GetFirstNode(&node, ITER_SUBTREE, nullptr); pos;) {
-        const C3DSceneNode* below = m_scene.GetNextNode(pos);
-        m_cameras.Take(*below);
-        m_losses.Add(LOSS_DUMMIES, below->GetObjectKindOf() == OBJECT_DUMMY);
+    CNodeWalkTM walk(0, true);
+    std::vector<std::unique_ptr<aiNode>> children;
+    for (C3DNodePos pos = m_scene.GetFirstNode(OBJECT_ANY, ITER_EMPTY_NODES); pos;) {
+        C3DSceneNode* from = m_scene.GetNextNode(pos);
+        std::unique_ptr<aiNode> node = BuildNode(*from);
+        if (!from->IsGeomObject())
+            continue;
+        C4x4TMatrix<float> place;
+        walk.Get(from, place);
+        node->mTransformation = ToFiniteMatrix(place);
+        node->mParent = &root;
+        children.push_back(std::move(node));
     }
-    return true;
+    MoveTo(std::move(children), root.mChildren, root.mNumChildren);
 }
 
 std::unique_ptr<aiNode> SceneWriter::BuildNode(C3DSceneNode& from)
@@ -160,17 +160,33 @@ const std::vector<unsigned int>& SceneWriter::MeshesOf(const C3DSceneNode& node,
     return place->second;
 }
 
-void SceneWriter::SetUnit(aiScene& to) const
+void SceneWriter::SetMetaData(aiScene& to) const
 {
-    if (m_format.unit != UNIT_UNDEFINED || !m_scene.IsUnitDefined())
-        return;
-    to.mMetaData = aiMetadata::Alloc(1);
-    to.mMetaData->Set(0, "UnitScaleFactor", m_scene.GetScaleFactor());
+    to.mMetaData = new aiMetadata;
+    to.mMetaData->Add(AI_METADATA_SOURCE_GENERATOR, aiString("3dzel"));    // without any data PBRT crashes
+    if (m_format.unit == UNIT_UNDEFINED && m_scene.IsUnitDefined())
+        to.mMetaData->Add("UnitScaleFactor", m_scene.GetScaleFactor());
 }
 
 }
 
-std::unique_ptr<aiScene> ExportScene(C3DScene& scene, const ExportFormat& format, const CXTString<wchar_t>& target, LossLog& losses)
+ExportedScene ExportScene(const WriterTask& task) { return SceneWriter(task).Build(); }
+
+// A node gives its children up before it goes.
+void DeleteExportedScene::operator()(aiScene* scene) const
 {
-    return SceneWriter(scene, format, target, losses).Build();
+    std::vector<aiNode*> open;
+    const auto takeChildren = [&open](aiNode& node) {
+        open.insert(open.end(), node.mChildren, node.mChildren + node.mNumChildren);
+        node.mNumChildren = 0;
+    };
+    if (scene->mRootNode)
+        takeChildren(*scene->mRootNode);
+    while (!open.empty()) {
+        aiNode* node = open.back();
+        open.pop_back();
+        takeChildren(*node);
+        delete node;
+    }
+    delete scene;
 }

@@ -14,16 +14,25 @@ namespace {
 class SaveTest : public PluginTest {
 protected:
     /// `form`: see EXPORT_FORM.
-    bool Save(C3DScene& scene, const std::string& path, const std::string& form = "")
+    bool Save(C3DScene& scene, const std::string& path, const std::string& form = "", const CXTString<wchar_t>& textures = {})
     {
-        saved.reset(CSceneExportOptions::Create(0));
+        saved.reset(CSceneExportOptions::Create(textures.IsEmpty() ? 0u : EXPORT_MOVE_TEXTURES));
+        saved->textureFolder = textures;
         saved->GetCustomData().SetString(EXPORT_FORM, Utf8ToWide(form));
         C3DIo io(CFileNameSpec(Utf8ToWide(path)), FILEIO_SILENT, nullptr);
         const bool written = io.Save(false, &scene, saved.get());
         result = io.GetLastResult();
         return written;
     }
-    std::string Warnings() const { return WideToUtf8(saved->GetLogText(IoLogInfo::WARNING)); }
+    /// What is told of losses, one line each.
+    std::string Warnings() const
+    {
+        std::string lines;
+        for (const IoLogInfo& line : saved->GetLog())
+            if (line.IsLoss())
+                lines += WideToUtf8(line.text) + "\n";
+        return lines;
+    }
 
     /// A scene with an image beside it.
     Scene Rich()
@@ -49,6 +58,19 @@ C3DSceneNode* FindNode(const C3DScene& scene, const wchar_t* name)
         if (C3DSceneNode* node = scene.GetNextNode(pos); node->GetName() == name)
             return node;
     return nullptr;
+}
+
+/// Where the images of the diffuse maps are; of one from inside a file, the folder of such.
+std::set<std::string> ImagesOf(const C3DScene& scene)
+{
+    std::set<std::string> images;
+    const std::string unpacked = WideToUtf8(GetUnpackedTexturesPath());
+    for (unsigned int pos = scene.GetFirstMaterial(); pos != HASH_END;)
+        if (const CMaterialMap* map = scene.GetNextMaterial(pos)->GetDiffuseMaps()) {
+            const std::string path = WideToUtf8(map->GetBitmapPath(&scene, false, true));
+            images.insert(path.starts_with(unpacked) ? unpacked : path);
+        }
+    return images;
 }
 
 struct Counts {
@@ -95,18 +117,18 @@ const struct {
     {"glb", "", SURFACE | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {}},
     {"gltf", "1", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
     {"glb", "1", NORMALS | COORDINATES | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "colors"}},
-    {"obj", "", SURFACE | POLYGONS, 16, {"Cameras", "Lights", "Weights"}},
-    {"obj", "no-materials", NORMALS | COORDINATES | COLORS | POLYGONS, 16, {"Cameras", "Lights", "Weights", "Materials"}},
-    {"ply", "", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights"}},
-    {"ply", "text", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights"}},
-    {"stl", "", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals"}},
-    {"stl", "text", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals"}},
+    {"obj", "", SURFACE | POLYGONS, 16, {"Cameras", "Lights", "Weights", "animation"}},
+    {"obj", "no-materials", NORMALS | COORDINATES | COLORS | POLYGONS, 16, {"Cameras", "Lights", "Weights", "Materials", "animation"}},
+    {"ply", "", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights", "animation"}},
+    {"ply", "text", NORMALS | COORDINATES | COLORS | POLYGONS, 48, {"Cameras", "Lights", "Materials", "Weights", "animation"}},
+    {"stl", "", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals", "animation"}},
+    {"stl", "text", 0, 16, {"Cameras", "Lights", "Materials", "coordinates", "colors", "normals", "animation"}},
     {"dae", "", (SURFACE & ~SHADES) | POLYGONS | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {"Colors of materials"}},
     {"fbx", "", SURFACE | POLYGONS | TREE | BONES, 32, {"Cameras", "Lights"}},    // keys are there; the importer passes over binary ones
     {"fbx", "text", SURFACE | POLYGONS | TREE | KEYS | BONES, 32, {"Cameras", "Lights"}},
-    {"3ds", "", COORDINATES, 32, {"Cameras", "Lights", "Weights", "colors", "normals"}},
+    {"3ds", "", COORDINATES, 32, {"Cameras", "Lights", "Weights", "colors", "normals", "animation"}},
     {"x", "", NORMALS | COORDINATES | COLORS | POLYGONS | TREE, 16, {"Cameras", "Lights", "animation", "Weights", "Materials"}},
-    {"x3d", "", POLYGONS, 16, {"Cameras", "Lights", "Weights"}},
+    {"x3d", "", POLYGONS, 16, {"Cameras", "Lights", "Weights", "animation"}},
     {"assbin", "", SURFACE | POLYGONS | TREE | INSTANCES | KEYS | CAMERA | LIGHT | BONES, 16, {}},
 };
 
@@ -215,9 +237,8 @@ TEST_F(SaveTest, ScenesOfAllKindsAreWrittenTheSameTwice)
                 EXPECT_TRUE(Save(*scene, folder.Name(run + ("/" + once)), row.form)) << WideToUtf8(saved->GetLogText(255));
             }
             const std::string extension = row.extension;
-            const bool isDated = extension == "dae" || extension == "fbx" || extension == "assbin";    // the library tells when it wrote
             const bool isOrdered = extension != "3ds" && *row.form != '1';    // in these it goes by what lies in memory
-            if (!isDated && isOrdered) {
+            if (isOrdered) {
                 EXPECT_EQ(folder.Read("1/" + once), folder.Read("2/" + once));
             }
             if (*row.extension == 'g') {
@@ -237,7 +258,87 @@ TEST_F(SaveTest, ImagesGoIntoABinaryFileAndBesideAllOthers)
     ASSERT_TRUE(Save(*scene, folder.Name("near.gltf")));
     EXPECT_NE(folder.Read("near.gltf").find("\"uri\":\"brick.png\""), std::string::npos);
     ASSERT_TRUE(Save(*scene, folder.Name("far/away.obj")));
-    EXPECT_NE(folder.Read("far/away.mtl").find("map_Kd " + folder.Name("brick.png")), std::string::npos);
+    EXPECT_NE(folder.Read("far/away.mtl").find("map_Kd ../brick.png"), std::string::npos);
+
+    // Moved, they are named where they are now.
+    for (const char* extension : {"gltf", "obj", "dae", "fbx", "glb"}) {
+        SCOPED_TRACE(extension);
+        const std::string path = folder.Name(std::string("far/moved.") + extension);
+        scene->SetFilename(CFileNameSpec(folder.Wide("rich")));    // each saving renames it
+        ASSERT_TRUE(Save(*scene, path, "", L"pictures"));
+        const Scene again = Read(path);
+        ASSERT_TRUE(again);
+        const std::set<std::string> images = ImagesOf(*again);
+        EXPECT_EQ(images.size(), 1u);
+        const bool isInside = std::string(extension) == "glb";
+        EXPECT_EQ(*images.begin(), folder.Name(isInside ? "cache/3dzel/textures/" : "far/pictures/brick.png"));
+    }
+}
+
+TEST_F(SaveTest, NoImageFromOutsideTheSceneGoesInside)
+{
+    const Scene scene = Rich();
+    std::filesystem::create_directories(folder.Name("scene"));
+    std::filesystem::create_symlink("../brick.png", folder.Name("scene/link.png"));
+    for (const wchar_t* name : {L"../brick.png", L"link.png"}) {
+        scene->SetFilename(CFileNameSpec(folder.Wide("scene/rich")));
+        for (unsigned int pos = scene->GetFirstMaterial(); pos != HASH_END;)
+            if (CMaterialMap* map = scene->GetNextMaterial(pos)->GetDiffuseMaps())
+                map->SetFileName(name, {});
+        ASSERT_TRUE(Save(*scene, folder.Name("out.glb")));
+        EXPECT_EQ(folder.Read("out.glb").find(folder.Read("brick.png")), std::string::npos);
+        EXPECT_NE(Warnings().find("outside"), std::string::npos) << Warnings();
+    }
+}
+
+// The root of a tree is where the library's writers lose things.
+TEST_F(SaveTest, ANodeThatStandsAloneKeepsPlaceAndKeys)
+{
+    const Scene scene(C3DScene::Create());
+    C3DSceneNode* const node = CreateCube(C3DTPoint<float>(1, 2, 3), 1, 2, 4, false, 0, 0);
+    node->SetName(L"alone");
+    scene->AddNode(nullptr, node);
+    for (const int time : {0, 12, 24}) {
+        node->AddKey(time, C3DRotateKey(0.5f + static_cast<float>(time) / 30, C3DTVector<float>(0, 0, 1)));
+        C3DTranslateKey translation;
+        translation.SetVector({static_cast<float>(time) / 8, 1, 5});
+        node->AddKey(time, translation);
+    }
+    const auto expectSame = [&](const char* extension, const char* form, bool moves) {
+        SCOPED_TRACE(std::string(extension) + " " + form);
+        const std::string path = folder.Name(std::string("alone.") + extension);
+        ASSERT_TRUE(Save(*scene, path, form)) << WideToUtf8(saved->GetLogText(255));
+        const Scene again = Read(path);
+        ASSERT_TRUE(again) << WideToUtf8(options.GetLogText(255));
+        EXPECT_EQ(SceneCorners::Of(*again, 0), SceneCorners::Of(*scene, 0));
+        if (moves)
+            ExpectSameMotion(*scene, *again, L"alone");
+    };
+    for (const auto& row : s_formats)
+        expectSame(row.extension, row.form, (row.keeps & KEYS) != 0);
+    expectSame("3mf", "", false);
+    for (const char* unread : {"stp", "pbrt", "json", "assxml"})
+        EXPECT_TRUE(Save(*scene, folder.Name(std::string("alone.") + unread))) << unread;
+}
+
+TEST_F(SaveTest, ATreeOfAnyDepthIsWrittenOrRefused)
+{
+    const Scene scene(C3DScene::Create());
+    C3DSceneNode* node = nullptr;
+    for (int level = 0; level < 20000; level++) {
+        C3DSceneNode* const child = level < 19999 ? C3DSceneNode::Create() : CreateCube(C3DTPoint<float>(), 1, 1, 1, false, 0, 0);
+        if (level < 19999)
+            child->SetObject(C3DBaseObject::Create(OBJECT_GROUP), true);
+        child->SetName(Utf8ToWide("level " + std::to_string(level)));
+        scene->AddNode(node, child);
+        node = child;
+    }
+    EXPECT_TRUE(Save(*scene, folder.Name("deep.gltf")));
+    EXPECT_TRUE(Save(*scene, folder.Name("deep.3mf")));    // has no tree
+    for (const char* file : {"deep.dae", "deep.fbx", "deep.assbin", "deep.assxml"}) {
+        EXPECT_FALSE(Save(*scene, folder.Name(file)));
+        EXPECT_NE(WideToUtf8(saved->GetLogText(IoLogInfo::FAILURE)).find("20000 levels"), std::string::npos);
+    }
 }
 
 TEST_F(SaveTest, LimitsOfOldFormatsDropObjectsAndCutNames)
