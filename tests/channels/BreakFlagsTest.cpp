@@ -39,14 +39,11 @@ TEST(BreakFlags, CountGroupsOfTextureCoordinates)
         float tolerance;
         unsigned int flags;
     } rows[] = {
-        {"equal", {1, 1}, 0, 0},
-        {"two", {1, 2}, 0, share},
         {"three", {1, 2, 3}, 0, seam},
         {"four stop at three", {1, 2, 3, 4}, 0, seam},
         {"equal and one without", {1, 1, -1}, 0, share},
         {"two and one without", {1, 2, -1}, 0, seam},
         {"one and one without", {1, -1}, 0, 0},
-        {"near", {1, 1.25f}, 0.5f, 0},
         {"at the tolerance", {1, 1.5f}, 0.5f, share},
         {"groups do not chain", {1, 1.25f, 1.5f}, 0.3f, share},
     };
@@ -113,17 +110,4 @@ TEST(BreakFlags, ColoursBreakAtPointsAndAlongEdges)
     channel->InitVCFrontierFlag(&info, 10, true);
     EXPECT_TRUE(marked(*mesh.points).empty());    // no data at all is no frontier
     EXPECT_TRUE(channel->IsVCFrontier(&info, 10, C3DEdge(0, 2), 0, 2));
-}
-
-TEST(BreakFlags, ReportWhetherAChannelWasSeen)
-{
-    CFan fan({1, 2});
-    const CGeomInfo info = fan.mesh.Info();
-    fan.mesh.points->SetPointsFlags(POINT_NORMAL_BREAK, true);
-    EXPECT_TRUE(fan.mesh.channels->InitBreakFlags(&info, 0, 0, 0, 0));
-    EXPECT_EQ(fan.mesh.points->ElementAt(0)->GetFlags(), POINT_SHARE_UV);
-    fan.channel->SetFlag(CHANNEL_INVALID, true);
-    EXPECT_FALSE(fan.mesh.channels->InitBreakFlags(&info, 0, 0, 0, 0));
-    EXPECT_EQ(fan.mesh.points->ElementAt(0)->GetFlags(), 0u);
-    EXPECT_FALSE(fan.mesh.channels->InitBreakFlags(nullptr, 0, 0, 0, 0));
 }

@@ -3,7 +3,6 @@
 #include <random>
 
 #include "channels/SpecNormalChannel.h"
-#include "channels/WeightChannel.h"
 
 TEST(ChannelGraph, HoldsEachCornerWithDataOnceInOrder)
 {

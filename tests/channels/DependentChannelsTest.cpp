@@ -49,64 +49,6 @@ TEST(DependentChannels, AnswerOnNull)
     none->RemoveAll();
 }
 
-TEST(DependentChannels, QueriesCountAmongWhatTheyAskFor)
-{
-    CMesh mesh(0, {});
-    CDependentChannels& channels = *mesh.channels;
-    FillMixed(channels);
-    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_ANY), channels[0]);
-    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_VC), channels[1]);
-    EXPECT_EQ(channels.GetChannelByID(5, CHANNEL_WEIGHT), nullptr);
-    EXPECT_EQ(channels.GetChannelByIndex(1, 0, false), channels[1]);
-    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW, false), channels[2]);
-    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW, true), channels[4]);
-    EXPECT_EQ(channels.GetChannelByIndex(1, CHANNEL_UVW | CHANNEL_VC, false), channels[1]);
-    EXPECT_EQ(channels.GetChannelByIndex(3, CHANNEL_UVW, false), nullptr);
-    EXPECT_EQ(channels.GetChannelIndex(6, CHANNEL_UVW, false), 1);
-    EXPECT_EQ(channels.GetChannelIndex(5, CHANNEL_UVW, true), 1);
-    EXPECT_EQ(channels.GetChannelType(3), CHANNEL_POINT_NORMAL);
-    CXArray<unsigned int, unsigned int> positions;
-    EXPECT_EQ(channels.GetChannels(CHANNEL_UVW, positions, true), 2);
-    EXPECT_EQ(positions[1], 4u);
-
-    EXPECT_EQ(channels.GetPointNormalChannel(), channels[3]);
-    channels[3]->SetFlag(CHANNEL_INVALID, true);
-    CChannel* points = channels.GetPointNormalChannel();    // made by the query
-    CChannel* faces = channels.GetFaceNormalChannel();
-    EXPECT_EQ(points, channels[5]);
-    EXPECT_EQ(faces, channels[6]);
-    EXPECT_EQ(channels.GetSpecNormalChannel(), nullptr);
-    EXPECT_EQ(channels.GetFaceNormalChannel(), faces);
-    EXPECT_EQ(channels.GetSize(), 7);
-}
-
-TEST(DependentChannels, RemovalTakesWhatItNames)
-{
-    const struct {
-        const char* name;
-        int (*remove)(CDependentChannels&);
-        int result;
-        std::vector<unsigned int> left;
-    } rows[] = {
-        {"by id, of two the first", [](CDependentChannels& c) { return int(c.RemoveChannelByID(5, CHANNEL_UVW)); }, 1, {5, 6, 7, 5}},
-        {"by index", [](CDependentChannels& c) { return int(c.RemoveChannelByIndex(1, CHANNEL_UVW)); }, 1, {5, 5, 7, 5}},
-        {"by mask", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, 0, false); }, 3, {5, 7}},
-        {"by mask and flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, true); }, 1, {5, 6, 7, 5}},
-        {"by mask and no flag", [](CDependentChannels& c) { return c.RemoveChannels(CHANNEL_UVW, CHANNEL_INVALID, false); }, 2, {5, 5, 7}},
-        {"by flag, any type",
-         [](CDependentChannels& c) { return int(c.RemoveChannelsByFlag(CHANNEL_DERIVED, CHANNEL_UVW)); },
-         1,
-         {5, 5, 6, 5}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        CMesh mesh(0, {});
-        FillMixed(*mesh.channels);
-        EXPECT_EQ(row.remove(*mesh.channels), row.result);
-        EXPECT_EQ(Ids(*mesh.channels), row.left);
-    }
-}
-
 TEST(DependentChannels, CopyingFollowsItsOptions)
 {
     const struct {
@@ -116,10 +58,8 @@ TEST(DependentChannels, CopyingFollowsItsOptions)
     } rows[] = {
         {"all, new ids", CHANNEL_ALL, 0, {0, 0, 0, 0, 0}},
         {"keep ids", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID, {5, 5, 6, 7, 5}},
-        {"skip invalid", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_SKIP_INVALID, {5, 6, 7, 5}},
         {"skip unfollowed", CHANNEL_ALL, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_SKIP_UNFOLLOWED, {5, 5, 6, 5}},
         {"append one kind", CHANNEL_VC, CHANNEL_COPY_KEEP_ID | CHANNEL_COPY_APPEND, {1, 5}},
-        {"mask 0 empties", 0, 0, {}},
         {"share", CHANNEL_UVW, CHANNEL_COPY_SHARE, {5, 6, 5}},
     };
     for (const auto& row : rows) {

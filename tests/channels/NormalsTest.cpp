@@ -80,62 +80,6 @@ TEST(Normals, OfACubeBreakOrJoinByTheAngle)
         }
 }
 
-TEST(Normals, WeighFacesByTheMode)
-{
-    // At point 0 a side of area 6 that looks to z, with edges 3 and 4 at 90 degrees, and one of area 2 that looks to x, with edges 2 and
-    // the root of 8 at 45 degrees.
-    struct {
-        int mode;
-        double x, z;
-    } const rows[] = {
-        {NORMAL_UNWEIGHTED, 1, 1}, {NORMAL_AREA, 4, 12}, {NORMAL_EDGE_LENGTH, 4 / (4.0 * 8), 12 / (9.0 * 16)},
-        {NORMAL_ANGLE, 1, 2},      {0, 4, 12},           {99, 4, 12},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mode);
-        NormalMesh mesh(MakeMesh({{0, 0, 0}, {3, 0, 0}, {0, 4, 0}, {0, 2, 0}, {0, 2, 2}}, {{0, 1, 2}, {3, 4, 0}}), row.mode);
-        CPointNormalChannel& channel = mesh.Smooth(Degrees(100));
-        ExpectDirection(AtCorner(channel, 0, 0), row.x, 0, row.z);
-        EXPECT_EQ(AtCorner(channel, 0, 0), AtCorner(channel, 1, 2));
-        ExpectDirection(AtCorner(channel, 0, 1), 0, 0, 1);
-        EXPECT_EQ(CFaceNormalContributionInfo(&mesh.info).GetUnnormalizedNormals() == nullptr,
-                  row.mode == NORMAL_UNWEIGHTED || row.mode == NORMAL_ANGLE);
-    }
-}
-
-TEST(Normals, FacesJoinTheFirstSeedWithinTheAngle)
-{
-    struct {
-        const char* name;
-        std::vector<double> angles;
-        std::vector<int> groups;
-    } const rows[] = {
-        {"one face", {10}, {0}},
-        {"within the angle of the seed, not of each other", {0, 25, -25}, {0, 0, 0}},
-        {"the order makes the seeds", {25, 0, -25}, {0, 0, 1}},
-        {"no chain over a member", {0, 25, 50}, {0, 0, 1}},
-        {"the first seed takes what the second could", {0, 40, 20}, {0, 1, 0}},
-        {"groups in turns", {0, 90, 1, 91, 180, 2}, {0, 1, 0, 1, 2, 0}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        NormalMesh mesh(Leaves(row.angles));
-        CPointNormalChannel& channel = mesh.Smooth(Degrees(30));
-        const int groupCount = 1 + *std::max_element(row.groups.begin(), row.groups.end());
-        EXPECT_EQ(mesh.HasPointFlag(0, POINT_SMOOTH_SPLIT), groupCount > 1);
-        EXPECT_FALSE(mesh.HasPointFlag(2, POINT_SMOOTH_SPLIT));
-        for (int group = 0; group < groupCount; group++) {
-            double x = 0, z = 0;
-            for (std::size_t i = 0; i < row.angles.size(); i++)
-                if (row.groups[i] == group)
-                    x += std::sin(Degrees(row.angles[i])), z += std::cos(Degrees(row.angles[i]));
-            for (std::size_t i = 0; i < row.angles.size(); i++)
-                if (row.groups[i] == group)
-                    ExpectDirection(AtCorner(channel, static_cast<int>(i), 0), x, 0, z);
-        }
-    }
-}
-
 // The sums are those of rounds over all faces of a point, with a table of states.
 TEST(Normals, AgreeWithRoundsOverAllFaces)
 {

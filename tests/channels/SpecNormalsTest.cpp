@@ -45,15 +45,6 @@ TEST(SpecNormals, ComputeSumsTheFacesOfAVectorWhateverTheirAngle)
     ExpectDirection(&computed, 1, -1, 0);
 }
 
-TEST(SpecNormals, ComputeWeighsByTheModeOfTheInfo)
-{
-    NormalMesh mesh(MakeMesh({{0, 0, 0}, {3, 0, 0}, {0, 4, 0}, {0, 2, 0}, {0, 2, 2}}, {{0, 1, 2}, {3, 4, 0}}), NORMAL_ANGLE);
-    CSpecNormalChannel& channel = mesh.Give({{0, 0, 0}, {0, 0, 1}}, {{0, 1, 1}, {1, 1, 0}});
-    SetVectorFlags(channel, 0, POINT_COMPUTED);
-    channel.ComputeNormals(&mesh.info, NORMAL_UNWEIGHTED);
-    ExpectDirection(channel.GetNormalVectorList()->ElementAt(0), 1, 0, 2);    // 45 and 90 degrees
-}
-
 TEST(SpecNormals, NormalizeUnsetsWhatHasNoLength)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
@@ -207,14 +198,12 @@ TEST(SpecNormals, FrontierBetweenTwoFaces)
         std::pair<int, int> edge;
         bool frontier;
     } const rows[] = {
-        {"within the angle", {{0, 0, 0, 0}, {1, 1, 1, 1}}, -1, {1, 4}, false},
         {"both ends differ", {{0, 0, 0, 0}, {2, 2, 2, 2}}, -1, {1, 4}, true},
         {"one end differs", {{0, 0, 0, 0}, {0, 0, 0, 2}}, -1, {1, 4}, true},
         {"other corners differ", {{2, 0, 0, 2}, {0, 2, 2, 0}}, -1, {1, 4}, false},
         {"one end unset in one face", {{0, 0, 0, 0}, {2, 0, 0, 0}}, 2, {1, 4}, true},
         {"one end unset in both", {{0, 2, 0, 0}, {2, 0, 0, 0}}, 2, {1, 4}, false},
         {"one without data", {{0, 0, 0, 0}, {}}, -1, {1, 4}, true},
-        {"no edge of both", {{0, 0, 0, 0}, {0, 0, 0, 0}}, -1, {0, 1}, true},
         {"across the edge and both sides of it", {{0, 2, 0, 2}, {2, 2, 0, 0}}, -1, {1, 4}, true},
     };
     for (const auto& row : rows) {

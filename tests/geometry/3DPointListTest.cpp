@@ -2,16 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
 
-#include "geometry/2DPointList.h"
 #include "geometry/3DVectorList.h"
 #include "geometry/4x4Matrix.h"
-#include "geometry/NoisyWave.h"
 #include "support/Checksum.h"
 #include "support/Meshes.h"
 #include "support/Owned.h"
@@ -132,25 +128,6 @@ TEST(C3DPointList, RandomListsGiveTheSumsOfTheSlowWay)
     EXPECT_EQ(sum.Get(), 0xB67451DFEC9AE809u);
 }
 
-TEST(C3DPointList, NearIdentitiesMoveNothing)
-{
-    struct {
-        const char* name;
-        Matrix matrix;
-        bool moved;
-    } const rows[] = {
-        {"identity", Matrix(), false},
-        {"0.004 aside", Rows({1, 0, 0, 0.004f}), false},
-        {"0.006 aside", Rows({1, 0, 0, 0.006f}), true},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto list = Make<C3DPointList>({{10, 20, 30}});
-        EXPECT_EQ(list->MatrixTransform(row.matrix), row.moved);
-        EXPECT_EQ(list->ElementAt(0)->x != 10, row.moved);
-    }
-}
-
 TEST(C3DVectorList, OnlyTheRotationTurnsVectors)
 {
     const Matrix turn = Rows({0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0});    // a quarter turn about z
@@ -197,81 +174,6 @@ TEST(C3DPointList, SwapExchangesThenMirrors)
         EXPECT_EQ(vectors->SwapCoordinates(row.code), row.done);
         EXPECT_EQ(*points->ElementAt(1), (Point(row.result.x, row.result.y, row.result.z)));
         EXPECT_EQ(*vectors->ElementAt(0), (Vector(row.result.x, row.result.y, row.result.z)));
-    }
-}
-
-TEST(C3DPointList, ChecksumsByHand)
-{
-    // 1.0f is 0x3F800000, 2.0f is 0x40000000. Point 1 is invalid: passed over, but it has its number.
-    const std::vector<Values> values = {{1, 0, 0, POINT_BORDER}, {5, 6, 7, POINT_INVALID}, {2, 1, -0.0f, 0}};
-    const auto points = Make<C3DPointList>(values);
-    const auto vectors = Make<C3DVectorList>(values);
-    C2DPointList flat;
-    flat = *points;
-    const unsigned int first = 0x3F800000, coordinates = (first + 2) * 16 + 0x40000000 + 0x3F800000;
-    const unsigned int flags = (0x10u * 16 + 2) * 16;
-    struct {
-        unsigned int mask, points, vectors, flat;
-    } const rows[] = {
-        {0, 0, 0, 0},  {1, coordinates, coordinates, 0}, {2, flags, coordinates, flags}, {3, coordinates + flags, coordinates, flags},
-        {12, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mask);
-        EXPECT_EQ(points->GetChecksum(row.mask), row.points);
-        EXPECT_EQ(vectors->GetChecksum(row.mask), row.vectors);
-        EXPECT_EQ(flat.GetChecksum(row.mask), row.flat);
-    }
-    points->ElementAt(2)->z = 0;
-    EXPECT_EQ(points->GetChecksum(1), coordinates);    // -0 is 0
-    points->ElementAt(1)->x = 50;
-    EXPECT_EQ(points->GetChecksum(3), coordinates + flags);
-}
-
-TEST(C3DPointList, NormalsAndCompactnessOfTriangles)
-{
-    const auto list =
-        Make<C3DPointList>({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {4, 0, 0}, {1, std::sqrt(3.0f), 0}, {1e-9f, 0, 0}, {0, 1e-9f, 0}});
-    struct {
-        const char* name;
-        int corners[3];
-        Values normal;
-        double compactness;
-    } const rows[] = {
-        {"counter-clockwise", {0, 1, 2}, {0, 0, 1}, -1}, {"clockwise", {0, 2, 1}, {0, 0, -1}, -1}, {"in a line", {0, 1, 3}, {1, 0, 0}, 0},
-        {"equilateral", {0, 1, 4}, {0, 0, 1}, 1},        {"tiny", {0, 5, 6}, {1, 0, 0}, -1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Vector normal(7, 7, 7);
-        EXPECT_TRUE(list->GetNormal(row.corners, normal));
-        EXPECT_EQ(normal, (Vector(row.normal.x, row.normal.y, row.normal.z)));
-        if (row.compactness >= 0) {
-            EXPECT_NEAR(list->GetCompacityFactor(row.corners), row.compactness, 1e-5);
-        }
-    }
-    Vector normal(7, 7, 7);
-    EXPECT_FALSE(list->GetNormal(nullptr, normal));
-    EXPECT_EQ(normal.x, 7);
-    EXPECT_EQ(list->GetCompacityFactor(nullptr), 0);
-}
-
-TEST(C3DPointList, WaveReplacesTheSelectedPoints)
-{
-    constexpr auto both = static_cast<_POINT_PROPERTIES>(POINT_BORDER | POINT_SLICED);
-    const std::vector<Values> values = {{0.1f, 0, 0, both}, {0.2f, 0, 0, POINT_BORDER}, {0.3f, 0, 0, 0}};
-    const Point origin;
-    const Vector dir(1, 0, 0);
-    for (const bool wanted : {true, false}) {
-        const auto list = Make<C3DPointList>(values);
-        list->NoisyWaveFunc(origin, dir, 0.5, 1, 0, both, wanted);
-        for (int i = 0; i < 3; i++) {
-            const bool moved = (i == 0) == wanted;
-            const Point& p = *list->ElementAt(i);
-            EXPECT_EQ(p.x == 0, moved) << i;    // x and y have no wave along this direction, z carries it
-            EXPECT_EQ(p.z != 0, moved) << i;
-            EXPECT_EQ(p.flags, moved ? 0 : values[static_cast<std::size_t>(i)].flags) << i;
-        }
     }
 }
 

@@ -105,55 +105,6 @@ TEST(DataChunk, AddingAnIdAgainKeepsOrResets)
     EXPECT_EQ(Values(chunks, A), std::vector<unsigned int>{NONE});
 }
 
-TEST(DataChunk, WalkGoesBySlotOfTheIds)
-{
-    // Start slots of a table of 101, id * 16 modulo 101: 1 -> 16, 102 -> 16, 20 -> 17, 7 -> 11, 13 -> 6. What collides goes 1, then 3
-    // on, so the order in which 1 and 102 come decides.
-    struct {
-        const char* name;
-        std::vector<unsigned int> added, walk;
-    } const rows[] = {
-        {"empty", {}, {}},
-        {"no collision", {1, 7, 20, 13}, {13, 7, 1, 20}},
-        {"102 behind 20", {1, 20, 102, 13}, {13, 1, 20, 102}},
-        {"102 first", {102, 1, 7}, {7, 102, 1}},
-        {"20 is pushed on", {102, 1, 20}, {102, 1, 20}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        CDataChunk chunks;
-        for (const unsigned int id : row.added)
-            Add<Numbers>(chunks, id);
-        EXPECT_EQ(Ids(chunks), row.walk);
-        CDataChunk heir;
-        heir.InitDataChunks(chunks, 0);
-        EXPECT_EQ(Ids(heir), row.walk);
-    }
-    CDataChunk chunks;
-    for (const unsigned int id : {1, 20, 102})
-        Add<Numbers>(chunks, id);
-    EXPECT_TRUE(chunks.RemoveDataChunk(20));
-    EXPECT_FALSE(chunks.RemoveDataChunk(20));
-    EXPECT_EQ(Ids(chunks), (std::vector<unsigned int>{1, 102}));
-}
-
-TEST(DataChunk, SizesOfAllChunksGoTogether)
-{
-    CDataChunk chunks;
-    chunks.PreAllocate(100, true);
-    Add<Numbers>(chunks, A);
-    EXPECT_GE(chunks.GetData(A)->GetCapacity(), 100);
-    chunks.SetDataSize(3, true, -1);
-    SetValues(chunks, A, {10, 11, 12});
-    Add<Zeros>(chunks, B);
-    chunks.ExpandDataSize(2);
-    EXPECT_EQ(Values(chunks, A), (std::vector<unsigned int>{10, 11, 12, NONE, NONE}));
-    EXPECT_EQ(Values(chunks, B), std::vector<unsigned int>(5));
-    EXPECT_EQ(chunks.GetData(A, 5), nullptr);
-    EXPECT_EQ(chunks.GetData(A, NONE), nullptr);
-    EXPECT_EQ(chunks.GetData(C, 0), nullptr);
-}
-
 TEST(DataChunk, HeirsTakeInheritedChunksOnly)
 {
     CDataChunk model;
@@ -173,76 +124,6 @@ TEST(DataChunk, HeirsTakeInheritedChunksOnly)
     EXPECT_EQ(Values(heir, C), std::vector<unsigned int>{0});
     EXPECT_TRUE(heir.RemoveDataChunk(A));
     EXPECT_EQ(heir.GetMainData(0), nullptr);
-
-    struct {
-        const char* name;
-        bool empty;
-        unsigned int size;
-        std::vector<unsigned int> values;
-    } const rows[] = {
-        {"with data, shorter", false, 2, {10, 11}},
-        {"with data, longer", false, 4, {10, 11, 12, NONE}},
-        {"empty", true, 3, {NONE, NONE, NONE}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        CDataChunk chunks;
-        chunks.SetDataSize(static_cast<int>(row.size), true, -1);
-        Add<Zeros>(chunks, C);
-        chunks.AppendDataChunks(model, row.empty);
-        EXPECT_EQ(chunks.GetChunksNbr(), 2u);
-        EXPECT_EQ(Values(chunks, A), row.values);
-        EXPECT_EQ(chunks.GetSizeOfDataChunk(C), 4u);    // not touched
-        EXPECT_EQ(chunks.GetMainData(0), chunks.GetData(A, 0));
-    }
-}
-
-TEST(DataChunk, CopiesFollowTheSource)
-{
-    CDataChunk source;
-    source.SetDataSize(3, true, -1);
-    Add<Numbers>(source, A, CHUNK_INHERITED | CHUNK_MAIN);
-    Add<Zeros>(source, B, 0);
-    SetValues(source, A, {10, 11, 12});
-    SetValues(source, B, {20, 21, 22});
-
-    struct {
-        const char* name;
-        bool hasB, hasC;
-        unsigned int size, handled;
-    } const rows[] = {
-        {"into nothing", false, false, 0, 1},
-        {"both, and one to lose", true, true, 7, 2},
-        {"one to lose", false, true, 2, 1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        CDataChunk copy;
-        copy.SetDataSize(static_cast<int>(row.size), true, -1);
-        if (row.hasB)
-            Add<Zeros>(copy, B);
-        if (row.hasC)
-            Add<Wide>(copy, C, CHUNK_MAIN);
-        EXPECT_EQ(copy.CopyData(source), row.handled);
-        EXPECT_EQ(copy.GetChunksNbr(), row.handled);
-        EXPECT_EQ(copy.GetDataSize(), 3u);
-        EXPECT_EQ(Values(copy, A), (std::vector<unsigned int>{10, 11, 12}));
-        EXPECT_EQ(copy.GetMainData(1), copy.GetData(A, 1));
-        if (row.hasB) {
-            EXPECT_EQ(Values(copy, B), (std::vector<unsigned int>{20, 21, 22}));
-        }
-    }
-
-    CDataChunk other;
-    other.SetDataSize(2, true, -1);
-    Add<Numbers>(other, A);
-    Add<Wide>(other, C);
-    EXPECT_EQ(other.CopyData(1, 2, source), 1u);    // B is not there
-    EXPECT_EQ(Values(other, A), (std::vector<unsigned int>{NONE, 12}));
-    EXPECT_EQ(other.CopyData(2, 0, source), 0u);
-    EXPECT_EQ(other.CopyData(0, 3, source), 0u);
-    EXPECT_EQ(source.CopyData(0, 2, source), 2u);
-    EXPECT_EQ(Values(source, B), (std::vector<unsigned int>{22, 21, 22}));
 }
 
 TEST(DataChunk, PointChunkTakesNoBytesThatAreNoPoint)

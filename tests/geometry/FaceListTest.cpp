@@ -87,74 +87,6 @@ TEST(FaceList, ResizesInEachMode)
     CheckConsistent(*mesh.faces);
 }
 
-TEST(FaceList, TakesItsShapeFromCapacitiesAndModels)
-{
-    Mesh model = Faces(MIXED), mesh = Faces({{1, 2, 3}});
-    const unsigned int capacities[] = {3, 0, 7};
-    ASSERT_TRUE(mesh.faces->SetSize(3, capacities, 3, -1));
-    EXPECT_EQ(mesh.faces->GetIndexCollection().GetPoolCapacity(), 16u + 4 + 32);
-    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(2), 7u);
-    EmptyFaces(*mesh.faces, 0, 3);
-    const unsigned int tooLarge[] = {3, 65536};
-    EXPECT_FALSE(mesh.faces->SetSize(2, tooLarge, 3, -1));
-    EXPECT_EQ(mesh.faces->GetSize(), 3);
-
-    mesh.faces->SetSizeAndFlags(*model.faces, FACE_EMPTY);
-    EXPECT_EQ(mesh.faces->GetNumberOfFaces(FACE_EMPTY, true), 5);
-    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(2), 4u);
-    mesh.faces->ExpandSizeAndFlags(*model.faces, FACE_INVALID);
-    EXPECT_EQ(mesh.faces->GetSize(), 10);
-    EXPECT_EQ(mesh.faces->GetNumberOfFaces(FACE_INVALID, true), 5);
-    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(7), 4u);
-    mesh.faces->ExpandSize(*mesh.faces);
-    EXPECT_EQ(mesh.faces->GetSize(), 20);
-    CheckConsistent(*mesh.faces);
-    mesh.faces->SetSizeAndFlags(22, 0x40);
-    EXPECT_EQ(mesh.faces->GetNumberOfFaces(0x40u, true), 2);
-    EXPECT_EQ(mesh.faces->GetIndexCollection().GetEntryCapacity(21), 4u);
-    mesh.faces->SetSize(*mesh.faces, -1);
-    EXPECT_EQ(mesh.faces->GetSize(), 22);
-    CheckConsistent(*mesh.faces);
-    EXPECT_TRUE(mesh.faces->SetFacesSize(3));
-    EXPECT_EQ(AllCorners(*mesh.faces), Lists(22, {0, 0, 0}));
-
-    model.faces->SetSize(2, CFaceList::SIZE_KEEP, 0);    // what stays in the model's pool is no face
-    mesh.faces->ExpandSize(*model.faces);
-    EXPECT_EQ(mesh.faces->GetSize(), 24);
-    mesh.faces->SetSize(*model.faces, -1);
-    CheckConsistent(*mesh.faces);
-    *mesh.faces = *model.faces;
-    CheckConsistent(*mesh.faces);
-    EXPECT_EQ(AllCorners(*mesh.faces), (Lists{{0, 1, 2}, {}}));
-}
-
-TEST(FaceList, TrianglesTakeAtMost28Bytes)
-{
-    constexpr int count = 10000;
-    const auto bytes = [](const C3DFaceList& faces) {
-        const CElementArray* main = faces.GetDataChunks().GetMainArray();
-        return static_cast<double>(faces.GetIndexMemory() + static_cast<std::uint64_t>(main->GetCapacity()) * main->GetStride()) / count;
-    };
-    const auto setTriangles = [](C3DFaceList& faces) {
-        C3DFace face;
-        for (int i = 0; i < count; i++) {
-            faces.GetFace(i, face);
-            face.SetTriangle(i, i + 1, i + 2);
-        }
-    };
-    Mesh exact, appended;
-    exact.faces->SetSize(count, 3, CFaceList::SIZE_EXACT, -1);
-    setTriangles(*exact.faces);
-    EXPECT_LE(bytes(*exact.faces), 28);
-    EXPECT_EQ(exact.faces->GetIndexCollection().GetPoolUsed(), 16u * count) << "no holes";
-
-    appended.faces->AppendFaces(count, 3, [](int* to, int k) { to[0] = k, to[1] = k + 1, to[2] = k + 2; });
-    EXPECT_LE(bytes(*appended.faces), 28);
-    EXPECT_EQ(AllCorners(*appended.faces), AllCorners(*exact.faces));
-    exact.faces->SetSize(count / 2, 3, CFaceList::SIZE_EXACT, -1);
-    EXPECT_EQ(exact.faces->GetIndexMemory(), 8u * count);
-}
-
 TEST(FaceList, AppendsBehindWhatIsThere)
 {
     Mesh mesh = Faces(MIXED);
@@ -170,27 +102,6 @@ TEST(FaceList, AppendsBehindWhatIsThere)
               (Lists{{0, 1, 2}, {}, {3, 4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2}, {3, 4}, {5, 6}, {1}, {}, {2, 3, 4, 5, 6}}));
     EXPECT_TRUE(mesh.faces->IsFlagSet(FACELIST_CHANGED));
     CheckConsistent(*mesh.faces);
-}
-
-TEST(FaceList, FlagsStayInsideTheList)
-{
-    Mesh mesh = Faces(MIXED);
-    C3DFaceList& faces = *mesh.faces;
-    faces.SetFaceFlags(1, 0x30, true);
-    faces.SetFaceFlag(2, FACE_BORDER, true);
-    faces.SetFaceFlags(5, 0x30, true);
-    faces.SetFaceFlags(0xFFFFFFFF, 0x30, true);
-    EXPECT_TRUE(faces.IsFaceFlagsSet(1, 0x30));
-    EXPECT_FALSE(faces.IsFaceFlagsSet(1, 0x70));
-    EXPECT_TRUE(faces.IsFaceOneFlagSet(1, 0x50));
-    EXPECT_FALSE(faces.IsFaceOneFlagSet(5, 0x30));
-    faces.SetFacesFlags(0xFFFFFFFF, false);
-    EXPECT_EQ(faces.GetNumberOfFaces(0xFFFFFFFFu, true), 0);
-    EXPECT_TRUE(faces.RemoveDataChunk(CHUNK_FACE_PROPERTIES));    // nothing falls over without main data
-    C3DFace face;
-    EXPECT_FALSE(faces.GetFace(0, face));
-    faces.SetFacesFlags(1, true);
-    EXPECT_EQ(faces.GetNumberOfFaces(FACE_INVALID, true), 5);
 }
 
 TEST(FaceList, RemoveAllAndInheritSetTheFlagsApart)

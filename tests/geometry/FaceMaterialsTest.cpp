@@ -31,19 +31,6 @@ using Map = std::map<unsigned int, unsigned int>;
 
 }
 
-TEST(FaceMaterials, OnlyTheReaderOfTheListTestsTheFlags)
-{
-    Mesh mesh = WithMaterials({1, 2});
-    mesh.faces->SetFaceFlag(1, FACE_EMPTY, true);
-    C3DFace face;
-    mesh.faces->GetFace(1, face);
-    EXPECT_EQ(mesh.faces->GetFaceMaterial(0), 1u);
-    EXPECT_EQ(mesh.faces->GetFaceMaterial(1), NO_MATERIAL);
-    EXPECT_EQ(face.GetMaterialID(), 2u);
-    EXPECT_EQ(mesh.faces->GetFaceMaterial(2), NO_MATERIAL);
-    mesh.faces->SetFaceMaterial(2, 5);
-}
-
 TEST(FaceMaterials, BackMaterialsComeWithTheFirstOneAndGo)
 {
     Mesh mesh = WithMaterials({1, 1, 1, 1, 1, 1, 1, 1});

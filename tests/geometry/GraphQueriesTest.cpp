@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "geometry/ConnectionInfo.h"
 #include "geometry/FaceGraphHelper.h"
 #include "support/Checksum.h"
@@ -174,44 +172,6 @@ TEST(GraphQueries, TrianglesAcrossTheOtherSides)
             }
     }
     EXPECT_EQ(sum.Get(), 0xF37FF3BA29E3FF93u);
-}
-
-TEST(GraphQueries, OnWellKnownMeshes)
-{
-    CFaceGraphHelper helper;
-    int count;
-    const auto sorted = [&](const int* items) {
-        Ints list = List(items, count);
-        std::sort(list.begin(), list.end());
-        return list;
-    };
-    const Mesh cube = Cube();
-    CGeomInfo info = cube.Info();
-    EXPECT_EQ(cube.faces->GetFacesNeighbourg(helper, 0, CONNECT_BOTH, count), nullptr) << "no graph, no answer";
-    EXPECT_FALSE(cube.faces->DoesEdgeExists({0, 1}, -1));
-    EXPECT_FALSE(cube.faces->IsIsolatedFace(0));
-    cube.faces->InitPointToFaceGraph(&info);
-    EXPECT_EQ(sorted(cube.faces->GetFacesNeighbourg(helper, 0, CONNECT_BOTH, count)), (Ints{0, 2, 3, 4, 5})) << "all but the one opposite";
-    EXPECT_EQ(sorted(cube.faces->GetFacesNeighbourg(helper, 0, CONNECT_ANY, count)), (Ints{0, 2, 3, 4, 5}));
-    EXPECT_EQ(sorted(cube.faces->GetPointsNeighbourg(helper, 0, count, CONNECT_BOTH)), (Ints{1, 2, 4}));
-
-    const Mesh quad = MakeMesh(std::vector<XYZ>(4), {{0, 1, 2, 3}});
-    CGeomInfo quadInfo = quad.Info();
-    quad.faces->InitPointToFaceGraph(&quadInfo);
-    EXPECT_EQ(sorted(quad.faces->GetPointsNeighbourg(helper, 0, count, CONNECT_BOTH)), (Ints{1, 3}));
-    EXPECT_EQ(sorted(quad.faces->GetPointsNeighbourg(helper, 0, count, CONNECT_FIRST_ONLY)), (Ints{1, 2, 3}));
-    EXPECT_EQ(sorted(quad.faces->GetPointsNeighbourg(helper, 0, count, CONNECT_ANY)), (Ints{2}));
-    EXPECT_TRUE(quad.faces->IsIsolatedFace(0));
-
-    const Mesh kite = MakeMesh(std::vector<XYZ>(6), {{0, 1, 2}, {1, 0, 3}, {4, 5}});
-    CGeomInfo kiteInfo = kite.Info();
-    kite.faces->InitPointToFaceGraph(&kiteInfo);
-    EXPECT_EQ(sorted(kite.faces->GetPointsConnectedToEdge(helper, 0, 1, count, false)), (Ints{0, 1, 2, 3}));
-    EXPECT_EQ(sorted(kite.faces->GetPointsConnectedToEdge(helper, 1, 0, count, true)), (Ints{2, 3}));
-    EXPECT_EQ(sorted(kite.faces->GetPointsConnectedToEdge(helper, 1, 2, count, false)), (Ints{0, 1, 2}));
-    EXPECT_EQ(sorted(kite.faces->GetPointsConnectedToEdge(helper, 1, 2, count, true)), (Ints{0}));
-    EXPECT_EQ(kite.faces->GetPointsConnectedToEdge(helper, 4, 5, count, false), nullptr) << "a face of nothing but the edge";
-    EXPECT_EQ(count, 0);
 }
 
 TEST(GraphQueries, HubsWithManyFacesJoinLikeSmallPoints)

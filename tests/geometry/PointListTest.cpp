@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <vector>
 
-#include "geometry/2DPointList.h"
 #include "geometry/3DPointList.h"
 #include "geometry/3DVectorList.h"
 #include "geometry/ElementMethods.h"
@@ -74,10 +72,8 @@ TEST(PointList, ChangesAreTold)
     } const rows[] = {
         {"another size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(4); }, true, true},
         {"the same size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(3); }, false, false},
-        {"no size", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetSize(-1); }, false, false},
         {"RemoveAll", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.RemoveAll(); }, false, true},
         {"assignment", [](C3DPointList& l, const unsigned int*, const C3DPointList& o) { l = o; }, true, true},
-        {"to itself", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l = *&l; }, false, false},
         {"Reorder", [](C3DPointList& l, const unsigned int* o, const C3DPointList&) { l.Reorder(o, 3, false); }, false, false},
         {"a point", [](C3DPointList& l, const unsigned int*, const C3DPointList& o) { l.CopyPoint(0, 0, o); }, false, false},
         {"told", [](C3DPointList& l, const unsigned int*, const C3DPointList&) { l.SetFlag(POINTLIST_CHANGED, true); }, true, true},
@@ -134,30 +130,6 @@ TEST(PointList, OriginalIndicesFollowThePoints)
     EXPECT_EQ(list->GetDataChunkNbr(), 1u);
 }
 
-TEST(PointList, AssignmentConvertsBetweenClasses)
-{
-    const Owned<C3DPointList> points = Points({5, 6});
-    points->ElementAt(1)->SetFlags(POINT_BORDER);
-    AddExtra(*points);
-    const Owned<C3DVectorList> vectors(C3DVectorList::Create());
-    vectors->SetSize(7);
-    *vectors = static_cast<const CPointList&>(*points);
-    ASSERT_EQ(vectors->GetSize(), 2);
-    EXPECT_EQ(*vectors->ElementAt(1), (C3DTVector<float>(6, 2, 3)));
-    EXPECT_EQ(vectors->ElementAt(1)->flags, POINT_BORDER);
-    EXPECT_NE(vectors->GetData(EXTRA, 1), nullptr);
-    C2DPointList flat;
-    flat = *points;
-    EXPECT_EQ(flat.ElementAt(1)->y, 2);
-    *points = static_cast<const CPointList&>(flat);
-    EXPECT_EQ(*points->ElementAt(1), (C3DTPoint<float>(6, 2, 0)));
-    EXPECT_FALSE(points->CopyPoint(0, 2, *vectors));
-    EXPECT_TRUE(points->CopyPoint(0, 1, *vectors));
-    EXPECT_EQ(*points->ElementAt(0), (C3DTPoint<float>(6, 2, 3)));
-    for (const CPointList* list : {static_cast<const CPointList*>(points.get()), static_cast<const CPointList*>(vectors.get())})
-        CheckConsistent(*list);
-}
-
 TEST(PointList, FlagsAreCountedByAnyAndByAllBits)
 {
     const Owned<C3DPointList> list = Points({0, 1, 2, 3});
@@ -171,30 +143,6 @@ TEST(PointList, FlagsAreCountedByAnyAndByAllBits)
     EXPECT_EQ(list->GetNumberOfPoints(static_cast<_POINT_PROPERTIES>(both), false), 3);
 }
 // --- Streams -----------------------------------------------------------------------------------------------------------------
-
-TEST(PointList, BlocksAndElementsStoreTheSameBytes)
-{
-    // A list moves as one block: the bytes are those of each element's own Serialize, at the end of the stream.
-    const Owned<C3DPointList> list = Points({5, 6, 7});
-    list->ElementAt(2)->SetFlags(0x12345678);
-    C2DPointList flat;
-    flat = *list;
-    const auto check = [](CPointList& points) {
-        std::vector<unsigned char> elements;
-        for (int i = 0; i < points.GetSize(); i++) {
-            const auto bytes = Stored(*points.ElementAt(i));
-            elements.insert(elements.end(), bytes.begin(), bytes.end());
-        }
-        const auto bytes = Stored(points);
-        ASSERT_GT(bytes.size(), elements.size());
-        EXPECT_TRUE(std::equal(elements.begin(), elements.end(), bytes.end() - static_cast<std::ptrdiff_t>(elements.size())));
-    };
-    check(*list);
-    check(flat);
-    const auto bytes = Stored(*list);
-    const std::vector<unsigned char> last(bytes.end() - 16, bytes.end());    // flags, 7, 2, 3
-    EXPECT_EQ(last, (std::vector<unsigned char>{0x78, 0x56, 0x34, 0x12, 0, 0, 0xE0, 0x40, 0, 0, 0, 0x40, 0, 0, 0x40, 0x40}));
-}
 
 TEST(PointList, StreamsReplaceEverythingOrEmptyTheList)
 {

@@ -95,8 +95,6 @@ TEST(TagFaces, CountsGroups)
     } const rows[] = {
         {"a bow tie hangs together at a point", tie, Recorder::TAKE_ALL, false, 1},
         {"but not along an edge", tie, Recorder::TAKE_ALL, true, 2},
-        {"nothing", none, Recorder::TAKE_ALL, false, 0},
-        {"a cube without one side", cube, Recorder::TAKE_ALL, true, 1},
         {"each live face alone", cube, Recorder::REFUSE_ALL, true, 5},
         {"refused at once", cube, Recorder::REFUSE_START, true, 0},
     };

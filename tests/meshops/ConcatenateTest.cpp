@@ -4,7 +4,6 @@
 #include "scene/3DScene.h"
 #include "scene/Curve.h"
 #include "scene/Filter.h"
-#include "scene/Group.h"
 
 namespace {
 

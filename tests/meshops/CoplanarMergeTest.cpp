@@ -8,7 +8,6 @@
 
 #include "channels/WeightChannel.h"
 #include "channels/WeightPointList.h"
-#include "geometry/Edge.h"
 #include "meshops/CoplanarMerge.h"
 #include "meshops/ObjectCase.h"
 #include "meshops/SlotTable.h"
@@ -76,39 +75,6 @@ double Area(const C3DGeomObject& object)
     return area;
 }
 
-}
-
-TEST(SlotTable, WalksAsTheHashTableDoes)
-{
-    std::mt19937 random(5);
-    CSlotTable<int> table;
-    CSlotTable<C3DEdge> edges;
-    for (int round = 0; round < 60; round++) {
-        const unsigned int size = round % 3 ? 101 : random() % 1000;
-        CHashTable<int> model(size);
-        CHashTable<C3DEdge> edgeModel(size);
-        table.Reset(size);
-        edges.Reset(size);
-        for (int i = 0, n = 1 << (round % 12); i < n; i++) {
-            const int key = static_cast<int>(random() % (3 * n));
-            const C3DEdge edge(key, static_cast<int>(random() % (n + 1)));
-            model.Insert(key);
-            table.Insert(key);
-            edgeModel.Insert(edge);
-            edges.Insert(edge);
-        }
-        std::vector<int> keys, modelKeys;
-        table.ForEach([&](unsigned int entry) { keys.push_back(table.GetKey(entry)); });
-        for (const int key : model)
-            modelKeys.push_back(key);
-        EXPECT_EQ(keys, modelKeys);
-        EXPECT_EQ(table.GetKey(table.GetFirst()), keys[0]);
-        std::vector<C3DEdge> edgeKeys, modelEdges;
-        edges.ForEach([&](unsigned int entry) { edgeKeys.push_back(edges.GetKey(entry)); });
-        for (const C3DEdge& edge : edgeModel)
-            modelEdges.push_back(edge);
-        EXPECT_TRUE(edgeKeys == modelEdges);
-    }
 }
 
 // Faults in mind: the order in which a hash table would be walked, or that of the queue; copies of the seed; the table of faces of a point.

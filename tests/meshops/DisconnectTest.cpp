@@ -84,7 +84,6 @@ TEST(Disconnect, FacesWithEqualValuesStayTogether)
         {"all differ", {1, 2, 3}, {false, false, false}, {0, 4, 5}},
         {"without data", {1, 1, 0}, {false, false, true}, {0, 0, 4}},
         {"negative zero", {0.0f, -0.0f, 5}, {false, false, false}, {0, 0, 4}},
-        {"continuous", {1, 1, 1}, {false, false, false}, {0, 0, 0}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -1,11 +1,9 @@
-#include <array>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <numbers>
 #include <random>
 
-#include "channels/VCChannel.h"
 #include "channels/WeightChannel.h"
 #include "meshops/ObjectCase.h"
 #include "scene/Curve.h"

@@ -133,18 +133,14 @@ TEST(NodeBox, FlagsChooseTheNodesBelow)
         Coordinates x;
     } const rows[] = {
         {"all", a, BOX_FACES, 0, 0, {0, 60}},
-        {"of the scene", scene->GetRoot(), BOX_FACES, 0, 0, {0, 60}},
         {"this node alone", a, BOX_FACES | BOX_NODE_ONLY, 0, 0, {0, 1}},
         {"a node without geometry alone", scene->GetRoot(), BOX_FACES | BOX_NODE_ONLY, 0, 0, {}},
-        {"no hidden ones", a, BOX_FACES | BOX_SKIP_HIDDEN, 0, 0, {0, 60}},
         {"no hidden ones, none else of that kind", scene->GetRoot(), BOX_FACES | BOX_SKIP_HIDDEN | BOX_KINDS, 0, OBJECT_POLYGONAL, {0, 21}},
         {"own flags do not count", b, BOX_FACES | BOX_SKIP_HIDDEN, 0, 0, {10, 11}},
         {"selected", scene->GetRoot(), BOX_FACES | BOX_SELECTED_ONLY, 0, 0, {20, 21}},
-        {"with a node flag", scene->GetRoot(), BOX_FACES | BOX_NODE_FLAGS, NODE_HIDDEN, 0, {10, 11}},
         {"with a node flag, not alone", scene->GetRoot(), BOX_FACES | BOX_NODE_FLAGS | BOX_NODE_ONLY, NODE_SELECTED, 0, {20, 21}},
         {"kinds", scene->GetRoot(), BOX_FACES | BOX_KINDS, 0, OBJECT_CURVE, {60, 60}},
         {"other kinds", scene->GetRoot(), BOX_FACES | BOX_NOT_KINDS, 0, OBJECT_POLYGONAL, {60, 60}},
-        {"kinds go before other kinds", scene->GetRoot(), BOX_FACES | BOX_KINDS | BOX_NOT_KINDS, 0, OBJECT_CURVE, {60, 60}},
         {"nothing", scene->GetRoot(), BOX_FACES | BOX_KINDS, 0, OBJECT_LIGHT, {}},
     };
     for (const auto& row : rows) {

@@ -77,22 +77,6 @@ TEST(CreateFromArrays, TakesNoMoreMemoryThanItNeeds)
     EXPECT_EQ(faces.GetDataChunks().GetMainArray()->GetStride(), 8u);
 }
 
-TEST(CreateFromArrays, InitMakesRoomForATextureChannel)
-{
-    const CRef<C3DObject> object(new C3DObject);
-    EXPECT_TRUE(object->Init(10, 4, 3, 1, 6, NO_CHANNEL_ID));
-    EXPECT_EQ(object->GetPointNbr(), 10);
-    EXPECT_EQ(object->GetFaceNbr(), 4);
-    CChannel* channel = object->GetChannelByIndex(0, CHANNEL_UVW, true);
-    ASSERT_NE(channel, nullptr);
-    EXPECT_EQ(channel->GetPointList()->GetSize(), 6);
-    EXPECT_EQ(channel->GetFaceList()->GetSize(), 4);
-    EXPECT_EQ(object->GetChannelByID(channel->GetChannelID(), CHANNEL_UVW), channel);
-    const CRef<C3DObject> plain(new C3DObject);
-    plain->Init(10, 4, 3, 1, 0, NO_CHANNEL_ID);
-    EXPECT_EQ(plain->GetChannels()->GetSize(), 0);
-}
-
 TEST(Checksum, SeesWhatItIsAskedFor)
 {
     const CRef<C3DObject> a(CreateSquare()), b(CreateSquare());

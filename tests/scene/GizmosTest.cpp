@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "scene/Camera.h"
-#include "scene/Dummy.h"
 #include "scene/Light.h"
 #include "scene/SceneBuilders.h"
 #include "support/Checksum.h"
@@ -110,45 +109,4 @@ TEST(Gizmos, AreMadeOnceAndNeverShared)
     const CRef<C3DCamera> camera(new C3DCamera), second(new C3DCamera(*camera));
     EXPECT_EQ(camera->GetFinalObject(false), camera->GetFinalObject(false));
     EXPECT_NE(camera->GetFinalObject(false), second->GetFinalObject(false));
-}
-
-TEST(Gizmos, CountAndMeasureInAScene)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    C3DSceneNode* first = AddNode(*scene, nullptr, L"a", OBJECT_CAMERA);
-    AddNode(*scene, first, L"b", OBJECT_CAMERA);
-    AddNode(*scene, nullptr, L"c", OBJECT_LIGHT);
-    AddNode(*scene, nullptr, L"d", OBJECT_DUMMY);
-    EXPECT_EQ(scene->GetPointNbr(), 67 + 67 + 70);
-    EXPECT_EQ(scene->GetFaceNbr(), 41 + 41 + 44);
-
-    C3DTPoint<float> min, max;
-    ASSERT_TRUE(first->GetBoundingBox(0, min, max, BOX_FACES | BOX_NODE_ONLY));
-    EXPECT_EQ(min.y, -200);
-    EXPECT_EQ(max.z, 160);
-}
-
-TEST(Cameras, ParametersAreKeysWithDefaults)
-{
-    const CRef<C3DCamera> camera(new C3DCamera);
-    EXPECT_TRUE(camera->GetCustomData().IsEmpty());
-    camera->Invalidate(0xFFFF, false);
-    const unsigned int update = camera->GetUpdateFlags();
-    camera->SetTarget(-1);
-    camera->SetNearFarClip(2, 3);
-    EXPECT_TRUE(camera->HasTarget());
-    EXPECT_TRUE(camera->IsDefined(FourCC("canc")));
-    EXPECT_EQ(camera->GetNearClip(), 2);
-    EXPECT_EQ(camera->GetFarClip(), 3);
-    EXPECT_EQ(camera->GetUpdateFlags(), update);
-
-    // 8, 45 and 1 have no low bits. 0.1 is 0x3FB999999999999A, twice that and a third one more step up.
-    const unsigned int low = 0x9999999A;
-    EXPECT_EQ(camera->GetChecksum(0), 0u);
-    camera->SetFov(0.1);
-    camera->SetAspectRatio(0.2);
-    camera->SetZoom(0.4);
-    camera->SetAperture(-0.0);
-    camera->SetProjection(3);
-    EXPECT_EQ(camera->GetChecksum(0xFFFFFFFF), 3 * low + 48);
 }

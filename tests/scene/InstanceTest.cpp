@@ -147,18 +147,6 @@ TEST(Copy, OfANodeTakesWhatTheFlagsSay)
     }
 }
 
-TEST(Copy, OfABranchBelongsToTheSceneOfItsParent)
-{
-    const CRef<C3DScene> scene(C3DScene::Create()), other(C3DScene::Create());
-    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
-    AddNode(*scene, a, L"b", OBJECT_DUMMY);
-    for (C3DSceneNode* node = a->CopyBranch(other->GetRoot(), 0, nullptr); node; node = other->GetChildNode(node)) {
-        EXPECT_EQ(node->GetScene(), static_cast<C3DScene*>(other));
-        EXPECT_EQ(node->GetBaseObject()->GetScene(), static_cast<C3DScene*>(other));
-    }
-    EXPECT_EQ(Outline(*other), L"a(b)");
-}
-
 TEST(Copy, OfABranchKeepsSharingAndShape)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
@@ -180,26 +168,6 @@ TEST(Copy, OfABranchKeepsSharingAndShape)
     for (C3DNodePos pos = scene->GetFirstNode(OBJECT_ANY, ITER_EMPTY_NODES); pos;)
         EXPECT_EQ(scene->GetNextNode(pos)->GetScene(), static_cast<C3DScene*>(scene));
     EXPECT_EQ(Null<C3DSceneNode>()->CopyBranch(nullptr, 0, nullptr), nullptr);
-}
-
-TEST(Copy, AnInstanceSharesObjectsAndLosesItsOwnKeys)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
-    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_DUMMY);
-    a->AddKey(0, C3DMatrixKey(Translation(1, 0, 0)));
-    b->AddKey(0, C3DMatrixKey(Translation(2, 0, 0)));
-    C3DSceneNode* instance = scene->CreateInstance(a);
-    ASSERT_NE(instance, nullptr);
-    const auto* child = static_cast<C3DSceneNode*>(instance->GetFirstChild());
-    EXPECT_EQ(instance->GetBaseObject(), a->GetBaseObject());
-    EXPECT_EQ(child->GetBaseObject(), b->GetBaseObject());
-    EXPECT_EQ(instance->GetKeyNbr(KEY_ANY), 0);
-    EXPECT_EQ(child->GetKeyNbr(KEY_ANY), 1);
-    EXPECT_EQ(Outline(*scene), L"a(b)");
-    EXPECT_TRUE(scene->AddNode(nullptr, instance));
-    EXPECT_EQ(Outline(*scene), L"a(b)a(b)");
-    EXPECT_EQ(scene->CreateInstance(nullptr), nullptr);
 }
 
 namespace {

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <ctime>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <numbers>
@@ -147,52 +144,6 @@ TEST(Keyframable, ALongListLooksAClassUpAmongItsOwnKeys)
     EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 2);
 }
 
-TEST(Keyframable, LookupByHand)
-{
-    C3DKeyframable list;
-    for (const int time : {10, 20, 30})
-        list.AddKey(time, Number(time));
-    list.AddKey(20, Number(99, OTHER));
-    struct {
-        unsigned int mode;
-        int time, keyTime;
-    } const rows[] = {
-        {1, 10, -1}, {1, 20, 10}, {1, 25, 20}, {1, 99, 30}, {2, 5, 10},  {2, 10, 20}, {2, 30, -1}, {3, 30, -1}, {4, 20, 20},
-        {4, 21, -1}, {5, 20, 20}, {5, 21, 20}, {5, 9, -1},  {6, 20, 30}, {6, 30, 30}, {7, 30, 30}, {6, 31, -1}, {0, 20, -1},
-    };
-    for (const auto& row : rows) {
-        int keyTime;
-        list.GetKey(row.time, row.mode, NUMBER, &keyTime);
-        EXPECT_EQ(keyTime, row.keyTime) << "mode " << row.mode << " at " << row.time;
-    }
-    EXPECT_EQ(list.GetKey(20, 4, KEY_ANY, nullptr)->GetClassID(), OTHER) << "the last one at that time";
-    C3DTypeKey<int> out(NUMBER, 5);
-    EXPECT_FALSE(list.GetKey(21, 4, out, nullptr));
-    EXPECT_EQ(out.value, 5);
-    EXPECT_TRUE(list.GetKey(20, 4, out, nullptr));
-    EXPECT_EQ(out.value, 20);
-}
-
-TEST(Keyframable, CreateKeyFlags)
-{
-    C3DKeyframable list;
-    list.AddKey(0, C3DTypeKey<float>(REAL, 1));
-    list.AddKey(10, C3DTypeKey<float>(REAL, 2));
-    const auto create = [&](int time, unsigned int flags) { return static_cast<C3DTypeKey<float>*>(list.CreateKey(time, REAL, flags)); };
-    C3DTypeKey<float>* middle = create(5, 0);
-    EXPECT_EQ(middle->value, 1.5f);
-    EXPECT_EQ(create(5, 0), middle);
-    EXPECT_EQ(create(5, KEY_KEEP_DEFAULT), middle);
-    middle->value = 7;
-    EXPECT_EQ(create(5, KEY_ALWAYS_NEW)->value, 7) << "evaluated while the old key still stands";
-    EXPECT_EQ(create(5, KEY_ALWAYS_NEW | KEY_KEEP_DEFAULT)->value, 0);
-    EXPECT_EQ(create(20, 0)->value, 2) << "held behind the last key";
-    EXPECT_EQ(create(-20, 0)->value, 1);
-    EXPECT_EQ(list.GetKeyNbr(REAL), 5);
-    EXPECT_EQ(list.CreateKey(5, KeyClassID(FourCC("NONE"), 0), 0), nullptr);
-    EXPECT_EQ(list.GetKeyNbr(KEY_ANY), 5);
-}
-
 TEST(Keyframable, EvaluateHoldsOutsideAndInterpolatesInside)
 {
     C3DKeyframable list;
@@ -261,31 +212,6 @@ TEST(Keys, PlainValuesBetweenTwoKeys)
     EXPECT_FALSE(static_cast<const C3DKeyframe&>(matrix) == c);
 }
 
-TEST(Keys, VectorKeysAndTheirMatrices)
-{
-    C3DScaleKey scale;
-    EXPECT_EQ(scale.GetVector(), FVector(1, 1, 1));
-    EXPECT_TRUE(scale.ToMatrix().IsIdentity());
-    scale.SetVector({2, 3, 4});
-    EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(2, 3, 4));
-    scale.SwapCoordinates(0x41);    // x with y, then z mirrored
-    EXPECT_EQ(scale.GetVector(), FVector(3, 2, -4));
-    EXPECT_EQ(scale.ToMatrix() * FVector(1, 1, 1), FVector(3, 2, -4));
-
-    C3DTranslateKey move = Translation(1, 2, 3);
-    move.SwapCoordinates(0x22);
-    EXPECT_EQ(move.ToMatrix() * C3DTPoint<float>(), C3DTPoint<float>(3, -2, 1));
-
-    C3DTranslateKey result;
-    EXPECT_FALSE(result.Evaluate(move, move, 5, {0, 4})) << "outside the range";
-    EXPECT_FALSE(result.Evaluate(move, C3DTranslateKey(KEY_PIVOT), 1, {0, 4})) << "another class id";
-    EXPECT_EQ(result.GetVector(), FVector());
-    EXPECT_FALSE(result == move);
-    EXPECT_TRUE(result != move);
-    result = move;
-    EXPECT_TRUE(result == move);
-}
-
 TEST(Keys, RotationsTakeTheShortWay)
 {
     C3DRotateKey a(0, {0, 1, 0}), b(static_cast<float>(PI / 2), {0, 0, 2}), result;
@@ -313,27 +239,6 @@ TEST(Keys, RotationsTakeTheShortWay)
     ASSERT_TRUE(result.Evaluate(a, a, 3, {0, 4}));
     EXPECT_EQ(result.GetRotation(angle), FVector(1, 0, 0));
     EXPECT_EQ(angle, 0);
-}
-
-TEST(Keys, RotationMatrixAndSwaps)
-{
-    // The matrix from angle and axis is the one by way of the quaternion.
-    C3DRotateKey key(1.1f, {3, -4, 12});
-    ExpectNear(key.ToMatrix(), RotationMatrix({3, -4, 12}, 1.1f), 1e-6);
-    key.SetRotation(2, {0, 0, 0});
-    EXPECT_EQ(key.ToMatrix(), FMatrix());
-    key.SetRotation(1e-16, {0, 0, 1});
-    EXPECT_EQ(key.ToMatrix(), FMatrix());
-
-    // Swapping coordinates changes the rotation as it changes a matrix key from both sides.
-    for (const unsigned int code : {0u, 1u, 2u, 4u, 0x10u, 0x20u, 0x40u, 0x11u, 0x22u, 0x44u, 0x41u}) {
-        SCOPED_TRACE(code);
-        C3DRotateKey rotation(0.7f, {1, 2, -2});
-        C3DMatrixKey matrix(rotation.ToMatrix());
-        rotation.SwapCoordinates(code);
-        matrix.SwapCoordinates(code, true);
-        ExpectNear(rotation.ToMatrix(), matrix.ToMatrix(), 1e-6);
-    }
 }
 
 TEST(Keys, MatricesInterpolateByParts)
@@ -391,29 +296,6 @@ TEST(Keys, CopiesCarryTheCurveButNotTheBag)
     const C3DKeyCurve* volatile none = nullptr;    // volatile: the compiler need not know
     EXPECT_EQ(none->GetClassID(), 0u);
     EXPECT_EQ(none->Copy(), nullptr);
-}
-
-TEST(Keyframable, CopyAndEquality)
-{
-    C3DKeyframable a;
-    a.AddKey(1, Number(1));
-    a.AddKey(1, Number(2, OTHER));
-    a.AddKey(2, Translation(1, 2, 3));
-    C3DKeyframable b(a);
-    EXPECT_TRUE(a == b);
-    b = b;
-    EXPECT_EQ(b.GetKeyNbr(KEY_ANY), 3);
-    static_cast<C3DTypeKey<int>*>(b.GetKey(1, KEY_EXACT, OTHER, nullptr))->value = 5;
-    EXPECT_FALSE(a == b);
-    EXPECT_TRUE(a != b);
-    b = a;
-    b.AddKey(3, Number(1));
-    EXPECT_FALSE(a == b);
-
-    C3DTypeKey<float> nan(REAL, std::numeric_limits<float>::quiet_NaN());
-    C3DKeyframable c;
-    c.AddKey(0, nan);
-    EXPECT_FALSE(c == c) << "what is no number equals nothing";
 }
 
 TEST(Keyframable, StreamRoundTripAndDamage)

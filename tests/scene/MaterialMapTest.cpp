@@ -105,20 +105,6 @@ TEST(MaterialMap, AFileIsLookedForInOrder)
     }
 }
 
-TEST(MaterialMap, AScenesOwnPathsComeBeforeThoseOfThePreferences)
-{
-    const TempFolder folder;
-    folder.Write("mine/a.png", "");
-    folder.Write("yours/a.png", "");
-    const TexturePaths preferences({folder.Wide("yours")});
-    const CRef<C3DScene> scene(C3DScene::Create());
-    const auto map = CreateMap(L"a.png");
-    EXPECT_EQ(map->GetBitmapPath(scene, false, true), folder.Wide("yours/a.png"));
-    EXPECT_EQ(map->GetBitmapPath(nullptr, false, true), folder.Wide("yours/a.png"));
-    EXPECT_TRUE(scene->AddTexturePath(folder.Wide("mine")));
-    EXPECT_EQ(map->GetBitmapPath(scene, false, true), folder.Wide("mine/a.png"));
-}
-
 TEST(MaterialMap, NamesBecomeRelativeToAFolderThatIsThere)
 {
     const TempFolder folder;
@@ -147,36 +133,6 @@ TEST(MaterialMap, PartsOfThePlacementApplyInOrder)
     EXPECT_NEAR(image.x, 1, 1e-6);
     EXPECT_NEAR(image.y, -2, 1e-6);
     EXPECT_NEAR(image.z, 5, 1e-6);
-}
-
-TEST(MaterialMap, PartsAddUpOnTheValueOfTheirTime)
-{
-    CMaterialMap map;
-    C3DTVector<float> v;
-    map.SetTranslation(0, {0, 0, 0});
-    map.SetTranslation(10, {10, 20, 30});
-    map.Translate(5, {1, 1, 1});    // upon what was there between the keys
-    map.GetTranslation(5, v);
-    EXPECT_EQ(Values(v), (std::vector<float>{6, 11, 16}));
-    map.Scale(0, {2, 3, 4});
-    map.Scale(0, {2, 2, 2});
-    map.GetScale(7, v);
-    EXPECT_EQ(Values(v), (std::vector<float>{4, 6, 8}));
-    map.SetTile(0, {0, 2, 1});
-    map.GetTile(-1, v);
-    EXPECT_EQ(Values(v), (std::vector<float>{0, 2, 1}));
-
-    CQuaternion q;
-    const C3DTVector<float> axis(0, 1, 0);
-    map.Rotate(0, CQuaternion(axis, 0.25));
-    map.Rotate(0, CQuaternion(axis, 0.5));
-    map.GetRotation(0, q);
-    EXPECT_TRUE(q == CQuaternion(axis, 0.75));
-    map.SetHPBRotation(0, {0.1f, 0.2f, 0.3f});
-    map.GetHPBRotation(0, v);
-    EXPECT_NEAR(v.x, 0.1f, 1e-6);
-    EXPECT_NEAR(v.y, 0.2f, 1e-6);
-    EXPECT_NEAR(v.z, 0.3f, 1e-6);
 }
 
 TEST(MaterialMap, SwapsAddUpAndSurviveCopyAndSave)

@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <random>
 #include <set>
 
 #include "scene/Materials.h"
-#include "scene/Preferences.h"
 #include "support/Checksum.h"
 #include "support/Streams.h"
 
@@ -198,94 +196,6 @@ TEST(Materials, CopiesKeepIds)
         }
         CheckTables(to);
     }
-}
-
-TEST(Materials, ColorsAndFactors)
-{
-    C3DMaterial material;
-    EXPECT_EQ(material.GetAmbientColor(0, true), CRGBColor(30, 30, 30));
-    EXPECT_FALSE(material.IsTransparent(0));
-    material.SetDiffuseColor(0, CRGBColor(101, 100, 3, 200));
-    EXPECT_TRUE(material.IsTransparent(0));
-    material.SetDiffuseFactor(0, 0.5f);
-    material.SetTransparencyFactor(0, 0.5f);
-    EXPECT_EQ(material.GetDiffuseColor(0, true), CRGBColor(50, 50, 1, 100));
-
-    // Between two keys.
-    material.SetDiffuseColor(0, CRGBColor(100, 100, 4, 200));
-    material.SetDiffuseColor(10, CRGBColor(2, 100, 204, 100));
-    EXPECT_EQ(material.GetDiffuseColor(5, false), CRGBColor(51, 100, 104, 150));
-
-    const float nan = std::nanf("");
-    for (const auto& [set, kept] : {std::pair(2.0f, 1.0f), {-1.0f, 0.0f}, {0.25f, 0.25f}, {nan, 0.0f}}) {
-        material.SetAmbientFactor(0, set);
-        EXPECT_EQ(material.GetAmbientFactor(0), kept);
-    }
-    const float preferred = C3DPreferences::Get3DPreferences().GetSmoothAngle();
-    for (const auto& [set, kept] : {std::pair(0.5f, 0.5f), {-0.5f, 0.0f}, {4.0f, 3.14159265f}, {-1.0f, preferred}, {nan, 0.0f}}) {
-        material.SetSmoothAngle(0, set);
-        EXPECT_EQ(material.GetSmoothAngle(0), kept);
-    }
-    float strength;
-    EXPECT_EQ(material.GetVertexColor(0, strength), NO_CHANNEL);
-    EXPECT_EQ(strength, 1);
-    material.SetVertexColor(0, 4, 3);
-    EXPECT_EQ(material.GetVertexColor(0, strength), 4u);
-    EXPECT_EQ(strength, 1);
-}
-
-TEST(Materials, EveryParameterCountsAndTheNameApart)
-{
-    const struct {
-        const char* name;
-        std::function<void(C3DMaterial&)> change;
-        bool sameParameters;
-    } rows[] = {
-        {"name", [](C3DMaterial& m) { m.SetName(L"b"); }, true},
-        {"flags", [](C3DMaterial& m) { m.SetFlag(MATERIAL_HIDDEN, true); }, true},
-        {"key", [](C3DMaterial& m) { m.SetSpecularFactor(3, 0.5f); }, false},
-        {"another map", [](C3DMaterial& m) { m.AddMaterialMap(L"b", 1, MAP_SPECULAR, PROJECTION_UVW); }, false},
-        {"map's file", [](C3DMaterial& m) { m.GetBumpMaps()->SetFileName(L"b", L""); }, false},
-        {"map's channel", [](C3DMaterial& m) { m.GetBumpMaps()->SetChannelID(2); }, false},
-        {"map's place",
-         [](C3DMaterial& m) {
-             m.GetBumpMaps()->SetTile(0, {2, 2, 2});
-         },
-         false},
-        {"vertex colours", [](C3DMaterial& m) { m.SetVertexColor(0, 9, 1); }, false},
-    };
-    C3DMaterial material;
-    material.SetName(L"a");
-    EXPECT_EQ(material.AddMaterialMap(L"", 1, MAP_BUMP, PROJECTION_UVW), nullptr);
-    EXPECT_EQ(material.AddMaterialMap(L"a", 1, static_cast<MapType>(6), PROJECTION_UVW), nullptr);
-    CMaterialMap* const map = material.AddMaterialMap(L"a", 1, MAP_BUMP, PROJECTION_UVW);
-    EXPECT_EQ(material.AddMaterialMap(L"b", 2, MAP_BUMP, PROJECTION_UVW), map);
-    EXPECT_EQ(material.GetMaterialMap(MAP_BUMP)->GetFileName(), L"a");
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        C3DMaterial other;
-        other = material;
-        EXPECT_TRUE(other == material);
-        row.change(other);
-        EXPECT_EQ(other.HasSameParameters(material), row.sameParameters);
-        EXPECT_EQ(other == material, row.sameParameters && other.GetName() == material.GetName());
-    }
-}
-
-TEST(Materials, ChannelsAreRenamed)
-{
-    C3DMaterial material;
-    material.SetVertexColor(0, 5, 1);
-    material.AddMaterialMap(L"a", 5, MAP_DIFFUSE, PROJECTION_UVW);
-    material.AddMaterialMap(L"a", 6, MAP_BUMP, PROJECTION_UVW);
-    CChannelMap map;
-    map.Insert(CChannelInfo(5, CHANNEL_UVW), CChannelInfo(7, CHANNEL_UVW));
-    map.Insert(CChannelInfo(5, CHANNEL_VC), CChannelInfo(8, CHANNEL_VC));
-    material.ChangeChannelID(map);
-    float strength;
-    EXPECT_EQ(material.GetVertexColor(0, strength), 8u);
-    EXPECT_EQ(material.GetDiffuseMaps()->GetChannelID(), 7u);
-    EXPECT_EQ(material.GetBumpMaps()->GetChannelID(), 6u);
 }
 
 // ---- Stream

@@ -44,34 +44,6 @@ TEST(NodePos, EveryCombinationOfFlagsAgreesWithTheRules)
     EXPECT_EQ(sum.Get(), 0xC200D7092C0C8C76u);
 }
 
-TEST(NodePos, WalksOfTheTreeByHand)
-{
-    const Tree tree;
-    const C3DScene& scene = *tree.scene;
-    struct {
-        const char* name;
-        unsigned int mask, flags;
-        const C3DSceneNode *start, *stop;
-        const wchar_t* nodes;
-    } const rows[] = {
-        {"all with object", OBJECT_ANY, 0, nullptr, nullptr, L"abcefgh"},
-        {"with empty ones", OBJECT_ANY, ITER_EMPTY_NODES, nullptr, nullptr, L"abcdefgh"},
-        {"unique", OBJECT_ANY, ITER_UNIQUE_OBJECTS, nullptr, nullptr, L"abceg"},
-        {"polygonal", OBJECT_POLYGONAL, 0, nullptr, nullptr, L"efh"},
-        {"only empty ones", 0, ITER_EMPTY_NODES, nullptr, nullptr, L"d"},
-        {"below a node", OBJECT_ANY, ITER_SUBTREE, tree.a, nullptr, L"bce"},
-        {"from a node on", OBJECT_ANY, 0, tree.b, nullptr, L"cefgh"},
-        {"from a node, up to another's end", OBJECT_ANY, 0, tree.b, tree.a, L"ce"},
-        {"a leaf alone", OBJECT_ANY, ITER_INCLUDE_START | ITER_SUBTREE, tree.c, nullptr, L"c"},
-        {"a leaf of another kind alone", OBJECT_GROUP, ITER_INCLUDE_START | ITER_SUBTREE, tree.c, nullptr, L""},
-        {"the root is never included", OBJECT_ANY, ITER_INCLUDE_START | ITER_SUBTREE, scene.GetRoot(), nullptr, L"abcefgh"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(Names(scene, scene.GetFirstNode(row.mask, row.flags, row.start, row.stop)), row.nodes);
-    }
-}
-
 TEST(NodePos, FilterHoldsFromTheCurrentNodeOn)
 {
     const Tree tree;

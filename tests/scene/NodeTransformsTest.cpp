@@ -45,19 +45,6 @@ Matrix QuarterZ()
 
 }
 
-TEST(NodeTransforms, KeysMultiplyInTheirOrder)
-{
-    C3DSceneNode node;
-    Matrix m;
-    node.GetObjectLocalTM(0, m);
-    EXPECT_TRUE(m == Matrix());
-    SetVectorKey(&node, KEY_SCALE, 2, 2, 2);
-    node.AddKey(0, C3DMatrixKey(QuarterZ()));
-    SetVectorKey(&node, KEY_TRANSLATE, 10, 0, 0);
-    node.GetObjectLocalTM(0, m);
-    EXPECT_EQ(Image(m, 1, 0, 0), Coordinates({0, 12, 0}));    // scaled to 2, moved to 12, turned to y
-}
-
 TEST(NodeTransforms, ParentsAndPivot)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
@@ -319,37 +306,6 @@ TEST(SceneTransforms, OrientationStandsASceneUp)
     Matrix m;
     node->GetNodeTM(0, m, true);
     EXPECT_EQ(Image(m, 1, 1, 1), Coordinates({2, 3, 4}));
-}
-
-TEST(SceneTransforms, TimeIsHeldToTheKeys)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    EXPECT_FALSE(scene->SetCurrentTime(5));
-    C3DSceneNode* a = AddNode(*scene, nullptr, L"a", OBJECT_GROUP);
-    C3DSceneNode* b = AddNode(*scene, a, L"b", OBJECT_GROUP);
-    a->CreateKey(-3, KEY_MATRIX, 0);
-    a->CreateKey(10, KEY_MATRIX, 0);
-    b->CreateKey(4, KEY_SCALE, 0);
-    b->CreateKey(12, KEY_SCALE, 0);
-    EXPECT_EQ(scene->GetTimeRange(KEY_ANY), CTimeRange(-3, 12));
-    EXPECT_EQ(scene->GetTimeRange(KEY_SCALE), CTimeRange(0, 12));
-    EXPECT_TRUE(scene->SetCurrentTime(99));
-    EXPECT_EQ(scene->GetTickCount(), 12);
-    EXPECT_FALSE(scene->SetCurrentTime(50));
-    struct {
-        int time;
-        unsigned int mode;
-        std::uint64_t id;
-        int found;
-    } const rows[] = {
-        {5, KEY_BEFORE, KEY_ANY, 4},  {5, KEY_AFTER, KEY_ANY, 10},   {5, KEY_AFTER, KEY_SCALE, 12},
-        {5, KEY_EXACT, KEY_ANY, 5},   {4, KEY_EXACT, KEY_ANY, 4},    {10, KEY_BEFORE | KEY_EXACT, KEY_ANY, 10},
-        {12, KEY_AFTER, KEY_ANY, 12}, {-9, KEY_BEFORE, KEY_ANY, -9},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(scene->GetKeyTime(row.time, row.mode, row.id), row.found) << row.time << ' ' << row.mode;
-    scene->DeleteAllKeys();
-    EXPECT_EQ(scene->GetTimeRange(KEY_ANY), CTimeRange(0, 0));
 }
 
 TEST(SceneTransforms, MergedMatrixKeysStandAtTheTimesOfBothNodes)

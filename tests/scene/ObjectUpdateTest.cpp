@@ -4,10 +4,7 @@
 #include "channels/FaceNormalChannel.h"
 #include "channels/PointNormalChannel.h"
 #include "geometry/3DVectorList.h"
-#include "scene/Camera.h"
 #include "scene/Curve.h"
-#include "scene/Dummy.h"
-#include "scene/Light.h"
 #include "scene/Patch.h"
 #include "scene/SceneBuilders.h"
 
@@ -20,32 +17,6 @@ public:
     using C3DBaseObject::SetUpdateWord;
 };
 
-}
-
-TEST(BaseObject, CreateKnowsEveryKindAndNoOther)
-{
-    struct {
-        unsigned int kind;
-        bool geometric;
-        const char* type;
-    } const rows[] = {
-        {1, true, "C3DObject"},  {2, true, "C3DCurve"},    {4, true, "C3DPatch"},   {8, false, "C3DGroup"},
-        {16, false, "C3DDummy"}, {32, false, "C3DCamera"}, {64, false, "C3DLight"},
-    };
-    unsigned int lastID = 0;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.type);
-        const CRef<C3DBaseObject> object(C3DBaseObject::Create(static_cast<_OBJECT_KINDOF>(row.kind)));
-        ASSERT_TRUE(object);
-        EXPECT_STREQ(object->GetRuntimeClassDescriptor()->GetName(), row.type);
-        EXPECT_EQ(object->GetKindOf(), row.kind);
-        EXPECT_EQ(object->IsGeomObject(), row.geometric);
-        EXPECT_FALSE(object->GetTypeString().IsEmpty());
-        EXPECT_GT(object->GetObjectID(), lastID);
-        lastID = object->GetObjectID();
-    }
-    for (const unsigned int kind : {0u, 3u, 128u, 0xFFFFFFFFu})
-        EXPECT_EQ(C3DBaseObject::Create(static_cast<_OBJECT_KINDOF>(kind)), nullptr) << kind;
 }
 
 TEST(ObjectUpdate, ReportsExpand)
@@ -167,20 +138,4 @@ TEST(ObjectUpdate, NewListsAreReportedAndTheOldOnesReleased)
     object->SetChannels(nullptr, true);
     EXPECT_NE(object->GetChannels(), nullptr);
     EXPECT_EQ(object->AddChannel(nullptr), 0xFFFFFFFFu);
-}
-
-TEST(ObjectUpdate, NodeTakesOneReportAlone)
-{
-    struct {
-        unsigned int flags;
-        bool marks;
-    } const rows[] = {{1, true}, {2, false}, {3, false}, {0x10000000, false}, {0x10001, true}, {0x10000001, false}};
-    for (const auto& row : rows) {
-        C3DSceneNode node;
-        node.Invalidate(row.flags, true);
-        EXPECT_EQ(node.IsInvalidate(NODE_UPDATE_DISPLAY), row.marks) << row.flags;
-        node.SetInvalidateFlag(1, true);
-        node.Invalidate(row.flags, false);
-        EXPECT_EQ(node.IsInvalidate(NODE_UPDATE_DISPLAY), !row.marks) << row.flags;
-    }
 }

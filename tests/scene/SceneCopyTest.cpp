@@ -74,19 +74,14 @@ TEST(SceneCopy, FlagsSayWhatComesThrough)
     } const rows[] = {
         {"all", 0, L"", L"a(b(c)k(l))d(e(f))g(h)", L""},
         {"no hidden", SCENE_COPY_NO_HIDDEN, L"", L"a(k(l))d(e(f))g(h)", L""},
-        {"no curves", SCENE_COPY_NO_CURVES, L"", L"a(bk(l))d(e(f))g(h)", L""},
-        {"no patches", SCENE_COPY_NO_PATCHES, L"", L"a(b(c)k(l))dg(h)", L""},
         {"no polygons", SCENE_COPY_NO_POLYGONS, L"", L"a(k(l))g(h)", L""},
         {"no groups", SCENE_COPY_NO_GROUPS, L"", L"d(e(f))g(h)", L""},
         {"one level", SCENE_COPY_ONE_LEVEL, L"", L"adg", L""},
         {"flat, groups of the first level alone", SCENE_COPY_FLATTEN, L"", L"abcldefgh", L""},
         {"flat, past what is left out", SCENE_COPY_FLATTEN | SCENE_COPY_NO_HIDDEN, L"", L"acldefgh", L""},
-        {"flat, one level", SCENE_COPY_FLATTEN | SCENE_COPY_ONE_LEVEL, L"", L"adg", L""},
-        {"selected, none is", SCENE_COPY_SELECTED, L"", L"a(b(c)k(l))d(e(f))g(h)", L""},
         {"selected with and without parents", SCENE_COPY_SELECTED, L"abdf", L"a(b)d", L"f"},
         {"selected flat", SCENE_COPY_SELECTED | SCENE_COPY_FLATTEN, L"abckf", L"abcf", L""},
         {"selected, but hidden", SCENE_COPY_SELECTED | SCENE_COPY_NO_HIDDEN, L"abc", L"a", L"c"},
-        {"selected without object", SCENE_COPY_SELECTED, L"g", L"g", L""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -127,43 +122,6 @@ TEST(SceneCopy, FlagsSayWhatComesThrough)
             }
         }
     }
-}
-
-TEST(SceneCopy, OfABranch)
-{
-    struct {
-        const char* name;
-        const wchar_t* source;
-        int flags;
-        const wchar_t* refused;
-        const wchar_t* outline;
-    } const rows[] = {
-        {"branch", L"a", 0, L"", L"a(b(c)k(l))"},
-        {"top left out", L"b", SCENE_COPY_NO_HIDDEN, L"", L""},
-        {"top refused by the creator", L"a", 0, L"a", L""},
-        {"inner node refused", L"a", 0, L"k", L"a(b(c))"},
-        {"children alone", L"a", SCENE_COPY_ONE_LEVEL, L"", L"a(bk)"},
-        {"flat below the top", L"d", SCENE_COPY_FLATTEN, L"", L"d(ef)"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const CRef<C3DScene> scene(CreateMixedScene()), other(C3DScene::Create());
-        CPickyCreator creator(row.refused);
-        C3DSceneNode* copy = scene->CopyNode(other, nullptr, Find(*scene, row.source), row.flags, &creator);
-        EXPECT_EQ(copy != nullptr, *row.outline != 0);
-        EXPECT_EQ(Outline(*other), row.outline);
-        EXPECT_EQ(creator.made, other->GetChildCount(nullptr, OBJECT_ANY));
-    }
-    const CRef<C3DScene> scene(CreateMixedScene());
-    EXPECT_EQ(scene->CopyNode(scene, nullptr, nullptr, 0, nullptr), nullptr);
-    EXPECT_EQ(scene->CopySingleNode(nullptr, nullptr, Find(*scene, L"a"), 0, nullptr), nullptr);
-
-    // Into itself: what is copied is what was there before.
-    C3DSceneNode* a = Find(*scene, L"a");
-    C3DSceneNode* copy = scene->CopyNode(scene, Find(*scene, L"c"), a, 0, nullptr);
-    EXPECT_EQ(Outline(*scene, copy), L"b(c)k(l)");
-    EXPECT_EQ(Outline(*scene), L"a(b(c(a(b(c)k(l))))k(l))d(e(f))g(h)");
-    EXPECT_NE(copy->GetObjectID(), a->GetObjectID());
 }
 
 TEST(SceneCopy, NothingComesOfNothing)

@@ -62,19 +62,6 @@ TEST(SceneStream, ASceneComesBackWithItsSharing)
     EXPECT_EQ(Stored(*scene), Stored(*source));
 }
 
-TEST(SceneStream, ANodeByItselfTakesItsObjectAlong)
-{
-    const CRef<C3DScene> source(CreateScene());
-    C3DSceneNode* d = source->GetRightNode(source->GetChildNode(nullptr));
-    C3DSceneNode node;
-    ASSERT_TRUE(Load(node, Stored(*d)));
-    EXPECT_TRUE(node.GetName() == L"d");
-    ASSERT_NE(node.GetGeomObject(), nullptr);
-    EXPECT_EQ(node.GetGeomObject()->GetFaceNbr(), 2);
-    EXPECT_FALSE(node.GetBaseObject()->IsInstanciated());
-    EXPECT_EQ(node.GetScene(), nullptr);
-}
-
 TEST(SceneStream, ACurveKeepsItsMaterial)
 {
     const CRef<C3DCurve> curve(new C3DCurve), copy(new C3DCurve);

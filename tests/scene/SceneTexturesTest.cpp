@@ -58,22 +58,6 @@ TEST(SceneTextures, AFolderIsAddedOnceUnderWhateverSpelling)
     }
 }
 
-TEST(SceneTextures, PathsAndSmoothModeLiveSideBySide)
-{
-    // A scene of old: the paths stand under the id of the smooth mode.
-    const TempFolder folder;
-    const CRef<C3DScene> scene(C3DScene::Create()), loaded(C3DScene::Create());
-    CXArray<CXTString<wchar_t>> old;
-    old.Add(L"/old/");
-    scene->GetCustomData().SetStringArray(FourCC("SMMO"), old);
-    scene->SetSmoothMode(static_cast<_NormalSmoothMode>(3), false);
-    EXPECT_EQ(Paths(*scene), (std::vector<std::wstring>{L"/old/"}));
-    EXPECT_TRUE(scene->AddTexturePath(folder.Wide("")));
-    ASSERT_TRUE(Load(*loaded, Stored(*scene)));
-    EXPECT_EQ(Paths(*loaded), (std::vector<std::wstring>{L"/old/", folder.Wide("").Str()}));
-    EXPECT_EQ(loaded->GetSmoothMode(), 3);
-}
-
 TEST(SceneTextures, MaterialsAreKnownByTheirNodesAndFiles)
 {
     // p(q) and r: p and r share a square of materials 1 and 2, q has one of material 3 alone; g is a group.

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "scene/ParserSceneInfo.h"
 #include "scene/Patch.h"
-#include "scene/ProcessState.h"
 #include "scene/SceneBuilders.h"
 #include "tools/FourCC.h"
 
@@ -106,22 +104,6 @@ TEST(Scene, GroupsWithoutPurposeGo)
     }
 }
 
-TEST(Scene, Units)
-{
-    const CRef<C3DScene> scene(C3DScene::Create());
-    EXPECT_EQ(scene->GetUnit(), UNIT_UNDEFINED);
-    EXPECT_FALSE(scene->IsUnitDefined());
-    scene->SetScaleFactor(0.0);
-    EXPECT_FALSE(scene->IsUnitDefined());
-    scene->SetScaleFactor(1.0);
-    EXPECT_TRUE(scene->IsUnitDefined());
-    scene->SetScaleFactor(254);
-    scene->SetScaleFactor(0.0);
-    scene->SetUnit(UNIT_INCH);
-    EXPECT_DOUBLE_EQ(scene->ConvertToUnit(3), 300);
-    EXPECT_TRUE(scene->GetUnitText(true) == L"in");
-}
-
 TEST(Scene, PatchLevelReachesEveryPatch)
 {
     const CRef<C3DScene> scene(C3DScene::Create());
@@ -135,35 +117,4 @@ TEST(Scene, PatchLevelReachesEveryPatch)
     }
     unsigned int stored;
     EXPECT_TRUE(scene->GetCustomData().GetUnsigned(FourCC("PALV"), stored) && stored == 8);
-}
-
-TEST(Scene, ParserDataGoesBackOnce)
-{
-    static int released;
-    static int record;
-    released = 0;
-    CParserSceneInfo::SetRelease([](bool owner, unsigned int size, void* data) {
-        EXPECT_TRUE(owner);
-        EXPECT_EQ(size, 4u);
-        EXPECT_EQ(data, &record);
-        released++;
-    });
-    unsigned int size = 1;
-    {
-        const CRef<C3DScene> scene(C3DScene::Create());
-        EXPECT_EQ(scene->GetParserData(size, true), nullptr);
-        EXPECT_EQ(size, 0u);
-        scene->SetParserData(true, 4, nullptr);
-        EXPECT_EQ(scene->GetParserData(size, false), nullptr);
-        scene->SetParserData(true, 4, &record);
-        EXPECT_EQ(scene->GetParserData(size, false), &record);
-        EXPECT_EQ(size, 4u);
-        EXPECT_EQ(scene->GetParserData(size, true), &record);    // ours now
-        EXPECT_EQ(released, 0);
-        scene->SetParserData(true, 4, &record);
-        scene->SetParserData(true, 4, &record);
-        EXPECT_EQ(released, 1);
-    }
-    EXPECT_EQ(released, 2);
-    CParserSceneInfo::SetRelease(nullptr);
 }

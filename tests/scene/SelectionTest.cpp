@@ -30,9 +30,7 @@ TEST(Selection, BranchesAndInstances)
         unsigned int flags;
         const wchar_t* selected;
     } const rows[] = {
-        {"one", L"b", 0, L"b"},
         {"one more", L"b", ADD, L"bd"},
-        {"branch", L"a", BRANCH, L"abcd"},
         {"sharers of one", L"b", INSTANCES, L"beg"},
         {"sharers of a branch", L"a", BRANCH | INSTANCES, L"abcdefg"},
         {"sharers of a branch do not spread down", L"e", BRANCH | INSTANCES | ADD, L"bcdefg"},

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <limits>
 
 #include "channels/DependentChannels.h"
 #include "geometry/GeomInfo.h"
@@ -86,24 +84,6 @@ TEST(SmoothSettings, ObjectThenSceneThenPreferences)
     const CRef<C3DObject> alone(CreateSquare());
     EXPECT_EQ(alone->GetSmoothAngle(), DEFAULT_ANGLE);
     EXPECT_EQ(Null<C3DScene>()->GetSmoothMode(), NORMAL_AREA);
-}
-
-TEST(SmoothSettings, AnglesAreHeldInRange)
-{
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    struct {
-        float given, stored;
-    } const rows[] = {{0, 0}, {-0.5f, 0}, {3.0f, 3.0f}, {4.0f, 3.1415927f}, {nan, 0}};
-    for (const auto& row : rows) {
-        const CRef<C3DObject> object(CreateSquare());
-        object->SetSmoothAngle(row.given);
-        EXPECT_EQ(object->GetSmoothAngle(), row.stored) << row.given;
-    }
-    const CRef<C3DScene> scene(C3DScene::Create());
-    for (const float refused : {-0.5f, 180.5f, nan}) {
-        scene->SetSmoothAngle(refused, false);
-        EXPECT_EQ(scene->GetSmoothAngle(), DEFAULT_ANGLE) << refused;
-    }
 }
 
 TEST(SmoothSettings, AChangeReachesTheNormalsOfWhoeverInherits)

@@ -105,26 +105,6 @@ inline Mesh QuadGrid(int side)
     return mesh;
 }
 
-/// A band of n quads with half a twist: one border, and no way to turn all faces the same way. Points 2i and 2i + 1 are
-/// a rung.
-inline Mesh Moebius(int n)
-{
-    std::vector<XYZ> points;
-    std::vector<std::vector<int>> corners;
-    for (int i = 0; i < n; i++) {
-        const double angle = 2 * std::numbers::pi * i / n;
-        for (const double side : {-0.4, 0.4}) {
-            const double radius = 2 + side * std::cos(angle / 2);
-            points.push_back({static_cast<float>(radius * std::cos(angle)), static_cast<float>(radius * std::sin(angle)),
-                              static_cast<float>(side * std::sin(angle / 2))});
-        }
-        const bool last = i == n - 1;
-        const int left = last ? 1 : 2 * i + 2, right = last ? 0 : 2 * i + 3;
-        corners.push_back({2 * i, left, right, 2 * i + 1});
-    }
-    return MakeMesh(points, corners);
-}
-
 /// The corners of one face, and of all.
 inline std::vector<int> Corners(const CFaceList& faces, int face)
 {

@@ -127,38 +127,3 @@ TEST(AssociationMap, AFullEntryLeavesLaterValuesOut)
     ASSERT_EQ(count, 65535);
     EXPECT_EQ(values[65534], 65534);
 }
-
-TEST(AssociationMap, SpareMemoryGoesBackAndEntriesCloseUpWhereThatSavesSome)
-{
-    // Two places an entry. With a few single values among pairs the offsets are worth more than the places; single values throughout,
-    // and entries that grew out of their place, close up.
-    struct {
-        const char* name;
-        int (*values)(int key);
-        std::uint64_t most;    // bytes of header and values a key, and of its offset
-    } const rows[] = {
-        {"pairs", [](int) { return 2; }, 12},
-        {"nearly all pairs", [](int key) { return key % 100 ? 2 : 1; }, 12},
-        {"single", [](int) { return 1; }, 8},
-        {"mixed", [](int key) { return key % 2 ? 1 : 9; }, 28},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        constexpr int COUNT = 1000;
-        Map map;
-        map.Reserve(2 * COUNT, 2);
-        for (int turn = 0; turn < 9; turn++)
-            for (int key = 0; key < COUNT; key++)
-                if (turn < row.values(key))
-                    map.Add(Pair(key, 7), 10 * key + turn);
-        map.FreeExtra();
-        for (int key = 0; key < COUNT; key++) {
-            int count;
-            const int* values = map.GetValues(map.Find(Pair(key, 7)), count);
-            ASSERT_EQ(count, row.values(key));
-            for (int turn = 0; turn < count; turn++)
-                ASSERT_EQ(values[turn], 10 * key + turn);
-        }
-        EXPECT_LE(map.GetMemory(), map.GetTableSize() * 4 + COUNT * (sizeof(Pair) + row.most));
-    }
-}

@@ -82,16 +82,3 @@ TEST(Bitmap, GrowsByNearestAndByMixing)
     ASSERT_TRUE(mixed->Resize(4, 1, 1));
     EXPECT_EQ(Bytes(*mixed), (std::vector<unsigned char>{0, 0, 0, 255, 20, 0, 0, 255, 60, 0, 0, 255, 80, 0, 0, 255}));
 }
-
-TEST(Bitmap, ConvertsAndInvertsAlpha)
-{
-    const auto bitmap = Rgba(1, 1, {1, 2, 3, 255});
-    EXPECT_FALSE(bitmap->HasAlpha());
-    bitmap->InvertAlpha();
-    EXPECT_TRUE(bitmap->HasAlpha());
-    const std::unique_ptr<Bitmap> rgb(bitmap->ConvertToType(BITMAP_RGB));
-    EXPECT_EQ(Bytes(*rgb), (std::vector<unsigned char>{1, 2, 3}));
-    const std::unique_ptr<Bitmap> back(rgb->ConvertToType(BITMAP_RGBA));
-    EXPECT_EQ(Bytes(*back), (std::vector<unsigned char>{1, 2, 3, 255}));
-    EXPECT_EQ(bitmap->ConvertToType(static_cast<BitmapType>(7)), nullptr);
-}

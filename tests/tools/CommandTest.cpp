@@ -79,18 +79,3 @@ TEST(CommandMgr, RunsCommandsByTheirType)
     EXPECT_EQ(manager.GetCurrentCommand(), nullptr);
     EXPECT_FALSE(zoom.IsScripting());
 }
-
-TEST(CommandAccess, NamesItsKeys)
-{
-    struct {
-        unsigned int key, modifiers;
-        const wchar_t* text;
-    } const rows[] = {
-        {'S', 0x203, L"Ctrl+Shift+S"}, {0x70, 0x200, L"F1"}, {0x7B, 0x204, L"Alt+F12"}, {0x25, 0x202, L"Ctrl+Left"}, {0, 0x202, L""},
-    };
-    for (const auto& row : rows) {
-        CCommandAccess access;
-        access.SetAccess(row.key, row.modifiers, 0);
-        EXPECT_EQ(access.GetKeyText(), Text(row.text));
-    }
-}

@@ -81,19 +81,6 @@ TEST(CustomData, OneIdHoldsAValueOfEachType)
     EXPECT_EQ(none->GetChecksum(), 0u);
 }
 
-TEST(CustomData, IdsComeInOrder)
-{
-    CCustomData bag;
-    for (const unsigned int id : {5u, 0xFFFFFFF0u, 1u, 3u})
-        bag.SetInt(id, 0);
-    bag.SetBool(3, true);
-    const unsigned int expected[][2] = {{1, CUSTOM_INT}, {3, CUSTOM_BOOL}, {3, CUSTOM_INT}, {5, CUSTOM_INT}, {0xFFFFFFF0, CUSTOM_INT}};
-    unsigned int index = 0, id = 0, type = 0;
-    for (; bag.GetIDByIndex(index, id, type); index++)
-        EXPECT_TRUE(id == expected[index][0] && type == expected[index][1]);
-    EXPECT_EQ(index, 5u);
-}
-
 TEST(CustomData, CopiesAreDeepAndMayComeFromInside)
 {
     CCustomData bag = Everything();
@@ -204,31 +191,4 @@ TEST(CustomData, PreferencesFilesAreWholeOrRefused)
     EXPECT_TRUE(read == bag);
     EXPECT_TRUE(CCustomData().SaveToPrefs(path, 1, 2));
     EXPECT_TRUE(read.LoadFromPrefs(path, 1, 2) && read.IsEmpty());
-}
-
-TEST(CustomData, DumpReadsAsALineAValue)
-{
-    CCustomData bag = Everything();
-    bag.Remove(ID, CUSTOM_POINTER);
-    Text text(L"before\n");
-    bag.DumpCustomData(text, 1, false);
-    EXPECT_EQ(text, L"before\n"
-                    L"0x00000001 int 9\n"
-                    L"'ABCD' bool true\n"
-                    L"'ABCD' int -2\n"
-                    L"'ABCD' unsigned 3\n"
-                    L"'ABCD' int64 -4398046511104\n"
-                    L"'ABCD' unsigned64 5497558138880\n"
-                    L"'ABCD' float 0.1\n"
-                    L"'ABCD' double 0.1\n"
-                    L"'ABCD' string \"a<b>\\n\\\"c\\\"\"\n"
-                    L"'ABCD' strings \"one\", \"\u00E9\"\n"
-                    L"'ABCD' binary 4 bytes: 01 02 03 04\n"
-                    L"'ABCD' bag 1 value\n"
-                    L"    0x00000007 int 8\n");
-    CCustomData markup;
-    markup.SetString(ID, L"a&<b>");
-    text.Empty();
-    markup.DumpCustomData(text, 1, true);
-    EXPECT_EQ(text, L"'ABCD' string \"a&amp;&lt;b&gt;\"<br>");
 }

@@ -153,25 +153,6 @@ TEST(ElementArray, AnElementOfItsOwnSurvivesTheMove)
     EXPECT_EQ(Values(*array), std::vector<unsigned int>(10000, 7));
 }
 
-TEST(ElementArray, LargeBlocksKeepTheirContentWhenTheyMove)
-{
-    // Over the border where blocks change from one kind of memory to another, both ways.
-    const int large = static_cast<int>(XBLOCK_LARGE / sizeof(TestPoint)) * 3;
-    const auto array = MakeArray<CTestPointMethods>();
-    for (const int size : {1000, large / 3 + 5, large, large * 2, 1000}) {
-        const int kept = std::min(array->GetSize(), size);
-        ASSERT_TRUE(array->SetSize(size));
-        if (size == 1000)
-            array->FreeExtra();
-        for (int i = 0; i < kept; i += 97)
-            ASSERT_EQ(At<TestPoint>(*array, i).flags, i);
-        for (int i = kept; i < size; i++)
-            ASSERT_EQ(At<TestPoint>(*array, i).Sum(), 7);    // through the table: each one was built
-        for (int i = 0; i < size; i++)
-            At<TestPoint>(*array, i).flags = i;
-    }
-}
-
 TEST(ElementArray, CopyConvertsBetweenKinds)
 {
     const auto words = Words({5, 6, NEW});

@@ -21,26 +21,6 @@ protected:
 
 }
 
-TEST_F(FileExtTest, FindsClassesByExtensionInAnyCase)
-{
-    ASSERT_TRUE(fileRegisterFile(CFileExt(L"One", L"zt1; .zt2 ;;.ZT1", ONE, 0x4013)));
-    CFileExt found;
-    ASSERT_TRUE(fileGetFileExt(L".ZT2", &found));
-    EXPECT_EQ(found.fileClass, ONE);
-    EXPECT_EQ(found.extensions.size(), 2u);
-    EXPECT_EQ(found.GetMainExtension(), Text(L".zt1"));
-    EXPECT_TRUE(fileGetFileExt(L"zt1"));
-    EXPECT_FALSE(fileGetFileExt(L".zt"));
-    EXPECT_FALSE(fileGetFileExt(L""));
-    EXPECT_EQ(fileGetKindOf(L"/x/a.Zt1"), 0x4000u);
-    EXPECT_EQ(fileGetKindOf(L"/x.zt1/a"), 0u);
-    EXPECT_EQ(CFileNameSpec(L"a.zt2").GetClass(), ONE);
-    EXPECT_EQ(CFileNameSpec(L"a.zt2", TWO).GetClass(), TWO);
-
-    EXPECT_FALSE(fileRegisterFile(CFileExt(L"no class", L".x", 0, 0x4013)));
-    EXPECT_FALSE(fileRegisterFile(CFileExt(L"no extension", L" ; ", TWO, 0x4013)));
-}
-
 TEST_F(FileExtTest, AddsUpWhatSeveralOwnersBring)
 {
     // Faults in mind: taking one owner away takes the class away from the other.

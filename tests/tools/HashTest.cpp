@@ -46,45 +46,6 @@ TEST(NextPrime, IsTheSmallestOneNotBelow)
     EXPECT_EQ(NextPrime(4294967295u), 4294967291u);    // nothing above it in 32 bits
 }
 
-TEST(Hash, SlotsFollowTheProbe)
-{
-    // 101 slots. Keys that differ by 101 start at the same slot; 1 starts at 16, so the places are 16, 17, 20, 25.
-    CHashTable<int> table;
-    for (const int key : {203, 1, 102, 2, 6})    // 2 starts at 32, 6 at 96
-        EXPECT_TRUE(table.Insert(key));
-    EXPECT_EQ(Order(table), (std::vector<int>{203, 1, 102, 2, 6}));
-    EXPECT_FALSE(table.Insert(102));
-    EXPECT_TRUE(table.Remove(1));
-    EXPECT_FALSE(table.Remove(1));
-    EXPECT_TRUE(table.Find(102));    // reached over the deleted slot
-    table.Insert(304);               // fills slot 17, though its search ended at 25
-    table.Insert(405);
-    EXPECT_EQ(Order(table), (std::vector<int>{203, 304, 102, 405, 2, 6}));
-}
-
-TEST(Hash, GrowsWhenHalfIsTaken)
-{
-    CHashTable<int> table;
-    for (int key = 0; key < 50; key++)
-        table.Insert(key);
-    EXPECT_EQ(table.GetTableSize(), 101u);
-    table.Insert(50);    // 51 of 101: min(6 * 51, 2 * 101) = 202
-    EXPECT_EQ(table.GetTableSize(), 211u);
-
-    // Deleted slots count, and many of them make the table no larger: 51 used up, one alive.
-    CHashTable<int> churned;
-    for (int key = 0; key < 50; key++) {
-        churned.Insert(key);
-        churned.Remove(key);
-    }
-    churned.Insert(1000);
-    EXPECT_EQ(churned.GetTableSize(), 101u);
-    EXPECT_EQ(Order(churned), std::vector<int>{1000});
-    for (int key = 0; key < 49; key++)
-        churned.Insert(key);
-    EXPECT_EQ(churned.GetTableSize(), 101u);    // the rehash forgot what was deleted
-}
-
 TEST(Hash, GivesTheOrderOfTheModelOverRandomEdits)
 {
     // The sum is that of a table in which place k of a key is start + k * k, searched slot by slot.

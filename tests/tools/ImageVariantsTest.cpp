@@ -123,7 +123,6 @@ TEST(ImageVariants, Bmp)
         {"1 bit, bottom up", Bmp(2, 2, 1, 0, 2, palette, {0x40, 0, 0, 0, 0x80, 0, 0, 0}), "rgb 6 5 4 3 2 1 3 2 1 6 5 4"},
         {"1 bit, top down", Bmp(2, -2, 1, 0, 2, palette, {0x40, 0, 0, 0, 0x80, 0, 0, 0}), "rgb 3 2 1 6 5 4 6 5 4 3 2 1"},
         {"8 bits, an index without colour", Bmp(2, 1, 8, 0, 3, palette, {2, 200, 0, 0}), "rgb 9 8 7 0 0 0"},
-        {"padding left out at the end", Bmp(2, 1, 8, 0, 3, palette, {2, 1}), "rgb 9 8 7 6 5 4"},
         {"16 bits", Bmp(2, 1, 16, 0, 0, {}, {0x00, 0x7C, 0xFF, 0x03}), "rgb 255 0 0 0 255 255"},
         {"16 bits, 5 6 5", Bmp(2, 1, 16, 3, 0, Masks({0xF800, 0x7E0, 0x1F}), {0xE0, 0x07, 0x00, 0x80}), "rgb 0 255 0 132 0 0"},
         {"32 bits with it", Bmp(1, 1, 32, 0, 0, {}, {1, 2, 3, 4}), "rgba 3 2 1 4"},
@@ -133,7 +132,6 @@ TEST(ImageVariants, Bmp)
         {"8 bits in runs with a jump", Bmp(3, 2, 8, 1, 3, palette, {1, 2, 0, 2, 1, 1, 1, 1, 0, 1}),
          "rgb 3 2 1 3 2 1 6 5 4 9 8 7 3 2 1 3 2 1"},
         {"4 bits in runs", Bmp(5, 1, 4, 2, 3, palette, {3, 0x12, 0, 3, 0x21, 0x00, 0, 1}), "rgb 6 5 4 9 8 7 6 5 4 9 8 7 6 5 4"},
-        {"a run over the end", Bmp(2, 1, 8, 1, 3, palette, {200, 1, 9, 2, 0, 1}), "rgb 6 5 4 6 5 4"},
         {"no end of the runs", Bmp(2, 1, 8, 1, 3, palette, {2, 1}), "-"},
         {"pixels missing", Bmp(2, 2, 24, 0, 0, {}, Bytes(13)), "-"},
         {"height of the lowest number", Bmp(1, INT_MIN, 24, 0, 0, {}, Bytes(13)), "-"},
@@ -162,44 +160,18 @@ TEST(ImageVariants, Tga)
     } rows[] = {
         {"palette, bottom up", Tga(1, spec, 1, 2, 8, 0, withPalette({1, 2})), "rgb 6 5 4 3 2 1"},
         {"palette, top down, an index without colour", Tga(1, spec, 1, 2, 8, 0x20, withPalette({1, 9})), "rgb 3 2 1 0 0 0"},
-        {"palette, indices of 16 bits", Tga(1, spec, 1, 1, 16, 0, withPalette({2, 0})), "rgb 6 5 4"},
         {"palette in runs", Tga(9, spec, 3, 1, 8, 0, withPalette({0x81, 2, 0, 1})), "rgb 6 5 4 6 5 4 3 2 1"},
-        {"15 bits", Tga(2, {}, 2, 1, 15, 0, {0x00, 0x7C, 0x1F, 0x00}), "rgb 255 0 0 0 0 255"},
         {"16 bits with alpha", Tga(2, {}, 2, 1, 16, 1, {0x00, 0xFC, 0x1F, 0x00}), "rgba 255 0 0 255 0 0 255 0"},
         {"24 bits from the right", Tga(2, {}, 2, 1, 24, 0x30, {1, 2, 3, 4, 5, 6}), "rgb 6 5 4 3 2 1"},
         {"24 bits in runs over the rows", Tga(10, {}, 2, 2, 24, 0x20, {0x82, 1, 2, 3, 0, 4, 5, 6}), "rgb 3 2 1 3 2 1 3 2 1 6 5 4"},
         {"32 bits", Tga(2, {}, 1, 1, 32, 8, {1, 2, 3, 4}), "rgba 3 2 1 4"},
         {"32 bits, nothing seen", Tga(2, {}, 1, 1, 32, 8, {1, 2, 3, 0}), "rgb 3 2 1"},
-        {"grey", Tga(3, {}, 2, 1, 8, 0, {7, 9}), "rgb 7 7 7 9 9 9"},
         {"grey with alpha", Tga(3, {}, 1, 1, 16, 8, {7, 9}), "rgba 7 7 7 9"},
-        {"grey in runs", Tga(11, {}, 2, 1, 8, 0, {0x81, 7}), "rgb 7 7 7 7 7 7"},
         {"pixels missing", Tga(2, {}, 2, 2, 24, 0, Bytes(11)), "-"},
         {"a run missing", Tga(10, {}, 2, 2, 24, 0, {0x82, 1, 2, 3}), "-"},
-        {"no kind of picture", Tga(4, {}, 1, 1, 24, 0, Bytes(3)), "-"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(Told(ReadOne(row.file, FourCC("TGA ")).get()), row.expected) << row.name;
-}
-
-TEST(ImageVariants, Pnm)
-{
-    const struct {
-        const char* name;
-        std::string file;
-        const char* expected;
-    } rows[] = {
-        {"bits as text", "P1\n# comment\n2 2\n10\n0 1\n", "rgb 0 0 0 255 255 255 255 255 255 0 0 0"},
-        {"grey as text", "P2 2 1 15 15 1", "rgb 255 255 255 17 17 17"},
-        {"colour as text", "P3\n1 1\n255\n1 2 3\n", "rgb 1 2 3"},
-        {"bits", "P4 3 1\n\x40", "rgb 255 255 255 0 0 0 255 255 255"},
-        {"grey of 16 bits", std::string("P5 1 1 65535\n\x80\x00", 15), "rgb 128 128 128"},
-        {"colour", "P6 1 1 255 abc", "rgb 97 98 99"},
-        {"a value too high", "P2 1 1 15 16 ", "-"},
-        {"no most", "P2 1 1 0 0 ", "-"},
-        {"pixels missing", "P6 1 2 255 abcde", "-"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(Told(ReadOne(BytesOf(row.file)).get()), row.expected) << row.name;
 }
 
 TEST(ImageVariants, PicturesAreTurnedUpright)

@@ -5,7 +5,6 @@
 
 #include "support/TempFolder.h"
 #include "tools/2DIo.h"
-#include "tools/FileExt.h"
 #include "tools/Pictures.h"
 
 namespace {
@@ -115,34 +114,6 @@ TEST(Images, ComeBackAsTheyWereWritten)
                 }
 }
 
-TEST(Images, ReduceColorsForGif)
-{
-    // A smooth ramp of 4096 colours: each pixel off by a little, the mean of an area by next to nothing; half of it hidden.
-    auto ramp = NewPicture(BITMAP_RGBA, 128, 64);
-    for (int y = 0; y < 64; y++)
-        for (int x = 0; x < 128; x++) {
-            const unsigned char color[] = {static_cast<unsigned char>(x * 2), static_cast<unsigned char>(y * 4), 90,
-                                           static_cast<unsigned char>(x < 64 ? 255 : 0)};
-            std::memcpy(ramp->GetLine(y) + x * 4, color, 4);
-        }
-    const auto read = ReadOne(WriteOne(GIF, *ramp));
-    ASSERT_NE(read, nullptr);
-    ASSERT_EQ(read->GetType(), BITMAP_RGBA);
-    double sum[3] = {}, wanted[3] = {};
-    for (int y = 0; y < 64; y++)
-        for (int x = 0; x < 128; x++) {
-            const unsigned char *const a = ramp->GetLine(y) + x * 4, *const b = read->GetLine(y) + x * 4;
-            ASSERT_EQ(a[3], b[3]);
-            for (int c = 0; c < 3 && a[3]; c++) {
-                ASSERT_LT(std::abs(a[c] - b[c]), 40);
-                sum[c] += b[c] / 4096.;
-                wanted[c] += a[c] / 4096.;
-            }
-        }
-    for (int c = 0; c < 3; c++)
-        EXPECT_NEAR(sum[c], wanted[c], 0.5);
-}
-
 TEST(Images, CutFilesAreRefusedOrWhole)
 {
     // What is missing may be a mark at the end. A picture that is given must be the whole one.
@@ -233,24 +204,6 @@ TEST(Images, FramesKeepTimesLoopsAndTransparency)
     }
 }
 
-TEST(Images, JpegIsReducedAsFarAsTheSizeNeededAllows)
-{
-    const Bytes file = WriteOne(JPEG, *Pattern(BITMAP_RGB, 100, 60, 256));
-    const struct {
-        int neededWidth, neededHeight, width, height;
-    } rows[] = {{0, 0, 100, 60}, {100, 60, 100, 60}, {51, 10, 100, 60}, {50, 30, 50, 30},
-                {13, 8, 13, 8},  {14, 8, 25, 15},    {1, 1, 13, 8},     {500, 500, 100, 60}};
-    for (const auto& row : rows) {
-        CFrameBitmap frames;
-        CImageRequest request;
-        request.neededWidth = row.neededWidth;
-        request.neededHeight = row.neededHeight;
-        ASSERT_EQ(ReadImage(file.data(), file.size(), request, frames), IMAGE_OK);
-        EXPECT_EQ(frames.GetFrame(0)->GetWidth(), row.width) << row.neededWidth;
-        EXPECT_EQ(frames.GetFrame(0)->GetHeight(), row.height) << row.neededWidth;
-    }
-}
-
 TEST(Images, FilesAreKnownByTheirContent)
 {
     const TempFolder folder;
@@ -306,28 +259,4 @@ TEST(Images, SeveralFramesBecomeOneFileOrNumberedFiles)
     const std::unique_ptr<CFrameBitmap> back(all.ReadFrames());
     ASSERT_NE(back, nullptr);
     EXPECT_EQ(back->GetFrameCount(), 3);
-}
-
-TEST(LayerBitmap, AlphaIsJoinedAndLookedForInOrder)
-{
-    CLayerBitmap layers(Filled(BITMAP_RGB, 2, 1, {1, 2, 3}).release());
-    EXPECT_FALSE(layers.MakeRGBALayer(true));
-    auto wrong = Filled(BITMAP_RGB, 2, 1, {0, 0, 0});
-    EXPECT_FALSE(layers.AddLayer(wrong.get(), LAYER_ALPHA));
-    layers.AddLayer(Filled(BITMAP_GREY, 1, 1, {70}).release(), LAYER_ALPHA);
-    ASSERT_TRUE(layers.MakeRGBALayer(true));
-    EXPECT_EQ(layers.GetLayerCount(), 1);
-    EXPECT_EQ(PixelsOf(*layers.GetStandardLayer()), (Bytes{1, 2, 3, 70, 1, 2, 3, 70}));
-
-    // An opaque RGBA picture speaks by its brightness; a mask comes before that, an alpha layer before all.
-    CLayerBitmap alphas(Filled(BITMAP_RGBA, 1, 1, {200, 200, 200, 255}).release());
-    alphas.AddLayer(Filled(BITMAP_GREY, 1, 1, {5}).release(), LAYER_MASK);
-    alphas.AddLayer(Filled(BITMAP_GREY, 1, 1, {6}).release(), LAYER_ALPHA);
-    for (const unsigned char expected : {6, 5, 200}) {
-        const std::unique_ptr<Bitmap> alpha(alphas.DetachAlpha());
-        ASSERT_NE(alpha, nullptr);
-        EXPECT_EQ(alpha->GetType(), BITMAP_GREY);
-        EXPECT_EQ(PixelsOf(*alpha), Bytes{expected});
-    }
-    EXPECT_EQ(alphas.DetachAlpha(), nullptr);
 }

@@ -58,17 +58,6 @@ TEST(ProfileFile, PassesOverDamagedLines)
     EXPECT_NE(folder.Read("profile.ini").find("lowres=13\n"), std::string::npos);
 }
 
-TEST(ProfileFile, RefusesNamesThatALineCannotHold)
-{
-    const TempFolder folder;
-    CProfileFile profile(folder.Wide("profile.ini"));
-    for (const wchar_t* const name : {L"", L"a=b", L"a\nb", L" a", L"a ", L"[a", L"a]", L";a", L"#a"}) {
-        EXPECT_FALSE(profile.WriteProfileInt(name, L"key", 1));
-        EXPECT_FALSE(profile.WriteProfileInt(L"Section", name, 1));
-    }
-    EXPECT_EQ(folder.CountFiles(), 0u);
-}
-
 TEST(ProfileFile, HoldsInMemoryWhatCannotBeWritten)
 {
     const TempFolder folder;

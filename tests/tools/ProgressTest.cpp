@@ -92,15 +92,3 @@ TEST(Progress, BelongsToItsThread)
     }
     EXPECT_EQ(CProgressScope::GetCurrentSink(), &sink);
 }
-
-TEST(Progress, DialogUsesTheSinkOfTheThread)
-{
-    Recorder sink;
-    sink.cancelAt = 4;
-    const CProgressScope scope(&sink);
-    CProgressDlg dialog(L"Merging files");
-    dialog.SetRange(10, 14);
-    dialog.SetPos(12);
-    EXPECT_DOUBLE_EQ(sink.fractions.back(), 0.5);
-    EXPECT_TRUE(dialog.CheckCancelButton());
-}

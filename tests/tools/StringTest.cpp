@@ -5,8 +5,6 @@
 #include <random>
 #include <string>
 
-#include "tools/StringTable.h"
-
 namespace {
 
 using Wide = CXTString<wchar_t>;
@@ -112,23 +110,4 @@ TEST(String, Utf8SurvivesTheRoundTrip)
             byte = static_cast<char>(random());
         ASSERT_EQ(WideToUtf8(Utf8ToWide(bytes)), bytes);
     }
-}
-
-TEST(StringTable, SpeaksTwoLanguages)
-{
-    const _LANGUAGE before = GetLanguage();
-    Wide text;
-    SetLanguage(LANGUAGE_ENGLISH);
-    EXPECT_TRUE(text.LoadStringW(9398));
-    EXPECT_EQ(text, L"Area Weighted Normals (default)");
-    SetLanguage(LANGUAGE_FRENCH);
-    EXPECT_TRUE(text.LoadStringW(9349));
-    EXPECT_EQ(text, L"Cam\u00E9ra");
-    Narrow narrow;
-    narrow.LoadStringW(9349);
-    EXPECT_EQ(narrow, "Cam\xC3\xA9ra");
-    EXPECT_FALSE(text.LoadStringW(1));
-    EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(FindString(7368, LANGUAGE_ENGLISH)->ReverseFind(L'\n'), FindString(7368, LANGUAGE_ENGLISH)->GetLength() - 1);
-    SetLanguage(before);
 }

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>

@@ -1,7 +1,6 @@
 // Pictures as a user gets them: what the options change in them, what they hold where, and what becomes of the target.
 
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <vector>
 
