@@ -1,7 +1,7 @@
 // zel: the command-line tool of 3DZel.
 
 #include <algorithm>
-#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +31,15 @@ public:
 private:
     static constexpr unsigned int INIT_FLAGS = 1;    // no viewer commands
 };
+
+std::optional<_UP_AXIS_MODE> ParseUpAxis(const std::string& axis)
+{
+    if (axis == "x" || axis == "X")
+        return UP_AXIS_X;
+    if (axis == "y" || axis == "Y")
+        return UP_AXIS_Y;
+    return axis == "z" || axis == "Z" ? std::optional(UP_AXIS_Z) : std::nullopt;
+}
 
 // What is wrong with a command line. The parser only says that a verb is missing when there is one that it does not know.
 std::string DescribeMistake(const CLI::App& app, const CLI::ParseError& error)
@@ -73,11 +82,12 @@ int main(int argc, char** argv)
     app.add_option("--read-megabytes", reading.megabytes, "Memory limit for one; 64 and 40 times its size by default, 0: no limit")
         ->group(READING)
         ->type_name("N");
-    const std::map<std::string, _UP_AXIS_MODE> axes{{"x", UP_AXIS_X}, {"y", UP_AXIS_Y}, {"z", UP_AXIS_Z}};
-    app.add_option("--read-up", reading.up, "Axis that points up, where the file can't say: x, y or z")
+    app.add_option_function<std::string>(
+           "--read-up", [&reading](const std::string& axis) { reading.up = ParseUpAxis(axis); },
+           "Axis that points up, where the file can't say: x, y or z")
         ->group(READING)
         ->type_name("AXIS")
-        ->transform(CLI::CheckedTransformer(axes, CLI::ignore_case).description(""));
+        ->check([](const std::string& axis) { return ParseUpAxis(axis) ? std::string() : "not x, y or z: " + axis; });
 
     bool json = false, tree = false;
     std::vector<std::string> files;
