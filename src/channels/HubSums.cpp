@@ -1,6 +1,9 @@
 #include "channels/HubSums.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <limits>
 
 void CHubSums::Add(int face, const C3DTVector<float>& unitNormal, const C3DTVector<float>& part)
@@ -43,9 +46,10 @@ void CHubSums::WorkOut(int block)
             groups[(i - begin) / LANES].normal[axis][i % LANES] = m_normalAxes[axis][i];
             groups[(i - begin) / LANES].sum[axis][i % LANES] = m_partAxes[axis][i];
         }
-    for (int other = 0; other < count; other++)
-        for (int g = 0; g < GROUPS; g++)
-            AddToGroup(groups[g], begin + g * LANES, other);
+    AddOthers(groups, begin, 0, begin);
+    for (int member = begin; member < end; member++)    // one at a time: none adds its own part again
+        AddOthers(groups, begin, member, member + 1);
+    AddOthers(groups, begin, end, count);
     for (int i = begin; i < end; i++) {
         const Group& group = groups[(i - begin) / LANES];
         const int lane = i % LANES;
@@ -53,26 +57,46 @@ void CHubSums::WorkOut(int block)
     }
 }
 
-// A part that is left out counts as +0, which changes no sum: none of them is ever -0.
-inline void CHubSums::AddToGroup(Group& group, int first, int other) const
+static bool IsAllSet(const auto& mask)
+{
+    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(mask);
+    return (halves[0] & halves[1]) == ~std::uint64_t{0};
+}
+
+// The faces from `first` up to `last`, to those of the block. A part that is left out counts as +0, which changes no sum: none of them is
+// ever -0.
+void CHubSums::AddOthers(Group (&groups)[GROUPS], int begin, int first, int last) const
 {
     constexpr float DOUBT = 6e-6f;    // what the angle test leaves open, and what rounding to float adds
-    const float limit = static_cast<float>(m_angle.GetCosine());
-    const Lanes cosine =
-        group.normal[0] * m_normalAxes[0][other] + group.normal[1] * m_normalAxes[1][other] + group.normal[2] * m_normalAxes[2][other];
-    Mask inside = cosine > limit + DOUBT, outside = cosine < limit - DOUBT;
-    const Mask decided = inside | outside;
-    const bool isAmong = static_cast<unsigned int>(other - first) < static_cast<unsigned int>(LANES);
-    if (isAmong || (decided[0] & decided[1] & decided[2] & decided[3]) == 0)
-        for (int lane = 0; lane < LANES; lane++) {
-            if (first + lane == other || first + lane >= static_cast<int>(m_faces.size()))
-                inside[lane] = outside[lane] = 0;
-            else if (!decided[lane])
-                (m_angle.IsWithin(*m_normals[first + lane], *m_normals[other]) ? inside : outside)[lane] = -1;
+    const float low = static_cast<float>(m_angle.GetCosine()) - DOUBT, high = static_cast<float>(m_angle.GetCosine()) + DOUBT;
+    const float* const normals[] = {m_normalAxes[0].data(), m_normalAxes[1].data(), m_normalAxes[2].data()};
+    const float* const parts[] = {m_partAxes[0].data(), m_partAxes[1].data(), m_partAxes[2].data()};
+    const int count = static_cast<int>(m_faces.size());
+    const bool areMembers = first >= begin && first < begin + BLOCK;
+    for (int other = first; other < last; other++) {
+        Mask inside[GROUPS], outside[GROUPS], decided = ~Mask{};
+        for (int g = 0; g < GROUPS; g++) {
+            const Lanes cosine =
+                groups[g].normal[0] * normals[0][other] + groups[g].normal[1] * normals[1][other] + groups[g].normal[2] * normals[2][other];
+            inside[g] = cosine > high;
+            outside[g] = cosine < low;
+            decided &= inside[g] | outside[g];
         }
-    group.outside |= outside;
-    for (int axis = 0; axis < 3; axis++) {
-        const Lanes part = Lanes{} + m_partAxes[axis][other];
-        group.sum[axis] += reinterpret_cast<Lanes>(reinterpret_cast<Mask>(part) & inside);
+        if (areMembers || !IsAllSet(decided))
+            for (int i = 0; i < BLOCK; i++) {
+                Mask &in = inside[i / LANES], &out = outside[i / LANES];
+                const int face = begin + i, lane = i % LANES;
+                if (face == other || face >= count)
+                    in[lane] = out[lane] = 0;
+                else if (!(in[lane] | out[lane]))
+                    (m_angle.IsWithin(*m_normals[face], *m_normals[other]) ? in : out)[lane] = -1;
+            }
+        for (int g = 0; g < GROUPS; g++) {
+            groups[g].outside |= outside[g];
+            for (int axis = 0; axis < 3; axis++) {
+                const Lanes part = Lanes{} + parts[axis][other];
+                groups[g].sum[axis] += reinterpret_cast<Lanes>(reinterpret_cast<Mask>(part) & inside[g]);
+            }
+        }
     }
 }

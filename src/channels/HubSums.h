@@ -33,7 +33,7 @@ private:
 
     int Find(int face) const;
     void WorkOut(int block);
-    void AddToGroup(Group& group, int first, int other) const;
+    void AddOthers(Group (&groups)[GROUPS], int begin, int first, int last) const;
 
     CAngleTest m_angle;
     CBlockVector<int> m_faces;
