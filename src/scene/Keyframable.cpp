@@ -151,7 +151,7 @@ CTimeRange C3DKeyframable::GetTimeRange(std::uint64_t classId)
 
 const C3DKeyframe* C3DKeyframable::GetConstKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
 {
-    return GetKey(time, mode, classId, keyTime);
+    return FindKey(time, mode, classId, keyTime);
 }
 
 void C3DKeyframable::Serialize(CXArchive& ar)
@@ -194,6 +194,7 @@ int C3DKeyframable::AddKey(int time, C3DKeyframe* key)
 {
     if (!key)
         return -1;
+    KeysMayChange();
     const int behind = FindBehind(time);
     for (int i = behind; i-- > 0 && m_keys[i].time == time;) {
         C3DKeyframe*& place = m_keys[i].key;
@@ -225,6 +226,12 @@ C3DKeyframe* C3DKeyframable::CreateKey(int time, std::uint64_t classId, unsigned
 }
 
 C3DKeyframe* C3DKeyframable::GetKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
+{
+    KeysMayChange();
+    return FindKey(time, mode, classId, keyTime);
+}
+
+C3DKeyframe* C3DKeyframable::FindKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const
 {
     // [first, behind) are the keys at `time`. Whatever lies after it wins where mode asks for it; then comes what lies at
     // it, and then what lies before.
@@ -258,6 +265,7 @@ C3DKeyframe* C3DKeyframable::GetKeyByIndex(unsigned int index, int* time, std::u
     const int place = m_keys.FindByIndex(classId, index);
     if (place == m_keys.GetSize())
         return nullptr;
+    KeysMayChange();
     const _KeyframeInfo& info = m_keys[place];
     if (time)
         *time = info.time;
@@ -268,6 +276,7 @@ int C3DKeyframable::GetKeyNbr(std::uint64_t classId) const { return m_keys.GetCo
 
 void C3DKeyframable::DeleteAllKeys()
 {
+    KeysMayChange();
     for (const _KeyframeInfo& info : m_keys)
         delete info.key;
     m_keys.RemoveAll();

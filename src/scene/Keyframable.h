@@ -138,12 +138,15 @@ public:
     bool operator!=(const C3DKeyframable& other) const { return !(*this == other); }
 
 protected:
+    /// Somebody may change keys from here on: one was added or handed out to be written, or all went.
+    virtual void KeysMayChange() const {}
     const CKeyPlaces& GetKeyPlaces() const { return m_keys; }
     /// Index of the first key after the time.
     int FindBehind(int time) const;
 
 private:
     int FindFirst(int time) const;
+    C3DKeyframe* FindKey(int time, unsigned int mode, std::uint64_t classId, int* keyTime) const;
 
     CKeyPlaces m_keys;
 };

@@ -1,11 +1,13 @@
 #include "scene/Material.h"
 
+#include <bit>
 #include <utility>
 
 #include "channels/Channel.h"
 #include "scene/Materials.h"
 #include "scene/ProcessState.h"
 #include "tools/Archive.h"
+#include "tools/HashMix.h"
 
 ZEL_IMPLEMENT_CREATABLE(C3DMaterial, CXObject)
 
@@ -99,7 +101,7 @@ CMaterialMap* C3DMaterial::AddMaterialMap(const CXTString<wchar_t>& fileName, un
         return nullptr;
     if (!(this->*place)) {
         AdoptMap(this->*place, CMaterialMap::Create(fileName, channelID, type, projection));
-        FilesChanged();
+        ContentMayChange();
     }
     return (this->*place).get();
 }
@@ -110,23 +112,34 @@ void C3DMaterial::AdoptMap(Map& place, CMaterialMap* map)
     map->m_material = this;
 }
 
-unsigned int C3DMaterial::GetFilesHash() const
+/// Equal for keys with equal values. Materials mostly have colours and factors; others count by their class alone.
+static std::uint64_t GetValueHash(const C3DKeyframe& key)
 {
-    unsigned int hash = 0;
+    if (const auto* const color = dynamic_cast<const C3DTypeKey<CRGBColor>*>(&key))
+        return color->value.red | color->value.green << 8 | color->value.blue << 16;
+    if (const auto* const factor = dynamic_cast<const C3DTypeKey<float>*>(&key))
+        return std::bit_cast<unsigned int>(factor->value + 0.0f);    // both zeros are equal
+    return 0;
+}
+
+unsigned int C3DMaterial::GetContentHash() const
+{
+    unsigned int files = 0;
     for (const auto place : MAPS) {
         constexpr unsigned int ODD = 0x9E3779B1;
         const CMaterialMap* const map = (this->*place).get();
-        hash = hash * ODD + (map ? map->GetFileName().GetHash() + 3 * map->GetAlphaFileName().GetHash() : 1);
+        files = files * ODD + (map ? map->GetFileName().GetHash() + 3 * map->GetAlphaFileName().GetHash() : 1);
     }
-    return hash;
+    std::uint64_t keys = 0;    // a sum: those of one time stand in any order
+    for (const _KeyframeInfo& info : GetKeyPlaces())
+        keys += HashMix64(HashMix64(info.key->GetClassID() + static_cast<unsigned int>(info.time)) + GetValueHash(*info.key));
+    return files ^ static_cast<unsigned int>(keys >> 32);
 }
 
-void C3DMaterial::FilesChanged()
+void C3DMaterial::ContentMayChange() const
 {
-    if (!m_owner)
-        return;
-    m_owner->UnhashFiles(this);
-    m_owner->HashFiles(this);
+    if (m_owner && !m_mayBeChanged)
+        m_owner->ContentMayChange(*this);
 }
 
 void C3DMaterial::ChangeChannelID(const CChannelMap& map)

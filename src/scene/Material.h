@@ -114,9 +114,10 @@ private:
     C3DMaterial(CMaterials* owner, unsigned int id);
     static Map C3DMaterial::*MapOf(MapType type);
     void AdoptMap(Map& place, CMaterialMap* map);
-    /// A number for the image files of all maps: equal for materials with the same parameters.
-    unsigned int GetFilesHash() const;
-    void FilesChanged();
+    /// A number for the keys and for the image files of all maps: equal for materials with the same parameters.
+    unsigned int GetContentHash() const;
+    void KeysMayChange() const override { ContentMayChange(); }
+    void ContentMayChange() const;
 
     static Map C3DMaterial::*const MAPS[5];    // in the order in which they are stored
 
@@ -128,5 +129,6 @@ private:
     unsigned int m_materialID;
     unsigned int m_vertexColorChannel = 0xFFFFFFFF;
     // Under what the owner's tables hold this material; it leaves them by these whatever became of the keys.
-    unsigned int m_hashedColor = 0, m_hashedFiles = 0;
+    unsigned int m_hashedColor = 0, m_hashedContent = 0;
+    mutable bool m_mayBeChanged = false;    ///< since then; the owner has it in its list
 };

@@ -102,7 +102,7 @@ void CMaterialMap::DropBitmap()
 void CMaterialMap::FilesChanged()
 {
     if (m_material)
-        m_material->FilesChanged();
+        m_material->ContentMayChange();
 }
 
 // ---- Channel

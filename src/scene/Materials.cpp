@@ -23,7 +23,7 @@ static unsigned int GetColorKey(const C3DMaterial& material)
     return color.red | color.green << 8 | color.blue << 16 | static_cast<unsigned int>(color.alpha) << 24;
 }
 
-static std::uint64_t GetFilesKey(unsigned int color, unsigned int files) { return static_cast<std::uint64_t>(color) << 32 | files; }
+static std::uint64_t GetContentKey(unsigned int color, unsigned int content) { return static_cast<std::uint64_t>(color) << 32 | content; }
 
 CMaterials::CMaterials() = default;
 
@@ -104,11 +104,12 @@ C3DMaterial* CMaterials::Find(const C3DMaterial& material, bool byName) const
         return nullptr;
     if (!byName) {
         constexpr unsigned int FEW = 4;
-        const CIdSet* const ofFiles = m_byFiles.Find(GetFilesKey(color, material.GetFilesHash()));
-        if (!ofFiles)
+        RefreshContent();
+        const CIdSet* const ofContent = m_byContent.Find(GetContentKey(color, material.GetContentHash()));
+        if (!ofContent)
             return nullptr;
-        if (ofFiles->GetCount() * FEW < ids->GetCount())
-            return FindOfFiles(material, *ids, *ofFiles);
+        if (ofContent->GetCount() * FEW < ids->GetCount())
+            return FindOfContent(material, *ids, *ofContent);
     }
     for (unsigned int pos = ids->GetFirst(); pos != HASH_END;) {
         C3DMaterial* const candidate = FindByID(ids->GetNext(pos));
@@ -118,13 +119,13 @@ C3DMaterial* CMaterials::Find(const C3DMaterial& material, bool byName) const
     return nullptr;
 }
 
-/// What a walk over the materials of the colour would meet first, by looking only at those that have the same files too.
-C3DMaterial* CMaterials::FindOfFiles(const C3DMaterial& material, const CIdSet& ofColor, const CIdSet& ofFiles) const
+/// What a walk over the materials of the colour would meet first, by looking only at those of the same content.
+C3DMaterial* CMaterials::FindOfContent(const C3DMaterial& material, const CIdSet& ofColor, const CIdSet& ofContent) const
 {
     C3DMaterial* first = nullptr;
     unsigned int firstPosition = HASH_END;
-    for (unsigned int pos = ofFiles.GetFirst(); pos != HASH_END;) {
-        const unsigned int id = ofFiles.GetNext(pos), position = ofColor.GetPosition(id);
+    for (unsigned int pos = ofContent.GetFirst(); pos != HASH_END;) {
+        const unsigned int id = ofContent.GetNext(pos), position = ofColor.GetPosition(id);
         C3DMaterial* const candidate = FindByID(id);
         if (position < firstPosition && candidate->HasSameParameters(material)) {
             first = candidate;
@@ -202,7 +203,7 @@ void CMaterials::HashInsert(C3DMaterial* material)
     m_byID.Insert(material->m_materialID, material);
     m_byColor[material->m_hashedColor].Insert(material->m_materialID);
     m_byName[material->m_name].Insert(material->m_materialID);
-    HashFiles(material);
+    HashContent(*material);
 }
 
 void CMaterials::HashRemove(C3DMaterial* material)
@@ -211,7 +212,7 @@ void CMaterials::HashRemove(C3DMaterial* material)
     RemoveFrom(m_byColor, material->m_hashedColor, material->m_materialID);
     if (RemoveFrom(m_byName, material->m_name, material->m_materialID))
         m_numbers.SetFree(material->m_name);
-    UnhashFiles(material);
+    UnhashContent(*material);
 }
 
 void CMaterials::HashFree()
@@ -219,19 +220,37 @@ void CMaterials::HashFree()
     m_byID.RemoveAll();
     m_byColor.RemoveAll();
     m_byName.RemoveAll();
-    m_byFiles.RemoveAll();
+    m_byContent.RemoveAll();
+    m_changed.clear();
     m_numbers.RemoveAll();
 }
 
-void CMaterials::HashFiles(C3DMaterial* material)
+void CMaterials::HashContent(C3DMaterial& material) const
 {
-    material->m_hashedFiles = material->GetFilesHash();
-    m_byFiles[GetFilesKey(material->m_hashedColor, material->m_hashedFiles)].Insert(material->m_materialID);
+    material.m_hashedContent = material.GetContentHash();
+    m_byContent[GetContentKey(material.m_hashedColor, material.m_hashedContent)].Insert(material.m_materialID);
 }
 
-void CMaterials::UnhashFiles(C3DMaterial* material)
+void CMaterials::UnhashContent(const C3DMaterial& material) const
 {
-    RemoveFrom(m_byFiles, GetFilesKey(material->m_hashedColor, material->m_hashedFiles), material->m_materialID);
+    RemoveFrom(m_byContent, GetContentKey(material.m_hashedColor, material.m_hashedContent), material.m_materialID);
+}
+
+void CMaterials::ContentMayChange(const C3DMaterial& material)
+{
+    material.m_mayBeChanged = true;
+    m_changed.push_back(material.m_materialID);
+}
+
+void CMaterials::RefreshContent() const
+{
+    for (const unsigned int id : m_changed)
+        if (C3DMaterial* const material = FindByID(id); material && material->m_mayBeChanged) {    // it may be gone, or another one
+            UnhashContent(*material);
+            HashContent(*material);
+            material->m_mayBeChanged = false;
+        }
+    m_changed.clear();
 }
 
 /// True when the bucket of the key became empty, and went.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "geometry/3DFaceList.h"
 #include "scene/IdSet.h"
 #include "scene/Material.h"
@@ -27,7 +29,7 @@ public:
     C3DMaterial* FindByID(unsigned int id) const;
     C3DMaterial* FindByName(const CXTString<wchar_t>& name) const;
     /// A material with the same parameters, with `byName` of the same name too; null for none. Looks at those of the same colour, or
-    /// name, alone.
+    /// name, alone. Cost: near constant.
     C3DMaterial* Find(const C3DMaterial& material, bool byName) const;
     /// Faces that use it are not touched. False for an unknown id.
     bool RemoveMaterial(unsigned int id);
@@ -62,13 +64,18 @@ private:
     template <class KEY> using Buckets = CHashMap<KEY, const KEY&, CIdSet>;
 
     template <class KEY> static bool RemoveFrom(Buckets<KEY>& buckets, const KEY& key, unsigned int id);
-    C3DMaterial* FindOfFiles(const C3DMaterial& material, const CIdSet& ofColor, const CIdSet& ofFiles) const;
-    void HashFiles(C3DMaterial* material);
-    void UnhashFiles(C3DMaterial* material);
+    C3DMaterial* FindOfContent(const C3DMaterial& material, const CIdSet& ofColor, const CIdSet& ofContent) const;
+    void ContentMayChange(const C3DMaterial& material);
+    void HashContent(C3DMaterial& material) const;
+    void UnhashContent(const C3DMaterial& material) const;
+    void RefreshContent() const;
 
     CHashMap<unsigned int, C3DMaterial*> m_byID;
     Buckets<unsigned int> m_byColor;    // diffuse, at time 0
     Buckets<CXTString<wchar_t>> m_byName;
-    Buckets<std::uint64_t> m_byFiles;    // colour and image files: thousands of textures share one colour
+    // Colour and content: thousands of materials may share one colour. Keys change behind the collection's back, so that the entries of
+    // those that may have changed are renewed when somebody asks.
+    mutable Buckets<std::uint64_t> m_byContent;
+    mutable std::vector<unsigned int> m_changed;
     CNameNumbers m_numbers;
 };

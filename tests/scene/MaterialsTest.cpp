@@ -96,7 +96,7 @@ TEST(Materials, IdsStayUnique)
 
 TEST(Materials, TablesFollowEveryChange)
 {
-    // Faults in mind: a setter leaves the material under its former name, colour or file; a freed number is not used again, or one
+    // Faults in mind: a setter leaves the material under its former name, colour, file or keys; a freed number is not used again, or one
     // that was taken since is.
     CMaterials materials;
     std::mt19937 random(7);
@@ -107,7 +107,7 @@ TEST(Materials, TablesFollowEveryChange)
     for (int step = 0; step < 3000; step++) {
         const auto all = All(materials);
         C3DMaterial* const one = all.empty() ? nullptr : all[pick(all.size())];
-        switch (one ? pick(9) : 0) {
+        switch (one ? pick(10) : 0) {
         case 0:
         case 1: {
             const std::wstring expected = FirstFreeName(materials, L"");
@@ -123,6 +123,9 @@ TEST(Materials, TablesFollowEveryChange)
             break;
         case 6: *one = *all[pick(all.size())]; break;
         case 7: one->SetTransparencyFactor(0, static_cast<float>(pick(2))); break;
+        case 9:    // past the setters
+            static_cast<C3DTypeKey<float>*>(one->CreateKey(0, KEY_BUMP_FACTOR, 0))->value = static_cast<float>(pick(2));
+            break;
         case 8: EXPECT_TRUE(materials.RemoveMaterial(one->GetMaterialID())); break;
         }
         if (step % 50 == 0)
