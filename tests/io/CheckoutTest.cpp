@@ -1,4 +1,3 @@
-#include <cmath>
 #include <limits>
 
 #include "io/SceneCase.h"
@@ -164,11 +163,9 @@ TEST_F(Checkout, EachFlagDoesItsStepAndSaysSo)
         {"triangulate", IMPORT_TRIANGULATE, {}, {5, 2, 14, 14}},
         {"weld", IMPORT_WELD, {}, {5, 2, 12, 8}},
         {"merge coplanar", IMPORT_WELD | IMPORT_MERGE_COPLANAR, {}, {5, 2, 12, 7}},
-        {"unify", IMPORT_UNIFY_NORMALS, {}, {5, 2, 14, 8}},
         {"global", IMPORT_GLOBAL_COORDINATES, {L"1 Converting /from/scene.x from local to global coordinates"}, {5, 2, 14, 8}},
         {"clean groups", IMPORT_CLEAN_GROUPS, {}, {4, 2, 14, 8}},
         {"concatenate", IMPORT_CONCATENATE, {L"1 Concatenating 3D scene"}, {1, 1, 8, 6}},
-        {"by materials", IMPORT_CONCATENATE_BY_MATERIALS, {L"1 Merge 3D scene by materials"}, {2, 2, 12, 6}},
         {"the first of both", both, {L"1 Concatenating 3D scene"}, {1, 1, 8, 6}},
         {"remove hidden", IMPORT_REMOVE_HIDDEN, {L"1 Removing object hidden"}, {3, 1, 8, 6}},
         {"generate", IMPORT_GENERATE_UV, {L"1 Creating UV for the scene"}, {5, 2, 14, 8}},

@@ -62,7 +62,6 @@ TEST_F(ExportPreparation, EachFlagDoesItsStepAndSaysSo)
         const wchar_t* outline;
     } rows[] = {
         {"none", 0, 0, {L"1 Removing object h"}, L"m(n)"},
-        {"hidden", EXPORT_HIDDEN_OBJECTS, 0, {}, L"g(h)m(n)"},
         {"clean groups", EXPORT_CLEAN_GROUPS | EXPORT_HIDDEN_OBJECTS, 0, {}, L"g(h)m(n)"},
         {"remove groups", EXPORT_REMOVE_GROUPS | EXPORT_HIDDEN_OBJECTS, 0, {}, L"mhn"},
         {"no polymeshes", EXPORT_REMOVE_POLYMESHES, 0, {L"1 Removing object h", L"1 Removing object m"}, nullptr},
@@ -71,7 +70,6 @@ TEST_F(ExportPreparation, EachFlagDoesItsStepAndSaysSo)
          EXPORT_REMOVE_POLYMESHES,
          {L"1 Removing object h", L"1! Removing object m", L"4 The scene have no object to save."},
          nullptr},
-        {"no curves", EXPORT_REMOVE_CURVES | EXPORT_REMOVE_PATCHES, 0, {L"1 Removing object h"}, L"m(n)"},
         {"uv", EXPORT_IGNORE_UV | EXPORT_HIDDEN_OBJECTS, 0, {L"1 Removing UV for m"}, L"g(h)m(n)"},
         {"format without uv", EXPORT_IGNORE_UV | EXPORT_HIDDEN_OBJECTS, EXPORT_IGNORE_UV, {L"1! Removing UV for m"}, L"g(h)m(n)"},
         {"colours", EXPORT_IGNORE_VC | EXPORT_HIDDEN_OBJECTS, 0, {L"1 Removing VC for m"}, L"g(h)m(n)"},
@@ -115,18 +113,6 @@ TEST_F(ExportPreparation, EachFlagDoesItsStepAndSaysSo)
                   (std::vector<std::vector<int>>{{0, 1, 2, 3, 4}, {1, 5, 6, 2}, {5, 7, 6}}));
         EXPECT_EQ(node->GetGeomObject()->GetChannels()->GetSize(), 3);
     }
-}
-
-TEST_F(ExportPreparation, AQuadStaysAndAPentagonIsSplitWhole)
-{
-    AddMesh(*scene, L"m", Polygons());
-    C3DScene* const working = Run(EXPORT_QUADRANGULATE);
-    ASSERT_TRUE(working);
-    std::vector<std::size_t> sizes;
-    for (const auto& face : AllCorners(*FirstObject(*working).GetFaceList()))
-        sizes.push_back(face.size());
-    std::sort(sizes.begin(), sizes.end());
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{3, 3, 3, 3, 4}));
 }
 
 TEST_F(ExportPreparation, ScalesToTheUnit)
@@ -178,38 +164,6 @@ TEST_F(ExportPreparation, APatchOfThreeNodesBecomesOneObject)
         EXPECT_EQ(FirstObject(*working).GetFaceNbr() == 6, flag == EXPORT_PATCHES_SOURCE);
         EXPECT_EQ(patch->GetObjectKindOf(), OBJECT_PATCH);
     }
-}
-
-TEST_F(ExportPreparation, ObjectsAboveALimitGo)
-{
-    AddMesh(*scene, L"small", MakeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}));
-    C3DSceneNode* const large = AddMesh(*scene, L"large", Cube());
-    AddSharer(*scene, nullptr, L"again", large);
-    const std::wstring tail = L").\nUse Facet Thresher to resolve this problem.";
-    const auto line = [&](const wchar_t* name, const wchar_t* what, const wchar_t* number) {
-        return std::wstring(L"2 The object ") + name + L" have to many " + what + L" for the selected exportation format (limited to " +
-               number + L" " + what + tail;
-    };
-    const struct {
-        unsigned int points, faces;
-        TextLines lines;
-        std::vector<std::wstring> left;
-    } rows[] = {
-        {8, 6, {}, {L"small", L"large", L"again"}},
-        {7, 0xFFFFFFFF, {line(L"large", L"points", L"7"), line(L"again", L"points", L"7")}, {L"small"}},
-        {7, 5, {line(L"large", L"points", L"7"), line(L"again", L"points", L"7")}, {L"small"}},
-        {0xFFFFFFFF, 5, {line(L"large", L"faces", L"5"), line(L"again", L"faces", L"5")}, {L"small"}},
-    };
-    for (const auto& row : rows) {
-        options.maxPoints = row.points;
-        options.maxFaces = row.faces;
-        C3DScene* const working = Run(0);
-        EXPECT_EQ(Log(), row.lines);
-        EXPECT_EQ(NamesOf(*working), row.left);
-    }
-    options.maxPoints = 2;
-    EXPECT_FALSE(Run(0));
-    EXPECT_EQ(Log().back(), L"4 The scene have no object to save.");
 }
 
 TEST_F(ExportPreparation, FacesPointAtMaterialsThatAreThere)

@@ -76,27 +76,6 @@ TEST(NativeDamage, AnythingThatReadsCanBeWrittenAndReadAgain)
     }
 }
 
-TEST(NativeDamage, TheComparisonSeesEveryFieldThatIsStored)
-{
-    // Of two streams that are written differently the scenes differ: whoever trusts FirstDifference may trust it with all of a file.
-    const Owned<C3DScene> source(CreateFullScene()), original(C3DScene::Create());
-    ASSERT_TRUE(Load(*original, Stored(*source)));
-    const auto storedTwice = [](C3DScene& scene) { return Stored(scene), Stored(scene); };    // the first time drops what is not compared
-    const StreamBytes whole = storedTwice(*original);
-    unsigned int changed = 0;
-    for (std::size_t place = 0; place < whole.size(); place += 3) {
-        StreamBytes bytes = whole;
-        bytes[place] ^= 0x40;
-        const Owned<C3DScene> scene(C3DScene::Create()), read(C3DScene::Create());
-        if (!Load(*scene, bytes) || storedTwice(*scene) == whole)
-            continue;
-        ASSERT_TRUE(Load(*read, whole));
-        changed++;
-        EXPECT_NE(FirstDifference(*read, *scene), "") << place;
-    }
-    EXPECT_GT(changed, whole.size() / 30);
-}
-
 TEST(NativeDamage, WhatOperationsLeaveBehindIsReadAgain)
 {
     for (unsigned int seed = 1; seed <= 20; seed++) {

@@ -1,7 +1,6 @@
 // Saves two scenes natively, for scripts/check-kill.sh. `refs FOLDER`: each once, as FOLDER/a.3dif and b.3dif. `loop FILE`: in turn over
 // the same file, until somebody ends it; says "ready" when the first save begins.
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 

@@ -22,7 +22,6 @@ namespace {
 using Steps = std::set<std::string>;
 
 constexpr const wchar_t* PBUFFER_KEY = L"Render/GLExtPBuf";
-constexpr const wchar_t* MULTISAMPLE_KEY = L"Render/GLExtMSBuf";
 
 // Keeps what it drew itself.
 class CPaintedView : public C3DView {
@@ -145,41 +144,6 @@ TEST(MemoryRendering, BothRoadsDrawASceneInTheSameColours)
     EXPECT_LT(covered, 64 * 96 / 2);
 }
 
-TEST(MemoryRendering, GivesTheSizeAskedForFromASmallerPBuffer)
-{
-    CFaultyPlatform platform;
-    platform.most = {32, 16};
-    CPaintedView view;
-    ASSERT_TRUE(view.CreateMemoryRendering(128, 32, 24));
-    EXPECT_EQ(view.GetClientDC()->GetSize(), (CSize{32, 16}));
-    EXPECT_EQ(view.GetViewSettings()->aspect, 4);
-    const Picture picture = view.GetHalves();
-    ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->GetWidth(), 128);
-    EXPECT_EQ(picture->GetHeight(), 32);
-    EXPECT_EQ(picture->GetLine(4)[0], 255);
-    EXPECT_EQ(picture->GetLine(27)[2], 255);
-}
-
-// Drivers name a smaller limit for PBuffers than they have, and none where drawing is cut off.
-TEST(MemoryRendering, UsesWhatTheDriverCanDrawAndNoMore)
-{
-    CPaintedView view;
-    ASSERT_TRUE(view.CreateMemoryRendering(5000, 8, 24));
-    EXPECT_EQ(view.GetClientDC()->GetSize(), (CSize{5000, 8}));
-    GLint most[2];
-    {
-        const CGLActivate activate(&view);
-        glGetIntegerv(GL_MAX_VIEWPORT_DIMS, most);
-    }
-    ASSERT_TRUE(view.CreateMemoryRendering(most[0] + 1000, 8, 24));
-    EXPECT_EQ(view.GetClientDC()->GetSize(), (CSize{most[0], 8}));
-    const Picture picture = view.GetHalves();
-    ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->GetWidth(), most[0] + 1000);
-    EXPECT_EQ(picture->GetLine(0)[(most[0] + 999) * 3], 255);
-}
-
 TEST(MemoryRendering, FallsBackOrSaysSoWhicheverStepFails)
 {
     const struct {
@@ -217,39 +181,6 @@ TEST(MemoryRendering, FallsBackOrSaysSoWhicheverStepFails)
         EXPECT_EQ(platform.contexts + platform.surfaces, 0);
         EXPECT_EQ(Current(), before);
     }
-}
-
-TEST(MemoryRendering, DrawsNothingWhereItsContextCannotBeCurrent)
-{
-    C3DView host;
-    ASSERT_TRUE(host.CreateMemoryRendering(8, 8, 24));
-    const CGLActivate activate(&host);
-    glClearColor(0.5f, 0, 0, 0);
-    const Current before;
-
-    CFaultyPlatform platform;
-    CPaintedView view;
-    ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
-    platform.faults = {"MakeCurrent"};
-    view.PaintHalves();    // not into the host's context
-    EXPECT_FALSE(view.CreateBitmapFromScene());
-    EXPECT_EQ(C3DView().CreateMemoryRendering(16, 16, 24), 0);
-    EXPECT_EQ(platform.contexts, 1);
-    platform.faults = {};
-    EXPECT_TRUE(view.GetHalves());
-    EXPECT_EQ(Current(), before);
-    GLfloat color[4];
-    glGetFloatv(GL_COLOR_CLEAR_VALUE, color);
-    EXPECT_EQ(color[0], 0.5f);
-}
-
-TEST(MemoryRendering, RefusesSizesThatNoPictureHas)
-{
-    C3DView view;
-    for (const CSize size : {CSize{0, 16}, {16, 0}, {-1, 16}, {16, -16}, {BITMAP_MAX_SIDE + 1, 1}, {BITMAP_MAX_SIDE, BITMAP_MAX_SIDE}})
-        EXPECT_EQ(view.CreateMemoryRendering(size.cx, size.cy, 24), 0) << size.cx << 'x' << size.cy;
-    EXPECT_FALSE(view.CreateBitmapFromScene());
-    EXPECT_EQ(view.GetGLContext(), nullptr);
 }
 
 // Where EGL finds no driver, which a process can be told once.
@@ -302,25 +233,6 @@ TEST(Activation, LeavesTheHostsContextAsItWas)
     egl.DeleteContext(context);
 }
 
-TEST(Activation, FollowsContextsThatComeAndGoWithinIt)
-{
-    CFaultyPlatform platform;
-    const Current before;
-    {
-        CPaintedView view;
-        const CGLActivate activate(&view);
-        EXPECT_EQ(Current(), before);
-        ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
-        EXPECT_NE(Current(), before);
-        ExpectHalves(*view.GetHalves());
-        view.DeleteMemoryRendering();
-        EXPECT_EQ(Current(), before);
-        EXPECT_EQ(platform.contexts + platform.surfaces, 0);
-        ASSERT_TRUE(view.CreateMemoryRendering(16, 16, 24));
-    }
-    EXPECT_EQ(Current(), before);
-}
-
 TEST(Activation, RefusesAContextThatAnotherThreadHas)
 {
     CPaintedView view;
@@ -358,45 +270,6 @@ TEST(CrashGuard, AnAttemptThatNobodySurvivedIsNotMadeAgain)
     EXPECT_EQ(profile.values.at(PBUFFER_KEY), 1u);
 }
 
-TEST(WindowContext, HasTheMostSamplesThatThereAre)
-{
-    using Attempts = std::vector<std::string>;
-    const struct {
-        std::set<int> samples;
-        Steps faults;
-        unsigned int stored;
-        Attempts attempts;
-        int result, samplesHad;
-        unsigned int storedAfter;
-    } cases[] = {
-        {{0, 2, 4, 8}, {}, 1, {"CreateWindowDC8"}, 0, 8, 1},
-        {{0, 4}, {}, 1, {"CreateWindowDC8", "CreateWindowDC4"}, 0, 4, 1},
-        {{0}, {}, 1, {"CreateWindowDC8", "CreateWindowDC4", "CreateWindowDC2", "CreateWindowDC0"}, 0, 0, 0},
-        {{0, 4}, {}, 0, {"CreateWindowDC0"}, 0, 0, 0},
-        {{0, 4}, {"InitExtensions"}, 1, {"CreateWindowDC0"}, 0, 0, 0},
-        {{0, 4}, {"CreateContext"}, 1, {"CreateWindowDC8", "CreateWindowDC4", "CreateWindowDC0"}, -1, 0, 0},
-        {{}, {}, 1, {"CreateWindowDC8", "CreateWindowDC4", "CreateWindowDC2", "CreateWindowDC0"}, -1, 0, 0},
-    };
-    for (const auto& c : cases) {
-        CMemoryProfile profile;
-        profile.values[MULTISAMPLE_KEY] = c.stored;
-        CFaultyPlatform platform;
-        platform.samples = c.samples;
-        platform.faults = c.faults;
-        {
-            C3DView view;
-            view.SetPeer(new CNoWindow);
-            EXPECT_EQ(view.OnCreate(), c.result);
-            EXPECT_EQ(GetAttempts(platform), c.attempts);
-            EXPECT_EQ(view.GetGLContext() != nullptr, c.result == 0);
-            EXPECT_EQ(view.IsDrawingFlagSet(GLDRAW_MULTISAMPLE), c.samplesHad > 0);
-            EXPECT_EQ(profile.values.at(MULTISAMPLE_KEY), c.storedAfter);
-            EXPECT_EQ(view.GetClientDC() ? view.GetClientDC()->GetSamples() : 0, c.samplesHad);
-        }
-        EXPECT_EQ(platform.contexts + platform.surfaces, 0);
-    }
-}
-
 TEST(WindowContext, ShowsTheBackgroundWhateverElseThereIs)
 {
     CFaultyPlatform platform;
@@ -424,30 +297,4 @@ TEST(WindowContext, ShowsTheBackgroundWhateverElseThereIs)
     view.SetScene(nullptr, 0);
     paint();
     DeleteMe(scene);
-}
-
-TEST(WindowContext, CoversByAlphaWhereThereAreSamplesAlone)
-{
-    for (const int samples : {0, 4})
-        for (const unsigned int alphaCut : {0u, 1u}) {
-            CMemoryProfile profile;
-            profile.values[L"Render/alphacut"] = alphaCut;
-            CFaultyPlatform platform;
-            platform.samples = {samples};
-            C3DView view;
-            view.SetPeer(new CNoWindow);
-            ASSERT_EQ(view.OnCreate(), 0);
-            C3DScene* const scene = new C3DScene;
-            view.SetScene(scene, 0);
-            view.UpdateView(0);
-            DeleteMe(scene);
-            const CGLActivate activate(&view);
-            const bool covers = samples > 0 && alphaCut != 0;
-            EXPECT_EQ(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE), covers);
-            {
-                const CGLRenderingMode blend(view, GLMODE_BLEND);
-                EXPECT_FALSE(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE));
-            }
-            EXPECT_EQ(glIsEnabled(GL_SAMPLE_ALPHA_TO_COVERAGE), covers);
-        }
 }

@@ -1,4 +1,3 @@
-#include <thread>
 
 #include "render/DrawText.h"
 #include "render/OutlineFont.h"
@@ -42,32 +41,6 @@ class Labels : public testing::Test {
 protected:
     void SetUp() override { ASSERT_FALSE(COutlineFont::GetNormal().IsEmpty()) << "a font is among the packages"; }
 };
-
-TEST_F(Labels, GlyphsHaveTheAreaAndTheOrderOfLetters)
-{
-    const COutlineFont& font = COutlineFont::GetNormal();
-    const auto area = [&](char letter) {
-        double sum = 0;
-        const auto& corners = font.GetGlyph(letter).triangles;
-        EXPECT_EQ(corners.size() % 3, 0u);
-        for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
-            const double cut = (corners[i + 1][0] - corners[i][0]) * (corners[i + 2][1] - corners[i][1]) -
-                               (corners[i + 2][0] - corners[i][0]) * (corners[i + 1][1] - corners[i][1]);
-            EXPECT_GE(cut, 0) << letter;    // to the left around, seen from the reader
-            sum += cut / 2;
-        }
-        return sum;
-    };
-    // Faults in mind: the hole of a letter is filled, or the letter is; curves go astray.
-    EXPECT_GT(area('8'), 0.1);
-    EXPECT_LT(area('8'), 0.3);
-    EXPECT_GT(area('8'), area('0') * 1.02);
-    EXPECT_LT(area('.'), area('o') / 3);
-    EXPECT_EQ(area(' '), 0);
-    EXPECT_GT(font.GetGlyph(' ').advance, 0.1f);
-    EXPECT_GT(font.GetGlyph('W').advance, font.GetGlyph('i').advance);
-    EXPECT_EQ(font.GetGlyph('\n').advance, 0);
-}
 
 TEST_F(Labels, StandAtThePictureOfTheirPoint)
 {
@@ -113,39 +86,6 @@ TEST_F(Labels, AreHiddenByWhatIsBeforeThemUnlessDepthIsIgnored)
     EXPECT_GT(Label(view, {0, 0, 0}, "8").count, 50);    // what lies on a surface is before it
     drawBlackAt(0);
     EXPECT_GT(Label(view, {0, 0, -0.1f}, "8").count, 50);
-}
-
-TEST_F(Labels, AreFilledWhateverTheViewDraws)
-{
-    CViewProbe view;
-    const int filled = Label(view, {0, 0, 0}, "M").count;
-    glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-    glEnable(GL_CULL_FACE);
-    glCullFace(GL_FRONT_AND_BACK);
-    glEnable(GL_POLYGON_STIPPLE);
-    view.Clear();
-    EXPECT_EQ(Label(view, {0, 0, 0}, "M").count, filled);
-    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
-    EXPECT_TRUE(glIsEnabled(GL_POLYGON_STIPPLE));
-    int mode[2];
-    glGetIntegerv(GL_POLYGON_MODE, mode);
-    EXPECT_EQ(mode[0], GL_LINE);
-}
-
-TEST_F(Labels, SeveralThreadsHaveTheirOwn)
-{
-    int counts[3] = {};
-    {
-        std::vector<std::jthread> threads;
-        for (int& count : counts)
-            threads.emplace_back([&count] {
-                CViewProbe view;
-                count = Label(view, {0, 0, 0}, "8").count;
-            });
-    }
-    EXPECT_GT(counts[0], 50);
-    EXPECT_EQ(counts[0], counts[1]);
-    EXPECT_EQ(counts[0], counts[2]);
 }
 
 TEST_F(Labels, NumbersComeInTheDeferredPaintOrWhenAskedForInPictures)

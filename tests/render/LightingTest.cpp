@@ -70,34 +70,3 @@ TEST(ViewLighting, ASecondLightStandsLeftAboveAndBefore)
     EXPECT_TRUE(IsPixel(view.Lit(0, 1, 0), Expected(inverse, 1.2), 2));
     EXPECT_TRUE(IsPixel(view.Lit(0, -1, 0), Expected(0, 1.2), 2));
 }
-
-TEST(ViewLighting, IsLeftAloneWithoutSurfaces)
-{
-    CViewProbe view(VIEWFLAG_WIREFRAME);
-    const float former[] = {0.5f, 0.5f, 0.5f, 1};
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, former);
-    view.InitLighting();
-    float now[4];
-    glGetLightfv(GL_LIGHT0, GL_DIFFUSE, now);
-    EXPECT_EQ(now[0], 0.5f);
-    EXPECT_FALSE(glIsEnabled(GL_LIGHT0));
-}
-
-TEST(ViewLighting, BrightnessGoesInStepsBetweenItsEnds)
-{
-    CViewProbe view;
-    const float& brightness = view.m_settings.brightness;
-    view.Brightness(1);
-    EXPECT_FLOAT_EQ(brightness, 1.3f);
-    view.Brightness(-1);
-    view.Brightness(-1);
-    EXPECT_NEAR(brightness, 1 / 1.3, 1e-6);
-    for (int i = 0; i < 40; i++)
-        view.Brightness(1);
-    EXPECT_EQ(brightness, 10000);
-    for (int i = 0; i < 80; i++)
-        view.Brightness(-1);
-    EXPECT_EQ(brightness, 0.0001f);
-    view.Brightness(0);
-    EXPECT_EQ(brightness, 1);
-}

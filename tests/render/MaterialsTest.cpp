@@ -69,20 +69,6 @@ TEST(ViewMaterials, ColoursAreNeverBlackAndNeverAlmostInvisible)
     }
 }
 
-TEST(ViewMaterials, ShininessIsNeitherDullNorAMirror)
-{
-    CViewProbe view;
-    const struct {
-        float factor, shininess;
-    } rows[] = {{0.1f, 25.6f}, {0.5f, 64}, {0.9f, 89.6f}};
-    for (const auto& row : rows) {
-        C3DMaterial material;
-        material.SetSpecularFactor(0, row.factor);
-        view.InitMaterial(&material, false);
-        EXPECT_NEAR(view.MaterialOf(GL_SHININESS)[0], row.shininess, 0.001);
-    }
-}
-
 TEST(ViewMaterials, TheCurrentOneIsNotSentAgainUnlessForced)
 {
     CViewProbe view;
@@ -193,38 +179,4 @@ TEST(ViewMaterials, CornersSendOnlyWhatDiffers)
     view.m_element.vcFace[1] = 7;
     view.InitPointMaterial();
     ExpectNear(view.MaterialOf(GL_DIFFUSE), {192 / 255.0f, 192 / 255.0f, 192 / 255.0f, 1});
-}
-
-TEST(ViewMaterials, ACallbackMayChooseTheMaterialOfACorner)
-{
-    CCornerProbe view;
-    C3DMaterial material;
-    material.SetDiffuseColor(0, {10, 200, 10});
-    static int s_answer;
-    view.SetPointMaterialCallback([](_RenderElement* element) {
-        element->pointColor = {255, 0, 128};
-        return s_answer;
-    });
-    const CRGBColor corner{0, 0, 255};
-    const Floats mixed{0, 0, 1, 1}, plain{1, 0, 128 / 255.0f, 1}, selection{1, 0, 0, 1};
-
-    s_answer = 0;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), mixed);
-    s_answer = 3;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), plain);
-    ExpectNear(view.MaterialOf(GL_AMBIENT), plain);
-    s_answer = 1;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), plain);
-    s_answer = 2;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), selection);
-    s_answer = 0;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), mixed);
-    view.m_element.vcInUse = false;
-    view.SendCorner(material, corner);
-    ExpectNear(view.MaterialOf(GL_DIFFUSE), {10 / 255.0f, 200 / 255.0f, 10 / 255.0f, 1});
 }

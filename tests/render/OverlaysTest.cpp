@@ -1,8 +1,5 @@
-#include <cmath>
 #include <vector>
 
-#include "channels/PointNormalChannel.h"
-#include "channels/SpecNormalChannel.h"
 #include "geometry/3DPointList.h"
 #include "geometry/3DVectorList.h"
 #include "render/RenderingMode.h"
@@ -125,29 +122,6 @@ TEST(RenderingMode, TintsWhatIsDrawnAlreadyAndNothingElse)
     EXPECT_EQ(Count(view, {0, 0, 0, 0}), 64 * 64 * 3 / 4);
 }
 
-TEST(RenderingMode, PixelsAreThoseOfTheWindow)
-{
-    CViewProbe view;
-    glDisable(GL_LIGHTING);
-    glColor3f(1, 1, 1);
-    for (const unsigned int down : {0u, unsigned{GLMODE_PIXELS_DOWN}}) {
-        view.Clear();
-        const CGLRenderingMode pixels(view, GLMODE_IDENTITY | GLMODE_PIXELS | GLMODE_NO_DEPTH_TEST | down);
-        glRectf(10, 5, 20, 8);
-        EXPECT_EQ(Count(view, {255, 255, 255, 255}), 30);
-        EXPECT_EQ(view.At(10, down ? 64 - 8 : 5)[0], 255);
-        EXPECT_EQ(view.At(19, down ? 64 - 6 : 7)[0], 255);
-    }
-    // With depth: 0 is the near end, and the end lies as far from the eye as the scene reaches.
-    view.m_settings.matrix.m[2][3] = -7;
-    view.m_settings.sceneSize = 4;
-    const CGLRenderingMode deep(view, GLMODE_IDENTITY | GLMODE_PIXELS);
-    float projection[16];
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    EXPECT_FLOAT_EQ(projection[10], -2.0f / 4);
-    EXPECT_FLOAT_EQ(projection[14], 14.0f / 4);
-}
-
 TEST(RenderingMode, CuesDepthFromTheNearPlaneToTheFarOne)
 {
     CViewProbe view(VIEWFLAG_WIREFRAME);
@@ -188,27 +162,6 @@ TEST(Overlays, TwoDModeIsCounted)
 }
 
 namespace {
-
-struct Lines {
-    int left = 99, right = -1, bottom = 99, top = -1, count = 0;
-    Pixel color{};    ///< the brightest
-};
-
-Lines FindLines(const CViewProbe& view)
-{
-    Lines lines;
-    for (int y = 0; y < CViewProbe::SIDE; y++)
-        for (int x = 0; x < CViewProbe::SIDE; x++)
-            if (const Pixel at = view.At(x, y); at[0] > 60) {
-                lines.left = std::min(lines.left, x);
-                lines.right = std::max(lines.right, x);
-                lines.bottom = std::min(lines.bottom, y);
-                lines.top = std::max(lines.top, y);
-                lines.count++;
-                lines.color = std::max(lines.color, at);
-            }
-    return lines;
-}
 
 /// Edges of what passes the test, y from the top.
 template <class TEST> CRect FindPixels(const Bitmap& picture, TEST&& test)
@@ -252,75 +205,4 @@ TEST(Overlays, BoxesLieAlongTheAxesOfTheSceneAndAreLeftOutOfPicturesUnlessAskedF
     for (int x = 0; x < with->GetWidth(); x++)
         top += IsGreen(with->GetLine(box.top) + x * 3) || IsGreen(with->GetLine(box.top + 1) + x * 3);
     EXPECT_GT(top, box.Width() * 9 / 10);
-}
-
-namespace {
-
-/// A triangle that lies flat before the eye, its normal along y; lengths along y are drawn forty times as long.
-class CNormalsProbe : public CViewProbe {
-public:
-    CNormalsProbe()
-    {
-        const float points[] = {-0.5f, 0, 0, 0.5f, 0, 0, 0, 0, -0.5f};
-        const int triangle[] = {0, 1, 2};
-        m_node = C3DSceneNode::Create();
-        m_node->SetObject(CreateObjectFromArrays(points, sizeof points, triangle, sizeof triangle, nullptr, 0), true);
-        m_held->AddNode(nullptr, m_node);
-        m_settings.nearPlane = 100;    // nothing fades
-        m_settings.farPlane = 1000;
-    }
-    Lines Draw()
-    {
-        Clear();
-        glPushMatrix();
-        glScalef(1, 40, 1);
-        DrawNormals(m_node);
-        glPopMatrix();
-        return FindLines(*this);
-    }
-    C3DSceneNode* m_node;
-};
-
-}
-
-TEST(Overlays, NormalsHaveAFortiethOfTheBoxAndTheColourOfTheirOrigin)
-{
-    CNormalsProbe view;
-    // A box of 1 by 0 by 0.5, for a scale of (1, 1, 1): 32 pixels a unit.
-    const double length = std::sqrt(1.25) / std::sqrt(3.0) * 32;
-    const Lines smoothed = view.Draw();
-    EXPECT_NEAR(smoothed.top - smoothed.bottom + 1, length, 1.5);
-    EXPECT_NEAR(smoothed.bottom, 32, 1);
-    EXPECT_NEAR(smoothed.left, 16, 1);
-    EXPECT_NEAR(smoothed.right, 48, 1);
-    EXPECT_NEAR(smoothed.color[1], smoothed.color[0] / 10, 3);
-    EXPECT_GT(smoothed.color[0], 100);
-
-    // A scaled node has a larger box, and draws its space larger.
-    C4x4TMatrix<float> twice;
-    twice.Scale(2, 2, 2);
-    view.m_node->AddKey(0, C3DMatrixKey(twice));
-    EXPECT_EQ(view.Draw().top, smoothed.top);
-
-    C3DGeomObject& triangle = *view.m_node->GetGeomObject();
-    CSpecNormalChannel* const given = new CSpecNormalChannel;
-    given->GetNormalVectorList()->SetSize(1);
-    *given->GetNormalVectorList()->ElementAt(0) = C3DTVector<float>(0, -1, 0);
-    given->GetNormalFaceList()->SetSize(1);
-    CNormalFace face;
-    given->GetNormalFaceList()->GetFace(0, face);
-    face.SetTriangle(0, 0, 0);
-    triangle.AddChannel(given);
-    EXPECT_EQ(view.Draw().bottom, smoothed.bottom);    // not asked for
-    view.m_settings.viewFlags |= VIEWFLAG_SPEC_NORMALS;
-    const Lines yellow = view.Draw();
-    EXPECT_NEAR(yellow.top, 32, 1);
-    EXPECT_LT(yellow.bottom, 20);
-    EXPECT_EQ(yellow.color[0], yellow.color[1]);
-
-    C3DFace hidden;
-    triangle.GetFaceList()->GetFace(0, hidden);
-    hidden.SetFlags(VIEW_FACE_HIDDEN, true);
-    EXPECT_EQ(view.Draw().count, 0);
-    view.DrawNormals(nullptr);
 }

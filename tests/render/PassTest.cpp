@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "render/ViewCase.h"
 #include "scene/Curve.h"
-#include "scene/Light.h"
 
 static constexpr CRGBColor RED{255, 0, 0}, GREEN{0, 255, 0}, BLUE{0, 0, 255};
 

@@ -9,7 +9,6 @@
 #include "scene/Curve.h"
 #include "scene/GeomObject.h"
 #include "scene/Group.h"
-#include "scene/Light.h"
 
 namespace {
 
@@ -234,48 +233,6 @@ TEST(Picking, TheBoxOfASelectedGroupIsNoHit)
     of.view.SetDrawingFlag(GLDRAW_MEMORY_BOXES, true);
     EXPECT_EQ(of.Rect(0, 0, Picked::WIDTH, Picked::HEIGHT), (Nodes{left, right}));
     EXPECT_EQ(of.Click({-3.5, -0.5, 1}), nullptr);    // on the box
-}
-
-TEST(Picking, LeavesTheViewAsItWas)
-{
-    Picked of;
-    AddCube(*of.scene, {0, 0, 0}, 2);
-    static int calls;
-    calls = 0;
-    of.view.SetDisplayCallback([](C3DSceneNode*, glCallbackDisplayState, unsigned int, void* data) { return ++*static_cast<int*>(data); });
-    of.view.SetCallbackData(&calls);
-    of.Show();
-    const Picture before(of.view.CreateBitmapFromScene());
-    const int drawn = std::exchange(calls, 0);
-    EXPECT_GT(drawn, 0);
-    of.Rect(0, 0, 100, 100);
-    EXPECT_EQ(calls, 0);
-    const Picture after(of.view.CreateBitmapFromScene());
-    EXPECT_EQ(calls, drawn);
-    EXPECT_EQ(CountPixels(*before,
-                          [&, i = 0](const unsigned char* p) mutable {
-                              const unsigned char* const q = after->GetLine(i / Picked::WIDTH) + i % Picked::WIDTH * 3;
-                              i++;
-                              return p[0] == q[0] && p[1] == q[1] && p[2] == q[2];
-                          }),
-              Picked::WIDTH * Picked::HEIGHT);
-}
-
-TEST(Picking, NothingToFind)
-{
-    Picked of;
-    EXPECT_EQ(of.Rect(0, 0, 50, 50), Nodes{});    // no context, no scene
-    of.view.SetScene(of.scene.get(), 0);
-    EXPECT_EQ(of.Rect(0, 0, 50, 50), Nodes{});
-    of.Show();
-    EXPECT_EQ(of.Rect(0, 0, 50, 50), Nodes{});    // empty
-    AddCube(*of.scene, {0, 0, 0}, 2);
-    of.view.SetScene(of.scene.get(), GLSET_FIT);
-    EXPECT_EQ(of.Rect(0, 0, 120, 80), Nodes{});    // not flushed
-    of.view.UpdateView(0);
-    EXPECT_EQ(of.Rect(0, 0, 120, 80).size(), 1U);
-    of.view.OnSize(120, 0);
-    EXPECT_EQ(of.Rect(0, 0, 120, 80), Nodes{});
 }
 
 TEST(Picking, TheBufferGrowsUntilAllHitsFitAndManyNodesCostLittleMore)

@@ -1,7 +1,6 @@
 #include <map>
 #include <string>
 
-#include "channels/UVWChannel.h"
 #include "render/ViewProbe.h"
 #include "scene/3DObject.h"
 #include "scene/Primitives.h"
@@ -129,15 +128,11 @@ TEST(ViewTextures, SidesGoToTheNextPowerOfTwoWithinTheirLimits)
         int textureWidth, textureHeight;
     } const rows[] = {
         {"least", 1, 3, false, 512, 4, 4},
-        {"as it is", 4, 8, false, 512, 4, 8},
         {"up", 5, 9, false, 512, 8, 16},
         {"far up", 513, 512, false, 512, 1024, 512},
         {"no more than 1024", 1500, 2, false, 512, 1024, 4},
-        {"limited", 600, 64, true, 512, 512, 64},
         {"limited by more", 600, 600, true, 100, 128, 128},
-        {"limit of no power", 600, 20, true, 513, 1024, 32},
         {"tiny limit", 600, 20, true, 1, 4, 4},
-        {"no limit when not asked for", 600, 20, false, 1, 1024, 32},
         {"limit of nothing", 600, 20, true, 0, 0, 0},
         {"negative limit", 600, 20, true, 0xFFFFFFFF, 0, 0},
     };
@@ -168,26 +163,6 @@ TEST(ViewTextures, TexelsAreAtTheirCorners)
     }
 }
 
-TEST(ViewTextures, LargePicturesGiveTheMeansOfTheirPixels)
-{
-    CProfile profile;
-    profile[L"lowres"] = 4;
-    CTextureProbe view(VIEWFLAG_SMOOTH | VIEWFLAG_TEXTURE | VIEWFLAG_ECONOMY);
-    const Picture picture(rgbaBitmap::Create(8, 12));
-    for (int y = 0; y < 12; y++)
-        for (int x = 0; x < 8 * 4; x++)
-            picture->GetLine(y)[x] = static_cast<unsigned char>(x % 4 * 50 + x / 4 * 5 + y);
-    C2DIo(CFileNameSpec(view.m_folder.Wide("ramp.png")), 0, nullptr).Save(picture.get());
-    view.SetPicture(view.m_folder.Wide("ramp.png"));
-    ASSERT_EQ(view.Load().width, 4);
-    unsigned char texels[4][4][4];
-    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
-    for (int y = 0; y < 4; y++)
-        for (int x = 0; x < 4; x++)
-            for (int channel = 0; channel < 4; channel++)    // of 2 by 3 pixels
-                EXPECT_EQ(texels[3 - y][x][channel], channel * 50 + (x * 10 + 3) + (y * 3 + 1)) << x << y << channel;
-}
-
 TEST(ViewTextures, FiltersAsTheViewSays)
 {
     for (const bool smooth : {true, false}) {
@@ -199,34 +174,6 @@ TEST(ViewTextures, FiltersAsTheViewSays)
         view.DrawTextured();
         const Pixel seam = view.At(31, 60);    // left of the middle, where red meets green
         EXPECT_EQ(seam[0] < 250, smooth);
-    }
-}
-
-TEST(ViewTextures, AlphaIsKeptWhereItIsAMask)
-{
-    CProfile profile;
-    struct {
-        const char* name;
-        int alpha;
-        unsigned int cut;
-        bool noTest;
-        bool kept;
-    } const rows[] = {
-        {"none", -1, 1, false, false},
-        {"a mask", 128, 1, false, true},
-        {"not wanted", 128, 0, false, false},
-        {"not of this map", 128, 1, true, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        CTextureProbe view;
-        profile[L"alphacut"] = row.cut;
-        view.SetPicture(4, 4, row.alpha);
-        view.m_material.GetDiffuseMaps()->SetFlag(MAP_NO_ALPHA_TEST, row.noTest);
-        const TextureFacts facts = view.Load();
-        EXPECT_EQ(facts.alphaBits > 0, row.kept);
-        view.DrawTextured();
-        EXPECT_NEAR(view.At(10, 10)[3], row.kept ? 128 : 255, 1);
     }
 }
 
@@ -250,31 +197,6 @@ TEST(ViewTextures, WithoutAPictureTheMaterialsColourShows)
     EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
     EXPECT_NEAR(view.MaterialOf(GL_DIFFUSE)[0], 13 / 255.0, 0.001);
     EXPECT_EQ(view.InitMaterialMapping(77, true), 0xFFFFFFFF);    // no such material
-}
-
-TEST(ViewTextures, LieOnAWhiteOrOnTheBrightestOfTheMaterialsHue)
-{
-    CTextureProbe view;
-    view.SetPicture(4, 4);
-    view.Load();
-    view.m_material.SetDiffuseColor(0, {50, 50, 50});
-    view.m_material.SetTransparencyFactor(0, 0.5f);
-    view.DrawTextured();
-    EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE), (std::array<float, 4>{1, 1, 1, 127 / 255.0f}));
-    EXPECT_TRUE(view.IsMaterialCurrent());
-    view.m_material.SetDiffuseColor(0, {100, 50, 0});
-    view.DrawTextured();
-    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[2], 0);
-    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[1], 1);
-    view.m_material.SetFlag(MATERIAL_PLAIN_TEXTURE, true);
-    view.DrawTextured();
-    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE), (std::array<float, 4>{1, 1, 1, 1}));
-
-    view.DrawTextured(false);    // a face without coordinates
-    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
-    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[0], 100 / 255.0f);
-    EXPECT_TRUE(IsPixel(view.At(2, 61), {255, 255, 255, 255}, 0));
 }
 
 TEST(ViewTextures, AreLoadedOnceAndGoWithTheFlag)

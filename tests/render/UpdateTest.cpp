@@ -3,10 +3,8 @@
 #include <stdexcept>
 
 #include "render/SteeredView.h"
-#include "render/ViewProfile.h"
 #include "scene/Camera.h"
 #include "scene/GeomObject.h"
-#include "tools/Application.h"
 
 TEST(ViewUpdate, ARecordChangesWhatItsMaskNames)
 {
@@ -46,10 +44,6 @@ TEST(ViewUpdate, ARecordChangesWhatItsMaskNames)
 
     change(GLSET_VIEW_FLAGS);
     EXPECT_EQ(held.viewFlags, VIEWFLAG_FLAT | VIEWFLAG_DRAW_BOXES);    // nothing of the moment
-    change(GLSET_BACKGROUND | GLSET_HIDDEN_KINDS);
-    EXPECT_EQ(held.background, CRGBColor(1, 2, 3));
-    EXPECT_EQ(held.hiddenKinds, +OBJECT_CURVE);
-    EXPECT_EQ(held.lightColor, CRGBColor(192, 192, 192));
     change(GLSET_WIREFRAME_COLOR | GLSET_SELECTION_COLOR | GLSET_LIGHT_COLOR | GLSET_CAMERA);
     EXPECT_EQ(held.wireframeColor, CRGBColor(4, 5, 6));
     EXPECT_EQ(view.GetSelectionMaterial().GetDiffuseColor(0, false), CRGBColor(7, 8, 9));
@@ -204,40 +198,6 @@ TEST(ViewUpdate, WhatIsAskedForBeforeThereIsAContextIsDoneWhenThereIsOne)
     for (int y = 0; y < 64; y++)
         EXPECT_EQ(std::vector(early->GetLine(y), early->GetLine(y) + 3 * 64), std::vector(late->GetLine(y), late->GetLine(y) + 3 * 64))
             << y;
-}
-
-namespace {
-
-class CUseCamera : public IApplication {
-public:
-    unsigned int GetProfileInt(const CXTString<wchar_t>&, const CXTString<wchar_t>& key, unsigned int standard) override
-    {
-        return key == L"settings" ? +SETTINGS3D_USE_CAMERA : standard;
-    }
-    bool WriteProfileInt(const CXTString<wchar_t>&, const CXTString<wchar_t>&, unsigned int) override { return true; }
-};
-
-}
-
-TEST(ViewUpdate, TheDefaultViewIsTheFirstCameraWhenTheProfileSaysSo)
-{
-    Owned<C3DScene> scene(C3DScene::Create());
-    CSteeredView view;
-    view.SetScene(scene.get(), 0);
-    CUseCamera application;
-    SetApplication(&application);
-    const auto show = [&] {
-        view.Change(GLSET_VIEW_NUMBER, [](GlViewSettings& record) { record.viewNumber = RVIEW_DEFAULT; });
-        return view.GetViewSettings()->viewNumber;
-    };
-    EXPECT_EQ(show(), RVIEW_FRONT);    // there is none
-    C3DSceneNode* const node = new C3DSceneNode;
-    node->SetObject(new C3DCamera, true);
-    scene->AddNode(nullptr, node);
-    EXPECT_EQ(show(), RVIEW_DEFAULT);
-    EXPECT_EQ(view.GetCurrentCameraId(), static_cast<int>(node->GetNodeID()));
-    SetApplication(nullptr);
-    EXPECT_EQ(show(), RVIEW_FRONT);
 }
 
 TEST(ViewUpdate, WhatFailsWhileItIsCompiledCostsTheViewNothingElse)
