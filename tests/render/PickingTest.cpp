@@ -195,6 +195,20 @@ TEST(Picking, CurvesAreFoundByTheirWireAndSurfacesByTheirFaces)
     }
 }
 
+TEST(Picking, WiresOverSurfacesDoNotPushTheSurfacesBack)
+{
+    Picked of;
+    Mesh mesh = MakeMesh({{-1, -10, -1}, {1, 10, -1}, {1, 10, 1}, {-1, -10, 1}}, {{0, 1, 2, 3}});
+    C3DSceneNode* const sheet = new C3DSceneNode;
+    sheet->SetObject(new C3DObject(std::exchange(mesh.points, nullptr), std::exchange(mesh.faces, nullptr), nullptr), true);
+    of.scene->AddNode(nullptr, sheet);
+    AddCurve(*of.scene, {{-1, -10 + 0.02F, 0}, {1, 10 + 0.02F, 0}});    // close behind the steep sheet
+    for (const unsigned int wires : {0U, +VIEWFLAG_WIREFRAME}) {
+        of.Show(VIEWFLAG_DEFAULT | wires);
+        EXPECT_EQ(of.Click({0, 0, 0}), sheet) << wires;
+    }
+}
+
 TEST(Picking, WorksThroughTransformsInstancesAndProjections)
 {
     Picked of;
