@@ -65,7 +65,8 @@ SceneOutput::SceneOutput(CLI::App& verb)
         ->check(oneOf(UNITS));
     add("--up-axis", m_upAxis, "AXIS", "Axis that points up in the file, in place of that of the format: x, y, z")->check(oneOf(AXES));
     add("--textures", m_textures, "DIR", "Copy texture files to this folder; relative to that of OUT");
-    verb.add_flag("--textures-from-anywhere", m_anyTextures, "Copy textures from outside the folder of the scene too");
+    verb.add_flag("--textures-from-anywhere", m_anyTextures,
+                  "Copy textures, and put them into the file, from outside the folder of the scene too");
     verb.add_flag("--report{text}", m_report, "Print what was done and lost; --report=json prints JSON")
         ->check(oneOf(std::vector<std::string>{"text", "json"}));
     verb.add_flag("--strict", m_strict, "Exit with 4 when something did not come through");
