@@ -5,8 +5,8 @@
 #include <random>
 
 #include "NormalMesh.h"
-#include "channels/Cosine.h"
 #include "geometry/Edge.h"
+#include "support/Checksum.h"
 
 namespace {
 
@@ -238,24 +238,14 @@ TEST(SpecNormals, GenerateSumsManyFacesOfAPointAsFewOnes)
     channel.GenerateNormals(&mesh.info, 1 | 4, angle, NORMAL_AREA);
 
     const C3DFaceList& faces = *mesh.mesh.faces;
-    C3DVectorList *const units = C3DVectorList::Create(), *const raw = C3DVectorList::Create();
-    faces.GetNormals(&mesh.info, *units, true);
-    faces.GetNormals(&mesh.info, *raw, false);
-    for (int face = 0; face < 131; face++) {
-        if (face == 70)
-            continue;
-        Vector sum;
-        sum += *raw->ElementAt(face);
-        for (int other = 0; other < 131; other++)
-            if (other != face && other != 70 && !(std::cos(angle) > CosineBetween(*units->ElementAt(face), *units->ElementAt(other))))
-                sum += *raw->ElementAt(other);
-        NormalizeSum(sum);
-        const std::vector<int> corners = Corners(faces, face);
-        const int hub = static_cast<int>(std::find(corners.begin(), corners.end(), 0) - corners.begin());
-        EXPECT_EQ(*AtCorner(channel, face, hub), sum) << face;
-    }
-    DeleteMe(units);
-    DeleteMe(raw);
+    Checksum sum;
+    for (int face = 0; face < 131; face++)
+        if (face != 70) {
+            const std::vector<int> corners = Corners(faces, face);
+            const Vector& at = *AtCorner(channel, face, static_cast<int>(std::find(corners.begin(), corners.end(), 0) - corners.begin()));
+            sum.Add(std::vector<float>{at.x, at.y, at.z});
+        }
+    EXPECT_EQ(sum.Get(), 0xD5B499BBD60D6F82u);
 }
 
 TEST(SpecNormals, UnitVectorsKeepTheirBits)

@@ -20,67 +20,6 @@ struct OneFace : Mesh {
 
 }
 
-TEST(Face, MarksItselfByItsSize)
-{
-    // Three corners make a face valid in SetSize, two in AddIndex; RemoveIndex only ever marks.
-    OneFace one({});
-    C3DFace& face = one.face;
-    const struct {
-        const char* name;
-        bool (*edit)(CFace&);
-        std::vector<int> corners;
-        bool invalid;
-    } rows[] = {
-        {"SetSize(2)", [](CFace& f) { return f.SetSize(2); }, {0, 0}, true},
-        {"SetTriangle",
-         [](CFace& f) {
-             f.SetTriangle(1, 2, 3);
-             return true;
-         },
-         {1, 2, 3},
-         false},
-        {"RemoveIndex", [](CFace& f) { return f.RemoveIndex(2); }, {1, 3}, true},
-        {"AddIndex to 3", [](CFace& f) { return f.AddIndex(4) == 3; }, {1, 3, 4}, false},
-        {"SetSize(1)", [](CFace& f) { return f.SetSize(1); }, {1}, true},
-        {"AddIndex to 2", [](CFace& f) { return f.AddIndex(5) == 2; }, {1, 5}, false},
-        {"SetQuadrangle",
-         [](CFace& f) {
-             f.SetQuadrangle(6, 7, 8, 9);
-             return true;
-         },
-         {6, 7, 8, 9},
-         false},
-        {"RemoveIndex of 4", [](CFace& f) { return f.RemoveIndex(6); }, {7, 8, 9}, false},
-        {"RemoveIndex of a stranger", [](CFace& f) { return !f.RemoveIndex(6); }, {7, 8, 9}, false},
-        {"SetSize(3)", [](CFace& f) { return f.SetSize(3); }, {7, 8, 9}, false},
-        {"RemoveAll",
-         [](CFace& f) {
-             f.RemoveAll();
-             return true;
-         },
-         {},
-         true},
-        {"AddIndex to 1", [](CFace& f) { return f.AddIndex(5) == 1; }, {5}, true},
-        {"too large",
-         [](CFace& f) {
-             f.SetTriangle(1, 2, 3);
-             return !f.SetSize(65536);
-         },
-         {1, 2, 3},
-         false},
-        {"negative", [](CFace& f) { return !f.SetSize(-1); }, {1, 2, 3}, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_TRUE(row.edit(face));
-        EXPECT_EQ(Corners(*one.faces, 0), row.corners);
-        EXPECT_EQ(face.IsFlagSet(FACE_INVALID), row.invalid);
-        CheckConsistent(*one.faces);
-    }
-    EXPECT_TRUE(face.SetSize(65535));
-    EXPECT_EQ(face.AddIndex(1), 65535);
-}
-
 TEST(Face, FindsAndReplacesCorners)
 {
     OneFace one({4, 5, 6, 5});

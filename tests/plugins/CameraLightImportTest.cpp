@@ -52,7 +52,7 @@ TEST_F(PluginTest, CamerasLookWhereTheFileSays)
             SCOPED_TRACE(from.mName.C_Str());
             ASSERT_TRUE(nodes.count(from.mName.C_Str()));
             const C3DSceneNode* node = nodes.at(from.mName.C_Str());
-            const aiMatrix4x4 matrix = ModelFile::NodeMatrix(*model->mRootNode->FindNode(from.mName), true);
+            const aiMatrix4x4 matrix = ModelFile::NodeMatrix(*model->mRootNode->FindNode(from.mName));
             C4x4TMatrix<float> placed;
             node->GetNodeTM(0, placed, true);
             const aiVector3D origin = matrix * (row.placedTwice ? aiVector3D() : from.mPosition);

@@ -1,6 +1,5 @@
 // Materials, their maps, and the images that are inside files.
 
-#include <cmath>
 #include <filesystem>
 
 #include <gtest/gtest.h>

@@ -47,46 +47,6 @@ C3DSceneNode* Capsule(float length, unsigned int S, unsigned int C, unsigned int
 
 }
 
-TEST(Primitives, HaveTheirNumbersNameMaterialAndChannel)
-{
-    const struct {
-        const wchar_t* name;
-        C3DSceneNode* node;
-        std::size_t points, faces;
-        bool uvw;
-    } rows[] = {
-        {L"Cube", Cube(false), 8, 6, false},
-        {L"Cube", Cube(true), 8, 6, true},
-        {L"Plane", CreatePlane(CENTRE, {0, 0, 1}, 1, 1, 3, 2, true, 7, 20), 12, 6, true},
-        {L"Sphere", CreateSphere(CENTRE, 1, 2, 4, true, 7, 20), 15, 20, true},
-        {L"Cylinder", CreateCylinder(CENTRE, 1, 1, 4, 2, false, true, 7, 20), 15, 20, true},
-        {L"Cylinder", CreateCylinder(CENTRE, 1, 1, 4, 2, true, true, 7, 20), 27, 28, true},
-        {L"Cone", CreateCone(CENTRE, 1, 1, 4, 2, true, 7, 20), 21, 20, true},
-        {L"Cone", CreateCone(CENTRE, 1, 1, 1, 1, false, 7, 20), 7, 3, false},
-        {L"Capsule", Capsule(4, 5, 2, 3, AXIS_Y), 32, 35, false},
-        {L"Capsule", Capsule(4, 5, 2, 0, AXIS_Y), 22, 25, false},
-        {L"Capsule", Capsule(4, 1, 1, 1, AXIS_Y), 4, 3, false},
-    };
-    for (const auto& row : rows) {
-        const Solid solid(row.node);
-        SCOPED_TRACE(testing::Message() << row.name << ' ' << row.points);
-        EXPECT_EQ(solid.node->GetName(), row.name);
-        EXPECT_EQ(solid.node->GetScene(), nullptr);
-        EXPECT_EQ(solid.node->GetParent(), nullptr);
-        EXPECT_EQ(solid.points.size(), row.points);
-        EXPECT_EQ(solid.faces.size(), row.faces);
-        for (std::size_t i = 0; i < solid.faces.size(); i++)
-            EXPECT_EQ(solid.object->GetFaceList()->GetFaceMaterial(i), 7u);
-        ASSERT_EQ(solid.uvw != nullptr, row.uvw);
-        EXPECT_TRUE(!row.uvw || solid.uvw->GetChannelID() == 20);
-        EXPECT_EQ(solid.node->GetKeyNbr(KEY_PIVOT), row.name == std::wstring(L"Capsule") ? 1 : 0);
-        if (row.uvw && row.name != std::wstring(L"Cube")) {
-            EXPECT_EQ(AllCorners(*solid.uvw->GetFaceList()), solid.faces);
-            EXPECT_EQ(solid.uvw->GetPointList()->GetSize(), solid.object->GetPointNbr());
-        }
-    }
-}
-
 TEST(Primitives, PointsFacesAndCoordinatesStandInTheirOrder)
 {
     // The sums were written down while rows ran from pole to pole, seams and lids had points of their own, and caps lay around their pivot.

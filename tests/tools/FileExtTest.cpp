@@ -62,21 +62,3 @@ TEST_F(FileExtTest, TellsFamiliesApart)
     EXPECT_EQ(classes(FILE_FAMILY_3D, FILE_KIND_WRITE), std::vector<unsigned int>{ONE});
     EXPECT_EQ(classes(FILE_FAMILY_BITMAP, 0), std::vector<unsigned int>{PICTURE});
 }
-
-TEST(FileInfo, TellsAddressesFromNames)
-{
-    const TempFolder folder;
-    folder.Write("a b.x", "");
-    const auto url = [](const Text& text, bool check) { return CFileInfo(text, 0).IsURL(check); };
-    EXPECT_TRUE(url(L"http://host/a.x", false));
-    EXPECT_FALSE(url(L"http://host/a.x", true));    // nothing is fetched
-    EXPECT_FALSE(url(L"C://a.x", false));           // a drive
-    EXPECT_FALSE(url(L"/x/a://b", false));
-    EXPECT_FALSE(url(L"://b", false));
-    const Text file = L"file://" + folder.Wide("a%20b.x");
-    EXPECT_TRUE(url(file, true));
-    EXPECT_EQ(CFileInfo(file, 0).GetDiskName(), folder.Wide("a b.x"));
-    EXPECT_EQ(CFileInfo(folder.Wide() + L"maps\\a.x", 0).GetDiskName(), folder.Wide("maps/a.x"));
-    EXPECT_FALSE(url(L"file:///none", true));
-    EXPECT_EQ(CFileInfo(Text(L"file:///a%zz%0"), 0).GetDiskName(), Text(L"/a%zz%0"));
-}

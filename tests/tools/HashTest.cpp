@@ -10,21 +10,6 @@
 
 namespace {
 
-bool IsPrimeByDivision(std::uint64_t n)
-{
-    for (std::uint64_t d = 2; d * d <= n; d++)
-        if (n % d == 0)
-            return false;
-    return n > 1;
-}
-
-unsigned int PrimeFrom(std::uint64_t n)
-{
-    while (!IsPrimeByDivision(n))
-        n++;
-    return static_cast<unsigned int>(n);
-}
-
 std::vector<int> Order(const CHashTable<int>& table)
 {
     std::vector<int> order;
@@ -33,17 +18,6 @@ std::vector<int> Order(const CHashTable<int>& table)
     return order;
 }
 
-}
-
-TEST(NextPrime, IsTheSmallestOneNotBelow)
-{
-    for (unsigned int n = 0; n < 30000; n++)
-        ASSERT_EQ(NextPrime(n), PrimeFrom(n)) << n;
-    // Composites that pass single rounds of the pseudoprime test, squares of primes, and the end of the range.
-    for (const unsigned int n :
-         {3215031751u, 1373653u, 25326001u, 464155845u, 65521u * 65521u, 2147483648u, 4294967279u, 4294967280u, 4294967291u})
-        EXPECT_EQ(NextPrime(n), PrimeFrom(n)) << n;
-    EXPECT_EQ(NextPrime(4294967295u), 4294967291u);    // nothing above it in 32 bits
 }
 
 TEST(Hash, GivesTheOrderOfTheModelOverRandomEdits)
