@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "ImageCache.h"
+
 namespace {
 
 // 128 bits of the content: files that share a name here are the same.
@@ -88,13 +90,21 @@ CXTString<wchar_t> UnpackedImages::AddPixels(const std::string& name, const void
 
 void UnpackedImages::Write(C3DScene& scene, CIoOptions& options) const
 {
+    bool hasGrown = false;
     for (const Image& image : m_images) {
         const CXTString<wchar_t> folder = FolderOf(image), file = folder + Utf8ToWide(image.name);
-        if (!folder.IsEmpty() && (fileExists(file) || (fileCreateDirectory(folder, true) && WriteImage(file, image))))
-            scene.AddTexturePath(folder);
-        else
+        const bool exists = !folder.IsEmpty() && fileExists(file);
+        if (exists)
+            MarkImageUsed(WideToUtf8(file));
+        else if (folder.IsEmpty() || !fileCreateDirectory(folder, true) || !WriteImage(file, image)) {
             options.AddLogInfo(IoLogInfo::WARNING, L"an image of the file could not be written to " + file);
+            continue;
+        }
+        hasGrown |= !exists;
+        scene.AddTexturePath(folder);
     }
+    if (hasGrown)
+        LimitImageCache(WideToUtf8(GetUnpackedTexturesPath()));
 }
 
 bool UnpackedImages::WriteImage(const CXTString<wchar_t>& path, const Image& image)
