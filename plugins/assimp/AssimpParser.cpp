@@ -85,7 +85,7 @@ CXTString<wchar_t> CAssimpParser::Write(const CXTString<wchar_t>& path, C3DScene
     case WRITER_ARCHIVE: reason = WriteThroughLibrary(task); break;
     }
     if (reason.IsEmpty() && !files.Commit())
-        reason = files.GetFailedPath() + L" could not be written";
+        reason = files.GetFailureText();
     if (reason.IsEmpty())
         losses.Report(options);
     return reason;

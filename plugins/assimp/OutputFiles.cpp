@@ -54,7 +54,7 @@ OutputFile* OutputFiles::Open(const CXTString<wchar_t>& path)
             return file.get();
     auto file = std::make_unique<OutputFile>(path);
     if (!file->IsOpen()) {
-        Note(path);
+        Note(*file);
         return nullptr;
     }
     return m_files.emplace_back(std::move(file)).get();
@@ -116,14 +116,14 @@ bool OutputFiles::Commit()
 {
     for (const auto& file : m_files)
         if (!file->Flush())
-            Note(file->GetPath());
+            Note(*file);
     std::ranges::stable_partition(m_files, [this](const auto& file) { return file->GetPath() != m_main; });
     std::vector<FormerFile> formers;
     for (const auto& file : m_files) {    // once one fails, those that follow are dropped
         if (m_failedPath.IsEmpty() && m_files.size() > 1)
             formers.emplace_back(file->GetPath());
         if (!file->Close(m_failedPath.IsEmpty()))
-            Note(file->GetPath());
+            Note(*file);
     }
     m_files.clear();
     for (FormerFile& former : formers)
@@ -131,9 +131,16 @@ bool OutputFiles::Commit()
     return m_failedPath.IsEmpty();
 }
 
-bool OutputFiles::Note(const CXTString<wchar_t>& path)
+void OutputFiles::Note(const OutputFile& file)
 {
-    if (m_failedPath.IsEmpty())
-        m_failedPath = path;
-    return false;
+    if (!m_failedPath.IsEmpty())
+        return;
+    m_failedPath = file.GetPath();
+    m_reason = file.GetErrorText();
+}
+
+CXTString<wchar_t> OutputFiles::GetFailureText() const
+{
+    const CXTString<wchar_t> text = m_failedPath + L" could not be written";
+    return m_reason.IsEmpty() ? text : text + L": " + m_reason;
 }

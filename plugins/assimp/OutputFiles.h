@@ -15,6 +15,7 @@ public:
 
     const CXTString<wchar_t>& GetPath() const { return m_path; }
     bool IsOpen() const { return m_file.IsOpen(); }
+    CXTString<wchar_t> GetErrorText() const { return m_file.GetErrorText(); }
     /// Some bytes did not reach the disk.
     bool HasFailed() const { return m_failed; }
 
@@ -77,11 +78,13 @@ public:
     bool Commit();
     /// What could not be opened or written; empty for nothing.
     const CXTString<wchar_t>& GetFailedPath() const { return m_failedPath; }
+    /// The same as a sentence, with the reason in the system's words.
+    CXTString<wchar_t> GetFailureText() const;
 
 private:
-    bool Note(const CXTString<wchar_t>& path);
+    void Note(const OutputFile& file);
 
     CXTString<wchar_t> m_main;
     std::vector<std::unique_ptr<OutputFile>> m_files;
-    CXTString<wchar_t> m_failedPath;
+    CXTString<wchar_t> m_failedPath, m_reason;
 };

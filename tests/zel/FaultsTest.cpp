@@ -39,6 +39,7 @@ TEST_F(Zel, TellsWhatIsWrongInOneLine)
         {"convert --format 3dif " + MODEL + " /dev/full", 1, "No space left on device"},
         {"thumbnail --size 64 " + MODEL + " /dev/full", 1, "No space left on device"},
         {"--version >/dev/null; ulimit -f 1; " ZEL " convert " + native + " " + folder.Name("x.3dif"), 1, "File too large"},
+        {"--version >/dev/null; ulimit -f 1; " ZEL " convert " + native + " " + folder.Name("x.ply"), 1, "File too large"},
         // Inputs without end.
         {"info --read-as 3dif /dev/zero", 3, "Not a regular file"},
         {"info - <" + MODEL, 3, "--read-as"},
