@@ -63,7 +63,7 @@ TEST_F(Zel, EndsInOrderWhenMemoryRunsOut)
     ASSERT_EQ(Call("process -q --subdivide 5 " + MODEL + " -o " + file).code, 0);
     for (const std::string verb : {"info ", "process --stats --weld --merge-coplanar ", "process --subdivide 1 "}) {
         int failures = 0;
-        for (int kilobytes = 30000; kilobytes < 500000; kilobytes = kilobytes * 5 / 4) {
+        for (int kilobytes = 30000; kilobytes < 400000; kilobytes = kilobytes * 3 / 2) {
             SCOPED_TRACE(verb + std::to_string(kilobytes));
             const Outcome run = Call("--version >/dev/null; ulimit -v " + std::to_string(kilobytes) + "; " ZEL " -q " + verb + file);
             EXPECT_TRUE(run.code == 0 || run.code == 1 || run.code == 3 || run.code == 127) << run.code;    // 127: it could not be loaded
