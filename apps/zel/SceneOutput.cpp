@@ -169,6 +169,7 @@ ExitCode SceneOutput::Write(const Console& console, C3DScene& scene, const std::
     C3DIo io(CFileNameSpec(Utf8ToWide(target), fileClass), FILEIO_SILENT, nullptr);
     CSceneExportOptions options;
     options.GetCustomData().SetString(EXPORT_FORM, Utf8ToWide(m_form));
+    options.GetCustomData().SetBool(EXPORT_SHAPELESS, true);
     const std::string reason = RunIo(io, options, [&] {
         if (!io.PrepareSaving())
             return false;

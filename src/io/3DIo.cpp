@@ -4,6 +4,7 @@
 
 #include "io/BuiltInParsers.h"
 #include "io/ImportSettings.h"
+#include "io/ShapelessScene.h"
 #include "scene/3DScene.h"
 #include "tools/CaughtException.h"
 #include "tools/Exception.h"
@@ -34,11 +35,7 @@ void ShowXsiNotice(CWnd* parent)
 
 bool HasContent(C3DScene& scene, const CSceneImportOptions& options)
 {
-    if (scene.GetChildCount(nullptr, SHAPES) > 0)
-        return true;
-    bool shapeless = false;
-    const bool accepted = options.GetCustomData().GetBool(IMPORT_SHAPELESS, shapeless) && shapeless;
-    return accepted && (scene.GetChildCount(nullptr, OBJECT_CAMERA | OBJECT_LIGHT) > 0 || scene.GetTimeRange(KEY_ANY).end > 0);
+    return scene.GetChildCount(nullptr, SHAPES) > 0 || IsShapelessScene(scene, options, IMPORT_SHAPELESS);
 }
 
 // Wait cursor that a silent object never shows.

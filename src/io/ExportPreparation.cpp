@@ -21,6 +21,7 @@
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
 #include "io/SceneOptions.h"
+#include "io/ShapelessScene.h"
 #include "io/Texts.h"
 #include "io/TextureNames.h"
 #include "meshops/Concatenate.h"
@@ -388,7 +389,10 @@ void CExportPreparation::NormaliseNames()
         rename(*m_scene.GetNextMaterial(pos), materialRule, LoadText(TEXT_MATERIAL), TEXT_CHANGING_MATERIAL_NAME);
 }
 
-bool CExportPreparation::HasObjects() const { return static_cast<bool>(m_scene.GetFirstNode(OBJECT_GEOMETRIC, ITER_EMPTY_NODES)); }
+bool CExportPreparation::HasObjects() const
+{
+    return m_scene.GetFirstNode(OBJECT_GEOMETRIC, ITER_EMPTY_NODES) || IsShapelessScene(m_scene, m_options, EXPORT_SHAPELESS);
+}
 
 }
 

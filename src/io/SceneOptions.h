@@ -80,6 +80,9 @@ public:
 /// Key in the settings of an export of a string: which of several forms of the format to write. "text" of those that are binary otherwise,
 /// "1" for the first version of one, "no-materials" for one without its file of materials. A form that a format does not have is ignored.
 constexpr unsigned int EXPORT_FORM = FourCC("FORM");
+/// Key in the settings of an export of a bool: cameras, lights and animated nodes make a scene, too, where there is neither polymesh nor curve
+/// nor patch. Without it such a scene is not saved.
+constexpr unsigned int EXPORT_SHAPELESS = FourCC("NOSH");
 
 /// Options of writing a scene.
 class ZEL_API CSceneExportOptions : public CIoOptions {

@@ -204,6 +204,15 @@ TEST_F(PluginTest, CamerasLightsAndMotionAreScenesForWhomTheyWill)
         C3DIo io(CFileNameSpec(Utf8ToWide(file)), FILEIO_READ | FILEIO_SILENT, nullptr);
         CSceneImportOptions settings;
         settings.GetCustomData().SetBool(IMPORT_SHAPELESS, true);
-        EXPECT_TRUE(Scene(io.Read(false, &settings)));
+        const Scene scene(io.Read(false, &settings));
+        ASSERT_TRUE(scene);
+
+        C3DIo native(CFileNameSpec(folder.Wide("saved.3dif")), FILEIO_SILENT, nullptr);
+        CSceneExportOptions saving;
+        EXPECT_FALSE(native.Save(false, scene.get(), &saving));
+        saving = CSceneExportOptions();
+        saving.GetCustomData().SetBool(EXPORT_SHAPELESS, true);
+        EXPECT_TRUE(native.Save(false, scene.get(), &saving));
+        EXPECT_FALSE(Read(folder.Name("saved.3dif")));
     }
 }
