@@ -1,12 +1,16 @@
 // Cleaning: drop the faces and points that are marked, and keep corners, side data and channels in step.
 //
 //   repair     corners that a face passes twice within three steps go, in the channels too; what is no face is marked
-//   faces      the list closes up; a map tells where each face went
-//   points     unused points are marked, the list closes up, corners follow
-//   channels   each channel follows the two maps and drops its own unused points
+//   faces      the list closes up, and with it those of the channels; a map tells where each face went
+//   points     unused points are marked, the list closes up, corners follow, and values that belong to points alone
+//   channels   each channel drops its own unused points
+//
+// Memory may run out at each step. Each one asks for all that it needs before it changes a list, so that geometry and channels are in step
+// whenever that happens.
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "channels/Block.h"
@@ -20,14 +24,132 @@ using CRemap = CXArray<unsigned int, unsigned int>;
 
 constexpr unsigned int GONE = 0xFFFFFFFF;
 
+// Closing up
+
+namespace {
+
+/// Old number -> new number, GONE for what goes; the number of elements that stay. `isKept(i)` for each of `size` elements.
+template <class KEPT> unsigned int FillMap(unsigned int* map, unsigned int size, KEPT isKept)
+{
+    unsigned int kept = 0;
+    for (unsigned int i = 0; i < size; i++)
+        map[i] = isKept(i) ? kept++ : GONE;
+    return kept;
+}
+
+/// Moves the elements that stay down, in runs; the array keeps its size. Needs no memory. The answer of `isKept` may stand in the element.
+template <class KEPT> void MoveKept(CElementArray& array, unsigned int size, KEPT isKept)
+{
+    const bool block = array.GetMethods() && array.GetMethods()->IsBitwise();
+    unsigned int to = 0;
+    for (unsigned int from = 0; from < size;) {
+        if (!isKept(from)) {
+            from++;
+            continue;
+        }
+        unsigned int end = from + 1;
+        while (end < size && isKept(end))
+            end++;
+        if (end > static_cast<unsigned int>(array.GetSize()))
+            return;
+        if (block && from != to)
+            std::memmove(array.GetAt(to), array.GetAt(from), std::size_t{array.GetStride()} * (end - from));
+        else if (from != to)
+            for (unsigned int i = 0; i < end - from; i++)
+                array.CopyElement(to + i, from + i);
+        to += end - from;
+        from = end;
+    }
+}
+
+template <class KEPT> void MoveKept(CDataChunk& chunks, unsigned int size, KEPT isKept)
+{
+    unsigned int id;
+    for (unsigned int pos = chunks.GetFirstChunk(); pos != HASH_END;)
+        if (CElementArray* array = chunks.GetNextChunk(pos, id))
+            MoveKept(*array, size, isKept);
+}
+
+template <class LIST> void FreeExtraIfPossible(LIST& list)
+{
+    try {
+        list.FreeExtra();
+    } catch (const std::bad_alloc&) {    // a smaller block cannot be had: the larger one does as well
+    }
+}
+
+/// The corners of the faces that stay.
+CFaceList::IndexCollection KeepCorners(const CFaceList& faces, const unsigned int* map, unsigned int kept)
+{
+    const CFaceList::IndexCollection& all = faces.GetIndexCollection();
+    const auto size = static_cast<unsigned int>(faces.GetSize());
+    CBlock<unsigned int> from(kept), counts(kept);
+    std::uint64_t corners = 0;
+    for (unsigned int face = 0; face < size; face++)
+        if (map[face] != GONE) {
+            from[map[face]] = face;
+            corners += counts[map[face]] = all.GetItemCount(face);
+        }
+    CFaceList::IndexCollection result;
+    result.SetDefaultCapacity(all.GetDefaultCapacity());
+    result.ReserveExact(kept, corners);
+    result.AppendEntries(kept, counts.GetData(), [&](int* to, unsigned int k) {
+        unsigned int count;
+        const int* items = all.GetItems(from[k], count);
+        std::copy_n(items, count, to);
+    });
+    return result;
+}
+
+/// The face lists that lose the faces which the geometry loses, each once.
+std::vector<CFaceList*> GetFaceListsInStep(const CGeomInfo* info, CFaceList& geometry)
+{
+    std::vector<CFaceList*> lists{&geometry};
+    CDependentChannels* channels = info ? info->GetSrcChannels() : nullptr;
+    for (int i = 0; i < channels->GetSize(); i++) {
+        CChannel* channel = channels->GetAt(i);
+        CFaceList* faces = channel->GetFaceList();
+        if (faces && faces->GetSize() == geometry.GetSize() && !(channel->GetType() & (CHANNEL_POINT_NORMAL | CHANNEL_FACE_NORMAL)) &&
+            std::find(lists.begin(), lists.end(), faces) == lists.end())
+            lists.push_back(faces);
+    }
+    return lists;
+}
+
+bool HasInvalidFace(const CFaceList& faces)
+{
+    const CFaceFlags flags(faces);
+    for (int face = 0; face < faces.GetSize(); face++)
+        if (flags[face] & FACE_INVALID)
+            return true;
+    return false;
+}
+
+}    // namespace
+
 bool CFaceList::Clean(const CGeomInfo* info)
 {
     CRemap faceMap, pointMap;
     const unsigned int stamp = m_changedStamp;
-    Clean(info, true, &faceMap);
+    CleanPointsIndex(info);
+    if (HasInvalidFace(*this)) {
+        const CFaceFlags flags(*this);
+        const auto size = static_cast<unsigned int>(m_size);
+        faceMap.SetSize(m_size);
+        const unsigned int kept = FillMap(faceMap.GetData(), size, [&](unsigned int face) { return !(flags[face] & FACE_INVALID); });
+        const std::vector<CFaceList*> lists = GetFaceListsInStep(info, *this);
+        std::vector<IndexCollection> corners;
+        for (const CFaceList* list : lists)
+            corners.push_back(KeepCorners(*list, faceMap.GetData(), kept));
+        for (std::size_t i = 0; i < lists.size(); i++) {
+            lists[i]->m_indexes.Swap(corners[i]);
+            lists[i]->CompressFaces(faceMap.GetData(), kept);
+        }
+    }
     bool facesChanged = m_changedStamp != stamp;    // faces that went, or corners alone
 
     CPointList* points = info ? info->GetSrcPointList() : nullptr;
+    CDependentChannels* channels = info ? info->GetSrcChannels() : nullptr;
     const bool pointsChanged = points && points->Clean(this, &pointMap);
     if (pointsChanged) {
         // A face that is empty keeps its place, but no corners: their points may be gone.
@@ -41,78 +163,9 @@ bool CFaceList::Clean(const CGeomInfo* info)
     if (facesChanged)
         SetFlag(FACELIST_CHANGED, true);
 
-    CDependentChannels* channels = info ? info->GetSrcChannels() : nullptr;
     const bool channelsFalse = channels->CleanChannels(info, &faceMap, &pointMap) > 0;
     return pointsChanged || facesChanged || channelsFalse;
 }
-
-// Closing up
-
-namespace {
-
-/// Elements of a list that stay, as runs that move down together.
-class CKeptRuns {
-public:
-    /// `isKept(i)` for each of `size` elements.
-    template <class KEPT> CKeptRuns(unsigned int size, KEPT isKept)
-    {
-        for (unsigned int i = 0; i < size; i++) {
-            if (!isKept(i))
-                continue;
-            if (m_runs.empty() || m_runs.back().end != i)
-                m_runs.push_back({i, i});
-            m_runs.back().end++;
-            m_kept++;
-        }
-    }
-
-    unsigned int GetKept() const { return m_kept; }
-
-    /// Old number -> new number, GONE for what goes.
-    void FillMap(unsigned int* map, unsigned int size) const
-    {
-        std::fill(map, map + size, GONE);
-        unsigned int to = 0;
-        for (const Run& run : m_runs)
-            for (unsigned int from = run.from; from < run.end; from++)
-                map[from] = to++;
-    }
-
-    /// Moves the elements down; the array keeps its size.
-    void Move(CElementArray& array) const
-    {
-        const bool block = array.GetMethods() && array.GetMethods()->IsBitwise();
-        unsigned int to = 0;
-        for (const Run& run : m_runs) {
-            if (run.end > static_cast<unsigned int>(array.GetSize()))
-                return;
-            if (block && run.from != to)
-                std::memmove(array.GetAt(to), array.GetAt(run.from), std::size_t{array.GetStride()} * (run.end - run.from));
-            else if (run.from != to)
-                for (unsigned int i = 0; i < run.end - run.from; i++)
-                    array.CopyElement(to + i, run.from + i);
-            to += run.end - run.from;
-        }
-    }
-
-    /// The same on every chunk, which then hold the kept elements alone.
-    void Move(CDataChunk& chunks) const
-    {
-        unsigned int id;
-        for (unsigned int pos = chunks.GetFirstChunk(); pos != HASH_END;)
-            if (CElementArray* array = chunks.GetNextChunk(pos, id))
-                Move(*array);
-    }
-
-private:
-    struct Run {
-        unsigned int from, end;
-    };
-    CBlockVector<Run> m_runs;
-    unsigned int m_kept = 0;
-};
-
-}    // namespace
 
 bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
 {
@@ -120,24 +173,33 @@ bool CFaceList::Clean(const CGeomInfo* info, bool cleanIndex, CRemap* faceMap)
         CleanPointsIndex(info);
     if (faceMap)
         faceMap->RemoveAll();
-    const CFaceFlags flags(*this);
-    const CKeptRuns runs(m_size, [&](unsigned int face) { return !(flags[face] & FACE_INVALID); });
-    if (runs.GetKept() == static_cast<unsigned int>(m_size))
+    if (!HasInvalidFace(*this))
         return false;
 
     CBlock<unsigned int> own(faceMap ? 0 : m_size);
     if (faceMap)
         faceMap->SetSize(m_size);
     unsigned int* map = faceMap ? faceMap->GetData() : own.GetData();
-    runs.FillMap(map, m_size);
-    if (runs.GetKept() == 0)
+    const CFaceFlags flags(*this);
+    const unsigned int kept =
+        FillMap(map, static_cast<unsigned int>(m_size), [&](unsigned int face) { return !(flags[face] & FACE_INVALID); });
+    IndexCollection corners = KeepCorners(*this, map, kept);
+    m_indexes.Swap(corners);
+    CompressFaces(map, kept);
+    return true;
+}
+
+void CFaceList::CompressFaces(const unsigned int* target, unsigned int kept)
+{
+    if (kept == 0)
         RemoveAll();
     else {
-        runs.Move(m_chunks);
-        CompressFaces(map, runs.GetKept());
+        MoveKept(m_chunks, static_cast<unsigned int>(m_size), [target](unsigned int face) { return target[face] != GONE; });
+        m_size = static_cast<int>(kept);
+        m_chunks.SetDataSize(m_size, true, -1);
+        FreeExtraIfPossible(m_chunks);
     }
-    SetFlag(FACELIST_CHANGED, true);
-    return true;
+    SetFlag(FACELIST_CHANGED, true);    // last: RemoveAll clears it
 }
 
 bool CPointList::Clean(CFaceList* faces, CRemap* pointMap)
@@ -146,22 +208,25 @@ bool CPointList::Clean(CFaceList* faces, CRemap* pointMap)
         SetInvalidPoints(*faces, false);    // a mark on a point that a live face uses does not count
     if (pointMap)
         pointMap->RemoveAll();
-    const unsigned int size = GetSize();
-    const CKeptRuns runs(size, [&](unsigned int point) { return !(ElementAt(point)->flags & POINT_INVALID); });
-    if (runs.GetKept() == size)
+    const auto size = static_cast<unsigned int>(GetSize());
+    const auto isKept = [&](unsigned int point) { return !(ElementAt(static_cast<int>(point))->flags & POINT_INVALID); };
+    unsigned int kept = 0;
+    for (unsigned int point = 0; point < size; point++)
+        kept += isKept(point);
+    if (kept == size)
         return false;
 
     if (pointMap) {
-        pointMap->SetSize(size);
-        runs.FillMap(pointMap->GetData(), size);
+        pointMap->SetSize(static_cast<int>(size));
+        FillMap(pointMap->GetData(), size, isKept);
     }
-    if (runs.GetKept() == 0)
+    if (kept == 0)
         RemoveAll();
     else {
-        runs.Move(static_cast<CElementArray&>(*this));
-        runs.Move(GetDataChunks());
-        SetSize(runs.GetKept(), true, -1);
-        FreeExtra();
+        MoveKept(GetDataChunks(), size, isKept);
+        MoveKept(static_cast<CElementArray&>(*this), size, isKept);    // last: it holds the marks
+        SetSize(static_cast<int>(kept), true, -1);
+        FreeExtraIfPossible(*this);
     }
     SetFlag(POINTLIST_CHANGED, true);    // last: RemoveAll clears it
     return true;
@@ -194,6 +259,7 @@ public:
     int Run(int* corners, int count)
     {
         m_gone.clear();
+        m_gone.reserve(static_cast<std::size_t>(count));    // nothing may fail once corners move
         int passed = 0;
         for (int next = 0; next < count; next++) {
             const int size = passed + count - next;
@@ -254,7 +320,21 @@ void CFaceList::CleanPointsIndex(const CGeomInfo* info)
     const std::vector<CFaceList*> followers = GetFollowers(info, this);
     const CFaceFlags flags(*this);
     CRepetitionWalk walk;
-    bool cut = false;
+    // Also when memory runs out between two faces.
+    struct Report {
+        CFaceList& geometry;
+        const std::vector<CFaceList*>& followers;
+        bool cut = false;
+
+        ~Report()
+        {
+            if (!cut)
+                return;
+            geometry.SetFlag(FACELIST_CHANGED, true);
+            for (CFaceList* follower : followers)
+                follower->SetFlag(FACELIST_CHANGED, true);
+        }
+    } report{*this, followers};
     ForEachLiveFace([&](int face, int* corners, int count) {
         bool dead = count < 3;
         if (!dead && CRepetitionWalk::HasRepetition(corners, count)) {
@@ -265,7 +345,7 @@ void CFaceList::CleanPointsIndex(const CGeomInfo* info)
                 for (CFaceList* follower : followers)
                     CutFollower(*follower, face, walk);
                 dead = count < 3;
-                cut = true;
+                report.cut = true;
             }
         }
         if (!dead)
@@ -274,20 +354,18 @@ void CFaceList::CleanPointsIndex(const CGeomInfo* info)
         for (CFaceList* follower : followers)
             follower->SetFaceFlags(face, FACE_DEAD, true);
     });
-    if (!cut)
-        return;
-    SetFlag(FACELIST_CHANGED, true);
-    for (CFaceList* follower : followers)
-        follower->SetFlag(FACELIST_CHANGED, true);
 }
 
 // Channels
 
+// Channels of a value a point come first: they need no memory, and out of step they would be lost.
 int CDependentChannels::CleanChannels(const CGeomInfo* info, CRemap* faceMap, CRemap* pointMap)
 {
     int unchanged = 0;
-    for (int i = 0; i < GetSize(); i++)
-        unchanged += !GetAt(i)->Clean(info, faceMap, pointMap);
+    for (const bool withFaces : {false, true})
+        for (int i = 0; i < GetSize(); i++)
+            if (!GetAt(i)->GetFaceList() != withFaces)
+                unchanged += !GetAt(i)->Clean(info, faceMap, pointMap);
     return unchanged;
 }
 

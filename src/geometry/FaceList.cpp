@@ -183,15 +183,6 @@ void CFaceList::RemoveAll()
     SetFlag(FACELIST_CHANGED, true);
 }
 
-void CFaceList::CompressFaces(const unsigned int* target, unsigned int kept)
-{
-    DropSurplus();
-    m_indexes.Compress(target, kept);
-    m_size = static_cast<int>(kept);
-    m_chunks.SetDataSize(kept, true, -1);
-    m_chunks.FreeExtra();
-}
-
 // --- Bulk fills -----------------------------------------------------------------------------------------------------
 
 bool CFaceList::PrepareAppend(int count)

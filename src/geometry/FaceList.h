@@ -341,8 +341,8 @@ protected:
     /// Takes repeated corners out of live faces and marks what is left with fewer than 3 corners; the source channels
     /// lose the same corners.
     void CleanPointsIndex(const CGeomInfo* info);
-    /// Keeps the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. Their chunk data stands at its new
-    /// place already; memory is trimmed. Marks nothing.
+    /// Keeps the chunk data of the faces with a number in `target`, which ascends without gaps; 0xFFFFFFFF drops a face. The corners are those
+    /// that stay already. Needs no memory (channels/Clean.cpp).
     void CompressFaces(const unsigned int* target, unsigned int kept);
 
     CFaceList();

@@ -510,7 +510,22 @@ void CCoplanarMerge::WriteList(CFaceList& target, const CFaceList& source, const
 
 // --- The list ----------------------------------------------------------------------------------------------------------------------
 
-/// As CFaceList::Clean with all of it, but with as many faces as before the points stay: the source goes on with them.
+/// Where the points that are not marked invalid go; empty when all stay.
+static void MapPoints(const C3DPointList& points, CXArray<unsigned int, unsigned int>& map)
+{
+    const C3DTPoint<float>* const first = points.GetFirst();
+    const int size = points.GetSize();
+    const auto isInvalid = [](const C3DTPoint<float>& point) { return (point.flags & POINT_INVALID) != 0; };
+    if (std::none_of(first, first + size, isInvalid))
+        return;
+    map.SetSize(size);
+    unsigned int kept = 0;
+    for (int i = 0; i < size; i++)
+        map[i] = isInvalid(first[i]) ? 0xFFFFFFFF : kept++;
+}
+
+/// As CFaceList::Clean with all of it, but with as many faces as before the points stay: the source goes on with them. They come last: memory
+/// may run out before, and the source is as it was then.
 static void CleanMerged(C3DFaceList& target, C3DPointList& points, CDependentChannels* channels, int facesBefore)
 {
     CGeomInfo info(&target, &points);
@@ -519,12 +534,14 @@ static void CleanMerged(C3DFaceList& target, C3DPointList& points, CDependentCha
     target.Clean(&info, true, &faceMap);
     if (target.GetSize() == facesBefore)
         return;
-    if (points.Clean(&target, &pointMap)) {
+    points.SetInvalidPoints(&target, false);
+    MapPoints(points, pointMap);
+    if (pointMap.GetSize() > 0)
         target.UpdateIndex(&pointMap, true);
-        points.SetFlag(POINTLIST_CHANGED, true);
-    }
     target.SetFlag(FACELIST_CHANGED, true);
     channels->CleanChannels(&info, &faceMap, &pointMap);
+    if (points.Clean(nullptr, nullptr))    // takes no memory
+        points.SetFlag(POINTLIST_CHANGED, true);
 }
 
 static int MergeFaces(C3DFaceList& faces, const CGeomInfo* info, double angle, bool closed)

@@ -2,13 +2,16 @@
 // point need it.
 //
 //   mark     each channel marks the points where its values differ
-//   divide   the faces around a marked point are told apart channel by channel; a face that differs from those before gets a copy
+//   divide   the faces around a marked point are told apart channel by channel; a face that differs from those before gets a copy.
+//            Stopping here costs nothing
+//   room     for the copies in each list: what runs out of memory leaves the object as it was
 //   apply    corners go to the copies
 //   channel  the channels that had a part in it are numbered anew, as the object's own corners
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -24,6 +27,7 @@
 #include "scene/GeomObject.h"
 #include "tools/BlockVector.h"
 #include "tools/HashMix.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -77,16 +81,26 @@ public:
     bool Run();
 
 private:
+    /// A list of points that a channel will get.
+    struct NewPoints {
+        CChannel* channel;
+        std::unique_ptr<CPointList, void (*)(CPointList*)> points;
+    };
+
     unsigned int MarkPoints();
     bool Prepare(unsigned int marks);
     void DividePoint(int point);
     void DivideByChannel(int point, const int* faces, int count, CChannel& channel);
     Value GetValue(const CChannel& channel, int face, int point) const;
     int AddCopy(int point);
-    void MoveCorners(int point, const int* faces, int count);
     void KeepFace(int face);
-    void Renumber(CChannel& channel);
-    void CopyPointValues(CChannel& channel);
+    void MakeRoom();
+    void SizeLists(int points);
+    bool IsRenumbered(int channel) const;
+    void Mark();
+    void Apply();
+    void MoveCorners(int point, const int* slots);
+    void Renumber(CChannel& channel, CPointList& points);
 
     C3DGeomObject& m_object;
     C3DFaceList& m_faces;
@@ -98,9 +112,15 @@ private:
     const bool m_noPoints;
     C3DFaceList* const m_extra;
 
-    int m_next = 0;                   // number of the next copy
-    CBlockVector<int> m_originals;    // of the copies
-    std::vector<char> m_used;         // channels that had a part in it, by place
+    int m_before = 0;                   // points
+    int m_next = 0;                     // number of the next copy
+    CBlockVector<int> m_originals;      // of the copies
+    std::vector<char> m_used;           // channels that had a part in it, by place
+    CBlockVector<int> m_divided;        // marked points with faces
+    CBlockVector<int> m_allSlots;       // their slots, one point after the other
+    CBlockVector<int> m_openers;        // faces that opened a slot
+    CBlockVector<CChannel*> m_grown;    // channels of a value a point, in step with the copies
+    std::vector<NewPoints> m_fresh;     // of the channels that are numbered anew
     // Of the current point.
     CBlockVector<int> m_slots;       // the point that each face around gets
     std::vector<char> m_assigned;    // faces that opened one
@@ -112,18 +132,18 @@ bool Disconnection::Run()
     const unsigned int marks = MarkPoints();
     if (marks == 0 || !Prepare(marks))
         return false;
-    for (int point = 0, count = m_next; point < count; point++)
+    CProgress progress(L"Disconnecting faces", static_cast<std::uint64_t>(m_before));
+    for (int point = 0; point < m_before; point++) {
         if (m_points.ElementAt(point)->IsOneFlagSet(static_cast<int>(marks)))
             DividePoint(point);
+        if (!progress.Step())
+            return false;
+    }
+    if (!m_noPoints)
+        MakeRoom();
+    Mark();
     if (!m_noPoints) {
-        m_points.SetSize(m_next);
-        for (int i = 0; i < m_object.GetChannels()->GetSize(); i++) {
-            CChannel& channel = *m_object.GetChannels()->GetAt(i);
-            if (m_used[i] && channel.GetType() != CHANNEL_POINT_NORMAL)    // which is worked out again
-                Renumber(channel);
-            else if (!channel.GetFaceList() && channel.GetType() == CHANNEL_WEIGHT)
-                CopyPointValues(channel);
-        }
+        Apply();
         m_points.FreeExtra();
         m_object.Invalidate(CHANGE_POINTS | CHANGE_FACES, true);
     }
@@ -162,7 +182,7 @@ unsigned int Disconnection::MarkPoints()
     return marks;
 }
 
-// Room for all copies that there can be. False without a marked point.
+// False without a marked point.
 bool Disconnection::Prepare(unsigned int marks)
 {
     std::int64_t most = 0;
@@ -175,11 +195,9 @@ bool Disconnection::Prepare(unsigned int marks)
         most += std::max(count - 1, 0);
         marked++;
     }
-    m_next = m_points.GetSize();
+    m_next = m_before = m_points.GetSize();
     if (marked == 0 || most > INT32_MAX - m_next)
         return false;
-    if (!m_noPoints)
-        m_points.SetSize(m_next + static_cast<int>(most));
     m_used.resize(m_object.GetChannels()->GetSize());
     if (m_groups) {
         m_groups->RemoveAll();
@@ -205,8 +223,7 @@ void Disconnection::DividePoint(int point)
     m_slots[0] = point;
     m_assigned[0] = true;
     m_distinct = 1;
-    m_points.ElementAt(point)->SetFlags(m_pointFlag, true);
-    m_faces.SetFaceFlags(faces[0], m_faceFlag, true);
+    m_openers.push_back(faces[0]);
     if (m_groups)
         m_groups->Add(point);
     for (int i = 0; i < m_object.GetChannels()->GetSize(); i++) {
@@ -219,8 +236,10 @@ void Disconnection::DividePoint(int point)
         if (m_distinct == count)
             break;    // each face has a point of its own: nothing more to tell apart
     }
-    if (!m_noPoints)
-        MoveCorners(point, faces, count);
+    m_divided.push_back(point);
+    m_allSlots.insert(m_allSlots.end(), m_slots.begin(), m_slots.end());
+    for (int i = 0; i < count && m_extra && !m_noPoints; i++)
+        KeepFace(faces[i]);
 }
 
 void Disconnection::DivideByChannel(int point, const int* faces, int count, CChannel& channel)
@@ -240,7 +259,7 @@ void Disconnection::DivideByChannel(int point, const int* faces, int count, CCha
         m_slots[i] = known[value] = AddCopy(point);
         m_assigned[i] = true;
         m_distinct++;
-        m_faces.SetFaceFlags(faces[i], m_faceFlag, true);
+        m_openers.push_back(faces[i]);
     }
 }
 
@@ -268,29 +287,11 @@ int Disconnection::AddCopy(int point)
 {
     const int copy = m_next++;
     m_originals.push_back(point);
-    if (!m_noPoints) {
-        m_points.CopyPoint(copy, point);
-        m_points.ElementAt(copy)->SetFlags(m_pointFlag, true);
-    }
     if (m_groups)
         m_groups->Add(point, copy);
     return copy;
 }
 
-// --- Apply ----------------------------------------------------------------------------------------------------------
-
-void Disconnection::MoveCorners(int point, const int* faces, int count)
-{
-    for (int i = 0; i < count; i++) {
-        if (m_extra)
-            KeepFace(faces[i]);
-        CFace face;
-        if (m_slots[i] >= 0 && m_slots[i] != point && m_faces.GetFace(faces[i], face))
-            face.ReplaceIndex(point, m_slots[i]);
-    }
-}
-
-// As it was before its first change.
 void Disconnection::KeepFace(int face)
 {
     if (m_extra->IsFaceFlagSet(face, FACE_INVALID)) {
@@ -299,20 +300,93 @@ void Disconnection::KeepFace(int face)
     }
 }
 
+// --- Room -----------------------------------------------------------------------------------------------------------
+
+void Disconnection::MakeRoom()
+{
+    CDependentChannels& channels = *m_object.GetChannels();
+    for (int i = 0; i < channels.GetSize(); i++) {
+        CChannel* channel = channels.GetAt(i);
+        CPointList* points = channel->GetPointList();
+        if (IsRenumbered(i)) {
+            CChannel* shape = channel->Copy(CHANNEL_COPY_NO_DATA);    // has a list of the same class
+            shape->GetPointList()->AddRef();
+            m_fresh.push_back({channel, {shape->GetPointList(), [](CPointList* list) { DeleteMe(list); }}});
+            DeleteMe(shape);
+            m_fresh.back().points->SetSize(m_next, false, 0);
+        } else if (points && !channel->GetFaceList() && channel->GetType() == CHANNEL_WEIGHT && points->GetSize() == m_before)
+            m_grown.push_back(channel);
+    }
+    try {
+        SizeLists(m_next);
+    } catch (...) {
+        SizeLists(m_before);    // smaller needs no memory
+        throw;
+    }
+}
+
+void Disconnection::SizeLists(int points)
+{
+    m_points.SetSize(points);
+    for (CChannel* channel : m_grown)
+        channel->GetPointList()->SetSize(points);
+}
+
+// Computed normals are worked out again.
+bool Disconnection::IsRenumbered(int channel) const
+{
+    CChannel& c = *m_object.GetChannels()->GetAt(channel);
+    return m_used[channel] && c.GetType() != CHANNEL_POINT_NORMAL && c.GetFaceList() && c.GetPointList() &&
+           c.GetFaceList()->GetSize() == m_faces.GetSize();
+}
+
+// --- Apply ----------------------------------------------------------------------------------------------------------
+
+void Disconnection::Mark()
+{
+    for (const int point : m_divided)
+        m_points.ElementAt(point)->SetFlags(m_pointFlag, true);
+    for (const int face : m_openers)
+        m_faces.SetFaceFlags(face, m_faceFlag, true);
+}
+
+void Disconnection::Apply()
+{
+    for (std::size_t i = 0; i < m_originals.size(); i++) {
+        const int copy = m_before + static_cast<int>(i);
+        m_points.CopyPoint(copy, m_originals[i]);
+        for (CChannel* channel : m_grown)
+            channel->GetPointList()->CopyPoint(copy, m_originals[i]);
+    }
+    const int* slots = m_allSlots.data();
+    for (const int point : m_divided) {
+        MoveCorners(point, slots);
+        int count;
+        m_faces.GetFacesConnectedToPoint(point, count);
+        slots += count;
+    }
+    for (NewPoints& fresh : m_fresh)
+        Renumber(*fresh.channel, *fresh.points.release());
+}
+
+void Disconnection::MoveCorners(int point, const int* slots)
+{
+    int count;
+    const int* faces = m_faces.GetFacesConnectedToPoint(point, count);
+    for (int i = 0; i < count; i++) {
+        CFace face;
+        if (slots[i] >= 0 && slots[i] != point && m_faces.GetFace(faces[i], face))
+            face.ReplaceIndex(point, slots[i]);
+    }
+}
+
 // --- Channels -------------------------------------------------------------------------------------------------------
 
-// The channel's corners become those of the object.
-void Disconnection::Renumber(CChannel& channel)
+// The channel's corners become those of the object. `points` are the channel's from now on.
+void Disconnection::Renumber(CChannel& channel, CPointList& points)
 {
     CFaceList* faces = channel.GetFaceList();
     CPointList* old = channel.GetPointList();
-    if (!faces || !old || faces->GetSize() != m_faces.GetSize())
-        return;
-    CChannel* shape = channel.Copy(CHANNEL_COPY_NO_DATA);    // has a list of the same class
-    CPointList* points = shape->GetPointList();
-    points->AddRef();
-    DeleteMe(shape);
-    points->SetSize(m_points.GetSize(), false, 0);
     const CFaceFlags flags(m_faces);
     for (int face = 0; face < m_faces.GetSize(); face++) {
         int size, valueCount;
@@ -321,23 +395,12 @@ void Disconnection::Renumber(CChannel& channel)
         if (flags.IsDead(face) || faces->IsFaceOneFlagSet(face, FACE_DEAD))
             continue;
         for (int k = 0; k < std::min(size, valueCount); k++) {
-            points->CopyPoint(corners[k], values[k], *old);
+            points.CopyPoint(corners[k], values[k], *old);
             values[k] = corners[k];
         }
     }
     faces->SetFlag(FACELIST_CHANGED, true);
-    channel.SetPointList(channel.GetType(), points, true);
-}
-
-void Disconnection::CopyPointValues(CChannel& channel)
-{
-    CPointList* points = channel.GetPointList();
-    if (!points || points->GetSize() != m_points.GetSize() - static_cast<int>(m_originals.size()))
-        return;
-    const int first = points->GetSize();
-    points->SetSize(m_points.GetSize());
-    for (std::size_t i = 0; i < m_originals.size(); i++)
-        points->CopyPoint(first + static_cast<int>(i), m_originals[i]);
+    channel.SetPointList(channel.GetType(), &points, true);
 }
 
 }

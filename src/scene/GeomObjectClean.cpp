@@ -10,7 +10,14 @@ void C3DGeomObject::Clean()
         return;
     if (m_faces) {
         const CGeomInfo info(this);
-        if (m_faces->Clean(&info)) {
+        bool changed;
+        try {
+            changed = m_faces->Clean(&info);
+        } catch (...) {    // what was done is whole, and boxes and graphs are out of date
+            Invalidate(CHANGE_POINTS | CHANGE_FACES, true);
+            throw;
+        }
+        if (changed) {
             if (m_faces->GetSize() == 0 && m_points->GetSize() == 0)
                 SetFlag(OBJECT_EMPTY, true);
             Invalidate(CHANGE_POINTS | CHANGE_FACES, true);
