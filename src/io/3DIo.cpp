@@ -11,6 +11,7 @@
 #include "tools/FileExt.h"
 #include "tools/IOPlugin.h"
 #include "tools/IoFile.h"
+#include "tools/Progress.h"
 #include "tools/Window.h"
 
 namespace {
@@ -161,7 +162,7 @@ C3DScene* C3DIo::Read(bool showDialog, CSceneImportOptions* options)
 
     if (C3DScene* const scene = ReadFile(record))
         return FinishReading(scene, record);
-    if (CanTryAnotherParser()) {
+    if (!CProgressScope::IsCancelled() && CanTryAnotherParser()) {
         CloseParser();
         TryNextParser();
         return Read(showDialog, options);
@@ -184,6 +185,13 @@ C3DScene* C3DIo::ReadFile(CSceneImportOptions& options)
             DeleteMe(parser.GetScene());
         parser.SetScene(nullptr);
     };
+    const auto cancel = [&](C3DScene* result) -> C3DScene* {
+        dropBegunScene(result);
+        DeleteMe(result);
+        SetIoError(IORESULT_CANCELLED, &options, IoLogInfo::WARNING);
+        XDeleteThreadException();
+        return nullptr;
+    };
     const auto fail = [&](const CXException* exception) {
         dropBegunScene(nullptr);
         if (GetLastResult() == IORESULT_OK)
@@ -193,10 +201,14 @@ C3DScene* C3DIo::ReadFile(CSceneImportOptions& options)
     };
     try {
         C3DScene* const scene = parser.Read(GetDiskName(), options);
+        if (CProgressScope::IsCancelled())
+            return cancel(scene);
         dropBegunScene(scene);
         XDeleteThreadException();
         return scene;
     } catch (const CXException* exception) {
+        if (CProgressScope::IsCancelled())
+            return cancel(nullptr);
         fail(exception);
         throw;
     } catch (...) {
@@ -210,6 +222,11 @@ C3DScene* C3DIo::FinishReading(C3DScene* scene, CSceneImportOptions& options)
     if (scene->GetFilename().IsEmpty())
         scene->SetFilename(CFileNameSpec(GetFullName(), GetClass()));
     scene->CheckoutImport(options);
+    if (CProgressScope::IsCancelled()) {    // steps may be left out
+        DeleteMe(scene);
+        SetIoError(IORESULT_CANCELLED, &options, IoLogInfo::WARNING);
+        return nullptr;
+    }
     if (HasContent(*scene, options)) {
         SetIoError(IORESULT_OK, nullptr, IoLogInfo::INFORMATION);    // whatever a parser before this one had to say
         return scene;
@@ -278,7 +295,9 @@ bool C3DIo::WriteFile(C3DScene* scene, CSceneExportOptions& options)
     try {
         C3DScene* const working = scene->InitExport(options);
         bool written = false;
-        if (!working || !working->GetChildNode(nullptr))
+        if (CProgressScope::IsCancelled())
+            SetIoError(IORESULT_CANCELLED, &options, IoLogInfo::WARNING);    // preparing may have left steps out
+        else if (!working || !working->GetChildNode(nullptr))
             SetIoError(IORESULT_NOTHING_TO_SAVE, &options, IoLogInfo::FAILURE);
         else {
             C3DParser& parser = *GetParser();
@@ -290,6 +309,11 @@ bool C3DIo::WriteFile(C3DScene* scene, CSceneExportOptions& options)
         C3DScene::ReleaseExport(options);
         return written;
     } catch (const CXException* exception) {
+        if (CProgressScope::IsCancelled()) {
+            C3DScene::ReleaseExport(options);
+            XDeleteThreadException();
+            return false;
+        }
         fail(exception);
         throw;
     } catch (...) {
@@ -300,7 +324,9 @@ bool C3DIo::WriteFile(C3DScene* scene, CSceneExportOptions& options)
 
 bool C3DIo::FailSaving(CSceneExportOptions& options)
 {
-    if (GetLastResult() == IORESULT_OK)
+    if (CProgressScope::IsCancelled())
+        SetIoError(IORESULT_CANCELLED, &options, IoLogInfo::WARNING);
+    else if (GetLastResult() == IORESULT_OK)
         SetIoError(IORESULT_FAILED, &options, IoLogInfo::FAILURE);
     ReportIoError(&options, FAILURE_LEVELS);
     return false;

@@ -11,6 +11,7 @@
 #include "tools/FileIo.h"
 #include "tools/FileNameSpec.h"
 #include "tools/IoFile.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -103,6 +104,13 @@ void WriteScene(IoFile& file, C3DScene& scene)
     ar.Close();
 }
 
+/// About what the scene takes in the file.
+std::uint64_t GuessBytes(const C3DScene& scene)
+{
+    constexpr std::uint64_t OF_POINT = 16, OF_FACE = 32;
+    return 1 + OF_POINT * static_cast<std::uint64_t>(scene.GetPointNbr()) + OF_FACE * static_cast<std::uint64_t>(scene.GetFaceNbr());
+}
+
 /// The file name of a scene is not stored with it. It comes back unless the scene was saved.
 class CNameOutOfTheWay {
 public:
@@ -134,13 +142,15 @@ C3DScene* C3DIFIo::Read(const CXTString<wchar_t>& name, CSceneImportOptions& opt
         return nullptr;
     }
     SetScene(C3DScene::Create());
+    const CByteProgress progress(L"Reading", file.GetLength());
     try {
         if (!ReadScene(file, *GetScene(), name, options)) {
             DeleteMe(GetScene());
             SetScene(nullptr);
         }
     } catch (const CXArchiveException* damage) {
-        options.AddLogInfo(IoLogInfo::FAILURE, name + L" is damaged: " + GetDamageText(damage->GetType()));
+        if (!CProgressScope::IsCancelled())
+            options.AddLogInfo(IoLogInfo::FAILURE, name + L" is damaged: " + GetDamageText(damage->GetType()));
         throw;
     }
     file.CloseFile();
@@ -156,6 +166,7 @@ bool C3DIFIo::Save(const CXTString<wchar_t>& name, C3DScene* scene, CSceneExport
         return false;
     }
     LogBadFaces(*scene, options);
+    const CByteProgress progress(L"Saving", GuessBytes(*scene));
     CNameOutOfTheWay sceneName(*scene);
     try {
         WriteScene(file, *scene);

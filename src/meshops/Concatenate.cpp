@@ -21,6 +21,7 @@
 #include "scene/Curve.h"
 #include "scene/Filter.h"
 #include "tools/BlockVector.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -107,12 +108,14 @@ private:
 class Concatenation {
 public:
     Concatenation(C3DGeomObject& to, C3DScene* scene, const C3DFilter* filter, bool sourcesStay)
-        : m_to(to), m_scene(scene), m_filter(filter), m_sourcesStay(sourcesStay), m_materials(scene)
+        : m_to(to), m_scene(scene), m_filter(filter), m_sourcesStay(sourcesStay), m_mayStop(to.GetFaceNbr() == 0 && to.GetPointNbr() == 0),
+          m_materials(scene)
     {
     }
 
     bool Plan(const CXArray<C3DGeomObject*, C3DGeomObject*>& sources);
-    void Append();
+    /// False when the user stopped it.
+    bool Append();
     void RenameInMaterials() { m_materials.Apply(m_to); }
 
 private:
@@ -128,6 +131,7 @@ private:
     bool CanMaterialsFollow();
     bool AreOthersUntouched();
 
+    void EmptyDestination();
     void Reserve();
     void ReserveChannel(CChannel& channel);
     void AppendSource(Source& source);
@@ -138,7 +142,7 @@ private:
     C3DGeomObject& m_to;
     C3DScene* const m_scene;
     const C3DFilter* const m_filter;
-    const bool m_sourcesStay;
+    const bool m_sourcesStay, m_mayStop;
     CBlockVector<Source> m_sources;
     CBlockVector<CChannel*> m_added;    // to the destination
     MaterialNames m_materials;
@@ -352,12 +356,37 @@ void MaterialNames::Apply(C3DGeomObject& object) const
 
 // --- Append ---------------------------------------------------------------------------------------------------------
 
-void Concatenation::Append()
+bool Concatenation::Append()
 {
+    CProgress progress(L"Concatenating", static_cast<std::uint64_t>(m_faces + m_points));
+    const unsigned int uvw = m_to.GetGlobalUVWChannel();
+    float strength;
+    const unsigned int colours = m_to.GetGlobalVCChannel(strength);
     Reserve();
     LevelChannels();    // a destination that has faces already: new channels are out of step
-    for (Source& source : m_sources)
+    for (Source& source : m_sources) {
         AppendSource(source);
+        if (progress.Step(static_cast<std::uint64_t>(source.faceCount) + source.object->GetPointNbr()) || !m_mayStop)
+            continue;
+        EmptyDestination();
+        m_to.SetGlobalUVWChannel(uvw);
+        m_to.SetGlobalVCChannel(colours, strength);
+        return false;
+    }
+    return true;
+}
+
+void Concatenation::EmptyDestination()
+{
+    ForgetChannels();
+    m_to.GetFaceList()->RemoveAll();
+    m_to.GetPointList()->RemoveAll();
+    for (CChannel* channel : *m_to.GetChannels()) {
+        if (channel->GetFaceList())
+            channel->GetFaceList()->RemoveAll();
+        if (channel->GetPointList())
+            channel->GetPointList()->RemoveAll();
+    }
 }
 
 void Concatenation::Reserve()
@@ -470,9 +499,8 @@ bool Concatenate(C3DGeomObject& destination, C3DScene* scene, const CXArray<C3DG
     if (!destination.GetPointList() || !destination.GetFaceList())
         return false;
     Concatenation run(destination, scene, filter, sourcesStay);
-    if (!run.Plan(sources))
+    if (!run.Plan(sources) || !run.Append())
         return false;
-    run.Append();
     destination.SetFlag(OBJECT_EMPTY, false);
     const int faces = destination.GetFaceNbr();
     destination.Clean();

@@ -7,7 +7,8 @@
 
 class C3DFilterByMaterial;
 
-/// What C3DGeomObject::Concatenate does, for sources that may go on standing in the scene.
+/// What C3DGeomObject::Concatenate does, for sources that may go on standing in the scene. The user can stop it when the destination is
+/// empty.
 ///
 /// @param sourcesStay   the materials that they share with the destination keep naming their channels
 /// @param droppedFaces  grows by the number of faces that came in and that the final clean took out again; may be null

@@ -2,6 +2,7 @@
 
 #include "meshops/Concatenate.h"
 
+#include <optional>
 #include <vector>
 
 #include "geometry/3DPointList.h"
@@ -9,6 +10,7 @@
 #include "scene/3DScene.h"
 #include "scene/Filter.h"
 #include "scene/NodeWalkTM.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -75,6 +77,14 @@ C3DSceneNode* JoinBranch(C3DScene& scene, C3DSceneNode* start, const CXTString<w
         destination = CreateDestination();
     if (!start)
         start = scene.GetRoot();
+    CProgress progress(L"Concatenating", 2);
+    if (progress.IsCancelled()) {
+        DeleteMe(destination);
+        return nullptr;
+    }
+    std::optional<CProgressCommit> commit;
+    if (replace)
+        commit.emplace();    // nodes change where they stand
     if (replace && start == scene.GetRoot())
         scene.ConvertToGlobalCoordinates(nullptr);
 
@@ -82,6 +92,7 @@ C3DSceneNode* JoinBranch(C3DScene& scene, C3DSceneNode* start, const CXTString<w
     for (const Part& part : ListParts(scene, start, filter, includeStart))
         if (C3DGeomObject* object = TakeObject(part, replace))
             objects.Add(object);
+    progress.Step();
     Concatenate(*destination, &scene, objects, filter, fate == STAY, droppedFaces);
     for (C3DGeomObject* object : objects)
         DeleteMe(object);
@@ -105,11 +116,17 @@ int JoinByMaterials(C3DScene& scene, C3DSceneNode* start, bool replace, C3DFilte
     C3DFilterByMaterial local;
     if (!filter)
         filter = &local;
-    scene.ConvertToGlobalCoordinates(start);
     C3DFaceList::MaterialsMap materials;
     scene.GetMaterials(start, materials, false);
+    CProgress progress(L"Concatenating", materials.GetCount());
+    if (progress.IsCancelled())
+        return 0;
+    const CProgressCommit commit;    // the coordinates change where they are
+    scene.ConvertToGlobalCoordinates(start);
     std::vector<C3DSceneNode*> nodes;
+    std::uint64_t done = 0;
     for (const auto& entry : materials) {
+        progress.SetPos(done++);
         const C3DMaterial* material = scene.GetMaterialList().FindByID(entry.first);
         if (!material)
             continue;

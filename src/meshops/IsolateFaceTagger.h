@@ -1,8 +1,12 @@
 #pragma once
 
+#include <memory>
+
 #include "geometry/FaceTagger.h"
 #include "meshops/SubObjectCutter.h"
 #include "tools/Array.h"
+
+class CProgress;
 
 /// Makes an object of each group of faces, unless one group is all there is.
 class ZEL_API CIsolateFaceTagger : public CFaceTagger {
@@ -16,4 +20,5 @@ private:
     CXArray<C3DGeomObject*, C3DGeomObject*>& m_parts;
     CSubObjectCutter m_cutter;
     unsigned int m_liveFaces;
+    std::unique_ptr<CProgress> m_progress;    // cancelled: further groups make nothing
 };

@@ -2,14 +2,17 @@
 //
 //   cut      the points: a slice with too many is halved along the longest side of its box, and so on
 //   faces    go to the slice of most of their corners; one whose faces reach too many points is cut again
-//   parts    a new node for each slice with faces; sharers of the object get instances; the old nodes go
+//   parts    an object for each slice with faces. Stopping here costs nothing
+//   nodes    a new one for each part; sharers of the object get instances; the old nodes go
 
 #include "meshops/Slice.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cmath>
 #include <numeric>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "channels/Block.h"
@@ -23,6 +26,7 @@
 #include "scene/3DScene.h"
 #include "tools/BlockVector.h"
 #include "tools/Hash.h"
+#include "tools/Progress.h"
 
 bool SliceScene(const CCustomData& parameters, C3DScene* scene)
 {
@@ -69,17 +73,21 @@ class CSlicer {
 public:
     CSlicer(const C3DPointList& points, const C3DFaceList& faces, unsigned int mostPoints)
         : m_points(points.GetFirst()), m_faces(faces), m_mostPoints(mostPoints), m_slice(points.GetSize(), 0), m_order(points.GetSize()),
-          m_usedBy(points.GetSize())
+          m_usedBy(points.GetSize()), m_mostSlices(2 * static_cast<std::size_t>(faces.GetNumberOfFaces(FACE_DEAD, false)) + FEW),
+          m_progress(L"Slicing", static_cast<std::uint64_t>(points.GetSize()) * std::bit_width(points.GetSize() / (mostPoints + 1u)) + 1)
     {
         std::iota(m_order.GetData(), m_order.GetData() + m_order.GetSize(), 0);
         m_slices.push_back({0, points.GetSize()});
     }
 
-    void Run()
+    /// False when the user stopped it.
+    bool Run()
     {
         CBlockVector<int> toCut{0};
         while (!toCut.empty()) {
             while (!toCut.empty()) {
+                if (m_progress.IsCancelled())
+                    return false;
                 const int slice = toCut.back();
                 toCut.pop_back();
                 Cut(slice, toCut);
@@ -89,6 +97,7 @@ public:
                 if (m_slices[m_sliceOfGroup[group]].mayBeCut && CountPoints(static_cast<int>(group)) > m_mostPoints)
                     toCut.push_back(m_sliceOfGroup[group]);
         }
+        return true;
     }
 
     /// All faces are still together, above the limit.
@@ -98,6 +107,7 @@ public:
 
 private:
     static constexpr int NO_GROUP = -1;
+    static constexpr std::size_t FEW = 256;
 
     struct Slice {
         int begin, end;    ///< in m_order
@@ -106,14 +116,16 @@ private:
 
     // Points
 
-    /// Halves a slice; a half with too many points is to be cut again. Points at one place cannot be cut: their slice stays.
+    /// Halves a slice; a half with too many points is to be cut again. Points at one place cannot be cut: their slice stays. So does one of
+    /// more slices than faces can part.
     void Cut(int slice, CBlockVector<int>& toCut)
     {
         const Slice whole = m_slices[slice];
+        m_progress.Step(static_cast<std::uint64_t>(whole.end - whole.begin));
         int axis;
         float low;
         double cell;
-        if (!GetCut(whole, axis, low, cell)) {
+        if (m_slices.size() > m_mostSlices || !GetCut(whole, axis, low, cell)) {
             m_slices[slice].mayBeCut = false;
             return;
         }
@@ -243,6 +255,8 @@ private:
     CBlockVector<std::uint64_t> m_usedBy;    ///< by point
     std::uint64_t m_stamp = 0;
     CHashMap<int, int> m_counts;
+    const std::size_t m_mostSlices;
+    CProgress m_progress;    // points by cuts
 };
 
 bool HasFacesToCut(const C3DGeomObject& object)
@@ -275,24 +289,57 @@ void AddPart(C3DScene& scene, const C3DSceneNode* sibling, C3DBaseObject* object
     scene.AddNode(sibling->GetParent(), node);
 }
 
-/// Parts for the node and for each that shares its object. These nodes are listed: they go at the end.
-void SplitObject(C3DScene& scene, C3DSceneNode* node, unsigned int mostPoints, std::vector<C3DSceneNode*>& replaced)
-{
-    C3DGeomObject* object = node->GetGeomObject();
-    CSlicer slicer(*object->GetPointList(), *object->GetFaceList(), mostPoints);
-    slicer.Run();
-    if (slicer.IsWhole())
-        return;
+using Parts = std::vector<C3DObject*>;
 
+/// The parts of each object that is cut. What is not taken goes.
+class PartsOfObjects {
+public:
+    PartsOfObjects() = default;
+    PartsOfObjects(const PartsOfObjects&) = delete;
+    ~PartsOfObjects()
+    {
+        for (auto& [object, parts] : m_parts)
+            for (C3DObject* part : parts)
+                DeleteMe(part);
+    }
+
+    /// False when the user stopped it.
+    bool Cut(C3DGeomObject& object, unsigned int mostPoints)
+    {
+        CSlicer slicer(*object.GetPointList(), *object.GetFaceList(), mostPoints);
+        if (!slicer.Run())
+            return false;
+        if (slicer.IsWhole())
+            return true;
+        Parts& parts = m_parts[&object];
+        CSubObjectCutter cutter(object);
+        CProgress progress(L"Slicing", slicer.GetParts().size());
+        for (const FaceRun& run : slicer.GetParts()) {
+            if (C3DObject* part = cutter.Cut(slicer.GetFaces() + run.begin, static_cast<unsigned int>(run.end - run.begin)))
+                parts.push_back(part);
+            if (!progress.Step())
+                return false;
+        }
+        return true;
+    }
+    Parts Take(C3DGeomObject* object)
+    {
+        const auto found = m_parts.find(object);
+        return found != m_parts.end() ? std::exchange(found->second, {}) : Parts();
+    }
+
+private:
+    std::unordered_map<C3DGeomObject*, Parts> m_parts;
+};
+
+/// Nodes for the parts beside the node and beside each that shares its object. These nodes are listed: they go at the end.
+void AddParts(C3DScene& scene, C3DSceneNode* node, const Parts& parts, std::vector<C3DSceneNode*>& replaced)
+{
     CXArray<C3DSceneNode*> sharers;
-    if (object->IsInstanciated())
+    if (node->GetGeomObject()->IsInstanciated())
         scene.GetInstancesByID(nullptr, node, sharers, true);
-    CSubObjectCutter cutter(*object);
     int number = 0;
-    for (const FaceRun& run : slicer.GetParts()) {
-        C3DObject* part = cutter.Cut(slicer.GetFaces() + run.begin, static_cast<unsigned int>(run.end - run.begin));
-        if (!part)
-            continue;
+    for (C3DObject* part : parts) {
         AddPart(scene, node, part, number);
         for (C3DSceneNode* sharer : sharers)
             if (sharer != node)
@@ -309,12 +356,20 @@ void SplitObject(C3DScene& scene, C3DSceneNode* node, unsigned int mostPoints, s
 
 bool SplitObjects(C3DScene& scene, unsigned int mostPoints)
 {
-    if (GetNodesToSplit(scene, mostPoints).empty())
+    const std::vector<C3DSceneNode*> nodes = GetNodesToSplit(scene, mostPoints);
+    PartsOfObjects made;
+    CProgress progress(L"Slicing", nodes.size());
+    for (C3DSceneNode* node : nodes)
+        if (!made.Cut(*node->GetGeomObject(), mostPoints) || !progress.Step())
+            return false;
+    if (nodes.empty())
         return false;
+
     scene.MakeGroupForChilds(nullptr);
     std::vector<C3DSceneNode*> replaced;
     for (C3DSceneNode* node : GetNodesToSplit(scene, mostPoints))
-        SplitObject(scene, node, mostPoints, replaced);
+        if (const Parts parts = made.Take(node->GetGeomObject()); !parts.empty())
+            AddParts(scene, node, parts, replaced);
     for (C3DSceneNode* node : replaced)
         scene.RemoveNode(node, true);
     return true;

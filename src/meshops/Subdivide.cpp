@@ -18,6 +18,7 @@
 #include "scene/3DObject.h"
 #include "scene/Patch.h"
 #include "tools/BlockVector.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -547,34 +548,55 @@ private:
     mutable CBlockVector<int> m_along, m_across;
 };
 
-template <class LEVEL> void Divide(C3DObject& object)
+// False when the user stopped it: the object is as it was.
+template <class LEVEL> bool Divide(C3DObject& object)
 {
+    CProgress progress(L"Subdividing", 3);
     C3DPointList* points;
     C3DFaceList* faces;
     CDependentChannels* channels;
     {
         LEVEL level(object);
         faces = level.CreateFaces();
+        progress.Step();
         points = level.CreatePoints();
+        progress.Step();
         channels = level.CreateChannels();
+    }
+    if (!progress.Step()) {
+        DeleteMe(points);
+        DeleteMe(faces);
+        DeleteMe(channels);
+        return false;
     }
     object.SetChannels(channels, true);
     object.SetPointList(points, true);
     object.SetFaceList(faces, true);
+    return true;
+}
+
+// Level by level, until the user stops it.
+template <class LEVEL> void Divide(C3DObject& object, int levels)
+{
+    const auto work = [](int level) { return std::uint64_t{1} << 2 * level; };    // each level has four times the faces
+    CProgress progress(L"Subdividing", work(levels));
+    for (int level = 0; level < levels && progress.SetPos(work(level)); level++)
+        if (!Divide<LEVEL>(object))
+            return;
 }
 
 }
 
 void C3DPatch::Subdivide3(C3DObject* object)
 {
-    for (int i = 0; object && i < m_level; i++)
-        Divide<LoopLevel>(*object);
+    if (object)
+        Divide<LoopLevel>(*object, m_level);
 }
 
 void C3DPatch::Subdivide4(C3DObject* object)
 {
-    for (int i = 0; object && i < m_level; i++)
-        Divide<CatmullClarkLevel>(*object);
+    if (object)
+        Divide<CatmullClarkLevel>(*object, m_level);
 }
 
 void C3DPatch::Subdivide(int level)
@@ -595,6 +617,10 @@ void C3DPatch::Subdivide(int level)
     if (C3DObject* others = SubObject(4, SUBOBJECT_MORE))
         parts.Add(others);
     m_final = Join(parts);
+    if (CProgressScope::IsCancelled()) {
+        DeleteMe(m_final);
+        m_final = nullptr;
+    }
 }
 
 // Makes one object of the parts, which go.

@@ -20,6 +20,7 @@
 #include "meshops/IntCoordMap.h"
 #include "tools/BlockVector.h"
 #include "tools/HashMix.h"
+#include "tools/Progress.h"
 
 C3DPointSymetryMap::~C3DPointSymetryMap() = default;
 
@@ -299,7 +300,12 @@ C3DPointSymetryMap* C3DPointList::InitSymetryMap(_AXIS_INFO axisInfo, double tol
     CImageSearch search(*this, *grid, {axis, Middle(low[axis], high[axis])}, size * tolerance);
     map->InitTable(static_cast<unsigned int>(GetSize()) / 6);
     const C3DTPoint<float>* points = GetFirst();
+    CProgress progress(L"Looking for symmetry", static_cast<std::uint64_t>(GetSize()));
     for (int p = 0; p < GetSize(); p++) {
+        if (!progress.Step()) {
+            DeleteMe(map);
+            return nullptr;
+        }
         if (map->Find(p))
             continue;
         const int q = search.FindPartner(points[p]);

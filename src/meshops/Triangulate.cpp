@@ -17,6 +17,7 @@
 #include "meshops/GatherFaces.h"
 #include "scene/GeomObject.h"
 #include "tools/BlockVector.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -45,7 +46,8 @@ public:
         m_from.reserve(total);
         m_ears.reserve(total);
         CEarClipping clipping;
-        for (int face = 0, size = faces.GetSize(); face < size; face++) {
+        CProgress progress(L"Triangulating", static_cast<std::uint64_t>(faces.GetSize()));
+        for (int face = 0, size = faces.GetSize(); face < size && progress.Step(); face++) {
             int count;
             const int* corners = faces.GetIndexes(face, count);
             if (selection.IsSplit(face, count))
@@ -55,8 +57,10 @@ public:
                 m_ears.push_back(AS_IT_STANDS);
             }
         }
+        m_cancelled = progress.IsCancelled();
     }
 
+    bool IsCancelled() const { return m_cancelled; }
     int GetCount() const { return static_cast<int>(m_from.size()); }
 
     /// Fills `target` with the faces of `source` as planned. `geometry` tells how many corners a face has that was split: a channel face
@@ -133,6 +137,7 @@ private:
 
     CBlockVector<int> m_from;    // source face by face of the result
     EarArray m_ears;
+    bool m_cancelled;
 };
 
 }
@@ -163,6 +168,8 @@ int C3DFaceList::DoTriangulation(const CGeomInfo* info, int total, _TriangularIn
     if (!target || target == this || !points)
         return 0;
     const CSplitPlan plan(*this, *points, CSelection(*this, properties, wanted), total);
+    if (plan.IsCancelled())
+        return -1;
     plan.Write(*target, *this, *this);
     for (int i = 0; i < info->GetChannelSize(); i++) {
         CFaceList *from, *to;
@@ -313,8 +320,7 @@ bool C3DGeomObject::Triangulate(unsigned int channelTypes, _FACE_PROPERTIES prop
     if (!(GetKindOf() & (OBJECT_POLYGONAL | OBJECT_PATCH)) || IsFlagSet(OBJECT_EMPTY) || !m_faces)
         return false;
     CGeomInfo info(this);
-    m_faces->Triangulate(&info, channelTypes, properties, wanted);
-    if (info.GetDstFaceList() == m_faces)
+    if (m_faces->Triangulate(&info, channelTypes, properties, wanted) < 0 || info.GetDstFaceList() == m_faces)
         return false;
     SetFaceList(info.GetDst3DFaceList(true), true);
     SetChannels(info.GetDstChannels(true), true);

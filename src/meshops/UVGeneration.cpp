@@ -20,6 +20,7 @@
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 #include "tools/BlockVector.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -313,13 +314,19 @@ unsigned int C3DGeomObject::CreateUVWChannel(CMaterialMap* map, unsigned int mat
 
 bool C3DGeomObject::GenerateUVW(C3DScene* scene)
 {
-    if (!scene)
-        return false;
+    const CBlockVector<unsigned int> materials = scene ? ListMaterials(*this) : CBlockVector<unsigned int>();
     CBlockVector<unsigned int> made;
-    for (const unsigned int material : ListMaterials(*this))
+    CProgress progress(L"Creating UV", materials.size());
+    if (progress.IsCancelled())
+        return false;
+    const CProgressCommit commit;    // objects and materials change one by one
+    std::uint64_t done = 0;
+    for (const unsigned int material : materials) {
+        progress.SetPos(done++);
         if (CMaterialMap* map = GetProjectedMap(*scene, material))
             if (const unsigned int id = CreateUVWChannel(map, material, false); GetChannelByID(id, CHANNEL_UVW))
                 made.push_back(id);
+    }
     for (const unsigned int id : made)
         GetChannelByID(id, CHANNEL_UVW)->GetFaceList()->FreeExtra();
     if (!made.empty())
@@ -332,8 +339,14 @@ bool C3DScene::GenerateUVW()
     bool generated = false;
     std::vector<CMaterialMap*> maps;
     C3DGeomObject* object;
+    CProgress progress(L"Creating UV", static_cast<std::uint64_t>(GetChildCount(nullptr, OBJECT_GEOMETRIC)));
+    if (progress.IsCancelled())
+        return false;
+    const CProgressCommit commit;    // objects and materials change one by one
+    std::uint64_t done = 0;
     for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
+        progress.SetPos(done++);
         generated |= object->GenerateUVW(this);
         for (const unsigned int material : generated ? ListMaterials(*object) : CBlockVector<unsigned int>())
             if (CMaterialMap* map = GetProjectedMap(*this, material)) {

@@ -24,6 +24,7 @@
 #include "meshops/UnifyTagger.h"
 #include "scene/GeomObject.h"
 #include "tools/BlockVector.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -46,12 +47,14 @@ class CUnifyTagger::Run {
 public:
     Run(CGeomInfo& info, CBitArray& flipped)
         : m_info(info), m_faces(*info.GetSrc3DFaceList()), m_points(*info.GetSrc3DPointList()), m_edges(m_faces, &info), m_flipped(flipped),
-          m_visited(static_cast<unsigned int>(m_faces.GetSize()), false)
+          m_visited(static_cast<unsigned int>(m_faces.GetSize()), false),
+          m_progress(L"Unifying normals", static_cast<std::uint64_t>(m_faces.GetSize()))
     {
         m_points.GetBoundingBox(m_min, m_max);
     }
 
     void Unify(const unsigned int* faces, unsigned int count);
+    bool IsCancelled() const { return m_progress.IsCancelled(); }
 
 private:
     static constexpr unsigned int NONE = 0xFFFFFFFF;
@@ -86,6 +89,7 @@ private:
     const CCornerEdges m_edges;
     CBitArray& m_flipped;
     CBitArray m_visited;
+    CProgress m_progress;    // faces that have their orientation
     C3DTPoint<float> m_min, m_max;
     CBlockVector<int> m_sheet;    // the flood's queue: in the end all faces of the sheet
 
@@ -108,7 +112,7 @@ void CUnifyTagger::Run::Unify(const unsigned int* faces, unsigned int count)
     std::size_t done = 0;
     m_numbered = false;
     m_late.clear();
-    for (unsigned int first = 0; first < count; first++) {
+    for (unsigned int first = 0; first < count && !IsCancelled(); first++) {
         const int seed = static_cast<int>(faces[first]);
         if (IsVisited(seed))
             continue;
@@ -128,7 +132,7 @@ void CUnifyTagger::Run::FloodSheet(int seed)
 {
     m_sheet.assign(1, seed);
     m_visited.SetAt(static_cast<unsigned int>(seed), true);
-    for (std::size_t next = 0; next < m_sheet.size(); next++)
+    for (std::size_t next = 0; next < m_sheet.size() && m_progress.Step(); next++)
         Spread(m_sheet[next]);
 }
 
@@ -165,7 +169,7 @@ void CUnifyTagger::Run::FollowSheet(const unsigned int* faces, unsigned int coun
     for (const int face : m_sheet)
         Tell(face);
     m_late.clear();
-    while (!m_asked.empty()) {
+    while (!m_asked.empty() && !IsCancelled()) {
         m_place = m_asked.top();
         m_asked.pop();
         const int face = static_cast<int>(faces[m_place]);
@@ -173,6 +177,7 @@ void CUnifyTagger::Run::FollowSheet(const unsigned int* faces, unsigned int coun
             continue;
         m_visited.SetAt(static_cast<unsigned int>(face), true);
         m_late.push_back(face);
+        m_progress.Step();
         Tell(face);
     }
 }
@@ -373,6 +378,7 @@ bool CUnifyTagger::InitProcess(CGeomInfo* info)
 
 void CUnifyTagger::EndProcess(unsigned int)
 {
+    m_cancelled = m_run && m_run->IsCancelled();
     m_run.reset();
     m_faces->DeleteEdgeToFaceGraph();
     m_faces->DeletePointToFaceGraph();    // of the walk
@@ -380,13 +386,24 @@ void CUnifyTagger::EndProcess(unsigned int)
 
 void CUnifyTagger::ProcessGroup(unsigned int* faces, unsigned int count) { m_run->Unify(faces, count); }
 
+static void FlipFaces(CFaceList& faces, const CBitArray& which)
+{
+    for (unsigned int face = 0; face < which.GetSize(); face++)
+        if (CFace view; which[face] && faces.GetFace(face, view))
+            view.Flip();
+}
+
 bool C3DFaceList::UnifyNormals(CGeomInfo* info, CBitArray& flipped)
 {
     flipped.SetSize(static_cast<unsigned int>(GetSize()), false);
     CUnifyTagger tagger(flipped);
     if (GetSize() > 0)
         TagFaces(info, tagger, false);
-    return true;
+    if (!tagger.IsCancelled())
+        return true;
+    FlipFaces(*this, flipped);    // back
+    flipped.SetSize(static_cast<unsigned int>(GetSize()), false);
+    return false;
 }
 
 bool C3DGeomObject::UnifyNormals()
@@ -395,14 +412,13 @@ bool C3DGeomObject::UnifyNormals()
         return false;
     CGeomInfo info(this);
     CBitArray flipped;
-    m_faces->UnifyNormals(&info, flipped);
+    if (!m_faces->UnifyNormals(&info, flipped))
+        return false;
     for (CChannel* channel : *m_channels) {
         CFaceList* faces = channel->GetFaceList();
         if (!faces || channel->IsOneFlagSet(CHANNEL_INVALID | CHANNEL_UNFOLLOWED))
             continue;
-        for (unsigned int face = 0; face < flipped.GetSize(); face++)
-            if (CFace view; flipped[face] && faces->GetFace(face, view))
-                view.Flip();
+        FlipFaces(*faces, flipped);
     }
     Invalidate(CHANGE_FACES, true);
     return true;

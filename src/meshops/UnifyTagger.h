@@ -17,10 +17,13 @@ public:
     bool InitProcess(CGeomInfo* info) override;
     void EndProcess(unsigned int groupCount) override;
     void ProcessGroup(unsigned int* faces, unsigned int count) override;
+    /// Afterwards: the user stopped it, and faces are turned only in part.
+    bool IsCancelled() const { return m_cancelled; }
 
 private:
     class Run;
 
     CBitArray& m_flipped;
     std::unique_ptr<Run> m_run;    // from InitProcess to EndProcess
+    bool m_cancelled = false;
 };

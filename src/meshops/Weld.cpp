@@ -83,9 +83,10 @@ public:
                 progress.SetPos(done, false);
                 return !progress.CheckCancelButton();
             });
-        if (finished)
-            Resolve();
-        return finished;
+        if (!finished || progress.CheckCancelButton())    // a small list asks here alone
+            return false;
+        Resolve();
+        return true;
     }
 
     bool HasMerges() const { return m_merges; }

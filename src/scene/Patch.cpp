@@ -39,7 +39,7 @@ C3DBaseObject* C3DPatch::GetFinalObject(bool detach)
     else if (!m_final)
         SetLevel(static_cast<int>(C3DPreferences::Get3DPreferences().GetPatchLevel()));
     if (!m_final)
-        return nullptr;    // the mesh cannot be copied
+        return nullptr;    // the mesh cannot be copied, or the user stopped the subdivision
     m_final->SetScene(detach ? nullptr : GetScene());
     C3DObject* const final = m_final;
     if (detach)

@@ -3,6 +3,7 @@
 
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
+#include "tools/Progress.h"
 
 C3DSceneNode* C3DScene::RemoveNode(C3DSceneNode* node, bool destroy)
 {
@@ -110,9 +111,14 @@ bool C3DScene::MergeMatrixKeyframes(C3DSceneNode* parent, C3DSceneNode* child)
 
 void C3DScene::Clean()
 {
+    CProgress progress(L"Cleaning", static_cast<std::uint64_t>(GetChildCount(nullptr, OBJECT_GEOMETRIC)));
+    if (progress.IsCancelled())
+        return;
+    const CProgressCommit commit;    // objects change one by one
     C3DGeomObject* object;
     for (C3DNodePos pos = GetFirstNode(OBJECT_GEOMETRIC, ITER_UNIQUE_OBJECTS); pos;) {
         GetNextNode(object, pos);
         object->Clean();
+        progress.Step();
     }
 }

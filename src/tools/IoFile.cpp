@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "tools/Memory.h"
+#include "tools/Progress.h"
 #include "tools/TemporaryFile.h"
 
 namespace {
@@ -158,7 +159,7 @@ bool IoFile::IsOpen() const { return m_handle >= 0; }
 
 std::size_t IoFile::ReadBytes(void* bytes, std::size_t size)
 {
-    if (m_handle < 0 || m_writing)
+    if (m_handle < 0 || m_writing || !CByteProgress::Count(size))
         return 0;
     std::size_t done = 0;
     while (done < size) {
@@ -176,6 +177,10 @@ bool IoFile::WriteBytes(const void* bytes, std::size_t size)
 {
     if (m_handle < 0 || !m_writing || m_failed)
         return false;
+    if (!CByteProgress::Count(size)) {
+        m_failed = true;
+        return Fail(ECANCELED);
+    }
     for (std::size_t done = 0; done < size;) {
         const ssize_t put = write(m_handle, static_cast<const char*>(bytes) + done, std::min(size - done, MOST_AT_ONCE));
         if (put < 0 && errno == EINTR)

@@ -11,6 +11,8 @@ struct ProgressState {
     IProgressSink* sink;
     CProgress* innermost = nullptr;
     bool cancelled = false;
+    int commits = 0;        // CProgressCommits that stand
+    bool wished = false;    // to stop, meanwhile
 };
 
 namespace {
@@ -19,6 +21,7 @@ constexpr double GRAIN = 0.001;    // of the whole operation: what a sink hears 
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
 thread_local ProgressState* t_state = nullptr;
+thread_local CByteProgress* t_bytes = nullptr;
 
 }
 
@@ -36,6 +39,8 @@ CProgressScope::~CProgressScope()
 }
 
 IProgressSink* CProgressScope::GetCurrentSink() { return t_state ? t_state->sink : nullptr; }
+
+bool CProgressScope::IsCancelled() { return t_state && t_state->cancelled; }
 
 CProgress::CProgress(const CXTString<wchar_t>& text, std::uint64_t range)
     : m_text(text), m_range(std::max<std::uint64_t>(range, 1)), m_next(NEVER), m_state(t_state)
@@ -85,11 +90,19 @@ bool CProgress::Notify()
 bool CProgress::Tell()
 {
     if (!m_state->cancelled && !m_state->sink->OnProgress(m_text, GetFraction())) {
-        m_state->cancelled = true;
-        for (CProgress* progress = m_state->innermost; progress; progress = progress->m_outer)
-            progress->m_cancelled = true;
+        if (m_state->commits > 0)
+            m_state->wished = true;
+        else
+            Cancel(*m_state);
     }
     return !m_state->cancelled;
+}
+
+void CProgress::Cancel(ProgressState& state)
+{
+    state.cancelled = true;
+    for (CProgress* progress = state.innermost; progress; progress = progress->m_outer)
+        progress->m_cancelled = true;
 }
 
 // The next position that is worth telling: at least GRAIN of the whole further on.
@@ -101,8 +114,34 @@ void CProgress::PlanNext()
 
 double CProgress::GetFraction() const
 {
-    return m_base + m_share * static_cast<double>(std::min(m_position, m_range)) / static_cast<double>(m_range);
+    // Work inside another one that is at its end already adds nothing.
+    return std::min(1.0, m_base + m_share * static_cast<double>(std::min(m_position, m_range)) / static_cast<double>(m_range));
 }
+
+CProgressCommit::CProgressCommit() : m_state(t_state), m_wished(t_state && t_state->cancelled)
+{
+    if (!m_state)
+        return;
+    m_state->commits++;
+    m_state->cancelled = false;
+}
+
+CProgressCommit::~CProgressCommit()
+{
+    if (!m_state || (--m_state->commits > 0 && !m_wished))
+        return;
+    if (m_wished || m_state->wished)
+        CProgress::Cancel(*m_state);
+}
+
+CByteProgress::CByteProgress(const CXTString<wchar_t>& text, std::uint64_t total) : m_progress(text, total), m_outer(t_bytes)
+{
+    t_bytes = this;
+}
+
+CByteProgress::~CByteProgress() { t_bytes = m_outer; }
+
+bool CByteProgress::Count(std::uint64_t bytes) { return !t_bytes || t_bytes->m_progress.Step(bytes); }
 
 CProgressDlg::CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent)
 {

@@ -26,6 +26,8 @@ public:
     CProgressScope& operator=(const CProgressScope&) = delete;
 
     static IProgressSink* GetCurrentSink();
+    /// True when the user wants what this thread does to stop. Nobody is asked.
+    static bool IsCancelled();
 
 private:
     ProgressState* m_former;
@@ -59,8 +61,11 @@ public:
     bool IsCancelled() const;
 
 private:
+    friend class CProgressCommit;
+
     bool Notify();
     bool Tell();
+    static void Cancel(ProgressState& state);
     void PlanNext();
     double GetFraction() const;
 
@@ -70,6 +75,36 @@ private:
     double m_base = 0, m_share = 1;    ///< its part of the whole operation
     CProgress* m_outer = nullptr;
     struct ProgressState* m_state = nullptr;
+};
+
+/// From here to its end nothing on this thread hears that the user wants to stop: what has begun is finished. The wish is kept until then.
+class ZEL_API CProgressCommit {
+public:
+    CProgressCommit();
+    ~CProgressCommit();
+    CProgressCommit(const CProgressCommit&) = delete;
+    CProgressCommit& operator=(const CProgressCommit&) = delete;
+
+private:
+    ProgressState* m_state;
+    bool m_wished;    // before
+};
+
+/// Progress of one reading or writing by the bytes that files of this thread move. When the user wants to stop, files fail.
+class ZEL_API CByteProgress {
+public:
+    /// @param total  bytes in all, as far as they are known; more of them are shown as all
+    CByteProgress(const CXTString<wchar_t>& text, std::uint64_t total);
+    ~CByteProgress();
+    CByteProgress(const CByteProgress&) = delete;
+    CByteProgress& operator=(const CByteProgress&) = delete;
+
+    /// Bytes that a file is about to move. False when the user wants to stop; always true when no such progress stands.
+    static bool Count(std::uint64_t bytes);
+
+private:
+    CProgress m_progress;
+    CByteProgress* const m_outer;
 };
 
 /// Progress window over a parent. It uses the thread's sink, or else one that the window system gives.

@@ -16,6 +16,7 @@
 #include "support/SceneEqual.h"
 #include "support/TempFolder.h"
 #include "tools/Exception.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -144,6 +145,45 @@ TEST_F(NativeFile, IsRefusedByItsHeader)
         EXPECT_EQ(m_result, row.result);
         EXPECT_NE(m_log.find(row.log), std::string::npos) << m_log;
     }
+}
+
+// The sink hears of reading and saving, and wants to stop at each of the first times.
+TEST_F(NativeFile, AReadingOrSavingStopsWhenTheUserWants)
+{
+    class Sink : public IProgressSink {
+    public:
+        explicit Sink(int at) : m_at(at) {}
+        bool OnProgress(const CXTString<wchar_t>&, double) override { return ++told != m_at; }
+        int told = 0;
+
+    private:
+        int m_at;
+    };
+    const auto front = [&](C3DScene* scene, const char* name, int& result) {
+        C3DIo io(m_folder.Wide(name), FILEIO_SILENT | (scene ? 0u : static_cast<unsigned int>(FILEIO_READ)), nullptr);
+        const OwnedScene read(scene ? nullptr : io.Read(false, nullptr));
+        const bool done = scene ? io.Save(false, scene, nullptr) : read != nullptr;
+        result = io.GetLastResult();
+        return done;
+    };
+    const OwnedScene scene(CreateFullScene());
+    int result;
+    ASSERT_TRUE(front(scene.get(), "kept.3dif", result));
+    for (C3DScene* what : {scene.get(), static_cast<C3DScene*>(nullptr)}) {
+        Sink all(0);
+        {
+            const CProgressScope scope(&all);
+            ASSERT_TRUE(front(what, "kept.3dif", result));
+        }
+        EXPECT_GT(all.told, 3);
+        for (int at = 1; at <= 3; at++) {
+            Sink sink(at);
+            const CProgressScope scope(&sink);
+            EXPECT_FALSE(front(what, "kept.3dif", result)) << at;
+            EXPECT_EQ(result, IORESULT_CANCELLED);
+        }
+    }
+    EXPECT_TRUE(front(nullptr, "kept.3dif", result));    // the file is whole
 }
 
 TEST_F(NativeFile, AFailedSaveLosesNothing)
