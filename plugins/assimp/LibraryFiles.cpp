@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include <assimp/DefaultIOSystem.h>
+
 #include "FileStamps.h"
 
 namespace {
@@ -38,7 +40,7 @@ private:
 Assimp::IOStream* LibraryFiles::Open(const char* file, const char* mode)
 {
     if (!std::strpbrk(mode, "wa"))
-        return m_disk.Open(file, mode);
+        return Assimp::DefaultIOSystem().Open(file, mode);
     OutputFile* output = m_files.Open(m_folder + Utf8ToWide(file));
     return output ? new OutputStream(*output) : nullptr;
 }

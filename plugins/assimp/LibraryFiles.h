@@ -1,7 +1,7 @@
 #pragma once
 
-#include <assimp/DefaultIOSystem.h>
 #include <assimp/IOStream.hpp>
+#include <assimp/IOSystem.hpp>
 
 #include "OutputFiles.h"
 
@@ -11,7 +11,8 @@ class LibraryFiles : public Assimp::IOSystem {
 public:
     LibraryFiles(OutputFiles& files, const CXTString<wchar_t>& folder) : m_files(files), m_folder(folder) {}
 
-    bool Exists(const char* file) const override { return m_disk.Exists(file); }
+    /// Nothing is in the way of a file: what stands in its place goes when all are written.
+    bool Exists(const char*) const override { return false; }
     char getOsSeparator() const override { return '/'; }
     Assimp::IOStream* Open(const char* file, const char* mode) override;
     void Close(Assimp::IOStream* stream) override { delete stream; }
@@ -19,5 +20,4 @@ public:
 private:
     OutputFiles& m_files;
     CXTString<wchar_t> m_folder;
-    Assimp::DefaultIOSystem m_disk;
 };

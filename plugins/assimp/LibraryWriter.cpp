@@ -1,14 +1,15 @@
 // Writing through the library's exporters.
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <assimp/Exporter.hpp>
 #include <assimp/cexport.h>
@@ -23,28 +24,28 @@
 
 namespace {
 
-/// A folder of our own that goes with all that is in it.
-class TemporaryFolder {
+/// A file in memory under a name: nothing of it is left, whatever ends the process.
+class NamedMemory {
 public:
-    TemporaryFolder()
+    NamedMemory() : m_descriptor(memfd_create("zel-export", MFD_CLOEXEC)) {}
+    ~NamedMemory()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "3dzel-XXXXXX").string();
-        if (mkdtemp(name.data()))
-            m_path = name;
+        if (m_descriptor >= 0)
+            close(m_descriptor);
     }
-    ~TemporaryFolder()
-    {
-        std::error_code error;
-        if (!m_path.empty())
-            std::filesystem::remove_all(m_path, error);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    NamedMemory(const NamedMemory&) = delete;
+    NamedMemory& operator=(const NamedMemory&) = delete;
 
-    const std::string& GetPath() const { return m_path; }
+    bool IsValid() const { return m_descriptor >= 0; }
+    std::string GetPath() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
+    std::string ReadAll() const
+    {
+        std::ifstream file(GetPath(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
 
 private:
-    std::string m_path;
+    int m_descriptor;
 };
 
 std::size_t CountLevels(const aiNode& root)
@@ -128,13 +129,11 @@ private:
     {
         constexpr std::string_view END = "PK\5\6";
         constexpr std::size_t END_SIZE = 22;
-        const TemporaryFolder folder;
-        const std::string archive = folder.GetPath() + "/archive";
+        const NamedMemory archive;
         OutputFile* main = m_task.files.OpenMain();
-        if (folder.GetPath().empty() || !main || !Write(archive))
+        if (!archive.IsValid() || !main || !Write(archive.GetPath()))
             return false;
-        std::ifstream file(archive, std::ios::binary);
-        std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        std::string bytes = archive.ReadAll();
         ClearArchiveStamps(bytes);
         main->Write(bytes);
         return bytes.size() >= END_SIZE && bytes.compare(bytes.size() - END_SIZE, END.size(), END) == 0;
