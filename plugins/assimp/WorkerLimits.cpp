@@ -11,8 +11,22 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+// The address sanitizer takes all the memory there is.
+#if defined(__SANITIZE_ADDRESS__)
+#define ZEL_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZEL_ADDRESS_SANITIZER
+#endif
+#endif
+
 namespace {
 
+#if defined(ZEL_ADDRESS_SANITIZER)
+constexpr bool IS_SANITIZED = true;
+#else
+constexpr bool IS_SANITIZED = false;
+#endif
 constexpr rlim_t MEGABYTE = rlim_t{1} << 20;
 constexpr rlim_t STACK = MEGABYTE;           // of each further thread
 constexpr unsigned int THREADS = 16;         // beside one for each processor
@@ -63,8 +77,7 @@ void LimitStacks()
 void SetWorkerLimits(std::uint64_t megabytes, std::uint64_t growth)
 {
     std::signal(SIGXFSZ, SIG_IGN);    // a write that goes too far fails
-#if !defined(__SANITIZE_ADDRESS__)    // the sanitizer takes all the memory there is
-    if (megabytes == 0)
+    if (megabytes == 0 || IS_SANITIZED)
         return;
     LimitStacks();
     s_base = DataSize() + BLOCKS + (std::thread::hardware_concurrency() + THREADS) * STACK;
@@ -73,10 +86,6 @@ void SetWorkerLimits(std::uint64_t megabytes, std::uint64_t growth)
     Set(RLIMIT_DATA, s_limit);
     Set(RLIMIT_FSIZE, 0);
     std::set_new_handler(OnLackOfMemory);
-#else
-    static_cast<void>(megabytes);
-    static_cast<void>(growth);
-#endif
 }
 
 void GrowWorkerLimits(std::uint64_t fileSize)
