@@ -69,21 +69,30 @@ bool CAssimpParser::Save(const CXTString<wchar_t>& path, C3DScene* scene, CScene
     return reason.IsEmpty();
 }
 
+static CXTString<wchar_t> WriteFiles(const WriterTask& task)
+{
+    if (task.format.writer == WRITER_LIBRARY || task.format.writer == WRITER_ARCHIVE)
+        return WriteThroughLibrary(task);
+    constexpr std::uint64_t BYTES = 64;    // about what a point or face takes in a file
+    const CByteProgress progress(L"Writing", 1 + BYTES * static_cast<std::uint64_t>(task.scene.GetPointNbr() + task.scene.GetFaceNbr()));
+    switch (task.format.writer) {
+    case WRITER_GLTF: WriteGltf(task); break;
+    case WRITER_OBJ: WriteObj(task); break;
+    case WRITER_PLY: WritePly(task); break;
+    default: WriteStl(task); break;
+    }
+    return {};
+}
+
 CXTString<wchar_t> CAssimpParser::Write(const CXTString<wchar_t>& path, C3DScene& scene, const ExportFormat& format,
                                         CSceneExportOptions& options)
 {
     OutputFiles files(path);
     LossLog losses;
-    CXTString<wchar_t> reason;
     const WriterTask task{scene, format, path, options, files, losses};
-    switch (format.writer) {
-    case WRITER_GLTF: WriteGltf(task); break;
-    case WRITER_OBJ: WriteObj(task); break;
-    case WRITER_PLY: WritePly(task); break;
-    case WRITER_STL: WriteStl(task); break;
-    case WRITER_LIBRARY:
-    case WRITER_ARCHIVE: reason = WriteThroughLibrary(task); break;
-    }
+    CXTString<wchar_t> reason = WriteFiles(task);
+    if (CProgressScope::IsCancelled())
+        reason = L"cancelled";
     if (reason.IsEmpty() && !files.Commit())
         reason = files.GetFailureText();
     if (reason.IsEmpty())

@@ -90,28 +90,35 @@ public:
 private:
     bool Write(const std::string& name)
     {
-        CProgress progress(L"Writing", 1000);
-        ProgressBridge bridge(progress);
-        Assimp::Exporter exporter;
-        exporter.SetProgressHandler(&bridge);
-        exporter.SetIOHandler(new LibraryFiles(m_task.files, fileGetPath(m_task.target)));    // the exporter's own
-        const bool written = exporter.Export(m_content.get(), m_task.format.exporter, name) == aiReturn_SUCCESS;
-        exporter.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
-        m_error = exporter.GetErrorString();
-        return written;
+        return Export([&](Assimp::Exporter& exporter) {
+            exporter.SetIOHandler(new LibraryFiles(m_task.files, fileGetPath(m_task.target)));    // the exporter's own
+            return exporter.Export(m_content.get(), m_task.format.exporter, name) == aiReturn_SUCCESS;
+        });
     }
 
     bool WriteRepaired()
     {
+        return Export([&](Assimp::Exporter& exporter) {
+            const aiExportDataBlob* blob = exporter.ExportToBlob(m_content.get(), m_task.format.exporter);
+            std::string file = blob ? RepairFbx({static_cast<const char*>(blob->data), blob->size}) : std::string();
+            ClearFbxStamps(file);
+            OutputFile* main = file.empty() ? nullptr : m_task.files.OpenMain();
+            if (main)
+                main->Write(file);
+            return main != nullptr;
+        });
+    }
+
+    template <class WORK> bool Export(WORK work)
+    {
+        CProgress progress(L"Writing", 1000);
+        ProgressBridge bridge(progress);
         Assimp::Exporter exporter;
-        const aiExportDataBlob* blob = exporter.ExportToBlob(m_content.get(), m_task.format.exporter);
+        exporter.SetProgressHandler(&bridge);
+        const bool written = work(exporter);
+        exporter.SetProgressHandler(nullptr);    // the bridge is not the library's to delete
         m_error = exporter.GetErrorString();
-        std::string file = blob ? RepairFbx({static_cast<const char*>(blob->data), blob->size}) : std::string();
-        ClearFbxStamps(file);
-        OutputFile* main = file.empty() ? nullptr : m_task.files.OpenMain();
-        if (main)
-            main->Write(file);
-        return main != nullptr;
+        return written;
     }
 
     // The library forgets what it fills up between scene and data in the length at the head of a binary file of version 1 of glTF.

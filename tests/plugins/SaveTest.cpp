@@ -377,3 +377,19 @@ TEST_F(SaveTest, WhatCannotBeWrittenIsAResultAndLeavesTheOldFilesWhole)
     EXPECT_EQ(folder.Read("taken.obj"), "old");
     EXPECT_EQ(folder.CountFiles(), files);
 }
+
+TEST_F(SaveTest, StopsWhenAskedAndKeepsTheFormerFile)
+{
+    struct StopWriting : IProgressSink {
+        bool OnProgress(const CXTString<wchar_t>& text, double) override { return text != CXTString<wchar_t>(L"Writing"); }
+    } sink;
+    const Scene scene = Rich();
+    for (const char* const name : {"a.obj", "a.glb", "a.ply", "a.stl", "a.fbx", "a.dae", "a.3mf"}) {
+        SCOPED_TRACE(name);
+        folder.Write(name, "former");
+        const CProgressScope scope(&sink);
+        EXPECT_FALSE(Save(*scene, folder.Name(name)));
+        EXPECT_EQ(result, IORESULT_CANCELLED);
+        EXPECT_EQ(folder.Read(name), "former");
+    }
+}
