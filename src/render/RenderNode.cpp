@@ -68,13 +68,12 @@ void C3DView::RenderNode(int pass, const DrawnNode& drawn, unsigned int mode)
     }
     struct Stipple {
         const GLenum kind;
+        explicit Stipple(GLenum stippled) : kind(stippled) { glEnable(kind); }
         ~Stipple() { glDisable(kind); }
     };
     std::optional<Stipple> stipple;
-    if (drawn.isHidden) {
+    if (drawn.isHidden)
         stipple.emplace(drawn.kind == OBJECT_CURVE ? GL_LINE_STIPPLE : GL_POLYGON_STIPPLE);
-        glEnable(stipple->kind);
-    }
     if (pass == PASS_WIRES)
         RenderWires(drawn);
     else
