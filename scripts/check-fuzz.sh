@@ -12,11 +12,14 @@ for program in build/fuzz/bin/*_fuzz; do
     subject=$(basename "$program" _fuzz)
     inputs=$(mktemp -d)
     these=$runs
-    [ "$subject" != import ] || these=0    # new inputs find faults of the packaged library, which are not ours to mend
+    kept=("fuzz/corpus/$subject")
+    case $subject in
+        import) these=0 ;;    # new inputs find faults of the packaged library, which are not ours to mend
+        worker) these=$((runs / 40)); kept=(fuzz/corpus/import) ;;    # that is why they are read in a process of their own
+        draw) these=$((runs / 20)); kept+=(fuzz/corpus/native) ;;    # a picture takes longer than a reading
+    esac
     dictionary=
     [ ! -f "fuzz/$subject.dict" ] || dictionary=-dict=fuzz/$subject.dict
-    kept=("fuzz/corpus/$subject")
-    if [ "$subject" = draw ]; then kept+=(fuzz/corpus/native); these=$((runs / 20)); fi    # a picture takes longer than a reading
     log=build/fuzz/$subject.log
     # shellcheck disable=SC2086  # absent when there is none
     "$program" -runs="$these" -seed=1 -timeout=10 -rss_limit_mb=1500 -malloc_limit_mb=256 -max_len=65536 $dictionary \
