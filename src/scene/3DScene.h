@@ -286,6 +286,8 @@ public:
     bool GetTexturePath(int index, CXTString<wchar_t>& path) const;
     /// The size of the array, which is emptied first unless `append`.
     int GetTexturePaths(CXArray<CXTString<wchar_t>>& paths, bool append) const;
+    /// Of these the ones that AddTexturePath brought. Those that a file names are none: the file chose them.
+    const CXArray<CXTString<wchar_t>>& GetHostTexturePaths() const { return m_hostTexturePaths; }
     /// File names of the diffuse maps of all materials, as they stand in the maps; empties the array first.
     void GetLinkedFiles(CXArray<CXTString<wchar_t>>& files, bool) const;
 
@@ -348,6 +350,7 @@ private:
 
     CParserSceneInfo* m_parserInfo = nullptr;
     CCustomData m_customData;
+    CXArray<CXTString<wchar_t>> m_hostTexturePaths;
     CMaterials m_materials;
     int m_currentTime = 0;
 };

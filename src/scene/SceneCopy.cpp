@@ -275,8 +275,10 @@ void C3DScene::Inherit(const C3DScene* from, unsigned int flags)
 {
     if (!from || from == this)
         return;
-    if (!(flags & SCENE_COPY_NO_SCENE_DATA))
+    if (!(flags & SCENE_COPY_NO_SCENE_DATA)) {
         m_customData = from->m_customData;
+        m_hostTexturePaths = from->m_hostTexturePaths;
+    }
     if (from->m_parserInfo)
         from->m_parserInfo->AddRef();    // before ours goes: it may be the same
     ReleaseParserInfo();

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "scene/3DScene.h"
 #include "tools/FilePath.h"
 #include "tools/FourCC.h"
@@ -14,15 +16,21 @@ static CXArray<CXTString<wchar_t>> ReadPaths(const CCustomData& parameters)
     return paths;
 }
 
+static bool HoldsFolder(const CXArray<CXTString<wchar_t>>& paths, const CXTString<wchar_t>& folder)
+{
+    return std::any_of(paths.begin(), paths.end(), [&](const auto& path) { return fileCompareDirectory(path, folder); });
+}
+
 bool C3DScene::AddTexturePath(const CXTString<wchar_t>& path)
 {
     const CXTString<wchar_t> folder = fileAddSlash(path);
     if (!fileIsDirectory(folder))
         return false;
+    if (!HoldsFolder(m_hostTexturePaths, folder))
+        m_hostTexturePaths.Add(folder);
     CXArray<CXTString<wchar_t>> paths = ReadPaths(m_customData);
-    for (const auto& known : paths)
-        if (fileCompareDirectory(known, folder))
-            return false;
+    if (HoldsFolder(paths, folder))
+        return false;
     paths.Add(folder);
     m_customData.SetStringArray(TEXTURE_PATHS, paths);
     m_customData.Remove(FORMER_TEXTURE_PATHS, CUSTOM_STRING_ARRAY);

@@ -29,7 +29,8 @@ CTextureSources::CTextureSources(const C3DScene& scene, bool anywhere) : m_anywh
     const Text base = fileMakeAbsolutePath(fileGetCurrentDirectory(), scene.GetFilepath());
     CXArray<Text> paths;
     paths.Add(base);
-    scene.GetTexturePaths(paths, true);
+    paths.Add(GetUnpackedTexturesPath());
+    paths.Append(scene.GetHostTexturePaths());
     C3DPreferences::Get3DPreferences().GetTexturePaths(paths, true);
     for (const Text& path : paths)
         if (const Text folder = BehindLinks(fileMakeAbsolutePath(base, path)); !folder.IsEmpty())

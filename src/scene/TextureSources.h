@@ -10,8 +10,9 @@ class IoFile;
 /// The folders from which the bytes of a scene's image files may be taken: to move them, to copy them, to put them into another file.
 ///
 /// Nobody can trust the names in a scene file: "../../secret" in one must not carry a secret into what is exported. So a file is taken from
-/// the folder of the scene and from the texture paths of scene and preferences, with all that lies below them. A scene without file names
-/// what its host put there, and anything may be taken.
+/// the folder of the scene, from the texture paths that hosts gave it and the preferences have, and from GetUnpackedTexturesPath, with all
+/// that lies below them. Texture paths that came with a scene file do not count. A scene without file names what its host put there, and
+/// anything may be taken.
 class ZEL_API CTextureSources {
 public:
     enum Answer {

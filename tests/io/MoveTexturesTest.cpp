@@ -133,6 +133,9 @@ TEST_F(MoveTextures, NoNameLeadsOutsideTheScene)
     std::filesystem::create_directories(folder.Name("from/sub"));
     std::filesystem::create_symlink("../secret.png", folder.Name("from/link.png"));
     std::filesystem::create_symlink("..", folder.Name("from/up"));
+    CXArray<Text> namedByTheFile;
+    namedByTheFile.Add(folder.Wide("from-elsewhere/"));
+    scene->GetCustomData().SetStringArray(FourCC("SCTP"), namedByTheFile);
     ASSERT_TRUE(scene->AddTexturePath(folder.Wide("library")));
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
