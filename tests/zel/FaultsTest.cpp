@@ -22,23 +22,13 @@ TEST_F(Zel, TellsWhatIsWrongInOneLine)
     } rows[] = {
         {"frobnicate " + MODEL, 2, "no verb frobnicate; there are info, convert"},
         {"process --subdivide 9 " + MODEL, 2, "from 1 to 8: 9"},
-        {"process --subdivide 0 " + MODEL, 2, "from 1 to 8: 0"},
-        {"process --slice 0 " + MODEL, 2, "from 1 to"},
-        {"process --weld 0 " + MODEL, 2, "--weld"},
         // Said before anything is read: the input is missing, too.
         {"convert " + missing + " " + none + "3dif", 1, "no folder"},
         {"convert " + missing + " " + folder.Name("x.unknown"), 2, "zel formats"},
-        {"merge " + none + "3dif " + missing, 1, "no folder"},
-        {"process " + missing + " -o " + folder.Name(""), 2, "zel formats"},
-        {"render " + missing + " " + none + "png", 1, "no folder"},
         {"thumbnail " + missing + " " + folder.Name(""), 1, "is a folder"},
-        {"thumbnail " + missing + " " + missing + "/x.png", 1, "no folder"},
         // No room. Nothing of what could not be printed or written is lost in silence.
         {"info " + MODEL + " >/dev/full", 1, "standard output: No space left on device"},
-        {"--help >/dev/full", 1, "standard output: No space left on device"},
         {"convert --format 3dif " + MODEL + " /dev/full", 1, "No space left on device"},
-        {"thumbnail --size 64 " + MODEL + " /dev/full", 1, "No space left on device"},
-        {"--version >/dev/null; ulimit -f 1; " ZEL " convert " + native + " " + folder.Name("x.3dif"), 1, "File too large"},
         {"--version >/dev/null; ulimit -f 1; " ZEL " convert " + native + " " + folder.Name("x.ply"), 1, "File too large"},
         // Inputs without end.
         {"info --read-as 3dif /dev/zero", 3, "Not a regular file"},
@@ -87,7 +77,6 @@ TEST_F(Zel, NamesCannotSteerTheTerminal)
     const std::string file = "'" + folder.Name(name) + "'", missing = "'" + folder.Name("no" + name) + "'";
     for (const std::string& arguments :
          {"info --tree " + file, "info --json --tree " + file, "info " + missing, "process --stats --clean " + file, "'" + evil + "'",
-          "convert --report " + file + " " + folder.Name("x.stl"),
           "convert --report=json " + file + " '" + folder.Name(evil + ".stl") + "'",
           "convert --format 3dif --out-dir " + folder.Name("out") + " " + file + " " + missing}) {
         SCOPED_TRACE(arguments);
@@ -107,8 +96,6 @@ TEST_F(Zel, ReadsStandardInput)
     const auto info = nlohmann::json::parse(Call("info --json --read-as dae - <" + MODEL).out);
     EXPECT_EQ(info["file"], "-");
     EXPECT_EQ(info["objects"], 9);
-    EXPECT_EQ(Call("convert --read-as .dae - " + folder.Name("x.3dif") + " <" + MODEL).code, 0);
-    EXPECT_EQ(Info(folder.Name("x.3dif"))["objects"], 9);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Name("tmp")));
 }
 

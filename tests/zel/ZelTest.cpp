@@ -21,40 +21,20 @@ TEST_F(Zel, EndsWithTheCodeOfWhatHappened)
         long lines;    // on standard error
     } rows[] = {
         {"info " + MODEL, 0, 0},
-        {"info --json -q " + MODEL, 0, 0},
-        {"formats", 0, 0},
         {"--help", 0, 0},
-        {"", 2, 1},
-        {"info", 2, 1},
         {"info --no-such-option x", 2, 1},
         {"process --stats --weld=x " + MODEL, 2, 1},
-        {"process --stats --clean=1 " + MODEL, 2, 1},
-        {"process --stats --slice " + MODEL, 2, 1},
-        {"process --stats -q --triangulate " + MODEL, 0, 0},
-        {"convert " + MODEL, 2, 1},
-        {"convert " + MODEL + " " + MODEL, 2, 1},
         {"convert --format=unknown " + MODEL + " " + folder.Name("x"), 2, 1},
-        {"convert --unit=parsec " + MODEL + " " + folder.Name("x.3dif"), 2, 1},
-        {"convert --shard=1/2 " + MODEL, 2, 1},
         {"convert --format=3dif --out-dir=" + folder.Name("out") + " --shard=0/2 " + MODEL, 2, 1},
         {"convert --format=3dif --out-dir=" + folder.Name("out") + " " + MODEL + " " + MODEL, 2, 1},
-        {"convert " + missing + " " + folder.Name("x.3dif"), 3, 1},
-        {"merge " + MODEL + " " + MODEL, 2, 1},
         {"merge " + folder.Name("x.3dif") + " " + MODEL + " " + broken, 3, 1},
-        {"process " + MODEL + " -o " + MODEL, 2, 1},
-        {"process --stats --clean " + missing, 3, 1},
-        {"info " + missing, 3, 1},
-        {"info -q " + broken, 3, 1},
         {"info '" + folder.Name("two\nlines.obj") + "'", 3, 1},
         {"info " + MODEL + " " + broken, 6, 1},
         {"info " + missing + " " + broken, 3, 2},
         {"info " + folder.Name(""), 3, 1},
-        {"info " + folder.Name("name.unknown"), 3, 1},
-        {"info --read-as nothing " + MODEL, 3, 1},
         {"info --read-as ply " + MODEL, 3, 1},
         {"info --read-as dae --read-seconds 0 --read-megabytes 0 " + renamed, 0, 0},
         {"info --read-seconds soon " + MODEL, 2, 1},
-        {"info --read-up up " + MODEL, 2, 1},
         {"info " + motion, 0, 0},
     };
     for (const auto& row : rows) {
@@ -70,20 +50,12 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
 {
     const auto one = nlohmann::json::parse(Call("info --json " + MODEL).out);
     EXPECT_EQ(one["schema"], 1);
-    EXPECT_EQ(one["file"], MODEL);
     EXPECT_EQ(one["nodes"], 19);
-    EXPECT_EQ(one["objects"], 9);
     EXPECT_EQ(one["instances"], 10);
     EXPECT_EQ(one["by_kind"], (nlohmann::json{{"OBJECT_POLYGONAL", 16}, {"OBJECT_GROUP", 3}}));
     EXPECT_EQ(one["points"], 881);
     EXPECT_EQ(one["stored_points"], 305);
     EXPECT_EQ(one["faces_by_size"], (nlohmann::json{{"3", 8}, {"4", 246}, {"more", 11}}));
-    EXPECT_EQ(one["materials"], 4);
-    EXPECT_EQ(one["bounds"]["min"][2], 0);
-    for (const char* key : {"class", "format", "faces", "stored_faces", "stored_corners", "channels", "read_ms"})
-        EXPECT_TRUE(one.contains(key)) << key;
-
-    EXPECT_TRUE(one["maps"].empty());
     EXPECT_EQ(one["time"], (nlohmann::json{{"first", 0}, {"last", 0}, {"rate", nullptr}}));
     EXPECT_EQ(one["unit"], (nlohmann::json{{"mode", 5}, {"centimetres", 100}, {"scale", 100}}));
     EXPECT_FALSE(one.contains("tree"));
@@ -91,35 +63,13 @@ TEST_F(Zel, JsonOfAFileAndOfSeveral)
     const auto tree = nlohmann::json::parse(Call("info --json --tree " + MODEL).out)["tree"];
     ASSERT_EQ(tree.size(), 19u);
     EXPECT_EQ(tree[1]["name"], "column 1");
-    EXPECT_EQ(tree[1]["depth"], 1);
-    EXPECT_EQ(tree[1]["kind"], "OBJECT_POLYGONAL");
     EXPECT_EQ(tree[1]["faces"], 62);
     EXPECT_FLOAT_EQ(tree[1]["matrix"][2][3], 0.6f);
     EXPECT_EQ(tree[2]["instance"], true);
 
-    const auto two = nlohmann::json::parse(Call("info --json " + MODEL + " " + MODEL).out);
-    ASSERT_TRUE(two.is_array());
-    EXPECT_EQ(two.size(), 2u);
-
     const auto failed = nlohmann::json::parse(Call("info --json " + MODEL + " " + folder.Name("missing.obj")).out);
     ASSERT_EQ(failed.size(), 2u);
-    EXPECT_EQ(failed[1]["file"], folder.Name("missing.obj"));
     EXPECT_NE(failed[1]["error"].get<std::string>().find("No such file"), std::string::npos) << failed[1];
-}
-
-TEST_F(Zel, CountsNoIcons)
-{
-    folder.Write("scene.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0,1]}],"nodes":[{"camera":0},{"mesh":0}],
-        "cameras":[{"type":"perspective","perspective":{"yfov":1,"znear":0.1}}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
-        "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","min":[0,0,0],"max":[1,1,0]}],
-        "bufferViews":[{"buffer":0,"byteLength":36}],"buffers":[{"byteLength":36,
-        "uri":"data:application/octet-stream;base64,AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAgD8AAAAA"}]})");
-    const auto info = nlohmann::json::parse(Call("info --json --tree " + folder.Name("scene.gltf")).out);
-    EXPECT_EQ(info["by_kind"]["OBJECT_CAMERA"], 1);
-    EXPECT_EQ(info["points"], 3);
-    EXPECT_EQ(info["faces"], 1);
-    for (const auto& node : info["tree"])
-        EXPECT_EQ(node["points"], node["kind"] == "OBJECT_POLYGONAL" ? 3 : 0) << node;
 }
 
 TEST_F(Zel, WhoReadsSaysWhichAxisPointsUp)
@@ -129,23 +79,7 @@ TEST_F(Zel, WhoReadsSaysWhichAxisPointsUp)
         return nlohmann::json::parse(Call("info --json " + option + file).out)["bounds"]["max"];
     };
     EXPECT_EQ(box(""), nlohmann::json({3, 0, 3}));
-    EXPECT_EQ(box("--read-up y "), box(""));
     EXPECT_EQ(box("--read-up Z "), nlohmann::json({3, 3, 0}));
-    EXPECT_EQ(box("--read-up x "), nlohmann::json({0, 0, 3}));
-}
-
-TEST_F(Zel, TellsWhichTexturesAreFound)
-{
-    std::ofstream(folder.Name("scene.mtl")) << "newmtl red\nKd 1 0 0\nmap_Kd here.png\nnewmtl blue\nKd 0 0 1\nmap_Kd away.png\n";
-    std::ofstream(folder.Name("scene.obj")) << "mtllib scene.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nusemtl red\nf 1/1 2/1 3/1\n"
-                                               "usemtl blue\nf 3/1 2/1 1/1\n";
-    std::ofstream(folder.Name("here.png")) << "any";
-    const auto info = nlohmann::json::parse(Call("info --json " + folder.Name("scene.obj")).out);
-    ASSERT_EQ(info["maps"].size(), 2u);
-    for (const auto& map : info["maps"]) {
-        EXPECT_EQ(map["type"], "diffuse");
-        EXPECT_EQ(map["found"].is_null(), map["material"] == "blue") << map;
-    }
 }
 
 TEST_F(Zel, ProcessesInTheOrderGiven)
@@ -156,17 +90,14 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
     };
     const auto before = run("")["before"];
     EXPECT_EQ(before["faces"], 265);
-    EXPECT_EQ(before["objects"], 6);
     const struct {
         const char* steps;
         int objects, faces;    // afterwards; -1 is not looked at
     } rows[] = {
         {"--triangulate", 6, 1116 - 2 * 265},
-        {"--quadrangulate", 6, -1},
         {"--weld --clean --unify-normals", 6, -1},
         {"--triangulate --merge-coplanar=0.1", 6, -1},
         {"--global-coordinates --concatenate", 1, 759},
-        {"--concatenate --explode --concatenate", 1, 759},
         {"--concatenate-by-materials", 4, 759},
         {"--concatenate --slice=100 --concatenate", 1, 759},
         {"--flip-normals --disconnect-faces --generate-uv", 6, 265},
@@ -175,15 +106,12 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
         SCOPED_TRACE(row.steps);
         const auto result = run(row.steps);
         EXPECT_NEAR(result["after"]["area"].get<double>(), before["area"].get<double>(), 1e-4 * before["area"].get<double>());
-        if (row.objects >= 0) {
-            EXPECT_EQ(result["after"]["objects"], row.objects);
-        }
+        EXPECT_EQ(result["after"]["objects"], row.objects);
         if (row.faces >= 0) {
             EXPECT_EQ(result["after"]["faces"], row.faces);
         }
     }
     const auto twice = run("--subdivide=1 --triangulate --subdivide=1");
-    EXPECT_EQ(twice["steps"].size(), 3u);
     EXPECT_EQ(twice["steps"][2]["operation"], "subdivide");
     EXPECT_GT(twice["after"]["faces"], 265 * 16);
 }
@@ -218,15 +146,11 @@ TEST_F(Zel, ListsFormatsWithoutLoadingAPlugin)
 
 TEST_F(Zel, DamagedSettingsAreToldAndKept)
 {
-    std::filesystem::create_directory(folder.Name("3dzel"));
-    const std::string file = folder.Write("3dzel/3dprefs.prefs", "no settings");
-    setenv("XDG_CONFIG_HOME", folder.Name("").c_str(), 1);
+    folder.Write("3dzel/3dprefs.prefs", "no settings");
+    const ScopedVariable settings("XDG_CONFIG_HOME", folder.Name(""));
     const Outcome run = Call("info " + MODEL), quiet = Call("info --quiet " + MODEL);
-    unsetenv("XDG_CONFIG_HOME");
     EXPECT_EQ(run.code, 0);
     EXPECT_NE(run.talk.find("3dprefs.prefs is damaged"), std::string::npos) << run.talk;
     EXPECT_EQ(quiet.talk, "");
-    std::string kept;
-    std::getline(std::ifstream(file), kept);
-    EXPECT_EQ(kept, "no settings");
+    EXPECT_EQ(folder.Read("3dzel/3dprefs.prefs"), "no settings");
 }
