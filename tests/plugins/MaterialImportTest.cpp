@@ -66,9 +66,7 @@ TEST_F(PluginTest, MovedCoordinatesAreAChannelOfTheirOwn)
     } rows[] = {
         // By the format's own rule, turned over: (u, w) -> T + R S (u, w), w = 1 - v. The first by 22.5 degrees.
         {"glTF2/textureTransform/TextureTransformTest.gltf", "Rotation", 0, 0, 0.382683f, 0.076120f},
-        {"glTF2/textureTransform/TextureTransformTest.gltf", "Rotation", 1, 1, 0.923880f, 1.382683f},
         {"glTF2/textureTransform/TextureTransformTest.gltf", "Scale", 1, 0, 1.5f, -0.5f},
-        {"glTF2/textureTransform/TextureTransformTest.gltf", "All", 0, 1, -0.2f, 1.1f},
         {"glTF2/textureTransform/TextureTransformTest.gltf", "All", 1, 1, 1.233005f, 1.543280f},
         // Twice as large and turned by 45 degrees about the middle.
         {"ASE/TestUVTransform/UVTransform_ScaleUV2x_Rotate45.ASE", "", 0, 0, 0.5f, -0.914214f},
@@ -130,8 +128,6 @@ TEST_F(PluginTest, ImagesInsideFilesAreUnpackedOnce)
         EXPECT_TRUE(file.starts_with(folder.Name("cache/3dzel/textures/"))) << file;
         EXPECT_TRUE(file.ends_with(row.name)) << file;
         EXPECT_EQ(std::filesystem::file_size(file), row.size);
-        C2DIo image(CFileNameSpec(map->GetFileName()), FILEIO_READ | FILEIO_SILENT, nullptr);
-        EXPECT_EQ(image.PrepareReading(), IORESULT_OK);
         CXTString<wchar_t> path;
         EXPECT_TRUE(scene->GetTexturePath(0, path));
         EXPECT_TRUE(file.starts_with(WideToUtf8(path)));

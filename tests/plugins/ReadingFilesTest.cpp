@@ -55,7 +55,7 @@ TEST_F(PluginTest, PlyIsReadWhateverIsInItOrNotAtAll)
 {
     // Faults in mind: a line feed at the start of the content is taken for the end of the head, and all values come one byte off; elements of
     // other programs are taken for points.
-    const float lineFeed = std::bit_cast<float>(0x3F80000Au), carriageReturn = std::bit_cast<float>(0x3F80000Du);
+    const float lineFeed = std::bit_cast<float>(0x3F80000Au);
     using Lines = std::vector<std::string>;
     const Lines camera{"element camera 2", "property float a"}, light{"element light 1", "property list uchar int b"};
     const Lines edge{"element edge 1", "property uchar c"};
@@ -68,8 +68,6 @@ TEST_F(PluginTest, PlyIsReadWhateverIsInItOrNotAtAll)
         bool read;
     } rows[] = {
         {"line feed", "\n", lineFeed, {}, {}, "", "", true},
-        {"carriage return", "\n", carriageReturn, {}, {}, "", "", true},
-        {"any other", "\n", 2, {}, {}, "", "", true},
         {"line feed behind both", "\r\n", lineFeed, {}, {}, "", "", true},
         {"cameras first", "\n", 2, camera, {}, cameras, "", true},
         {"lights between", "\n", 2, {}, light, "", lights, true},
@@ -152,7 +150,6 @@ TEST_F(PluginTest, ModelsStandUpright)
         float from, to;
     } rows[] = {
         {"SMD/WusonSMD.smd", NONE, 0, 1.515f},
-        {"SMD/holy_grailref.smd", NONE, 0.11f, 23.41f},
         {"COB/dwarf.cob", NONE, 0.02f, 70.16f},
         {"HMP/terrain.hmp", NONE, -20, 20},
         {"Q3D/E-AT-AT.q3o", NONE, 0, 1920},
@@ -164,9 +161,7 @@ TEST_F(PluginTest, ModelsStandUpright)
         {"B3D/WusonBlitz.b3d", NONE, 0, 1.515f},
         // Written with another axis than their formats have: who reads can say so,
         {"PLY/Wuson.ply", UP_AXIS_Y, 0, 1.515f},
-        {"OFF/Wuson.off", UP_AXIS_Y, 0, 1.515f},
         {"DXF/wuson.dxf", UP_AXIS_Y, 0, 1.515f},
-        {"OBJ/WusonOBJ.obj", UP_AXIS_X, -0.46f, 0.46f},
         {"IQM/mrfixit.iqm", UP_AXIS_X, -1.07f, 1.71f},
         // but not against the file.
         {"Collada/duck.dae", UP_AXIS_X, 0.099f, 1.64f},

@@ -33,14 +33,9 @@ public:
         C3DSceneNode& box = Add(&group, L"box", Box());
         Place(Add(&group, L"twin", m_scene->CreateObjectInstance(box.GetBaseObject())), {}, 0, 5, 0);
         auto* const camera = new C3DCamera;
-        camera->SetFov(0.9);
-        camera->SetNearFarClip(0.5, 200);
         Place(Add(nullptr, L"eye", camera), turn, 0, -9, 2);
         auto* const light = new C3DLight;
         light->SetLightKind(LIGHT_SPOT);
-        light->SetColor(CRGBColor(255, 128, 0));
-        light->SetInnerAngle(0.4);
-        light->SetOuterAngle(0.8);
         Place(Add(nullptr, L"lamp", light), {}, 1, 2, 8);
         return Owned<C3DScene>(m_scene);
     }
