@@ -199,6 +199,31 @@ TEST(ViewTextures, WithoutAPictureTheMaterialsColourShows)
     EXPECT_EQ(view.InitMaterialMapping(77, true), 0xFFFFFFFF);    // no such material
 }
 
+TEST(ViewTextures, LieOnAWhiteOrOnTheBrightestOfTheMaterialsHue)
+{
+    CTextureProbe view;
+    view.SetPicture(4, 4);
+    view.Load();
+    view.m_material.SetDiffuseColor(0, {50, 50, 50});
+    view.m_material.SetTransparencyFactor(0, 0.5f);
+    view.DrawTextured();
+    EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE), (std::array<float, 4>{1, 1, 1, 127 / 255.0f}));
+    EXPECT_TRUE(view.IsMaterialCurrent());
+    view.m_material.SetDiffuseColor(0, {100, 50, 0});
+    view.DrawTextured();
+    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[2], 0);
+    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[1], 1);
+    view.m_material.SetFlag(MATERIAL_PLAIN_TEXTURE, true);
+    view.DrawTextured();
+    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE), (std::array<float, 4>{1, 1, 1, 1}));
+
+    view.DrawTextured(false);    // a face without coordinates
+    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+    EXPECT_EQ(view.MaterialOf(GL_DIFFUSE)[0], 100 / 255.0f);
+    EXPECT_TRUE(IsPixel(view.At(2, 61), {255, 255, 255, 255}, 0));
+}
+
 TEST(ViewTextures, AreLoadedOnceAndGoWithTheFlag)
 {
     CTextureProbe view;

@@ -29,7 +29,9 @@ TEST_F(Zel, ConvertsAFileAsTheOptionsTell)
     } rows[] = {
         {"", 9, 246, 1},
         {"--export-triangulate", 9, 0, 1},
+        {"--export-quadrangulate", 9, 246, 1},
         {"--import-triangulate", 9, 0, 1},
+        {"--export-concatenate", 1, -1, 1},
         {"--import-concatenate", 1, -1, 1},
         {"--export-remove-groups --export-global-coordinates", 16, -1, 1},
         {"--unit=cm", 9, 246, 100},

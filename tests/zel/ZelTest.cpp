@@ -96,6 +96,8 @@ TEST_F(Zel, ProcessesInTheOrderGiven)
     } rows[] = {
         {"--triangulate", 6, 1116 - 2 * 265},
         {"--weld --clean --unify-normals", 6, -1},
+        {"--quadrangulate", 6, -1},
+        {"--concatenate --explode --concatenate", 1, 759},
         {"--triangulate --merge-coplanar=0.1", 6, -1},
         {"--global-coordinates --concatenate", 1, 759},
         {"--concatenate-by-materials", 4, 759},
