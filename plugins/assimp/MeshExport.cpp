@@ -35,7 +35,7 @@ ObjectLayers ReadLayers(C3DGeomObject& object, ObjectCorners& corners, const Exp
         layers.colors = corners.ReadColors();
     float strength;
     const unsigned int own = object.GetGlobalVCChannel(strength);
-    std::ranges::stable_partition(layers.colors, [own](const CornerLayer& layer) { return layer.channelId == own; });
+    std::stable_partition(layers.colors.begin(), layers.colors.end(), [own](const CornerLayer& layer) { return layer.channelId == own; });
     if (const auto colorSets = static_cast<std::size_t>(object.GetChannels()->GetChannelsNumber(CHANNEL_VC, true));
         colorSets > format.colorSets) {
         losses.Add(LOSS_COLOR_SETS, colorSets - format.colorSets);

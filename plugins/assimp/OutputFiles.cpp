@@ -117,7 +117,7 @@ bool OutputFiles::Commit()
     for (const auto& file : m_files)
         if (!file->Flush())
             Note(*file);
-    std::ranges::stable_partition(m_files, [this](const auto& file) { return file->GetPath() != m_main; });
+    std::stable_partition(m_files.begin(), m_files.end(), [this](const auto& file) { return file->GetPath() != m_main; });
     std::vector<FormerFile> formers;
     for (const auto& file : m_files) {    // once one fails, those that follow are dropped
         if (m_failedPath.IsEmpty() && m_files.size() > 1)
