@@ -205,6 +205,7 @@ void C3DScene::CheckoutImport(CSceneImportOptions& options)
         log(FormatText(TEXT_TO_GLOBAL_COORDINATES, GetFilename().GetFullName()));
     }
     int droppedFaces = 0;
+    const int curves = GetChildCount(nullptr, OBJECT_CURVE);
     if (flags & IMPORT_CONCATENATE) {
         ConcatenateScene(*this, GetFilename().GetFileName(), droppedFaces);
         log(LoadText(TEXT_CONCATENATING));
@@ -213,6 +214,7 @@ void C3DScene::CheckoutImport(CSceneImportOptions& options)
         log(LoadText(TEXT_MERGE_BY_MATERIALS));
     }
     LogDroppedFaces(options, droppedFaces);
+    LogDroppedCurves(options, curves - GetChildCount(nullptr, OBJECT_CURVE));
     if (flags & IMPORT_GENERATE_UV && GenerateUVW())
         log(LoadText(TEXT_CREATING_UV));
     if (flags & IMPORT_DISCONNECT_FACES)

@@ -276,9 +276,11 @@ void CExportPreparation::JoinObjects()
         });
     if (IsAsked(EXPORT_CONCATENATE)) {
         int droppedFaces = 0;
+        const int curves = m_scene.GetChildCount(nullptr, OBJECT_CURVE);
         ConcatenateScene(m_scene, fileStripPath(m_options.filePath), droppedFaces);
         Log(LoadText(TEXT_CONCATENATING));
         LogDroppedFaces(m_options, droppedFaces);
+        LogDroppedCurves(m_options, curves - m_scene.GetChildCount(nullptr, OBJECT_CURVE));
     }
     if (IsAsked(EXPORT_DISCONNECT_FACES))
         ForObjects([&](C3DGeomObject& object, const Text& name) {

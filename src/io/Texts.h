@@ -38,6 +38,7 @@ enum _IO_TEXT : unsigned int {
     TEXT_REMOVING_ANIMATION = 7429,
     TEXT_REMOVING_FACES = 7430,
     TEXT_REMOVING_MATERIALS = 7431,
+    TEXT_DROPPED_CURVES = 7432,
     TEXT_UNNAMED_OBJECT = 9423,
 };
 
@@ -64,4 +65,11 @@ inline void LogDroppedFaces(CIoOptions& options, int count)
 {
     if (count > 0)
         options.AddLogInfo(IoLogInfo::WARNING, FormatText(TEXT_DROPPED_FACES, static_cast<unsigned int>(count)));
+}
+
+/// Tells of curves that joining objects left out, if there are any: a surface takes none.
+inline void LogDroppedCurves(CIoOptions& options, int count)
+{
+    if (count > 0)
+        options.AddLossInfo(FormatText(TEXT_DROPPED_CURVES, static_cast<unsigned int>(count)));
 }

@@ -74,6 +74,13 @@ TEST_F(Zel, ReportsWhatWasDoneAndLost)
     EXPECT_EQ(json["written"], true);
     EXPECT_EQ(Call("convert --strict " + MODEL + " " + folder.Name("out.3dif")).code, 0);    // the native file holds all
 
+    const std::string mixed = folder.Write("mixed.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\no face\nf 1 2 3\no line\nl 1 2\n");
+    for (const char* const option : {"--import-concatenate ", "--export-concatenate "})
+        EXPECT_NE(
+            Call(std::string("convert --report ") + option + mixed + " " + folder.Name("out.3dif")).out.find("loss: Curves left out: 1"),
+            std::string::npos)
+            << option;
+
     const Outcome failed = Call("convert --report=json " + folder.Name("missing.obj") + " " + target);
     EXPECT_EQ(failed.code, 3);
     EXPECT_EQ(nlohmann::json::parse(failed.out)["written"], false);
