@@ -7,8 +7,8 @@
 
 #include <png.h>
 
+#include "images/ImageCodec.h"
 #include "tools/FourCC.h"
-#include "tools/image/ImageCodec.h"
 
 namespace {
 

@@ -10,12 +10,12 @@
 #include "channels/VCPointList.h"
 #include "geometry/3DFaceList.h"
 #include "geometry/3DPointList.h"
+#include "images/LayerBitmap.h"
 #include "render/SceneBitmap.h"
 #include "render/View.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
 #include "scene/Primitives.h"
-#include "tools/LayerBitmap.h"
 
 // One object of a million triangles in several dresses, and scenes of many nodes, drawn off screen.
 

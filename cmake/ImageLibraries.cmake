@@ -1,4 +1,4 @@
-# What src/tools/image reads and writes files with. Found here, so that every program that links the rooms knows them.
+# What src/images reads and writes files with. Found here, so that every program that links the rooms knows them.
 
 find_package(PNG REQUIRED)
 find_package(JPEG REQUIRED)

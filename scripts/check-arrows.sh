@@ -6,13 +6,16 @@ cd "$(dirname "$0")/.."
 # room -> rooms whose headers it may include, itself among them
 declare -A sees=(
     [tools]="tools"
+    [windows]="windows tools"
+    [files]="files windows tools"
+    [images]="images files windows tools"
     [geometry]="geometry tools"
     [channels]="channels geometry tools"
-    [scene]="scene channels geometry tools"
-    [meshops]="meshops scene channels geometry tools"
-    [io]="io meshops scene channels geometry tools"
-    [render]="render scene channels geometry tools"
-    [viewer]="viewer render io meshops scene channels geometry tools"
+    [scene]="scene channels geometry images files windows tools"
+    [meshops]="meshops scene channels geometry images files windows tools"
+    [io]="io meshops scene channels geometry images files windows tools"
+    [render]="render scene channels geometry images files windows tools"
+    [viewer]="viewer render io meshops scene channels geometry images files windows tools"
 )
 bad=0
 

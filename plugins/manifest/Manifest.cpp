@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "tools/IOPlugin.h"
+#include "files/IOPlugin.h"
 
 int main(int argc, char** argv)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/DlgFormatSelection.h"
+#include "files/DlgFormatSelection.h"
 
 /// Format choice that knows the settings of scene formats.
 class ZEL_API C3DDlgFormatSelection : public CDlgFormatSelection {

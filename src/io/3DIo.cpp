@@ -2,17 +2,17 @@
 
 #include <atomic>
 
+#include "files/FileExt.h"
+#include "files/IOPlugin.h"
 #include "io/BuiltInParsers.h"
 #include "io/ImportSettings.h"
 #include "io/ShapelessScene.h"
 #include "scene/3DScene.h"
 #include "tools/CaughtException.h"
 #include "tools/Exception.h"
-#include "tools/FileExt.h"
-#include "tools/IOPlugin.h"
 #include "tools/IoFile.h"
 #include "tools/Progress.h"
-#include "tools/Window.h"
+#include "windows/Window.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "files/FileIo.h"
 #include "io/3DParser.h"
 #include "io/SceneOptions.h"
-#include "tools/FileIo.h"
 
 class C3DScene;
 

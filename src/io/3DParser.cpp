@@ -1,8 +1,8 @@
 #include "io/3DParser.h"
 
+#include "files/FileIo.h"
 #include "io/ExportSheet.h"
 #include "io/Texts.h"
-#include "tools/FileIo.h"
 
 C3DParser::C3DParser(CFileIo* fileIo) : CFileParser(fileIo) {}
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "files/FileParser.h"
 #include "io/SceneOptions.h"
-#include "tools/FileParser.h"
 
 class C3DScene;
 

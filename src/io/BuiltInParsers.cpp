@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "files/FileExt.h"
+#include "files/IOPlugin.h"
 #include "io/NativeFile.h"
-#include "tools/FileExt.h"
-#include "tools/IOPlugin.h"
 
 namespace {
 

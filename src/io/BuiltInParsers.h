@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/FileParser.h"
+#include "files/FileParser.h"
 
 /// True for a class that this library handles itself.
 bool IsBuiltInClass(unsigned int fileClass);

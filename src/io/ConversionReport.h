@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/IoOptions.h"
+#include "files/IoOptions.h"
 
 /// What reading and writing did to a scene and what did not come through: the logs of the options that went along, one after the other.
 ///

@@ -1,9 +1,9 @@
 #include "io/ExportSheet.h"
 
+#include "files/FileExt.h"
+#include "files/FileIo.h"
 #include "io/3DParser.h"
-#include "tools/FileExt.h"
-#include "tools/FileIo.h"
-#include "tools/Window.h"
+#include "windows/Window.h"
 
 bool ShowExportSheet(C3DParser& parser, CSceneExportOptions&)
 {

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <iterator>
 
+#include "files/FileIo.h"
 #include "io/BadFaces.h"
 #include "scene/3DScene.h"
 #include "scene/GeomObject.h"
 #include "tools/Archive.h"
 #include "tools/Exception.h"
-#include "tools/FileIo.h"
 #include "tools/FileNameSpec.h"
 #include "tools/IoFile.h"
 #include "tools/Progress.h"

@@ -2,10 +2,10 @@
 
 #include <vector>
 
+#include "files/IoOptions.h"
 #include "scene/UpAxis.h"
 #include "tools/FourCC.h"
 #include "tools/Hash.h"
-#include "tools/IoOptions.h"
 #include "tools/String.h"
 
 class C3DScene;

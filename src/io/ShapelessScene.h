@@ -1,7 +1,7 @@
 #pragma once
 
+#include "files/IoOptions.h"
 #include "scene/3DScene.h"
-#include "tools/IoOptions.h"
 
 /// Whether cameras, lights or motion alone make a scene: `setting` in the bag of the options asks for that, and there are some.
 inline bool IsShapelessScene(C3DScene& scene, const CIoOptions& options, unsigned int setting)

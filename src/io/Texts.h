@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/IoOptions.h"
+#include "files/IoOptions.h"
 #include "tools/String.h"
 
 /// Entries of the string table that reading and writing log.

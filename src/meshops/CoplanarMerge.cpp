@@ -35,7 +35,7 @@
 #include "scene/UpdateFlags.h"
 #include "tools/BitArray.h"
 #include "tools/BlockVector.h"
-#include "tools/Progress.h"
+#include "windows/ProgressDlg.h"
 
 namespace {
 

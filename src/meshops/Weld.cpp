@@ -17,7 +17,7 @@
 #include "scene/GeomObject.h"
 #include "tools/BlockVector.h"
 #include "tools/HashMix.h"
-#include "tools/Progress.h"
+#include "windows/ProgressDlg.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "images/LayerBitmap.h"
 #include "render/View.h"
-#include "tools/LayerBitmap.h"
 
 namespace {
 

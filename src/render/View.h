@@ -4,15 +4,15 @@
 #include <memory>
 #include <vector>
 
+#include "images/Bitmap.h"
 #include "render/CallLists.h"
 #include "render/GLPlatform.h"
 #include "render/GLViewSettings.h"
 #include "render/RenderElement.h"
 #include "scene/Material.h"
 #include "tools/Array.h"
-#include "tools/Bitmap.h"
 #include "tools/Hash.h"
-#include "tools/Window.h"
+#include "windows/Window.h"
 
 class CGLDrawText;
 class CGLRenderingMode;

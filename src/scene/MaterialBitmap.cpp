@@ -1,13 +1,13 @@
+#include "files/FileExt.h"
+#include "files/FileInfo.h"
+#include "images/2DIo.h"
+#include "images/LayerBitmap.h"
 #include "scene/3DScene.h"
 #include "scene/MaterialMap.h"
 #include "scene/Preferences.h"
-#include "tools/2DIo.h"
-#include "tools/FileExt.h"
 #include "tools/FileFind.h"
-#include "tools/FileInfo.h"
 #include "tools/FilePath.h"
 #include "tools/IoFile.h"
-#include "tools/LayerBitmap.h"
 
 // The image of a map: where its file is, and how it is read.
 

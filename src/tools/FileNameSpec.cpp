@@ -1,6 +1,5 @@
 #include "tools/FileNameSpec.h"
 
-#include "tools/FileExt.h"
 #include "tools/FilePath.h"
 
 CXTString<wchar_t> CFileNameSpec::GetPath() const { return fileGetPath(m_name); }
@@ -12,5 +11,3 @@ CXTString<wchar_t> CFileNameSpec::GetFileName() const { return fileStripPath(m_n
 CXTString<wchar_t> CFileNameSpec::GetTitle() const { return fileStripPath(fileStripExtension(m_name)); }
 
 CXTString<wchar_t> CFileNameSpec::GetExtension() const { return fileGetExtension(m_name); }
-
-unsigned int CFileNameSpec::GetClass() const { return m_class ? m_class : fileGetClassOf(m_name); }

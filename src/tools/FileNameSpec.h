@@ -24,7 +24,7 @@ public:
     CXTString<wchar_t> GetTitle() const;
     /// With its point.
     CXTString<wchar_t> GetExtension() const;
-    /// The class given, else the first one registered for the extension; 0 for none.
+    /// The class given, else the first one registered for the extension; 0 for none. (files/FileExt.cpp)
     unsigned int GetClass() const;
     /// The class given; 0 when it follows from the extension.
     unsigned int GetGivenClass() const { return m_class; }

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "tools/Window.h"
-
 /// One scope on a thread.
 struct ProgressState {
     IProgressSink* sink;
@@ -142,38 +140,3 @@ CByteProgress::CByteProgress(const CXTString<wchar_t>& text, std::uint64_t total
 CByteProgress::~CByteProgress() { t_bytes = m_outer; }
 
 bool CByteProgress::Count(std::uint64_t bytes) { return !t_bytes || t_bytes->m_progress.Step(bytes); }
-
-CProgressDlg::CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent)
-{
-    if (!CProgressScope::GetCurrentSink())
-        m_ownSink.reset(GetWindowSystem().CreateProgress(parent, title));
-    if (m_ownSink)
-        m_scope = std::make_unique<CProgressScope>(m_ownSink.get());
-    m_progress = std::make_unique<CProgress>(title);
-}
-
-CProgressDlg::~CProgressDlg()
-{
-    m_progress.reset();
-    m_scope.reset();
-}
-
-void CProgressDlg::SetRange(int lower, int upper)
-{
-    m_lower = lower;
-    m_progress->SetRange(static_cast<std::uint64_t>(std::max(static_cast<long long>(upper) - lower, 1LL)));
-}
-
-void CProgressDlg::SetStatus(const CXTString<wchar_t>& text) { m_progress->SetText(text); }
-
-void CProgressDlg::SetPos(int position, bool update)
-{
-    m_position = position;
-    m_progress->SetPos(static_cast<std::uint64_t>(std::max(static_cast<long long>(position) - m_lower, 0LL)));
-    if (update)
-        m_progress->Update();
-}
-
-void CProgressDlg::StepIt() { SetPos(m_position + m_step); }
-
-bool CProgressDlg::CheckCancelButton() { return !m_progress->Update(); }

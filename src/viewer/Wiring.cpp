@@ -1,14 +1,14 @@
 // Start and stop of the library: everything built in, named in one place.
 
+#include "files/FileExt.h"
+#include "files/IOPlugin.h"
+#include "images/2DIo.h"
 #include "io/3DIo.h"
 #include "io/BuiltInParsers.h"
 #include "scene/Init.h"
 #include "scene/ParserSceneInfo.h"
 #include "scene/Preferences.h"
-#include "tools/2DIo.h"
-#include "tools/Command.h"
-#include "tools/FileExt.h"
-#include "tools/IOPlugin.h"
+#include "windows/Command.h"
 
 /// The resources of a module.
 struct CResourceModule {

@@ -4,15 +4,15 @@
 #include <map>
 #include <string>
 
+#include "files/FileExt.h"
+#include "files/IOPlugin.h"
 #include "io/3DIo.h"
 #include "scene/3DScene.h"
 #include "scene/ParserSceneInfo.h"
 #include "support/TempFolder.h"
 #include "tools/Exception.h"
-#include "tools/FileExt.h"
-#include "tools/IOPlugin.h"
-#include "tools/ScriptWindowSystem.h"
 #include "tools/StringTable.h"
+#include "windows/ScriptWindowSystem.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "render/SceneBitmap.h"
 
+#include "images/LayerBitmap.h"
 #include "render/FaultyPlatform.h"
 #include "render/ViewCase.h"
 #include "scene/Primitives.h"
-#include "tools/LayerBitmap.h"
 
 namespace {
 

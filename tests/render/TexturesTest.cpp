@@ -1,11 +1,11 @@
 #include <map>
 #include <string>
 
+#include "images/2DIo.h"
 #include "render/ViewProbe.h"
 #include "scene/3DObject.h"
 #include "scene/Primitives.h"
 #include "support/TempFolder.h"
-#include "tools/2DIo.h"
 #include "tools/Application.h"
 
 namespace {

@@ -11,12 +11,12 @@
 #include "channels/VCChannel.h"
 #include "channels/VCFaceList.h"
 #include "channels/VCPointList.h"
+#include "images/Bitmap.h"
 #include "render/View.h"
 #include "scene/3DObject.h"
 #include "scene/3DScene.h"
 #include "scene/Camera.h"
 #include "support/Meshes.h"
-#include "tools/Bitmap.h"
 
 struct DeletePicture {
     void operator()(Bitmap* picture) const { Bitmap::DeleteBitmap(picture); }

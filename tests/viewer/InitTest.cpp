@@ -2,13 +2,13 @@
 
 #include <vector>
 
+#include "files/FileExt.h"
+#include "files/IOPlugin.h"
 #include "scene/3DZel.h"
 #include "scene/Preferences.h"
 #include "support/TempFolder.h"
-#include "tools/Command.h"
-#include "tools/FileExt.h"
-#include "tools/IOPlugin.h"
 #include "tools/StringTable.h"
+#include "windows/Command.h"
 
 namespace {
 

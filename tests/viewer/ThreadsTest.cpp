@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "images/LayerBitmap.h"
 #include "io/3DIo.h"
 #include "render/GLViewSettings.h"
 #include "render/SceneBitmap.h"
@@ -14,7 +15,6 @@
 #include "scene/Primitives.h"
 #include "support/Owned.h"
 #include "support/TempFolder.h"
-#include "tools/LayerBitmap.h"
 #include "tools/ProfileFile.h"
 
 // Several threads at once save, read and draw, each with files, scenes and views of its own.
