@@ -12,7 +12,7 @@
 #include "scene/Material.h"
 #include "tools/Array.h"
 #include "tools/Hash.h"
-#include "windows/Window.h"
+#include "windows/CommandView.h"
 
 class CGLDrawText;
 class CGLRenderingMode;
@@ -62,7 +62,7 @@ enum GLSelectMode : unsigned int { GLSELECT_DEFAULT = 0 };
 ///
 /// A view is used by the thread that made it. Several threads may each have views of their own, of scenes of their own. Nothing is drawn of a
 /// scene before UpdateView; geometry goes to GL once, as one call list for each object, and is sent again when it changes.
-class ZEL_API C3DView : public CWnd {
+class ZEL_API C3DView : public CCommandView {
 public:
     using DisplayCallback = int (*)(C3DSceneNode* node, glCallbackDisplayState state, unsigned int mode, void* data);
     using FlushCallback = void (*)(C3DSceneNode* node, void* data);
@@ -72,6 +72,9 @@ public:
 
     C3DView();
     ~C3DView() override;
+    const CXRuntimeClass* GetRuntimeClassDescriptor() const override;
+    static const CXRuntimeClass* GetThisRuntimeClassDescriptor();
+    static CXObject* CreateObject();
 
     // Scene and settings (ViewUpdate.cpp)
 
@@ -221,13 +224,13 @@ public:
     // Events of the window (ViewEvents.cpp)
 
     /// Once the window is there; -1 when no context can be had.
-    virtual int OnCreate();
+    int OnCreate() override;
     void OnPaint() override;
     void OnSize(int width, int height) override;
     void OnTimer(unsigned int id) override;
-    void OnMouseWheel(unsigned int state, short delta, const CPoint& point) override;
     void OnDestroy() override;
-    virtual void OnDraw(CDC* dc);
+    /// The current command, then the host.
+    void OnDraw(CDC* dc) override;
 
 protected:
     friend class CCornerSender;
@@ -274,7 +277,9 @@ protected:
     void FlushChangedNodes();
 
     // ViewEvents.cpp
-    void ZoomByStep(bool in);
+    void OnUnusedWheel(unsigned int state, short delta, const CPoint& point) override;
+    /// `point` stays where it is on the screen.
+    void ZoomByStep(bool in, const CPoint& point);
 
     // Framing.cpp
     void AdjustView(unsigned int flags);

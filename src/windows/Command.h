@@ -10,6 +10,7 @@
 #include "tools/String.h"
 
 class CCommandFrameWnd;
+class CCommandMgr;
 class CCustomMenu;
 class CDC;
 class CZelCommand;
@@ -25,6 +26,9 @@ enum CommandState : unsigned int {
     COMMAND_ENABLED = 0x2,
     COMMAND_CHECKED = 0x8,
     COMMAND_HAS_POPUP = 0x20,
+    // How a command behaves; kept for hosts.
+    COMMAND_REPEATABLE = 0x4000,
+    COMMAND_TAKES_MOUSE = 0x8000,
 };
 
 /// Which help text is asked for.
@@ -152,7 +156,12 @@ public:
     CCommandAccess& GetAccess() { return m_access; }
     CXTString<wchar_t> GetKeyAccess() const { return m_access.GetKeyText(); }
 
-    class CCommandMgr* GetManager() const { return m_manager; }
+    CCommandMgr* GetManager() const { return m_manager; }
+
+    /// Calls OnTimer every so many milliseconds while the frame has a window; false when it has none. Timers of a command are its own.
+    bool SetTimer(unsigned int id, unsigned int milliseconds, bool on = true);
+    void CloseTimer(unsigned int id);
+    bool IsTimerEnabled(unsigned int id) const;
 
 protected:
     CCommandAccess m_access;
@@ -164,47 +173,4 @@ private:
     unsigned int m_state = COMMAND_ENABLED;
     unsigned int m_inputFormat = 0, m_inputOptions = 0, m_outputFormat = 0;
     CCustomData m_input, m_output, m_parameters;
-};
-
-/// Keeps the commands of a frame and runs them.
-class ZEL_API CCommandMgr {
-public:
-    CCommandMgr() = default;
-    ~CCommandMgr();
-    CCommandMgr(const CCommandMgr&) = delete;
-    CCommandMgr& operator=(const CCommandMgr&) = delete;
-
-    /// The command stays its owner's and must outlive the manager or be removed. False for null and for an identifier that is taken.
-    bool AddCommand(CZelCommand* command, void* resource);
-    void RemoveCommand(CZelCommand* command);
-    /// By the identifier of CCommandID; null for none.
-    CZelCommand* GetCommandById(unsigned int id) const;
-    const std::vector<CZelCommand*>& GetCommands() const { return m_commands; }
-
-    /// Runs a command: opens it with `mode` and `data`, then applies it or opens its dialog (mode 0 with a dialog), then closes it
-    /// unless it stays current. A disabled or null command is declined.
-    CommandResult StackCommand(CZelCommand* command, unsigned int mode, void* data);
-    CommandResult StackCommand(unsigned int id, unsigned int mode, void* data);
-    /// The command that takes mouse and keys; null for none.
-    CZelCommand* GetCurrentCommand() const { return m_current; }
-
-    /// 0: no script; 1: a script shows dialogs; 2: a script applies commands.
-    void SetScriptMode(int mode) { m_scriptMode = mode; }
-    int GetScriptMode() const { return m_scriptMode; }
-
-    /// Names of groups and categories of commands, of the whole process. A name given again replaces the former one in its place.
-    static void RegisterGroupName(unsigned int id, const CXTString<wchar_t>& name);
-    static void RegisterCategoryName(unsigned int id, const CXTString<wchar_t>& name);
-    struct Name {
-        unsigned int id;
-        CXTString<wchar_t> name;
-    };
-    /// In the order of their first registration.
-    static const std::vector<Name>& GetGroupNames();
-    static const std::vector<Name>& GetCategoryNames();
-
-private:
-    std::vector<CZelCommand*> m_commands;
-    CZelCommand* m_current = nullptr;
-    int m_scriptMode = 0;
 };

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+
+#include "viewer/DocumentFileList.h"
+#include "windows/CommandFrame.h"
+
+/// What OpenFile does with a file.
+enum OpenFileMode : unsigned int {
+    OPEN_REPLACE = 0,    ///< shows it; the list of files is this file alone
+    OPEN_ADD = 2,        ///< puts it at the end of the list, and shows it when nothing is shown
+    OPEN_DROPPED = 6,    ///< as OPEN_REPLACE, after asking to save what was changed
+    OPEN_SAVED = 15,     ///< what is shown was saved there: it gets that name, and nothing is read
+};
+
+/// A frame that shows one of the files that it has open.
+class ZEL_API CDocumentFrameWnd : public CCommandFrameWnd {
+public:
+    explicit CDocumentFrameWnd(unsigned int fullScreenCommand = 0);
+    ~CDocumentFrameWnd() override;
+
+    // Files
+
+    /// False when it can't be read, or reading was cancelled: what was shown stays, and the reason is told unless `mode` is silent.
+    bool OpenFile(const CXTString<wchar_t>& path, unsigned int mode);
+    /// Shows a file that is in the list.
+    bool ShowFile(int index);
+    /// The next or former (`step` -1) file of the list, or of the folder when the list has only one. False when there is none.
+    bool OpenNextFile(int step);
+    void RemoveFiles();
+    int GetFileNbr() const;
+    CDocumentFileList* GetFileList();
+    const CXTString<wchar_t>& GetCurrentFilePath() const { return m_currentPath; }
+    void SetCurrentFilePath(const CXTString<wchar_t>& path);
+
+    // Changes of the document
+
+    /// Another document is shown: nothing of it has changed yet.
+    void DocumentChanged();
+    void DocumentSaved();
+    bool IsDocumentModified() const { return m_modified; }
+    void SetModifiedFlag(bool on);
+    virtual bool SaveEnabled();
+    /// Before the document goes: 0 when it may, COMMAND_CANCELLED or COMMAND_DECLINED when not. `noCancel`: the user can only say yes or no.
+    virtual CommandResult AskForSave(bool reserved, bool noCancel);
+
+    // Dropped files
+
+    virtual DropEffect GetPreferredDropType(unsigned int state);
+    virtual bool CanDrop(const CXTString<wchar_t>& path);
+    virtual bool OnDropCFile(const CXTString<wchar_t>& path, unsigned int mode);
+    using CWnd::OnDropFiles;
+    virtual void OnDropFiles(const std::vector<CXTString<wchar_t>>& files);
+
+    // What derived frames do
+
+    virtual CDocumentFileList* CreateDocumentList() = 0;
+    virtual bool LoadCurrentFile(const CXTString<wchar_t>& path, bool flag) = 0;
+    virtual void OnBeforeChangingFile();
+    virtual void OnFilesRemoved();
+    virtual void OnInsertFile(const CXTString<wchar_t>& path);
+    virtual void OnRemoveFile(const CXTString<wchar_t>& path);
+    virtual void OnRenameFile(const CXTString<wchar_t>& from, const CXTString<wchar_t>& to);
+    virtual void OnSetCurrentFilePath(const CXTString<wchar_t>& path);
+    virtual void OnSetEmptyFile();
+
+    DropEffect OnDragOver(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
+    void OnDropFiles(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
+    bool OnClose() override;
+    void UpdateStatusBar() override;
+
+protected:
+    /// Title of the window: the file's name, a star when changed, the program's name.
+    void UpdateTitle();
+
+private:
+    std::unique_ptr<CDocumentFileList> m_files;
+    CXTString<wchar_t> m_currentPath;
+    bool m_modified = false;
+};
