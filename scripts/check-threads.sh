@@ -3,6 +3,6 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/build.sh tsan viewer_tests
+scripts/build.sh tsan library_tests
 export TSAN_OPTIONS=suppressions=$PWD/tests/support/threads.supp:print_suppressions=0
-build/tsan/bin/viewer_tests --gtest_filter='Threads.*' --gtest_brief=1
+build/tsan/bin/library_tests --gtest_filter='Threads.*' --gtest_brief=1

@@ -8,7 +8,7 @@
 #include "scene/Init.h"
 #include "scene/ParserSceneInfo.h"
 #include "scene/Preferences.h"
-#include "windows/Command.h"
+#include "windows/CommandMgr.h"
 
 /// The resources of a module.
 struct CResourceModule {
