@@ -25,7 +25,8 @@ enum CommandResult : int {
 enum CommandState : unsigned int {
     COMMAND_ENABLED = 0x2,
     COMMAND_CHECKED = 0x8,
-    COMMAND_HAS_POPUP = 0x20,
+    COMMAND_HAS_POPUP = 0x20,           ///< its menu entry is a popup (OnPopupMenu), its button has an arrow
+    COMMAND_HAS_TOOLBAR_MENU = 0x40,    ///< its button has an arrow beside it: OnToolbarMenu
     // How a command behaves; kept for hosts.
     COMMAND_REPEATABLE = 0x4000,
     COMMAND_TAKES_MOUSE = 0x8000,
