@@ -147,6 +147,17 @@ void C3DView::AdjustView(unsigned int flags)
     m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? size / diagonal : 1);
 }
 
+void C3DView::GetEyeSlope(const CPoint& point, double& x, double& y) const
+{
+    x = y = 0;
+    if (m_viewSize.cx <= 0 || m_viewSize.cy <= 0)
+        return;
+    const double halfWidth = m_settings.IsOrthographic() ? m_settings.sceneSize / (2 * m_settings.GetCurrentCamera()->GetZoom())
+                                                         : std::tan(VIEW_ANGLE / 2) * m_settings.aspect;
+    x = (2.0 * point.x / m_viewSize.cx - 1) * halfWidth;
+    y = (1 - 2.0 * point.y / m_viewSize.cy) * halfWidth / m_settings.aspect;
+}
+
 void C3DView::SizeChanged(int width, int height)
 {
     if (!GetGLContext())

@@ -92,7 +92,7 @@ void C3DView::InitProjection()
         const double r = m_settings.sceneSize / (2 * m_settings.GetCurrentCamera()->GetZoom());
         glOrtho(-r, r, -r / m_settings.aspect, r / m_settings.aspect, nearPlane, farPlane);
     } else
-        gluPerspective(45.0, m_settings.aspect, nearPlane, farPlane);
+        gluPerspective(VIEW_ANGLE * 180 / std::numbers::pi, m_settings.aspect, nearPlane, farPlane);
 }
 
 void C3DView::InitModelview()

@@ -4,6 +4,8 @@
 #include "render/ViewHost.h"
 #include "scene/3DScene.h"
 
+ZEL_IMPLEMENT_CREATABLE(C3DView, CCommandView)
+
 IViewHost::~IViewHost() = default;
 
 _RenderElement::~_RenderElement() = default;

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <numbers>
 #include <vector>
 
 #include "images/Bitmap.h"
@@ -226,6 +227,7 @@ public:
     /// Once the window is there; -1 when no context can be had.
     int OnCreate() override;
     void OnPaint() override;
+    bool OnEraseBkgnd(CDC* dc) override;
     void OnSize(int width, int height) override;
     void OnTimer(unsigned int id) override;
     void OnDestroy() override;
@@ -278,14 +280,19 @@ protected:
 
     // ViewEvents.cpp
     void OnUnusedWheel(unsigned int state, short delta, const CPoint& point) override;
-    /// `point` stays where it is on the screen.
-    void ZoomByStep(bool in, const CPoint& point);
+    /// Nearer by a positive number; what is at `point` stays there.
+    void ZoomByNotches(double notches, const CPoint& point);
 
     // Framing.cpp
+
+    static constexpr double VIEW_ANGLE = 45 * std::numbers::pi / 180;    ///< of perspective, from top to bottom
     void AdjustView(unsigned int flags);
     void InitClippingPlane();
     /// Box flags and point filter of all framing, by what is shown of hidden nodes.
     void GetFramingBox(unsigned int& boxFlags, unsigned int& pointFilter) const;
+    /// Where the line of sight through a point of the window goes, in the eye's directions: for each unit of depth in perspective, at every depth
+    /// otherwise.
+    void GetEyeSlope(const CPoint& point, double& x, double& y) const;
     /// Nothing without a context.
     void SizeChanged(int width, int height);
 

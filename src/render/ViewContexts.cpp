@@ -115,7 +115,7 @@ void C3DView::InitGLContext() const
     glLightModeli(GL_LIGHT_MODEL_LOCAL_VIEWER, 0);
 }
 
-static void Enable(GLenum capability, bool on) { on ? glEnable(capability) : glDisable(capability); }
+static void SetCapability(GLenum capability, bool on) { on ? glEnable(capability) : glDisable(capability); }
 
 void C3DView::InitViewFlag()
 {
@@ -124,13 +124,13 @@ void C3DView::InitViewFlag()
     // Coverage by alpha means something to samples alone; without them it would thin what is transparent twice.
     const bool samples = GetClientDC()->GetSamples() > 0;
     glEnable(GL_MULTISAMPLE);
-    Enable(GL_SAMPLE_ALPHA_TO_COVERAGE, samples && GetViewProfile(PROFILE_ALPHA_CUT) != 0);
+    SetCapability(GL_SAMPLE_ALPHA_TO_COVERAGE, samples && GetViewProfile(PROFILE_ALPHA_CUT) != 0);
     InitMapping();
 
     const bool solid = IsSolid(), cull = solid && (m_settings.viewFlags & VIEWFLAG_CULL_BACK);
-    Enable(GL_LIGHTING, solid);
-    Enable(GL_DEPTH_TEST, solid);
-    Enable(GL_CULL_FACE, cull);
+    SetCapability(GL_LIGHTING, solid);
+    SetCapability(GL_DEPTH_TEST, solid);
+    SetCapability(GL_CULL_FACE, cull);
     glCullFace(GL_BACK);
     m_settings.viewFlags = cull ? m_settings.viewFlags | VIEWFLAG_CULLING_ON : m_settings.viewFlags & ~VIEWFLAG_CULLING_ON;
     glPolygonMode(GL_FRONT_AND_BACK, solid ? GL_FILL : GL_LINE);

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "render/RenderingMode.h"
 #include "render/View.h"
 #include "render/ViewHost.h"
@@ -10,7 +12,9 @@
 // Drawing that is too slow for interaction waits for a pause: a paint notes its time, and the timer asks for another, deferred one when no paint
 // came for a while. What objects have to do for themselves waits in the same way for a pause between updates.
 
+// Numbers of timers from CCommandMgr::FIRST_POPUP up are the commands'.
 static constexpr unsigned int TIMER = 1, TIMER_PERIOD = 200, PAINT_PAUSE = 300, UPDATE_PAUSE = 501;    // milliseconds
+static constexpr double NOTCH = 120;    // of the wheel; finer wheels tell parts of it
 
 unsigned int C3DView::GetMilliseconds() const
 {
@@ -40,12 +44,12 @@ void C3DView::OnDestroy()
     DeleteGLContext();
     m_appliedFlags = 0xFFFFFFFF;    // another window's context begins anew
     m_flushPending = m_scene != nullptr;
-    CWnd::OnDestroy();
+    CCommandView::OnDestroy();
 }
 
 void C3DView::OnSize(int width, int height)
 {
-    CWnd::OnSize(width, height);
+    CCommandView::OnSize(width, height);
     SizeChanged(width, height);
 }
 
@@ -72,8 +76,16 @@ void C3DView::OnPaint()
 
 void C3DView::OnDraw(CDC* dc)
 {
+    CCommandView::OnDraw(dc);
     if (m_host)
-        m_host->DrawOverlay(dc);
+        m_host->ViewDrawn(dc);
+}
+
+/// Each paint fills all of the window: to erase it before would flicker.
+bool C3DView::OnEraseBkgnd(CDC* dc)
+{
+    CCommandView::OnEraseBkgnd(dc);
+    return true;
 }
 
 /// Whether a node that shows has an object with work to do.
@@ -92,9 +104,10 @@ static bool NeedsUpdate(const C3DScene& scene)
 
 void C3DView::OnTimer(unsigned int id)
 {
-    CWnd::OnTimer(id);
-    if (id != TIMER)
+    if (id != TIMER) {
+        CCommandView::OnTimer(id);
         return;
+    }
     const unsigned int now = GetMilliseconds();
     const bool mayUpdate = m_scene && m_activations == 0 && !(m_settings.viewFlags & VIEWFLAG_UPDATES_HELD);
     if (mayUpdate && (m_lastUpdate == NO_TIME || now - m_lastUpdate >= UPDATE_PAUSE)) {
@@ -108,14 +121,13 @@ void C3DView::OnTimer(unsigned int id)
     }
 }
 
-void C3DView::OnMouseWheel(unsigned int state, short delta, const CPoint& point)
+void C3DView::OnUnusedWheel(unsigned int state, short delta, const CPoint& point)
 {
-    CWnd::OnMouseWheel(state, delta, point);
     if (delta == 0)
         return;
     const unsigned int keys = state & (INPUT_SHIFT | INPUT_CTRL);
     if (!keys)
-        ZoomByStep(delta > 0);
+        ZoomByNotches(delta / NOTCH, point);
     else if (m_scene) {
         const int time = m_scene->GetTickCount();
         const bool byKeys = keys == (INPUT_SHIFT | INPUT_CTRL);
@@ -123,22 +135,33 @@ void C3DView::OnMouseWheel(unsigned int state, short delta, const CPoint& point)
         if (m_scene->SetCurrentTime(next)) {
             Invalidate();
             if (m_host)
-                m_host->SceneChanged(SCENE_CHANGED_TIME, 0, true);
+                m_host->ViewChangedScene(VIEW_CHANGED_TIME, nullptr, 0xFFFFFFFF, true);
         }
     }
 }
 
-/// In both projections, so that a change of projection keeps the picture near to what it was.
-void C3DView::ZoomByStep(bool in)
+/// In both projections, so that a change of projection keeps the picture near to what it was; the point under the pointer stays put in the present
+/// one.
+void C3DView::ZoomByNotches(double notches, const CPoint& point)
 {
+    constexpr double STEP = 0.05;
+    const double nearer = std::pow(notches > 0 ? 1 - STEP : 1 + STEP, std::fabs(notches));
+    const double larger = std::pow(notches > 0 ? 1 + STEP : 1 - STEP, std::fabs(notches));
     GlViewSettings zoomed;
     zoomed.changeMask = GLSET_CAMERA | GLSET_UPDATE | GLSET_TRANSLATION;
     zoomed.matrix = m_settings.matrix;
-    float& z = zoomed.matrix.m[2][3];
-    z = static_cast<float>(in ? z - 0.05 * z : z + 0.05 * z);
     zoomed.SetCurrentCamera(m_settings.GetCurrentCamera());
     C3DCamera& camera = *zoomed.GetCurrentCamera();
-    camera.SetZoom(camera.GetZoom() * (in ? 1.05 : 0.95));
+    double x, y;
+    GetEyeSlope(point, x, y);
+    float(&m)[4][4] = zoomed.matrix.m;
+    const float z = m[2][3];
+    m[2][3] = static_cast<float>(z * nearer);
+    // In perspective the scene comes along the ray through the pointer, whatever stands on it; otherwise what is shown shrinks about that ray.
+    const double way = m_settings.IsOrthographic() ? 1 / larger - 1 : z - m[2][3];
+    m[0][3] = static_cast<float>(m[0][3] + x * way);
+    m[1][3] = static_cast<float>(m[1][3] + y * way);
+    camera.SetZoom(camera.GetZoom() * larger);
     SetViewSettings(&zoomed);
     UpdateView(0);
 }

@@ -13,6 +13,7 @@
 #include "render/FaultyPlatform.h"
 #include "render/MemoryProfile.h"
 #include "render/RenderingMode.h"
+#include "render/TestPeer.h"
 #include "render/ViewCase.h"
 #include "render/ViewProfile.h"
 #include "scene/Primitives.h"
@@ -63,20 +64,6 @@ struct Current {
     EGLSurface draw = eglGetCurrentSurface(EGL_DRAW), read = eglGetCurrentSurface(EGL_READ);
     EGLenum api = eglQueryAPI();
     friend bool operator==(const Current&, const Current&) = default;
-};
-
-class CNoWindow : public IWindowPeer {
-public:
-    void Invalidate(const CRect*) override {}
-    CRect GetClientRect() const override { return {0, 0, 64, 64}; }
-    void SetTimer(unsigned int, unsigned int) override {}
-    void KillTimer(unsigned int) override {}
-    void SetCapture(bool) override {}
-    void SetCursor(CursorShape) override {}
-    void SetFocus() override {}
-    void SetTitle(const CXTString<wchar_t>&) override {}
-    void Close() override {}
-    void* GetNativeHandle() const override { return const_cast<CNoWindow*>(this); }
 };
 
 // The calls that ask for a surface.
@@ -274,8 +261,7 @@ TEST(WindowContext, ShowsTheBackgroundWhateverElseThereIs)
 {
     CFaultyPlatform platform;
     C3DView view;
-    view.SetPeer(new CNoWindow);
-    ASSERT_EQ(view.OnCreate(), 0);
+    ASSERT_TRUE(view.SetPeer(new CTestPeer));
     int red = 0;
     const auto paint = [&] {
         red += 50;

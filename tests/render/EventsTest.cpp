@@ -1,4 +1,6 @@
 #include <climits>
+#include <cmath>
+#include <numbers>
 
 #include "render/SteeredView.h"
 #include "scene/Camera.h"
@@ -11,16 +13,15 @@ class CCountingHost : public IViewHost {
 public:
     std::vector<unsigned int> changes;
     int overlays = 0;
-    void SceneChanged(unsigned int what, unsigned int id, bool redraw) override
+    void ViewChangedScene(unsigned int what, C3DSceneNode* node, unsigned int material, bool redraw) override
     {
-        EXPECT_EQ(id, 0U);
-        EXPECT_TRUE(redraw);
+        EXPECT_TRUE(!node && material == 0xFFFFFFFF && redraw);
         changes.push_back(what);
     }
-    void DrawOverlay(CDC*) override { overlays++; }
+    void ViewDrawn(CDC*) override { overlays++; }
 };
 
-/// A view in a window, which goes before the view does.
+/// A view in a window without context, which goes before the view does.
 struct Window {
     CCountingHost host;
     CSteeredView view;
@@ -151,4 +152,67 @@ TEST(ViewEvents, TheWheelWithKeysStepsThroughTime)
     EXPECT_EQ(turn(INPUT_CTRL | INPUT_SHIFT, -1), 10);
     view.SetScene(nullptr, 0);
     view.OnMouseWheel(INPUT_SHIFT, 1, {});
+}
+
+TEST(ViewEvents, TheWheelZoomsToThePointer)
+{
+    // Faults in mind: the other projection's formula; y taken downwards; the shift off by the aspect; parts of a notch taken for whole ones; notches
+    // of one event lost.
+    const auto point = C3DTPoint<double>(1, 2, -1);    // of the scene, anywhere before the eye
+    struct {
+        const char* name;
+        bool orthographic;
+        short delta;
+        double z, zoom;    // of what they were
+    } const rows[] = {
+        {"nearer", false, 120, 0.95, 1.05},
+        {"farther", false, -120, 1.05, 0.95},
+        {"flat, nearer", true, 120, 0.95, 1.05},
+        {"flat, farther", true, -120, 1.05, 0.95},
+        {"a quarter of a notch", false, 30, std::pow(0.95, 0.25), std::pow(1.05, 0.25)},
+        {"flat, three notches at once", true, -360, std::pow(1.05, 3), std::pow(0.95, 3)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Window window;
+        CSteeredView& view = window.view;
+        AddCube(*window.scene, {0, 0, 0}, 2);
+        ASSERT_TRUE(view.CreateMemoryRendering(200, 100, 24));
+        auto* const camera = new C3DCamera;
+        camera->SetProjection(row.orthographic ? CAMERA_ORTHOGRAPHIC : CAMERA_PERSPECTIVE);
+        view.Change(GLSET_CAMERA, [&](GlViewSettings& record) { record.SetCurrentCamera(camera); });
+        DeleteMe(camera);
+        view.UpdateView(GLSET_FIT);
+        // Pixels from the middle of 200 x 100: 50 of them are 22.5 degrees upwards in perspective; otherwise half the picture's width is half the
+        // scene's size over the zoom.
+        const auto getPixel = [&] {
+            const C3DTPoint<double> seen = view.See(point);
+            const double scale = row.orthographic ? 100 / (view.m_settings.sceneSize / (2 * view.m_settings.GetCurrentCamera()->GetZoom()))
+                                                  : 50 / (-seen.z * std::tan(std::numbers::pi / 8));
+            return std::pair(100 + seen.x * scale, 50 - seen.y * scale);
+        };
+        const auto t = [&](int axis) { return view.m_settings.matrix.m[axis][3]; };
+        view.Change(GLSET_TRANSLATION, [&](GlViewSettings& record) {    // so that the point is seen in the middle of a pixel
+            record.matrix = view.m_settings.matrix;
+            const auto [x, y] = getPixel();
+            const double pixel =
+                row.orthographic ? view.m_settings.sceneSize / 200 : -view.See(point).z * std::tan(std::numbers::pi / 8) / 50;
+            record.matrix.m[0][3] += static_cast<float>((150 - x) * pixel);
+            record.matrix.m[1][3] += static_cast<float>((y - 20) * pixel);
+        });
+        const auto before = getPixel();
+        ASSERT_NEAR(before.first, 150, 1e-3);
+        ASSERT_NEAR(before.second, 20, 1e-3);
+        const double z = t(2);
+        view.OnMouseWheel(0, row.delta, {150, 20});
+        EXPECT_NEAR(getPixel().first, 150, 1e-3);
+        EXPECT_NEAR(getPixel().second, 20, 1e-3);
+        EXPECT_NEAR(t(2) / z, row.z, 1e-6);
+        EXPECT_NEAR(view.m_settings.GetCurrentCamera()->GetZoom(), row.zoom, 1e-6);
+
+        const float x = t(0), y = t(1);
+        view.OnMouseWheel(0, row.delta, {100, 50});    // in the middle
+        EXPECT_EQ(t(0), x);
+        EXPECT_EQ(t(1), y);
+    }
 }

@@ -2,6 +2,7 @@
 
 // A view whose clock stands still until it is set, and whose innards show.
 
+#include "render/TestPeer.h"
 #include "render/ViewCase.h"
 #include "render/ViewHost.h"
 #include "scene/Primitives.h"
@@ -14,6 +15,8 @@ public:
 
     unsigned int now = 1000;
     unsigned int GetMilliseconds() const override { return now; }
+    /// In a window that has no context: drawing goes to memory, when the test asks for it.
+    int OnCreate() override { return 0; }
 
     /// Where the eye sees a point of the scene: x to the right, y up, z towards the eye.
     C3DTPoint<double> See(const C3DTPoint<double>& p) const
@@ -34,28 +37,6 @@ public:
         fill(settings);
         SetViewSettings(&settings);
     }
-};
-
-/// Stands for the toolkit's side of a window.
-class CTestPeer : public IWindowPeer {
-public:
-    int invalidated = 0;
-    unsigned int timer = 0, period = 0;
-
-    void Invalidate(const CRect*) override { invalidated++; }
-    CRect GetClientRect() const override { return {0, 0, 64, 64}; }
-    void SetTimer(unsigned int id, unsigned int milliseconds) override
-    {
-        timer = id;
-        period = milliseconds;
-    }
-    void KillTimer(unsigned int) override { timer = 0; }
-    void SetCapture(bool) override {}
-    void SetCursor(CursorShape) override {}
-    void SetFocus() override {}
-    void SetTitle(const CXTString<wchar_t>&) override {}
-    void Close() override {}
-    void* GetNativeHandle() const override { return nullptr; }
 };
 
 inline C3DSceneNode* AddCube(C3DScene& scene, const C3DTPoint<float>& center, double side, unsigned int materialID = 0)
