@@ -162,6 +162,7 @@ void C3DView::SizeChanged(int width, int height)
 {
     if (!GetGLContext())
         return;
+    GrowPixelSurface({width, height});
     m_viewSize = {std::max(width, 0), std::max(height, 0)};
     m_settings.aspect = m_viewSize.cy ? static_cast<float>(static_cast<double>(m_viewSize.cx) / m_viewSize.cy) : 0;
     const CGLActivate active(this);

@@ -106,6 +106,13 @@ static std::unique_ptr<Bitmap> ReadPicture(CSize size, bool alpha)
     return picture;
 }
 
+void C3DView::PresentPicture()
+{
+    const std::unique_ptr<Bitmap> picture = ReadPicture(m_viewSize, true);
+    if (picture && GetPeer())
+        GetPeer()->PresentPixels(picture->GetLine(0), picture->GetWidth(), picture->GetHeight());
+}
+
 Bitmap* C3DView::CreateBitmapFromPBuffer()
 {
     RenderScene(nullptr);

@@ -70,7 +70,11 @@ void C3DView::ClearBackground()
 
 void C3DView::Present()
 {
-    if (!IsDrawingFlagSet(GLDRAW_MEMORY))
+    if (IsDrawingFlagSet(GLDRAW_MEMORY))
+        return;
+    if (m_pixelWindow != PIXELS_NONE)
+        PresentPicture();
+    else
         GetClientDC()->SwapBuffers();
 }
 

@@ -252,6 +252,10 @@ protected:
     bool CreateDefaultGLContext(std::unique_ptr<CDC> dc);
     /// For the window of the peer, with the most samples that can be had; 1, or 0 without a context.
     int CreateMultiSampleGLContext();
+    /// For a window without native handle: off screen.
+    bool CreatePixelContext();
+    std::unique_ptr<CDC> CreatePixelDC(CSize size);
+    void GrowPixelSurface(CSize client);
     /// The platform's drivers answer.
     bool InitGLExtension() const;
     /// Of the top of the stack, with all lists and textures that belong to it.
@@ -267,6 +271,7 @@ protected:
     Bitmap* CreateBitmapFromPBuffer();
     Bitmap* CreateBitmapFromMemory();
     void RenderDepthOfAlpha();
+    void PresentPicture();
 
     // ViewProfile.cpp
     void LoadDefaultSettings();
@@ -436,6 +441,7 @@ private:
     CSize m_requestedSize;    ///< of memory rendering
     int m_requestedDepth = 0;
     unsigned int m_appliedFlags = 0xFFFFFFFF;
+    enum { PIXELS_NONE, PIXELS_PBUFFER, PIXELS_MEMORY } m_pixelWindow = PIXELS_NONE;    ///< what the window's picture is drawn on off screen
 
     // Lists
     CHashTable<CHashID> m_callLists;

@@ -1,5 +1,7 @@
 #include <GL/gl.h>
 
+#include <algorithm>
+
 #include "render/View.h"
 #include "render/ViewProfile.h"
 
@@ -56,6 +58,8 @@ int C3DView::CreateMultiSampleGLContext()
 {
     constexpr int MOST_SAMPLES = 8;
     void* const window = GetPeer() ? GetPeer()->GetNativeHandle() : nullptr;
+    if (GetPeer() && !window)
+        return CreatePixelContext();
     CCrashGuard guard(PROFILE_MULTISAMPLE);
     if (guard.MayTry() && InitGLExtension()) {
         std::unique_ptr<CDC> dc;
@@ -68,6 +72,59 @@ int C3DView::CreateMultiSampleGLContext()
         }
     }
     return CreateDefaultGLContext(m_platform.CreateWindowDC(window, 0));
+}
+
+// A window without a surface of its own shows what is drawn off screen (PresentPixels). The surface grows with the window and never shrinks; its
+// sides are rounded up, so that dragging a border makes few of them.
+
+std::unique_ptr<CDC> C3DView::CreatePixelDC(CSize size)
+{
+    constexpr int STEP = 256;
+    size = {std::max(size.cx, 1) + STEP - 1, std::max(size.cy, 1) + STEP - 1};
+    size = {size.cx / STEP * STEP, size.cy / STEP * STEP};
+    CCrashGuard guard(PROFILE_PBUFFER);
+    if (guard.MayTry() && InitGLExtension() && m_platform.HasPBuffers())
+        if (std::unique_ptr<CDC> dc = m_platform.CreatePBuffer(size.cx, size.cy, 32)) {
+            guard.Succeeded();
+            m_pixelWindow = PIXELS_PBUFFER;
+            return dc;
+        }
+    m_pixelWindow = PIXELS_MEMORY;
+    return m_platform.CreateMemoryDC(size.cx, size.cy, 32);
+}
+
+bool C3DView::CreatePixelContext()
+{
+    const CRect client = GetClientRect();
+    if (CreateDefaultGLContext(CreatePixelDC({client.Width(), client.Height()})))
+        return true;
+    m_pixelWindow = PIXELS_NONE;
+    return false;
+}
+
+void C3DView::GrowPixelSurface(CSize client)
+{
+    const CSize present = GetClientDC()->GetSize();
+    if (m_pixelWindow == PIXELS_NONE || IsDrawingFlagSet(GLDRAW_MEMORY) || (client.cx <= present.cx && client.cy <= present.cy))
+        return;
+    const bool keepsContext = m_pixelWindow == PIXELS_PBUFFER;
+    std::unique_ptr<CDC> larger = CreatePixelDC({std::max(client.cx, present.cx), std::max(client.cy, present.cy)});
+    if (!larger)
+        return;
+    if (keepsContext && m_pixelWindow == PIXELS_PBUFFER) {
+        RestoreFormer();
+        m_contexts.back().dc = larger.get();
+        m_dcs.back() = std::move(larger);
+        StackChanged();
+        return;
+    }
+    DeleteGLContext();    // memory belongs to its context
+    if (!CreateDefaultGLContext(std::move(larger)))
+        return;
+    const CGLActivate active(this);
+    InitGLContext();
+    m_flushPending = m_scene != nullptr;
+    UpdateView(0);
 }
 
 void C3DView::DeleteGLContext()

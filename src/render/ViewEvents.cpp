@@ -42,6 +42,7 @@ void C3DView::OnDestroy()
     KillTimer(TIMER);
     m_2DMode.reset();
     DeleteGLContext();
+    m_pixelWindow = PIXELS_NONE;
     m_appliedFlags = 0xFFFFFFFF;    // another window's context begins anew
     m_flushPending = m_scene != nullptr;
     CCommandView::OnDestroy();
