@@ -23,8 +23,9 @@ static const struct {
     {L"glsettings", 0},
     {L"glpixelformat", 0xFFFFFFFF},
     {L"settings", SETTINGS3D_LARGE_ICONS | SETTINGS3D_AUTO_FIT},
+    {L"smoothAngle", 45},
 };
-static_assert(std::size(VALUES) == PROFILE_SETTINGS + 1);
+static_assert(std::size(VALUES) == PROFILE_SMOOTH_ANGLE + 1);
 
 unsigned int GetViewProfile(_VIEW_PROFILE value)
 {

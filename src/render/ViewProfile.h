@@ -19,7 +19,8 @@ enum _VIEW_PROFILE : unsigned int {
     PROFILE_MULTISAMPLE,    ///< try a multisampled window
     PROFILE_GL_SETTINGS,    ///< bit 0: GLDRAW_ALT_FORMAT
     PROFILE_PIXEL_FORMAT,
-    PROFILE_SETTINGS,    ///< Settings3DFrame
+    PROFILE_SETTINGS,        ///< Settings3DFrame
+    PROFILE_SMOOTH_ANGLE,    ///< smooth angle that a user last chose freely, degrees
 };
 constexpr unsigned int VIEW_PROFILE_VERSION = 3;
 

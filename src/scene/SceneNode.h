@@ -41,6 +41,8 @@ public:
     // The node itself (SceneNode.cpp)
 
     const CXTString<wchar_t>& GetName() const;
+    /// False as long as GetName gives the name of those that have none.
+    bool HasName() const { return m_named && !m_name.IsEmpty(); }
     void SetName(const CXTString<wchar_t>& name);
     unsigned int GetNodeID() const { return m_nodeID; }
     C3DScene* GetScene() const { return m_scene; }
