@@ -1,7 +1,7 @@
 #pragma once
 
 #include "files/IoOptions.h"
-#include "tools/String.h"
+#include "tools/FormatText.h"
 
 /// Entries of the string table that reading and writing log.
 enum _IO_TEXT : unsigned int {
@@ -41,24 +41,6 @@ enum _IO_TEXT : unsigned int {
     TEXT_DROPPED_CURVES = 7432,
     TEXT_UNNAMED_OBJECT = 9423,
 };
-
-inline CXTString<wchar_t> LoadText(_IO_TEXT id)
-{
-    CXTString<wchar_t> text;
-    text.LoadStringW(id);
-    return text;
-}
-
-inline const wchar_t* FormatArgument(const CXTString<wchar_t>& text) { return text.c_str(); }
-inline unsigned int FormatArgument(unsigned int number) { return number; }
-
-/// The entry with its %s and %d filled in.
-template <class... ARGUMENTS> CXTString<wchar_t> FormatText(_IO_TEXT id, const ARGUMENTS&... arguments)
-{
-    CXTString<wchar_t> text;
-    text.FormatString(LoadText(id), FormatArgument(arguments)...);
-    return text;
-}
 
 /// Tells of faces that joining objects left out, if there are any.
 inline void LogDroppedFaces(CIoOptions& options, int count)

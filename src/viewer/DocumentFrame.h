@@ -21,13 +21,17 @@ public:
 
     // Files
 
-    /// False when it can't be read, or reading was cancelled: what was shown stays, and the reason is told unless `mode` is silent.
+    /// `mode`: OpenFileMode. False when it can't be read, or reading was cancelled, and while another file is being read: what was shown stays. The
+    /// reason is told.
     bool OpenFile(const CXTString<wchar_t>& path, unsigned int mode);
     /// Shows a file that is in the list.
     bool ShowFile(int index);
     /// The next or former (`step` -1) file of the list, or of the folder when the list has only one. False when there is none.
     bool OpenNextFile(int step);
+    /// Forgets all files, and shows none.
     void RemoveFiles();
+    /// A file is being read: commands, files and the end of the window are declined.
+    bool IsLoading() const { return m_loading; }
     int GetFileNbr() const;
     CDocumentFileList* GetFileList();
     const CXTString<wchar_t>& GetCurrentFilePath() const { return m_currentPath; }
@@ -67,14 +71,25 @@ public:
     DropEffect OnDragOver(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
     void OnDropFiles(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
     bool OnClose() override;
-    void UpdateStatusBar() override;
+    using CCommandFrameWnd::RunCommand;
+    CommandResult RunCommand(CZelCommand* command) override;
+    /// What commands change (COMMAND_CHANGES_DOCUMENT) is noted here.
+    void OnApplyCommand(CZelCommand* command, bool begin, CommandResult result) override;
 
 protected:
+    /// Of the document that comes next; nobody is told.
+    void InitCurrentFilePath(const CXTString<wchar_t>& path) { m_currentPath = path; }
+    /// Those that can be opened; tells of the others.
+    std::vector<CXTString<wchar_t>> TakeDroppedFiles(const std::vector<CXTString<wchar_t>>& files);
     /// Title of the window: the file's name, a star when changed, the program's name.
     void UpdateTitle();
 
 private:
+    bool ReplaceFiles(const CXTString<wchar_t>& path);
+    bool Load(const CXTString<wchar_t>& path);
+    bool TakeSavedFile(const CXTString<wchar_t>& path);
+
     std::unique_ptr<CDocumentFileList> m_files;
-    CXTString<wchar_t> m_currentPath;
-    bool m_modified = false;
+    CXTString<wchar_t> m_currentPath, m_lastTried;
+    bool m_modified = false, m_loading = false;
 };

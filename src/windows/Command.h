@@ -30,6 +30,7 @@ enum CommandState : unsigned int {
     // How a command behaves; kept for hosts.
     COMMAND_REPEATABLE = 0x4000,
     COMMAND_TAKES_MOUSE = 0x8000,
+    COMMAND_CHANGES_DOCUMENT = 0x10000,    ///< applied, it leaves the document changed: the frame then asks to save it
 };
 
 /// Which help text is asked for.
