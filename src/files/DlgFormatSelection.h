@@ -2,7 +2,7 @@
 
 #include "files/FileExt.h"
 #include "tools/CustomData.h"
-#include "windows/Window.h"
+#include "windows/Dialog.h"
 
 /// Lets the user choose a file format among those of some families, and edit the settings of each.
 class ZEL_API CDlgFormatSelection : public CDialogTable {

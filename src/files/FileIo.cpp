@@ -7,7 +7,7 @@
 #include "files/IOPlugin.h"
 #include "tools/CustomData.h"
 #include "tools/FilePath.h"
-#include "windows/Window.h"
+#include "windows/WindowSystem.h"
 
 namespace {
 

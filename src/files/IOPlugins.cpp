@@ -8,11 +8,9 @@
 #include "files/IOPlugin.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <mutex>
-#include <sstream>
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -20,6 +18,7 @@
 #include "files/IOPluginModule.h"
 #include "tools/CaughtException.h"
 #include "tools/FilePath.h"
+#include "tools/ModuleFolders.h"
 
 namespace {
 
@@ -180,34 +179,13 @@ int AddFolder(const std::string& folder, unsigned int family)
     return added;
 }
 
-// Folder of the file that this code lies in: the shared library, or a program that contains it.
-std::string FolderOfLibrary()
-{
-    Dl_info info;
-    if (!dladdr(reinterpret_cast<void*>(&FolderOfLibrary), &info) || !info.dli_fname)
-        return {};
-    const std::unique_ptr<char, void (*)(void*)> path(realpath(info.dli_fname, nullptr), &std::free);
-    const std::string name = path ? path.get() : info.dli_fname;
-    return name.substr(0, name.find_last_of('/') + 1);
-}
-
 std::vector<std::string> DefaultFolders()
 {
-    std::vector<std::string> folders;
-    if (const char* const list = secure_getenv("ZEL_PLUGIN_PATH")) {
-        std::istringstream stream(list);
-        for (std::string folder; std::getline(stream, folder, ':');)
-            if (!folder.empty())
-                folders.push_back(folder);
-    }
-    if (const std::string library = FolderOfLibrary(); !library.empty()) {
-        folders.push_back(library + "3dzel/plugins");
-        folders.push_back(library + "../lib/3dzel/plugins");
-    }
 #ifdef ZEL_PLUGIN_DIR
-    folders.push_back(ZEL_PLUGIN_DIR);
+    return GetModuleFolders("ZEL_PLUGIN_PATH", "plugins", ZEL_PLUGIN_DIR);
+#else
+    return GetModuleFolders("ZEL_PLUGIN_PATH", "plugins", nullptr);
 #endif
-    return folders;
 }
 
 void Destroy(Module* module)

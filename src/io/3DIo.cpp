@@ -12,7 +12,7 @@
 #include "tools/Exception.h"
 #include "tools/IoFile.h"
 #include "tools/Progress.h"
-#include "windows/Window.h"
+#include "windows/WindowSystem.h"
 
 namespace {
 
@@ -28,10 +28,11 @@ void ShowXsiNotice(CWnd* parent)
     static std::atomic<bool> shown{false};
     if (shown.exchange(true))
         return;
-    CNotifyDlg2::ShowDialog(parent, NOTICE_XSI, L"XSI file support",
+    CNotifyDlg2::ShowDialog(NOTICE_XSI, 0, L"XSI file support",
                             L"<b>Autodesk Crosswalk version 2013</b> must be setup on your computer in order to allow reading and "
                             L"writing XSI Softimage files.<br><br>This application is free, and can be downloaded from the web "
-                            L"site of its maker.");
+                            L"site of its maker.",
+                            parent);
 }
 
 bool HasContent(C3DScene& scene, const CSceneImportOptions& options)

@@ -3,7 +3,7 @@
 #include "files/FileExt.h"
 #include "files/FileIo.h"
 #include "io/3DParser.h"
-#include "windows/Window.h"
+#include "windows/WindowSystem.h"
 
 bool ShowExportSheet(C3DParser& parser, CSceneExportOptions&)
 {

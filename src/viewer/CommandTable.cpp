@@ -12,7 +12,8 @@ constexpr unsigned int SIMP = FourCC("SIMP"), INTE = FourCC("INTE");
 // Modifiers of a key. KEYS_SECOND tells the second command of one numeric key.
 constexpr unsigned int PLAIN = 0x200, SHIFT = PLAIN | 1, CTRL = PLAIN | 2, ALT = PLAIN | 4, KEYS_SECOND = 0x10;
 
-constexpr unsigned int USUAL = COMMAND_REPEATABLE, VIEWING = USUAL | COMMAND_TAKES_MOUSE, POPUP = USUAL | COMMAND_HAS_POPUP;
+constexpr unsigned int USUAL = COMMAND_REPEATABLE, VIEWING = USUAL | COMMAND_TAKES_MOUSE, POPUP = USUAL | COMMAND_HAS_POPUP,
+                       BAR_MENU = USUAL | COMMAND_HAS_TOOLBAR_MENU;
 
 /// A place in a menu or bar: blocks are parted by separators.
 constexpr unsigned int AT(unsigned int block, unsigned int place) { return block << 16 | place; }
@@ -73,16 +74,16 @@ constexpr CommandRow ROWS[] = {
     {FourCC("CPJM"), FourCC("VCAM"), SIMP, VK_DIVIDE, PLAIN, 9577, 9578, 9723, NOWHERE, NOWHERE, USUAL},
     {FourCC("WIRE"), FourCC("REND"), SIMP, VK_NUMPAD0 + 1, CTRL, 9579, 9580, 9724, AT(1, 0), AT(6, 0), USUAL},
     {FourCC("FLAT"), FourCC("REND"), SIMP, VK_NUMPAD0 + 2, CTRL, 9581, 9582, 9725, AT(1, 1), AT(6, 1), USUAL},
-    {FourCC("SMOO"), FourCC("REND"), SIMP, VK_NUMPAD0 + 3, CTRL, 9583, 9584, 9726, AT(1, 2), AT(6, 2), USUAL},
+    {FourCC("SMOO"), FourCC("REND"), SIMP, VK_NUMPAD0 + 3, CTRL, 9583, 9584, 9726, AT(1, 2), AT(6, 2), BAR_MENU},
     {FourCC("FLWI"), FourCC("REND"), SIMP, VK_NUMPAD0 + 4, CTRL, 9585, 9586, 9727, AT(1, 3), AT(6, 3), USUAL},
-    {FourCC("SMWI"), FourCC("REND"), SIMP, VK_NUMPAD0 + 5, CTRL, 9587, 9588, 9728, AT(1, 4), AT(6, 4), USUAL},
+    {FourCC("SMWI"), FourCC("REND"), SIMP, VK_NUMPAD0 + 5, CTRL, 9587, 9588, 9728, AT(1, 4), AT(6, 4), BAR_MENU},
     {FourCC("BRGD"), FourCC("LIGH"), SIMP, 'L', CTRL | SHIFT, 9589, 9590, 9729, AT(1, 0), AT(7, 1), USUAL},
     {FourCC("BRGL"), FourCC("LIGH"), SIMP, 'L', CTRL, 9591, 9592, 9730, AT(1, 1), AT(7, 0), USUAL},
     {FourCC("BRGM"), FourCC("LIGH"), SIMP, 'L', SHIFT, 9593, 9594, 9731, AT(1, 2), AT(7, 2), USUAL},
     {FourCC("ENTX"), FourCC("REND"), SIMP, 'T', SHIFT, 9307, 9595, 0, AT(2, 0), NOWHERE, USUAL},
     {FourCC("ENVC"), FourCC("REND"), SIMP, 0, PLAIN, 9317, 9596, 0, AT(2, 1), NOWHERE, USUAL},
     {FourCC("ENSN"), FourCC("REND"), SIMP, 'N', SHIFT, 9305, 9597, 0, AT(2, 2), NOWHERE, USUAL},
-    {FourCC("ENTV"), FourCC("REND"), SIMP, 0, PLAIN, 9598, 9599, 9732, AT(2, 3), AT(6, 5), USUAL},
+    {FourCC("ENTV"), FourCC("REND"), SIMP, 0, PLAIN, 9598, 9599, 9732, AT(2, 3), AT(6, 5), BAR_MENU},
     {FourCC("PREF"), FourCC("EDIT"), SIMP, 'P', ALT, 9600, 9601, 9733, AT(9, 0), NOWHERE, USUAL},
     {FourCC("PLAY"), FourCC("ANIM"), SIMP, VK_SPACE, CTRL, 9602, 9603, 9734, AT(1, 0), AT(8, 2), USUAL},
     {FourCC("PRFR"), FourCC("ANIM"), SIMP, VK_SUBTRACT, CTRL, 9604, 9605, 9735, AT(2, 1), AT(8, 1), USUAL},

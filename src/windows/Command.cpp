@@ -1,52 +1,30 @@
 #include "windows/Command.h"
 
-#include <algorithm>
-
 #include "tools/FourCC.h"
+#include "windows/CommandMgr.h"
 
 namespace {
 
 constexpr unsigned int COMMAND_OF_PARAMETERS = FourCC("CMID");
-constexpr unsigned int TYPE_INTERACTIVE = FourCC("INTE");
 constexpr unsigned int MODIFIER_SHIFT = 1, MODIFIER_CTRL = 2, MODIFIER_ALT = 4;
-constexpr int SCRIPT_SHOWS_DIALOGS = 1;
 
-std::vector<CCommandMgr::Name>& GroupNames()
-{
-    static std::vector<CCommandMgr::Name>& names = *new std::vector<CCommandMgr::Name>;
-    return names;
-}
-
-std::vector<CCommandMgr::Name>& CategoryNames()
-{
-    static std::vector<CCommandMgr::Name>& names = *new std::vector<CCommandMgr::Name>;
-    return names;
-}
-
-void SetName(std::vector<CCommandMgr::Name>& names, unsigned int id, const CXTString<wchar_t>& name)
-{
-    const auto found = std::find_if(names.begin(), names.end(), [&](const CCommandMgr::Name& own) { return own.id == id; });
-    if (found != names.end())
-        found->name = name;
-    else
-        names.push_back({id, name});
-}
-
-// Name of a virtual key: letters, digits and function keys have their own.
+// Letters, digits and function keys have names of their own.
 CXTString<wchar_t> KeyName(unsigned int key)
 {
-    constexpr unsigned int F1 = 0x70, F24 = 0x87;
     static constexpr struct {
         unsigned int key;
         const wchar_t* name;
     } names[] = {
-        {0x08, L"Backspace"}, {0x09, L"Tab"},  {0x0D, L"Enter"}, {0x1B, L"Esc"}, {0x20, L"Space"}, {0x21, L"Page Up"}, {0x22, L"Page Down"},
-        {0x23, L"End"},       {0x24, L"Home"}, {0x25, L"Left"},  {0x26, L"Up"},  {0x27, L"Right"}, {0x28, L"Down"},    {0x2D, L"Insert"},
-        {0x2E, L"Del"},       {0x6A, L"*"},    {0x6B, L"+"},     {0x6D, L"-"},   {0x6F, L"/"},
+        {VK_BACK, L"Backspace"}, {VK_TAB, L"Tab"},        {VK_RETURN, L"Enter"},   {VK_ESCAPE, L"Esc"},    {VK_SPACE, L"Space"},
+        {VK_PRIOR, L"Page Up"},  {VK_NEXT, L"Page Down"}, {VK_END, L"End"},        {VK_HOME, L"Home"},     {VK_LEFT, L"Left"},
+        {VK_UP, L"Up"},          {VK_RIGHT, L"Right"},    {VK_DOWN, L"Down"},      {VK_INSERT, L"Ins"},    {VK_DELETE, L"Del"},
+        {VK_MULTIPLY, L"Num *"}, {VK_ADD, L"Num +"},      {VK_SUBTRACT, L"Num -"}, {VK_DECIMAL, L"Num ."}, {VK_DIVIDE, L"Num /"},
     };
     CXTString<wchar_t> text;
-    if (key >= F1 && key <= F24)
-        text.FormatString(L"F%u", key - F1 + 1);
+    if (key >= VK_F1 && key <= VK_F24)
+        text.FormatString(L"F%u", key - VK_F1 + 1);
+    else if (key >= VK_NUMPAD0 && key <= VK_NUMPAD9)
+        text.FormatString(L"Num %u", key - VK_NUMPAD0);
     else if ((key >= L'A' && key <= L'Z') || (key >= L'0' && key <= L'9'))
         text += static_cast<wchar_t>(key);
     else
@@ -182,75 +160,18 @@ CXTString<wchar_t> CZelCommand::GetCommandHelp(unsigned int id)
     return text;
 }
 
-CCommandMgr::~CCommandMgr()
+bool CZelCommand::SetTimer(unsigned int id, unsigned int milliseconds, bool on)
 {
-    for (CZelCommand* const command : m_commands)
-        command->m_manager = nullptr;
-}
-
-bool CCommandMgr::AddCommand(CZelCommand* command, void*)
-{
-    if (!command || command->m_manager || GetCommandById(command->GetCommandID().identifier))
-        return false;
-    m_commands.push_back(command);
-    command->m_manager = this;
+    if (on)
+        return m_manager && m_manager->SetTimer(this, id, milliseconds);
+    CloseTimer(id);
     return true;
 }
 
-void CCommandMgr::RemoveCommand(CZelCommand* command)
+void CZelCommand::CloseTimer(unsigned int id)
 {
-    if (std::erase(m_commands, command) == 0)
-        return;
-    command->m_manager = nullptr;
-    if (m_current == command)
-        m_current = nullptr;
+    if (m_manager)
+        m_manager->CloseTimer(this, id);
 }
 
-CZelCommand* CCommandMgr::GetCommandById(unsigned int id) const
-{
-    const auto found =
-        std::find_if(m_commands.begin(), m_commands.end(), [&](CZelCommand* command) { return command->GetCommandID().identifier == id; });
-    return found != m_commands.end() ? *found : nullptr;
-}
-
-CommandResult CCommandMgr::StackCommand(unsigned int id, unsigned int mode, void* data)
-{
-    return StackCommand(GetCommandById(id), mode, data);
-}
-
-CommandResult CCommandMgr::StackCommand(CZelCommand* command, unsigned int mode, void* data)
-{
-    if (!command || command->m_manager != this)
-        return COMMAND_DECLINED;
-    command->UpdateState();
-    if (!command->IsStateSet(COMMAND_ENABLED))
-        return COMMAND_DECLINED;
-    CommandResult result = command->OnOpenCommand(mode, data);
-    if (result != COMMAND_DONE)
-        return result;
-    const bool asks = mode == 0 && command->HasDialog();
-    if (asks && !command->OnOpenDialog())
-        result = COMMAND_CANCELLED;
-    else if (!asks || m_scriptMode != SCRIPT_SHOWS_DIALOGS)
-        result = command->OnApplyCommand();
-    if (command->GetCommandID().type != TYPE_INTERACTIVE) {
-        command->OnCloseCommand();
-        return result;
-    }
-    CZelCommand* const former = m_current;
-    if (former == command)
-        return result;
-    if (former)
-        former->OnLooseFocus(0, command);
-    m_current = command;
-    command->OnGetFocus(0, former, result);
-    return result;
-}
-
-void CCommandMgr::RegisterGroupName(unsigned int id, const CXTString<wchar_t>& name) { SetName(GroupNames(), id, name); }
-
-void CCommandMgr::RegisterCategoryName(unsigned int id, const CXTString<wchar_t>& name) { SetName(CategoryNames(), id, name); }
-
-const std::vector<CCommandMgr::Name>& CCommandMgr::GetGroupNames() { return GroupNames(); }
-
-const std::vector<CCommandMgr::Name>& CCommandMgr::GetCategoryNames() { return CategoryNames(); }
+bool CZelCommand::IsTimerEnabled(unsigned int id) const { return m_manager && m_manager->IsTimerEnabled(this, id); }

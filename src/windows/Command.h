@@ -172,6 +172,7 @@ private:
     friend class CCommandMgr;
 
     CCommandMgr* m_manager = nullptr;
+    unsigned int m_windowsId = 0;
     unsigned int m_state = COMMAND_ENABLED;
     unsigned int m_inputFormat = 0, m_inputOptions = 0, m_outputFormat = 0;
     CCustomData m_input, m_output, m_parameters;

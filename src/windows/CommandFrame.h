@@ -1,7 +1,8 @@
 #pragma once
 
 #include <functional>
-#include <string>
+#include <map>
+#include <vector>
 
 #include "windows/CommandMgr.h"
 #include "windows/Frame.h"
@@ -91,11 +92,17 @@ public:
     static constexpr unsigned int ID_HELP = 57670, ID_CONTEXT_HELP = 57669;
 
 private:
+    void PutIntoMenu(CZelCommand* command);
+    void PutIntoToolbar(CZelCommand* command);
+    bool UpdateItem(CMenuItem& item);
+    void ShowHelpOf(CZelCommand* command);
+
     CCommandMgr m_manager{this};
     CCommandView* m_viewer = nullptr;
     unsigned int m_fullScreenCommand;
     bool m_fullScreen = false, m_contextHelp = false;
     int m_menusOpen = 0;
     std::vector<std::function<void()>> m_callbacks;
+    std::map<const CCustomMenu*, CZelCommand*> m_commandPopups;    ///< menus that a command fills
     CXTString<wchar_t> m_helpText;
 };

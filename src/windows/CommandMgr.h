@@ -107,6 +107,7 @@ public:
     bool SetTimer(CZelCommand* command, unsigned int id, unsigned int milliseconds);
     void CloseTimer(CZelCommand* command, unsigned int id);
     bool IsTimerEnabled(const CZelCommand* command, unsigned int id) const;
+    void CloseAllTimers();
 
     // Names of groups and categories of commands, of the whole process. A name given again replaces the former one in its place.
 
@@ -122,6 +123,7 @@ public:
 
 private:
     CommandResult MakeCurrent(CZelCommand* command, unsigned int mode, void* data);
+    CommandResult Apply(CZelCommand* command);
 
     struct Timer {
         CZelCommand* command;

@@ -21,7 +21,6 @@ public:
     void OnCaptureLost() override;
     bool OnSetCursor(const CPoint& point) override;
     bool OnKey(unsigned int key, unsigned int state) override;
-    void OnTimer(unsigned int id) override;
     /// Over the finished picture, in the view's own context: the current command draws.
     virtual void OnDraw(CDC* dc);
 

@@ -39,6 +39,8 @@ class ZEL_API CFrameWndEx : public CWnd {
 public:
     CFrameWndEx();
     ~CFrameWndEx() override;
+    const CXRuntimeClass* GetRuntimeClassDescriptor() const override;
+    static const CXRuntimeClass* GetThisRuntimeClassDescriptor();
 
     /// Makes the window, hidden; loads the window system when there is none yet. False without a screen or when OnCreate refuses.
     bool Create(const CXTString<wchar_t>& title, CWnd* parent = nullptr);

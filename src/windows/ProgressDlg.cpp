@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tools/Progress.h"
-#include "windows/Window.h"
+#include "windows/WindowSystem.h"
 
 CProgressDlg::CProgressDlg(const CXTString<wchar_t>& title, CWnd* parent)
 {

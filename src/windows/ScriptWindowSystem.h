@@ -93,6 +93,13 @@ public:
     CXTString<wchar_t> GetTitle(const CWnd* window) const;
     bool IsFullScreen(const CFrameWndEx* frame) const;
     bool HasQuit() const { return m_quit; }
+    unsigned long long GetTime() const { return m_now; }    ///< milliseconds, as Wait has let pass
+
+    // For what stands behind the windows
+
+    void FocusWindow(CWnd* window);
+    /// Runs at the next PumpEvents, unless the window is gone by then.
+    void Post(CWnd* window, std::function<void()> action);
 
     // IWindowSystem
 
@@ -127,10 +134,17 @@ private:
     friend class CScriptPeer;
 
     CScriptPeer* Find(const CWnd* window) const;
+    /// Null when it, or a window that it stands in, is disabled or not here.
+    CWnd* FindEnabled(CWnd* window) const;
+    template <class Peer> bool Give(CWnd* window, CWnd* parent, const CXTString<wchar_t>& title, const CRect& rect);
     unsigned int GetState() const { return m_keys | m_buttons; }
 
     std::map<const CWnd*, CScriptPeer*> m_peers;
-    std::vector<std::function<void()>> m_posted;
+    struct Posted {
+        CWnd* window;
+        std::function<void()> action;
+    };
+    std::vector<Posted> m_posted;
     unsigned int m_keys = 0, m_buttons = 0;
     unsigned long long m_now = 0;    ///< milliseconds
     CWnd* m_focus = nullptr;

@@ -1,58 +1,54 @@
 #include "windows/Window.h"
 
-#include <atomic>
-
-#include "tools/Progress.h"
-
-namespace {
-
-// No windows: every question is answered "cancel", nothing shows.
-class CNoWindowSystem : public IWindowSystem {
-public:
-    bool CreateWindowPeer(CWnd*, CWnd*, const CXTString<wchar_t>&, const CRect&) override { return false; }
-    MessageAnswer ShowMessage(CWnd*, const CXTString<wchar_t>&, const CXTString<wchar_t>&, MessageButtons) override
-    {
-        return ANSWER_CANCEL;
-    }
-    void ShowNotice(CWnd*, unsigned int, const CXTString<wchar_t>&, const CXTString<wchar_t>&) override {}
-    void ShowReport(CWnd*, const CXTString<wchar_t>&, const CXTString<wchar_t>&) override {}
-    bool ChooseFiles(CWnd*, const CFileDialogRequest&, std::vector<CFileNameSpec>&) override { return false; }
-    bool ChooseFolder(CWnd*, CXTString<wchar_t>&) override { return false; }
-    bool ChooseColor(CWnd*, CRGBColor&) override { return false; }
-    bool RunDialog(CWnd*, const CXTString<wchar_t>&, const std::vector<CDialogTable*>&) override { return false; }
-    void SetWaitCursor(bool) override {}
-    IProgressSink* CreateProgress(CWnd*, const CXTString<wchar_t>&) override { return nullptr; }
-    bool GetClipboardText(CXTString<wchar_t>&) override { return false; }
-    bool SetClipboardText(const CXTString<wchar_t>&) override { return false; }
-};
-
-std::atomic<IWindowSystem*> g_system{nullptr};
-
-}
+#include <utility>
 
 IWindowPeer::~IWindowPeer() = default;
-IWindowSystem::~IWindowSystem() = default;
+
+static const CXRuntimeClass g_class("CWnd", CXObject::GetThisRuntimeClassDescriptor(), nullptr);
+
+CWnd::CWnd() = default;
 
 CWnd::~CWnd() { delete m_peer; }
 
+const CXRuntimeClass* CWnd::GetRuntimeClassDescriptor() const { return &g_class; }
+
+const CXRuntimeClass* CWnd::GetThisRuntimeClassDescriptor() { return &g_class; }
+
+int CWnd::OnCreate() { return 0; }
+bool CWnd::OnClose() { return true; }
+void CWnd::OnDestroy() {}
+void CWnd::OnActivate(bool) {}
+void CWnd::OnEnable(bool) {}
 void CWnd::OnPaint() {}
+bool CWnd::OnEraseBkgnd(CDC*) { return false; }
 void CWnd::OnSize(int, int) {}
 void CWnd::OnTimer(unsigned int) {}
 void CWnd::OnMouseMove(unsigned int, const CPoint&) {}
 void CWnd::OnMouseButton(MouseButton, bool, bool, unsigned int, const CPoint&) {}
 void CWnd::OnMouseWheel(unsigned int, short, const CPoint&) {}
+void CWnd::OnMouseLeave() {}
+void CWnd::OnCaptureLost() {}
+bool CWnd::OnSetCursor(const CPoint&) { return false; }
+bool CWnd::OnContextMenu(const CPoint&) { return false; }
 bool CWnd::OnKey(unsigned int, unsigned int) { return false; }
-void CWnd::OnDestroy() {}
+void CWnd::OnFocus(bool) {}
+void CWnd::OnCommand(unsigned int) {}
+DropEffect CWnd::OnDragOver(const std::vector<CXTString<wchar_t>>&, unsigned int, const CPoint&) { return DROP_NONE; }
+void CWnd::OnDropFiles(const std::vector<CXTString<wchar_t>>&, unsigned int, const CPoint&) {}
 
-void CWnd::SetPeer(IWindowPeer* peer)
+bool CWnd::SetPeer(IWindowPeer* peer)
 {
     if (peer == m_peer)
-        return;
+        return true;
     if (m_peer) {
         OnDestroy();
-        delete m_peer;
+        delete std::exchange(m_peer, nullptr);
     }
     m_peer = peer;
+    if (!m_peer || OnCreate() != -1)
+        return true;
+    delete std::exchange(m_peer, nullptr);
+    return false;
 }
 
 void CWnd::Invalidate(const CRect* area)
@@ -87,10 +83,10 @@ void CWnd::ReleaseCapture()
         m_peer->SetCapture(false);
 }
 
-void CWnd::SetCursor(CursorShape shape)
+void CWnd::SetCursor(MouseCursor cursor)
 {
     if (m_peer)
-        m_peer->SetCursor(shape);
+        m_peer->SetCursor(cursor);
 }
 
 void CWnd::SetFocus()
@@ -105,75 +101,30 @@ void CWnd::SetTitle(const CXTString<wchar_t>& title)
         m_peer->SetTitle(title);
 }
 
-CDialogTable::CDialogTable() = default;
-CDialogTable::~CDialogTable() = default;
-void CDialogTable::OnInit() {}
-void CDialogTable::OnControl(unsigned int) {}
-bool CDialogTable::OnOk() { return true; }
-void CDialogTable::OnCancel() {}
-
-CControl& CDialogTable::Add(ControlKind kind, unsigned int id, const CXTString<wchar_t>& text, bool sameRow)
+void CWnd::Show(bool on)
 {
-    const int last = controls.empty() ? -1 : controls.back().row;
-    CControl& control = controls.emplace_back();
-    control.kind = kind;
-    control.id = id;
-    control.text = text;
-    control.row = sameRow && last >= 0 ? last : last + 1;
-    return control;
+    if (m_peer)
+        m_peer->Show(on);
 }
 
-CControl* CDialogTable::Find(unsigned int id)
+void CWnd::Enable(bool on)
 {
-    for (CControl& control : controls)
-        if (control.id == id)
-            return &control;
-    return nullptr;
+    if (m_peer)
+        m_peer->Enable(on);
 }
 
-IWindowSystem& GetWindowSystem()
+CPoint CWnd::ClientToScreen(const CPoint& point) const { return m_peer ? m_peer->ClientToScreen(point) : point; }
+
+CPoint CWnd::ScreenToClient(const CPoint& point) const { return m_peer ? m_peer->ScreenToClient(point) : point; }
+
+void CWnd::PostClose()
 {
-    static CNoWindowSystem& none = *new CNoWindowSystem;
-    IWindowSystem* const system = g_system;
-    return system ? *system : none;
+    if (m_peer)
+        m_peer->PostClose();
 }
 
-IWindowSystem* SetWindowSystem(IWindowSystem* system) { return g_system.exchange(system); }
-
-bool RunDialog(CWnd* parent, const CXTString<wchar_t>& title, const std::vector<CDialogTable*>& pages)
+void CWnd::PostCommand(unsigned int id)
 {
-    for (CDialogTable* const page : pages)
-        page->OnInit();
-    if (GetWindowSystem().RunDialog(parent, title, pages))
-        return true;
-    for (CDialogTable* const page : pages)
-        page->OnCancel();
-    return false;
-}
-
-CWaitCursor::CWaitCursor(bool show)
-{
-    if (show)
-        Show();
-}
-
-CWaitCursor::~CWaitCursor() { Hide(); }
-
-void CWaitCursor::Show()
-{
-    if (!m_shown)
-        GetWindowSystem().SetWaitCursor(true);
-    m_shown = true;
-}
-
-void CWaitCursor::Hide()
-{
-    if (m_shown)
-        GetWindowSystem().SetWaitCursor(false);
-    m_shown = false;
-}
-
-void CNotifyDlg2::ShowDialog(CWnd* parent, unsigned int id, const CXTString<wchar_t>& title, const CXTString<wchar_t>& text)
-{
-    GetWindowSystem().ShowNotice(parent, id, title, text);
+    if (m_peer)
+        m_peer->PostCommand(id);
 }

@@ -8,7 +8,7 @@
 #include "scene/Preferences.h"
 #include "support/TempFolder.h"
 #include "tools/StringTable.h"
-#include "windows/Command.h"
+#include "windows/CommandMgr.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "tools/FourCC.h"
-#include "windows/Command.h"
+#include "windows/CommandMgr.h"
 
 namespace {
 
@@ -71,9 +71,11 @@ TEST(CommandMgr, RunsCommandsByTheirType)
     EXPECT_EQ(log, "");
 
     run(11, 2);
-    EXPECT_EQ(log, "open apply focus ");
+    EXPECT_EQ(log, "open focus ");    // it stays current instead of being applied
+    EXPECT_EQ(run(11, 2), COMMAND_DONE);
+    EXPECT_EQ(log, "");
     run(12, 2);
-    EXPECT_EQ(log, "open apply blur focus ");
+    EXPECT_EQ(log, "open blur close focus ");
     EXPECT_EQ(manager.GetCurrentCommand(), &zoom);
     manager.RemoveCommand(&zoom);
     EXPECT_EQ(manager.GetCurrentCommand(), nullptr);

@@ -1,0 +1,6 @@
+#include "windows/DockPane.h"
+
+CCustomDockablePane::CCustomDockablePane() = default;
+CCustomDockablePane::~CCustomDockablePane() = default;
+
+CSize CCustomDockablePane::GetDefaultSize() const { return {240, 300}; }
