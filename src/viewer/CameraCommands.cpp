@@ -7,6 +7,7 @@
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/Camera.h"
+#include "tools/FormatText.h"
 #include "tools/FourCC.h"
 #include "viewer/FrameViewer.h"
 #include "windows/Menu.h"
@@ -46,16 +47,10 @@ CommandResult C3DViewCameraCommand::OnApplyCommand(C3DScene* scene)
     return LookThrough(GetViewer(), camera) ? COMMAND_DONE : COMMAND_DECLINED;
 }
 
-int C3DViewCameraCommand::OnToolbarMenu(CPoint& point) { return m_popup.Open(Get3DFrameWnd(), point); }
-
 static CXTString<wchar_t> GetShownName(const C3DSceneNode& camera)
 {
     constexpr unsigned int CAMERA = 9349;
-    CXTString<wchar_t> name;
-    if (camera.HasName())
-        name = camera.GetName();
-    else
-        name.LoadStringW(CAMERA);
+    CXTString<wchar_t> name = camera.HasName() ? camera.GetName() : LoadText(CAMERA);
     name.Replace(L"&", L"&&");
     return name;
 }
@@ -67,18 +62,15 @@ CCustomMenu* C3DViewCameraCommand::OnPopupMenu(CCustomMenu* menu, unsigned int)
         m_popup.AddCommand(*menu, command);
     menu->AddMenuSeparator();
     m_popup.AddCommand(*menu, PROJECTION);
-    menu->AddMenuSeparator();
 
     std::vector<std::pair<CXTString<wchar_t>, int>> cameras;
     for (const C3DSceneNode* const camera : GetCameras(GetFrameScene()))
         cameras.emplace_back(GetShownName(*camera), static_cast<int>(camera->GetNodeID()));
     std::stable_sort(cameras.begin(), cameras.end(), [](const auto& a, const auto& b) { return a.first.CompareNoCase(b.first) < 0; });
+    if (!cameras.empty())
+        menu->AddMenuSeparator();
     for (const auto& [name, id] : cameras)
         m_popup.Add(*menu, name, id, true);
-
-    for (CMenuItem& item : menu->items)
-        if (!item.separator)
-            item.enabled = item.enabled && GetPopupCmdState(item.id) & COMMAND_ENABLED;
     return menu;
 }
 
@@ -96,7 +88,7 @@ int C3DViewCameraCommand::DoPopupCmd(unsigned int id)
 {
     const std::optional<int> node = m_popup.GetValue(id);
     if (!node)
-        return m_popup.RunCommand(id);
+        return 0;
     GetCustomData().SetUnsigned(DATA_CAMERA_ID, static_cast<unsigned int>(*node));
     GetManager()->StackCommand(this, STACK_APPLY, nullptr);
     return 1;

@@ -11,7 +11,6 @@ class ZEL_API C3DViewCameraCommand : public C3DCommand {
 public:
     C3DViewCameraCommand();
     CommandResult OnApplyCommand(C3DScene* scene) override;
-    int OnToolbarMenu(CPoint& point) override;
     CCustomMenu* OnPopupMenu(CCustomMenu* menu, unsigned int first) override;
     unsigned int GetPopupCmdState(unsigned int id) override;
     int DoPopupCmd(unsigned int id) override;

@@ -4,12 +4,6 @@
 
 #include "viewer/FrameViewer.h"
 
-static void SetItemState(CMenuItem& item, unsigned int state)
-{
-    item.enabled = (state & COMMAND_ENABLED) != 0;
-    item.checked = (state & COMMAND_CHECKED) != 0;
-}
-
 void CCommandPopup::Clear()
 {
     m_entries.clear();
@@ -24,9 +18,7 @@ void CCommandPopup::Add(CCustomMenu& menu, const CXTString<wchar_t>& text, int v
     if (id == 0)
         return;
     m_entries.push_back({id, value});
-    CMenuItem& item = menu.AddItem(id, text);
-    item.radio = radio;
-    SetItemState(item, m_command->GetPopupCmdState(id));
+    menu.AddItem(id, text).radio = radio;
 }
 
 void CCommandPopup::AddCommand(CCustomMenu& menu, unsigned int commandID)
@@ -38,8 +30,6 @@ void CCommandPopup::AddCommand(CCustomMenu& menu, unsigned int commandID)
     CMenuItem& item = menu.AddItem(manager->GetWindowsId(command), command->GetName());
     item.key = command->GetKeyAccess();
     item.icon = command->GetAccess().GetBitmap();
-    command->UpdateState();
-    SetItemState(item, command->GetState());
 }
 
 std::optional<int> CCommandPopup::GetValue(unsigned int id) const
@@ -53,15 +43,6 @@ unsigned int CCommandPopup::GetCommandID(unsigned int id) const
     const CCommandMgr* const manager = m_command->GetManager();
     CZelCommand* const command = manager ? manager->GetWindowsCommand(id) : nullptr;
     return command && command != m_command ? command->GetCommandID().identifier : 0;
-}
-
-int CCommandPopup::RunCommand(unsigned int id) const
-{
-    const unsigned int commandID = GetCommandID(id);
-    if (commandID == 0)
-        return 0;
-    m_command->GetManager()->StackCommand(commandID, STACK_USER, nullptr);
-    return 1;
 }
 
 int CCommandPopup::Open(C3DFrameViewer* frame, const CPoint& screen) const

@@ -2,6 +2,7 @@
 
 #include "render/View.h"
 #include "render/ViewProfile.h"
+#include "tools/FormatText.h"
 #include "tools/FourCC.h"
 #include "viewer/FrameViewer.h"
 #include "windows/Menu.h"
@@ -88,8 +89,6 @@ CCustomMenu* C3DTexVCCommand::OnPopupMenu(CCustomMenu* menu, unsigned int)
     return menu;
 }
 
-int C3DTexVCCommand::DoPopupCmd(unsigned int id) { return m_popup.RunCommand(id); }
-
 // Light
 
 CommandResult C3DBrightnessCommand::OnApplyCommand()
@@ -149,14 +148,12 @@ CommandResult C3DOpeningViewPrefsCommand::OnApplyCommand()
     return ToggleSetting(Get3DFrameWnd(), SETTINGS3D_AUTO_FIT) ? COMMAND_DONE : COMMAND_DECLINED;
 }
 
-int C3DOpeningViewPrefsCommand::OnToolbarMenu(CPoint& point) { return m_popup.Open(Get3DFrameWnd(), point); }
-
 CCustomMenu* C3DOpeningViewPrefsCommand::OnPopupMenu(CCustomMenu* menu, unsigned int)
 {
     constexpr unsigned int AUTO_FIT = 9177, USE_CAMERA = 9175;
     m_popup.Clear();
-    m_popup.Add(*menu, GetCommandHelp(AUTO_FIT), SETTINGS3D_AUTO_FIT);
-    m_popup.Add(*menu, GetCommandHelp(USE_CAMERA), SETTINGS3D_USE_CAMERA);
+    m_popup.Add(*menu, LoadText(AUTO_FIT), SETTINGS3D_AUTO_FIT);
+    m_popup.Add(*menu, LoadText(USE_CAMERA), SETTINGS3D_USE_CAMERA);
     return menu;
 }
 

@@ -74,7 +74,6 @@ public:
     CommandResult OnApplyCommand() override;
     int OnToolbarMenu(CPoint& point) override;
     CCustomMenu* OnPopupMenu(CCustomMenu* menu, unsigned int first) override;
-    int DoPopupCmd(unsigned int id) override;
 
 private:
     using C3DCommand::OnApplyCommand;
@@ -202,7 +201,6 @@ class ZEL_API C3DOpeningViewPrefsCommand : public C3DCommand {
 public:
     C3DOpeningViewPrefsCommand();
     CommandResult OnApplyCommand() override;
-    int OnToolbarMenu(CPoint& point) override;
     CCustomMenu* OnPopupMenu(CCustomMenu* menu, unsigned int first) override;
     unsigned int GetPopupCmdState(unsigned int id) override;
     int DoPopupCmd(unsigned int id) override;

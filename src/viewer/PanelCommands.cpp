@@ -1,5 +1,6 @@
 #include "viewer/PanelCommands.h"
 
+#include "tools/FormatText.h"
 #include "tools/FourCC.h"
 #include "viewer/FrameViewer.h"
 #include "viewer/Panels.h"
@@ -20,9 +21,7 @@ CommandResult C3DFullScreenCommand::OnApplyCommand()
     frame->ToggleFullScreen();
     if (!frame->IsFullScreen())
         return COMMAND_DONE;
-    CXTString<wchar_t> text;
-    text.FormatString(GetCommandHelp(HOW_TO_LEAVE), GetKeyAccess().c_str());
-    CNotifyDlg2::ShowDialog(NOTICE, NOTICE_TIME, GetCommandHelp(TITLE), text, frame);
+    CNotifyDlg2::ShowDialog(NOTICE, NOTICE_TIME, LoadText(TITLE), FormatText(HOW_TO_LEAVE, GetKeyAccess()), frame);
     frame->AddMessageCallback([frame] { frame->CancelFullScreen(); });
     return COMMAND_DONE;
 }

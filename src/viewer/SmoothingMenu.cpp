@@ -7,6 +7,7 @@
 #include "render/View.h"
 #include "render/ViewProfile.h"
 #include "scene/3DScene.h"
+#include "tools/FormatText.h"
 #include "tools/FourCC.h"
 #include "viewer/FrameViewer.h"
 #include "windows/Menu.h"
@@ -95,13 +96,11 @@ CCustomMenu* C3DSmoothingCommand::OnPopupMenu(CCustomMenu* menu, unsigned int)
     if (!scene)
         return nullptr;
     for (const auto& angle : ANGLES)
-        m_popup.Add(*menu, GetCommandHelp(angle.text), angle.degrees, true);
-    CXTString<wchar_t> text;
-    text.FormatString(GetCommandHelp(CUSTOM), GetCustomDegrees(*scene));
-    m_popup.Add(*menu, text, CUSTOM_ANGLE, true);
+        m_popup.Add(*menu, LoadText(angle.text), angle.degrees, true);
+    m_popup.Add(*menu, FormatText(CUSTOM, GetCustomDegrees(*scene)), CUSTOM_ANGLE, true);
     menu->AddMenuSeparator();
     for (const auto& mode : MODES)
-        m_popup.Add(*menu, GetCommandHelp(mode.text), FIRST_MODE + mode.mode, true);
+        m_popup.Add(*menu, LoadText(mode.text), FIRST_MODE + mode.mode, true);
     return menu;
 }
 
@@ -158,10 +157,8 @@ bool C3DSmoothingCommand::AskForAngle(C3DScene& scene, int& degrees)
 CSmoothAngleDialog::CSmoothAngleDialog(C3DFrameViewer* frame, C3DScene* scene, int degrees) : m_frame(frame), m_scene(scene)
 {
     constexpr unsigned int TITLE = 9654, QUESTION = 9655;
-    title.LoadStringW(TITLE);
-    CXTString<wchar_t> question;
-    question.LoadStringW(QUESTION);
-    Add(CONTROL_LABEL, 0, question);
+    title = LoadText(TITLE);
+    Add(CONTROL_LABEL, 0, LoadText(QUESTION));
     CControl& slider = Add(CONTROL_SLIDER, ID_SLIDER, CXTString<wchar_t>());
     slider.minimum = 0;
     slider.maximum = MOST_DEGREES;

@@ -6,6 +6,7 @@
 
 #include "render/View.h"
 #include "scene/Preferences.h"
+#include "tools/FormatText.h"
 #include "tools/FourCC.h"
 #include "viewer/FrameViewer.h"
 
@@ -41,10 +42,8 @@ C3DViewAngleDlg::C3DViewAngleDlg(CZelCommand* command) : CCommandDlg(command)
 {
     constexpr unsigned int TITLE = 9656, QUESTION = 9657;
     constexpr int LEAST = 5, MOST = 85;
-    title.LoadStringW(TITLE);
-    CXTString<wchar_t> question;
-    question.LoadStringW(QUESTION);
-    Add(CONTROL_LABEL, 0, question);
+    title = LoadText(TITLE);
+    Add(CONTROL_LABEL, 0, LoadText(QUESTION));
     CControl& slider = Add(CONTROL_SLIDER, ID_SLIDER, CXTString<wchar_t>());
     slider.minimum = LEAST;
     slider.maximum = MOST;
