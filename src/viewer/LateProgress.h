@@ -13,7 +13,7 @@ public:
     CLateProgress(CWnd* parent, const CXTString<wchar_t>& title) : m_parent(parent), m_title(title)
     {
         if (!CProgressScope::GetCurrentSink())
-            m_scope.emplace(this);
+            m_scope.emplace(static_cast<IProgressSink*>(this));
     }
 
 private:
