@@ -38,12 +38,18 @@ bool C3DView::BeginFace(int face, bool front)
     }
     if (result & FACE_RESULT_SELECTION)
         m_element.material = &m_selectionMaterial;
-    if ((result & FACE_RESULT_NORMAL) && !ApplyFaceFlags(m_element.face.GetFlags() & VIEW_FACE_ALL, result))
+    const unsigned int flags = m_element.face.GetFlags() & VIEW_FACE_ALL;
+    if ((result & FACE_RESULT_NORMAL) && !ApplyFaceFlags(flags, result))
         return false;
+    const bool marked = (result & FACE_RESULT_NORMAL) && (flags & VIEW_FACE_MARKED) && (m_element.viewFlags & VIEWFLAG_SHOW_SELECTED_FACES);
+    if (marked) {
+        m_element.material = &m_selectionMaterial;
+        m_element.vcInUse = false;
+    }
     if (m_element.vcInUse)
         result |= FACE_RESULT_POINT_MATERIALS;
     m_element.faceState = result;
-    if (m_element.nodeMode == VIEWFLAG_WIREFRAME)
+    if (m_element.nodeMode == VIEWFLAG_WIREFRAME && !(marked && !(m_element.viewFlags & VIEWFLAG_SOLID)))
         m_element.material = GetWireMaterial();
     SwitchStipple((result & FACE_RESULT_STIPPLED) != 0);
     SetFaceMaterial(result);

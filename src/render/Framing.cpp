@@ -122,16 +122,32 @@ void C3DView::InitClippingPlane()
         nearPlane = farPlane / 100;
 }
 
+/// Half the width that shows all of a box about the middle of the view, with a margin; 0 for a box without sides across the line of sight.
+static double GetHalfWidth(const GlViewSettings& settings, const C3DTPoint<float>& min, const C3DTPoint<float>& max)
+{
+    constexpr double MARGIN = 1.05;
+    const auto reach = [&](int row) {
+        double sum = 0;
+        for (int axis = 0; axis < 3; axis++)
+            sum += std::fabs(double{settings.matrix.m[row][axis]}) * (double{max[axis]} - min[axis]) / 2;
+        return sum;
+    };
+    return std::max(reach(0), reach(1) * settings.aspect) * MARGIN;
+}
+
 void C3DView::AdjustView(unsigned int flags)
 {
     if (!m_scene || !(flags & (GLSET_FIT | GLSET_FIT_ALT)))
         return;
     C3DTPoint<float> min, max, center;
-    GetBBox(flags & GLSET_FIT_SELECTION, min, max, center, 0, 0);
+    bool onSelection = flags & GLSET_FIT_SELECTION;
+    GetBBox(onSelection, min, max, center, 0, 0);
     const C3DTPoint<float> nothing;
-    if (flags & GLSET_FIT_SELECTION && Distance(min, nothing) == 0 && Distance(max, nothing) == 0)
-        GetBBox(false, min, max, center, 0, 0);    // nothing of what is selected has a size
-    InitClippingPlane();                           // for the size: of the whole scene, whatever is fitted
+    if (onSelection && Distance(min, nothing) == 0 && Distance(max, nothing) == 0) {
+        onSelection = false;    // nothing of what is selected has a size
+        GetBBox(false, min, max, center, 0, 0);
+    }
+    InitClippingPlane();    // for the size: of the whole scene, whatever is fitted
     m_settings.sceneCenter = center;
 
     // The distance serves both projections: an orthographic one takes its depths from it.
@@ -144,7 +160,9 @@ void C3DView::AdjustView(unsigned int flags)
         return;
     if (m_settings.GetCurrentCamera()->GetRefCount() > 1)    // copies of the settings share it
         m_settings.SetCurrentCamera(m_settings.GetCurrentCamera());
-    m_settings.GetCurrentCamera()->SetZoom(diagonal > 0 && size > 0 ? size / diagonal : 1);
+    // A selection fills the view as it is turned now; the scene has room to turn in.
+    const double width = onSelection ? 2 * GetHalfWidth(m_settings, min, max) : 0, shown = width > 0 ? width : diagonal;
+    m_settings.GetCurrentCamera()->SetZoom(shown > 0 && size > 0 ? size / shown : 1);
 }
 
 void C3DView::GetEyeSlope(const CPoint& point, double& x, double& y) const
@@ -209,14 +227,18 @@ const std::vector<Turn> g_turns[] = {
 
 }
 
-/// In the sense of CQuaternion and C4x4TMatrix::FromQuaternion: a quarter about x brings what is up, z, to the eye's up, y.
-static void Rotate(C4x4TMatrix<float>& matrix, Axis axis, double angle)
+void TurnMatrix(C4x4TMatrix<float>& matrix, const C3DTVector<float>& axis, double angle)
 {
     if (std::fabs(angle) < 1e-15)
         return;
     C4x4TMatrix<float> rotation;
-    rotation.FromQuaternion(CQuaternion(C3DTVector<float>(axis == X, axis == Y, axis == Z), angle));
+    rotation.FromQuaternion(CQuaternion(axis, angle));
     matrix *= rotation;
+}
+
+static void Rotate(C4x4TMatrix<float>& matrix, Axis axis, double angle)
+{
+    TurnMatrix(matrix, C3DTVector<float>(axis == X, axis == Y, axis == Z), angle);
 }
 
 void C3DView::SetView(_RVIEW_FLAG number, int redraw, float angle)

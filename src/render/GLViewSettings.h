@@ -52,7 +52,7 @@ enum _VIEW_FLAGS : unsigned int {
     VIEWFLAG_SMOOTH = 0x4,
     VIEWFLAG_TRANSPARENCY = 0x10,           ///< transparent materials blend
     VIEWFLAG_MARKED_ONLY = 0x20,            ///< only faces and points of curves that a host has marked
-    VIEWFLAG_SHOW_SELECTED_FACES = 0x40,    ///< for hosts
+    VIEWFLAG_SHOW_SELECTED_FACES = 0x40,    ///< marked faces (VIEW_FACE_MARKED) have the selection material
     VIEWFLAG_HIDDEN_STIPPLED = 0x80,        ///< on surfaces: hidden nodes are shown half
     VIEWFLAG_CULL_BACK = 0x100,
     VIEWFLAG_TEXTURE = 0x200,
@@ -116,3 +116,7 @@ public:
     CRGBColor selectionColor{255, 0, 0};
     CRGBColor lightColor{192, 192, 192};
 };
+
+/// matrix = matrix * rotation, in the sense of C4x4TMatrix::FromQuaternion: a quarter about x brings z, what is up, to the eye's y. Angles below 1e-15
+/// in size do nothing.
+ZEL_API void TurnMatrix(C4x4TMatrix<float>& matrix, const C3DTVector<float>& axis, double angle);

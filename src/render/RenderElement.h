@@ -35,7 +35,7 @@ enum _VIEW_FACE_FLAGS : unsigned int {
     VIEW_FACE_HIDDEN = 0x4,
     VIEW_FACE_ONE_SIDED = 0x10,
     VIEW_FACE_TWO_SIDED = 0x20,
-    VIEW_FACE_MARKED = 0x40,
+    VIEW_FACE_MARKED = 0x40,    ///< selected
     VIEW_FACE_ALL = 0x74,
     VIEW_POINT_SELECTED = 0x1,    ///< of a curve
     VIEW_POINT_HIDDEN = 0x2,      ///< has no label

@@ -53,8 +53,11 @@ struct _GLContext {
 /// Added to the mode of C3DView::BeginNode: the faces of transparent materials.
 constexpr unsigned int DRAW_TRANSPARENT = 16;
 
-/// The parameters are not looked at.
-enum GLSelectMode : unsigned int { GLSELECT_DEFAULT = 0 };
+/// What C3DView::SelectFacesFromRect does with faces that were marked before. Searches for nodes and points don't look at it.
+enum GLSelectMode : unsigned int {
+    GLSELECT_DEFAULT = 0,    ///< what is found is marked, and nothing else
+    GLSELECT_TOGGLE = 1,     ///< the rest stays; when all that is found is marked already, it loses its mark
+};
 
 /// Draws a scene with OpenGL, in a window or off screen.
 ///
@@ -202,14 +205,20 @@ public:
     /// A derived view that answers false loads no texture.
     virtual int IsTextureEnabled() const;
 
-    // Picking (Picking.cpp)
+    // Picking (Picking.cpp, FacePicking.cpp)
 
     /// Nodes with something in the rectangle (pixels of the window, y down), as often as they are hit; with a width or height of 0 the nearest
     /// one at the point alone. Their number.
     unsigned int SelectNodesFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width, unsigned int height,
                                      GLSelectMode mode, unsigned int reserved);
+    /// Marks faces of polygon objects: those of which a pixel shows in the rectangle, in pure wireframe, which hides none, all that reach into it;
+    /// with a width or height of 0 the one that shows at the point. `nodes`: those with such faces, once each. UpdateView shows the marks.
+    ///
+    /// @param mark  bits of the faces' flags, as VIEW_FACE_MARKED
+    /// @return      number of faces found. Nodes that share an object share its faces
     unsigned int SelectFacesFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width, unsigned int height,
-                                     GLSelectMode mode, unsigned int reserved);
+                                     GLSelectMode mode, unsigned int mark);
+    /// Finds nothing.
     unsigned int SelectPointsFromRect(CXArray<C3DSceneNode*>& nodes, unsigned int x, unsigned int y, unsigned int width,
                                       unsigned int height, GLSelectMode mode, unsigned int reserved);
 
@@ -420,6 +429,13 @@ private:
     unsigned int GetTextureName(unsigned int materialID) const;
     /// Of the material whose texture the element's face has; NO_MATERIAL for none.
     unsigned int GetWantedTexture();
+    /// Nodes with polygons whose faces can be picked or lie before others.
+    std::vector<DrawnNode> CollectSurfaces() const;
+    bool IsFaceShown(unsigned int flags) const;
+    bool IsFaceCulled(const C3DGeomObject& geometry, unsigned int flags) const;
+    void DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first);
+    std::vector<std::vector<unsigned int>> FindSeenFaces(const std::vector<DrawnNode>& surfaces, const CRect& area);
+    std::vector<std::vector<unsigned int>> FindTouchedFaces(const std::vector<DrawnNode>& surfaces, const double* projection) const;
     void FlushNodes(const std::function<void(C3DSceneNode*)>& flush);
     void FlushNodesOf(const C3DMaterial& material);
     /// Those of the letters, made when missing (DrawText.cpp): the first of COutlineFont::CHARACTERS, 0 without a font.

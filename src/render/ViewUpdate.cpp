@@ -33,7 +33,8 @@ void C3DView::SetViewSettings(const GlViewSettings* settings)
             m_settings.matrix.m[row][3] = settings->matrix.m[row][3];
     }
     if (mask & GLSET_VIEW_FLAGS) {
-        m_flushPending |= ((m_settings.viewFlags ^ settings->viewFlags) & VIEWFLAG_RENDER_MODE) != 0;
+        constexpr unsigned int IN_LISTS = VIEWFLAG_RENDER_MODE | VIEWFLAG_SHOW_SELECTED_FACES;
+        m_flushPending |= ((m_settings.viewFlags ^ settings->viewFlags) & IN_LISTS) != 0;
         m_settings.viewFlags = (m_settings.viewFlags & VIEWFLAG_TRANSIENT) | (settings->viewFlags & ~VIEWFLAG_TRANSIENT);
     }
     if (mask & GLSET_HIDDEN_KINDS) {
