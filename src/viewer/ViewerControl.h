@@ -15,7 +15,7 @@ enum ViewerZone : unsigned int {
     ZONE_NONE = 32,    ///< nothing is pressed
 };
 
-/// A command that takes the mouse in the view: drags turn, move and zoom it, a click picks nodes.
+/// A command that takes the mouse in the view: drags turn, move and zoom it, a click picks nodes. In all of them the middle button moves the view.
 class ZEL_API C3DViewerControl : public C3DCommand {
 public:
     ~C3DViewerControl() override;
@@ -23,34 +23,52 @@ public:
     void OnGetFocus(int reason, CZelCommand* former, CommandResult result) override;
     void OnLooseFocus(int reason, CZelCommand* next) override;
     int SetCursor(const CPoint& point) override;
-    int OnLButtonUp(unsigned int state, const CPoint& point) override;
-    int OnLButtonDblClk(unsigned int state, const CPoint& point) override;
-    /// The middle button moves the view in all of them.
-    int OnMButtonDown(unsigned int state, const CPoint& point) override;
+    /// Nothing for the point where the mouse is already; else the middle button's drag, or what OnDrag does.
     void OnMouseMove(unsigned int state, const CPoint& point) override;
+    int OnLButtonDown(unsigned int state, const CPoint& point) override;
+    int OnRButtonDown(unsigned int state, const CPoint& point) override;
+    int OnMButtonDown(unsigned int state, const CPoint& point) override;
+    int OnLButtonUp(unsigned int state, const CPoint& point) override;
+    int OnRButtonUp(unsigned int state, const CPoint& point) override;
+    int OnMButtonUp(unsigned int state, const CPoint& point) override;
+    int OnLButtonDblClk(unsigned int state, const CPoint& point) override;
+    /// The ring about which the handles stand, over a picture that has time for it.
     void OnDraw(CDC* dc) override;
+    int OnGetHelp(HelpInfo kind, CXTString<wchar_t>& text) const override;
 
     unsigned int GetZone() const { return m_zone; }
 
 protected:
-    C3DViewerControl(unsigned int id, bool gizmo, unsigned int zone);
+    /// `gizmo`: has the ring, and a zone that follows buttons and mouse; otherwise it stays `zone`. Strings of the help on mouse and keys, 0 for none.
+    C3DViewerControl(unsigned int id, bool gizmo, unsigned int zone, unsigned int mouseHelp = 0, unsigned int keyHelp = 0);
 
-    // Drags, from the former mouse position to the point (ViewerControl.cpp)
+    /// The mouse has moved, with or without buttons.
+    virtual void OnDrag(unsigned int state, const CPoint& point) = 0;
+
+    /// From the press to the point; nothing unless the zone turns.
     void RotateDrag(unsigned int state, const CPoint& point);
+    // From the former mouse position to the point
     void PanDrag(unsigned int state, const CPoint& point);
     void ZoomDrag(unsigned int state, const CPoint& point);
-    /// Notes the view at the start of a drag.
-    void SaveMatrix();
+    /// Notes view and point at the start of a drag.
+    void BeginDrag(unsigned int state, const CPoint& point);
     /// Zone of a point of the ring.
     unsigned int GetPointZone(const CPoint& point) const;
-    /// By the buttons that are down.
-    void UpdateZone(const CPoint& point);
+    /// By the buttons that are down, without those that are let go of.
+    void UpdateZone(const CPoint& point, unsigned int released = 0);
     /// Selects what lies under the point.
     void Pick(unsigned int state, const CPoint& point);
+    /// The scene that the view shows.
+    C3DScene* GetViewScene() const;
 
     unsigned int m_zone;
     const bool m_gizmoOn;
     bool m_lastCtrl = false;
     CPoint m_dragStart;
     C4x4TMatrix<float> m_savedMatrix;
+
+private:
+    void GoOn(unsigned int state, const CPoint& point, unsigned int released);
+
+    const unsigned int m_mouseHelp, m_keyHelp;
 };
