@@ -59,7 +59,7 @@ C3DTextureCommand::C3DTextureCommand() : C3DViewFlagCommand(FourCC("ENTX"), VIEW
 C3DVCCommand::C3DVCCommand() : C3DViewFlagCommand(FourCC("ENVC"), VIEWFLAG_VERTEX_COLORS) {}
 C3DSpecNormalCommand::C3DSpecNormalCommand() : C3DViewFlagCommand(FourCC("ENSN"), VIEWFLAG_SPEC_NORMALS) {}
 
-C3DTexVCCommand::C3DTexVCCommand() : C3DCommand(FourCC("ENTV")) { SetState(COMMAND_HAS_TOOLBAR_MENU, true); }
+C3DTexVCCommand::C3DTexVCCommand() : C3DCommand(FourCC("ENTV")) {}
 
 void C3DTexVCCommand::UpdateState()
 {

@@ -50,11 +50,6 @@ int GetCustomDegrees(const C3DScene& scene)
 
 }
 
-C3DSmoothingCommand::C3DSmoothingCommand(unsigned int id, unsigned int mode) : C3DRenderModeCommand(id, mode)
-{
-    SetState(COMMAND_HAS_TOOLBAR_MENU, true);
-}
-
 C3DSmoothModeCommand::C3DSmoothModeCommand() : C3DSmoothingCommand(FourCC("SMOO"), VIEWFLAG_SMOOTH) {}
 C3DWireSmoothModeCommand::C3DWireSmoothModeCommand() : C3DSmoothingCommand(FourCC("SMWI"), VIEWFLAG_SMOOTH | VIEWFLAG_WIREFRAME) {}
 
@@ -76,10 +71,9 @@ CommandResult C3DSmoothingCommand::OnApplyCommand()
         scene->SetSmoothAngle(angle, true);
     if (changesMode)
         scene->SetSmoothMode(static_cast<_NormalSmoothMode>(mode), true);
-    if (changesAngle || changesMode) {
-        frame->SetModifiedFlag(true);
+    SetState(COMMAND_CHANGES_DOCUMENT, changesAngle || changesMode);
+    if (changesAngle || changesMode)
         frame->UpdateView(GLSET_FLUSH_ALL);
-    }
     frame->UnlockWindow();
     return COMMAND_DONE;
 }

@@ -17,7 +17,7 @@ public:
     int DoPopupCmd(unsigned int id) override;
 
 protected:
-    C3DSmoothingCommand(unsigned int id, unsigned int mode);
+    C3DSmoothingCommand(unsigned int id, unsigned int mode) : C3DRenderModeCommand(id, mode) {}
     using C3DRenderModeCommand::OnApplyCommand;
 
 private:

@@ -190,7 +190,8 @@ void CCommandFrameWnd::OnTimer(unsigned int id)
 
 // States
 
-bool CCommandFrameWnd::UpdateItem(CMenuItem& item)
+/// `owner`: of the popup, which has a say in the entries of other commands too; null for none.
+bool CCommandFrameWnd::UpdateItem(CMenuItem& item, CZelCommand* owner)
 {
     CZelCommand* const command = item.id ? m_manager.GetWindowsCommand(item.id) : nullptr;
     if (!command)
@@ -201,6 +202,8 @@ bool CCommandFrameWnd::UpdateItem(CMenuItem& item)
     else {
         command->UpdateState();
         state = command->GetState();
+        if (owner && !(owner->GetPopupCmdState(item.id) & COMMAND_ENABLED))
+            state &= ~COMMAND_ENABLED;
     }
     item.enabled = (state & COMMAND_ENABLED) != 0;
     item.checked = (state & COMMAND_CHECKED) != 0 || (item.id < CCommandMgr::FIRST_POPUP && IsActiveCommand(command));
@@ -209,12 +212,14 @@ bool CCommandFrameWnd::UpdateItem(CMenuItem& item)
 
 void CCommandFrameWnd::OnInitMenuPopup(CCustomMenu& menu)
 {
-    if (const auto filled = m_commandPopups.find(&menu); filled != m_commandPopups.end()) {
+    const auto filled = m_commandPopups.find(&menu);
+    CZelCommand* const owner = filled != m_commandPopups.end() ? filled->second : nullptr;
+    if (owner) {
         menu.RemoveAll();
-        filled->second->OnPopupMenu(&menu, CCommandMgr::FIRST_POPUP);
+        owner->OnPopupMenu(&menu, CCommandMgr::FIRST_POPUP);
     }
     for (CMenuItem& item : menu.items)
-        UpdateItem(item);
+        UpdateItem(item, owner);
 }
 
 void CCommandFrameWnd::UpdateState()
@@ -258,10 +263,10 @@ void CCommandFrameWnd::OnToolbarMenu(unsigned int id, const CPoint& screen)
     UpdateState();
 }
 
-bool CCommandFrameWnd::OpenPopup(CCustomMenu& menu, const CPoint& screen, CZelCommand*)
+bool CCommandFrameWnd::OpenPopup(CCustomMenu& menu, const CPoint& screen, CZelCommand* command)
 {
     for (CMenuItem& item : menu.items)
-        UpdateItem(item);
+        UpdateItem(item, command);
     m_menusOpen++;
     const unsigned int chosen = GetWindowSystem().TrackPopup(this, menu, screen);
     m_menusOpen--;

@@ -94,7 +94,7 @@ public:
 private:
     void PutIntoMenu(CZelCommand* command);
     void PutIntoToolbar(CZelCommand* command);
-    bool UpdateItem(CMenuItem& item);
+    bool UpdateItem(CMenuItem& item, CZelCommand* owner);
     void ShowHelpOf(CZelCommand* command);
 
     CCommandMgr m_manager{this};
