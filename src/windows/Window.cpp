@@ -97,6 +97,7 @@ void CWnd::SetFocus()
 
 void CWnd::SetTitle(const CXTString<wchar_t>& title)
 {
+    m_title = title;
     if (m_peer)
         m_peer->SetTitle(title);
 }

@@ -146,6 +146,7 @@ public:
     void SetCursor(MouseCursor cursor);
     void SetFocus();
     void SetTitle(const CXTString<wchar_t>& title);
+    const CXTString<wchar_t>& GetTitle() const { return m_title; }
     void Show(bool on);
     void Enable(bool on);
     CPoint ClientToScreen(const CPoint& point) const;
@@ -156,4 +157,5 @@ public:
 private:
     IWindowPeer* m_peer = nullptr;
     CWnd* m_parent = nullptr;
+    CXTString<wchar_t> m_title;
 };

@@ -44,6 +44,8 @@ std::atomic<IWindowSystem*> g_system{nullptr};
 }
 
 IWindowSystem::~IWindowSystem() = default;
+std::vector<CShownQuestion> IWindowSystem::GetShownQuestions() { return {}; }
+bool IWindowSystem::AnswerQuestion(const CXTString<wchar_t>&) { return false; }
 
 IWindowSystem& GetWindowSystem()
 {

@@ -37,6 +37,13 @@ struct CFileDialogRequest {
     std::vector<CFileFilter> filters;    ///< filled by fileOpenFile and its kin
 };
 
+/// A question that waits for the user: a dialog, a message, a menu.
+struct CShownQuestion {
+    CXTString<wchar_t> kind;    ///< "message", "dialog", "files", "folders", "color", "menu", "report"
+    CXTString<wchar_t> title, text;
+    std::vector<CDialogTable*> pages;    ///< of a dialog
+};
+
 /// The one factory of everything that a toolkit must give. Used by the thread that runs its loop.
 class ZEL_API IWindowSystem {
 public:
@@ -91,6 +98,11 @@ public:
     virtual void SendKey(unsigned int key, unsigned int state) = 0;
     /// What stands on the screen in a window without its borders; the caller's. Null when it cannot be had.
     virtual Bitmap* GrabWindow(CWnd* window) = 0;
+    /// Those open now, the innermost last.
+    virtual std::vector<CShownQuestion> GetShownQuestions();
+    /// Answers the innermost one: "ok", "cancel", "yes", "no"; a menu: the text of an entry; files and folders: paths, with a line feed between; a
+    /// dialog also "ID=VALUE", which changes a control and keeps it open. False when none is open, or it takes no such answer.
+    virtual bool AnswerQuestion(const CXTString<wchar_t>& answer);
 };
 
 /// The window system of the process: the one set, else the one without windows.
