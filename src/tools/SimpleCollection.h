@@ -429,23 +429,6 @@ public:
             ReorderEntries(source, count);
     }
 
-    /// Keeps the entries that `keep` marks: entry i moves to number target[i], which ascend without gaps; 0xFFFFFFFF
-    /// drops it. The pool comes out compact.
-    void Compress(const unsigned int* target, unsigned int kept)
-    {
-        std::uint64_t base, stride;
-        if (IsAscending(base, stride))
-            return CloseUp(target, kept);    // each entry moves down at once
-        COffsetArray offsets;
-        offsets.PreAllocate(kept);
-        for (unsigned int i = 0; i < m_entryCount; i++)
-            if (target[i] != 0xFFFFFFFF)
-                offsets.Append(m_offsets[i]);
-        m_offsets.Swap(offsets);
-        m_entryCount = m_offsets.GetSize();
-        CompactPool(GetLiveSize());
-    }
-
     // --- Streams ----------------------------------------------------------------------------------------------------
 
     /// Entry count, pool sizes, the pool, the offsets. Storing compacts the pool first, in place, so the written pool
@@ -479,30 +462,6 @@ private:
     bool IsAscending(std::uint64_t& base, std::uint64_t& stride) const
     {
         return m_offsets.IsProgression(base, stride) && (m_entryCount < 2 || m_offsets[1] > base);
-    }
-
-    void CloseUp(const unsigned int* target, unsigned int kept)
-    {
-        COffsetArray offsets;
-        offsets.PreAllocate(kept);
-        std::uint64_t used = 0;
-        ForEach(m_entryCount, [&](unsigned int entry, const T* items, unsigned int count) {
-            if (target[entry] == 0xFFFFFFFF)
-                return;
-            offsets.Append(used);
-            Header* const header = reinterpret_cast<Header*>(m_pool + used);
-            if (count == 3) {    // by far the most frequent size: no call
-                T three[3] = {items[0], items[1], items[2]};
-                std::memcpy(ItemsOf(header), three, sizeof(three));
-            } else
-                std::memmove(ItemsOf(header), items, count * sizeof(T));
-            *header = {static_cast<S>(count), static_cast<S>(count)};
-            used += EntryBytes(count);
-        });
-        m_offsets.Swap(offsets);
-        m_entryCount = m_offsets.GetSize();
-        m_poolUsed = used;
-        TrimPool();
     }
 
     std::uint64_t Margin(std::uint64_t required) const { return std::max<std::uint64_t>(required / 4, EntryBytes(m_defaultCapacity)); }

@@ -14,8 +14,6 @@ namespace {
 using Collection = CSimpleCollection<int, unsigned short>;
 using Lists = std::vector<std::vector<int>>;
 
-constexpr unsigned int NONE = 0xFFFFFFFF;
-
 constexpr unsigned int GROW = Collection::ENTRIES_EMPTY | Collection::ESTIMATE_ADDED;
 constexpr unsigned int EXACT = GROW | Collection::NO_MARGIN;
 
@@ -159,47 +157,6 @@ TEST(SimpleCollection, AgreesWithListsUnderRandomEdits)
         EXPECT_EQ(collection.GetPoolCapacity(), collection.GetLiveSize()) << "storing compacts";
     }
     EXPECT_EQ(sum.Get(), 0x2527A3E31110A57Bu);
-}
-
-TEST(SimpleCollection, CompressesToTheEntriesKept)
-{
-    // Fault in mind: entries that lie the other way round are taken for ascending ones, and one is written over the next before that is
-    // read. Seen with offsets whose step down, once more, wraps around.
-    struct {
-        const char* name;
-        Lists entries;
-        void (*change)(Collection&);
-        std::vector<unsigned int> target;
-        Lists kept;
-    } const rows[] = {
-        {"side by side", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}}, nullptr, {NONE, 0, NONE, 1}, {{4, 5, 6}, {10, 11, 12}}},
-        {"the first one grew twice",
-         {{1, 2, 3}, {4, 5, 6}},
-         [](Collection& c) { c.AddItem(0, 20), c.AddItem(0, 21); },
-         {0, 1},
-         {{1, 2, 3, 20, 21}, {4, 5, 6}}},
-        {"a stream with steps down",
-         {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}},
-         [](Collection& c) {
-             StreamBytes bytes = Stored(c);
-             const std::uint64_t terms[] = {32, std::uint64_t{0} - 16};
-             std::memcpy(bytes.data() + bytes.size() - sizeof terms, terms, sizeof terms);
-             ASSERT_TRUE(Load(c, bytes));
-         },
-         {0, 1, 2},
-         {{7, 8, 9}, {4, 5, 6}, {1, 2, 3}}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Collection collection;
-        Fill(collection, row.entries);
-        if (row.change)
-            row.change(collection);
-        collection.Compress(row.target.data(), static_cast<unsigned int>(row.kept.size()));
-        EXPECT_EQ(Contents(collection), row.kept);
-        CheckLayout(collection);
-        EXPECT_EQ(collection.GetPoolCapacity(), collection.GetLiveSize());
-    }
 }
 
 TEST(SimpleCollection, RefusesDamagedStreams)
