@@ -7,7 +7,9 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "channels/DependentChannels.h"
 #include "channels/FaceNormalChannel.h"
@@ -45,7 +47,8 @@ void C3DView::FlushScene()
     };
     BeginScene();
     const Ending ending{*this};
-    m_finalObjects.RemoveAll();
+    m_compiled.RemoveAll();
+    m_flushedChanges = m_restChanges = 0;
     m_transparentObjects.RemoveAll();
     InitTransparentMaterials();
     m_flushPending = false;    // an object that fails from here on is tried again on its own
@@ -56,13 +59,11 @@ void C3DView::FlushScene()
 void C3DView::InitTransparentMaterials()
 {
     m_transparentMaterials.RemoveAll();
+    NoteNewMaterials();
     for (unsigned int pos = m_scene->GetFirstMaterial(); pos != HASH_END;) {
         C3DMaterial* const material = m_scene->GetNextMaterial(pos);
-        if (material->IsOneFlagSet(MATERIAL_CHANGES)) {
-            // Every object is compiled anew behind this, so that news of colours is no news.
-            material->SetFlags(MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED, false);
-            MaterialChanged(material->GetMaterialID());
-        }
+        if (material->IsOneFlagSet(MATERIAL_CHANGES) || HasNews(*material))
+            TakeNews(*material);    // every object is compiled anew behind this
         NoteTransparency(*material);
     }
 }
@@ -85,13 +86,23 @@ void C3DView::FlushNodes(const std::function<void(C3DSceneNode*)>& flush)
 
 // --- A node ----------------------------------------------------------------------------------------------------------------------
 
+bool C3DView::IsCompiled(C3DBaseObject* object) const
+{
+    const Compiled* const compiled = m_compiled.Find(object->GetObjectID());
+    return HasCallList(object) || (compiled && m_listedObjects.Find(static_cast<int>(compiled->final)));
+}
+
+std::uint64_t C3DView::GetRevision(const C3DBaseObject* base, const C3DBaseObject* final)
+{
+    return std::max(base->GetRevision(), final ? final->GetRevision() : 0);
+}
+
 void C3DView::FlushNode(C3DSceneNode* node)
 {
     C3DBaseObject* const base = node ? node->GetBaseObject() : nullptr;
     if (!base)
         return;
-    const int* const listed = m_finalObjects.Find(static_cast<int>(base->GetObjectID()));
-    if (!(base->GetKindOf() & m_settings.hiddenKinds) && !HasCallList(base) && !listed) {
+    if (!(base->GetKindOf() & m_settings.hiddenKinds) && !IsCompiled(base)) {
         const CGLActivate active(this);
         ReinitCurrentMaterial();
         try {
@@ -105,16 +116,15 @@ void C3DView::FlushNode(C3DSceneNode* node)
             m_element.inFlushCallback = 0;
             AbandonCallList();
             RemoveNode(node);
-            base->Invalidate(OBJECT_UPDATE_DISPLAY, true);    // the next update tries again
+            m_compiled.Remove(base->GetObjectID());    // the next update tries again
             throw;
         }
+        const C3DBaseObject* const final = node->GetFinalObject();
+        m_compiled.SetAt(base->GetObjectID(), {GetRevision(base, final), final ? final->GetObjectID() : NO_OBJECT, m_walk});
     }
     base->Invalidate(OBJECT_UPDATE_DISPLAY, false);
-    if (C3DBaseObject* const final = node->GetFinalObject(); final && final != base) {
+    if (C3DBaseObject* const final = node->GetFinalObject(); final && final != base)
         final->Invalidate(OBJECT_UPDATE_DISPLAY, false);
-        if (HasCallList(final))
-            m_finalObjects.SetAt(static_cast<int>(base->GetObjectID()), static_cast<int>(final->GetObjectID()));
-    }
     node->SetInvalidateFlag(NODE_UPDATE_DISPLAY, false);
 }
 
@@ -124,12 +134,9 @@ int C3DView::RemoveNode(C3DSceneNode* node)
     if (!base)
         return 0;
     // What was compiled for a patch, a camera or a light is another object, perhaps one that is no more.
-    const int id = static_cast<int>(base->GetObjectID());
-    int final;
-    if (m_finalObjects.Find(id, final)) {
-        DeleteGeometryLists(static_cast<unsigned int>(final));
-        m_finalObjects.Remove(id);
-    }
+    Compiled* const compiled = m_compiled.Find(base->GetObjectID());
+    if (compiled && compiled->final != NO_OBJECT)
+        DeleteGeometryLists(std::exchange(compiled->final, NO_OBJECT));
     DeleteGeometryLists(base->GetObjectID());
     return 1;
 }

@@ -7,7 +7,8 @@
 class CLayerBitmap;
 class GlViewSettings;
 
-/// Picture of a whole scene on white, drawn at twice the size and reduced: what thumbnails are made of.
+/// Picture of a whole scene on white, drawn at twice the size and reduced: what thumbnails are made of. Views that show the scene are not
+/// disturbed; they must be this thread's.
 ///
 /// @param scene     null gives null
 /// @param settings  how it is shown, as of the view of a frame

@@ -64,8 +64,11 @@ enum GLSelectMode : unsigned int {
 /// Off screen no window, display, GPU or toolkit is needed: CreateMemoryRendering, SetScene, SetViewSettings or UpdateView, then
 /// CreateBitmapFromScene any number of times, DeleteMemoryRendering.
 ///
-/// A view is used by the thread that made it. Several threads may each have views of their own, of scenes of their own. Nothing is drawn of a
-/// scene before UpdateView; geometry goes to GL once, as one call list for each object, and is sent again when it changes.
+/// A view is used by the thread that made it. Several threads may each have views of their own, of scenes of their own: neither scenes nor cameras
+/// can be used by two, so that another thread than the window's draws a copy of the scene (C3DScene::Copy) with a camera of its own
+/// (GlViewSettings::SetCurrentCamera). Several views of one scene, on one thread, are independent: each draws what has changed since it looked last.
+///
+/// Nothing is drawn of a scene before UpdateView; geometry goes to GL once, as one call list for each object, and is sent again when it changes.
 class ZEL_API C3DView : public CCommandView {
 public:
     using DisplayCallback = int (*)(C3DSceneNode* node, glCallbackDisplayState state, unsigned int mode, void* data);
@@ -196,7 +199,8 @@ public:
     void EnableTexture(int on);
     /// Whether there is a texture of the element's material.
     int TextureExist();
-    /// Deals with the news of a material (MATERIAL_CHANGES) and clears them.
+    /// Deals with the news of a material and clears its flags (MATERIAL_CHANGES). Views that were not told find out at their next UpdateView with
+    /// GLSET_UPDATE.
     void MaterialChanged(unsigned int materialID);
     C3DMaterial& GetSelectionMaterial() { return m_selectionMaterial; }
     C3DMaterial& GetUserMaterial() { return m_userMaterial; }
@@ -288,9 +292,13 @@ protected:
 
     // ViewUpdate.cpp
     void HoldUpdates(unsigned int flags);
-    /// Those whose object has changed.
-    bool HasChanged(const C3DSceneNode* node) const;
+    /// Whether an object that shows has work to do.
+    bool NeedsUpdate();
+    /// What is compiled of an object is no longer what it is, or there is nothing of it.
+    bool HasChanged(C3DSceneNode* node);
+    /// Compiles what has news, of materials too. Costs nothing as long as no scene of the process changes.
     void FlushChangedNodes();
+    void ForgetGoneObjects();
 
     // ViewEvents.cpp
     void OnUnusedWheel(unsigned int state, short delta, const CPoint& point) override;
@@ -437,7 +445,18 @@ private:
     std::vector<std::vector<unsigned int>> FindSeenFaces(const std::vector<DrawnNode>& surfaces, const CRect& area);
     std::vector<std::vector<unsigned int>> FindTouchedFaces(const std::vector<DrawnNode>& surfaces, const double* projection) const;
     void FlushNodes(const std::function<void(C3DSceneNode*)>& flush);
-    void FlushNodesOf(const C3DMaterial& material);
+    using MaterialIDs = CHashTable<unsigned int>;
+    void FlushNodesOf(const MaterialIDs& materials);
+    bool IsCompiled(C3DBaseObject* object) const;
+    static std::uint64_t GetRevision(const C3DBaseObject* base, const C3DBaseObject* final);
+    bool HasNews(const C3DMaterial& material) const;
+    /// Deals with them as far as no object is compiled anew for them; true when those of the material are to be.
+    bool TakeNews(C3DMaterial& material);
+    /// Those without record get one, and their textures when they are in use.
+    void NoteNewMaterials();
+    void FlushChangedMaterials();
+    /// One of the view's own.
+    void ChangeOwnColor(C3DMaterial& material, const CRGBColor& color);
     /// Those of the letters, made when missing (DrawText.cpp): the first of COutlineFont::CHARACTERS, 0 without a font.
     unsigned int GetFontLists();
 
@@ -457,12 +476,15 @@ private:
     CSize m_requestedSize;    ///< of memory rendering
     int m_requestedDepth = 0;
     unsigned int m_appliedFlags = 0xFFFFFFFF;
-    enum { PIXELS_NONE, PIXELS_PBUFFER, PIXELS_MEMORY } m_pixelWindow = PIXELS_NONE;    ///< what the window's picture is drawn on off screen
+    enum {
+        PIXELS_NONE,
+        PIXELS_PBUFFER,
+        PIXELS_MEMORY
+    } m_pixelWindow = PIXELS_NONE;    ///< what the window's picture is drawn on off screen
 
     // Lists
     CHashTable<CHashID> m_callLists;
     CHashTable<int> m_listedObjects, m_transparentMaterials, m_alphaMaterials, m_transparentObjects;
-    CIntMap m_finalObjects;    ///< id of the object that was compiled, by that of the node's object
     int m_listDepth = 0;
     CHashID m_list;    ///< that is being compiled, its mesh and GL's list that is open
     unsigned int m_openList = 0, m_primitive = 0;
@@ -474,6 +496,19 @@ private:
     FaceCulling m_faceCulling = CULL_AS_OBJECT;    ///< in the open list; when it is another, the object's is kept there too
     bool m_stippled = false;                       ///< in the open list
     bool m_meshColors = false;                     ///< in the open list: diffuse colours are those of the mesh's vertices
+
+    // What the view has taken in. Other views clear the flags of news, but not the revisions.
+    struct Compiled {
+        std::uint64_t revision;    ///< of the node's object and of the one that stands for it, the later one
+        unsigned int final;        ///< id of the one that was compiled, NO_OBJECT when its lists are gone
+        unsigned int walk;         ///< number of the walk that met it last
+    };
+    static constexpr unsigned int NO_OBJECT = 0xFFFFFFFF;
+    CHashMap<unsigned int, Compiled> m_compiled;                 ///< by id of the node's object
+    CHashMap<unsigned int, C3DMaterialRevisions> m_knownNews;    ///< by id of the material
+    unsigned int m_walk = 0;
+    std::uint64_t m_flushedChanges = 0;    ///< while GetSceneChanges gives it, all is compiled
+    std::uint64_t m_restChanges = 0;       ///< and no object has work to do
 
     // Materials
     C3DMaterial m_selectionMaterial, m_cameraMaterial, m_lightMaterial, m_wireframeMaterial, m_userMaterial;

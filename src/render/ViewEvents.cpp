@@ -89,20 +89,6 @@ bool C3DView::OnEraseBkgnd(CDC* dc)
     return true;
 }
 
-/// Whether a node that shows has an object with work to do.
-static bool NeedsUpdate(const C3DScene& scene)
-{
-    for (C3DNodePos pos = scene.GetFirstNode(OBJECT_ANY); pos;) {
-        const C3DSceneNode* const node = scene.GetNextNode(pos);
-        if (node->IsFlagSet(NODE_HIDDEN) || node->GetBaseObject()->IsFlagSet(OBJECT_EMPTY))
-            continue;
-        const C3DBaseObject* const final = node->GetFinalObject(scene.GetTickCount());
-        if (final && final->NeedUpdate())
-            return true;
-    }
-    return false;
-}
-
 void C3DView::OnTimer(unsigned int id)
 {
     if (id != TIMER) {
@@ -112,7 +98,7 @@ void C3DView::OnTimer(unsigned int id)
     const unsigned int now = GetMilliseconds();
     const bool mayUpdate = m_scene && m_activations == 0 && !(m_settings.viewFlags & VIEWFLAG_UPDATES_HELD);
     if (mayUpdate && (m_lastUpdate == NO_TIME || now - m_lastUpdate >= UPDATE_PAUSE)) {
-        if (NeedsUpdate(*m_scene))
+        if (NeedsUpdate())
             UpdateView(GLSET_UPDATE);
         m_lastUpdate = now;
     } else if (m_lastPaint != NO_TIME && now - m_lastPaint > PAINT_PAUSE) {

@@ -3,7 +3,7 @@
 //   faces     InitMaterial, or InitTexture (ViewTextures.cpp): once for a run of faces of one material
 //   corners   InitPointMaterial: the first corner of a run sets the user material, the others send what differs from the corner before
 //   wires     InitDiffuseColor: a plain colour, without light
-//   news      MaterialChanged: what a material's flags tell of changes
+//   news      MaterialChanged, or FlushChangedMaterials for views that nobody told: what a material's revisions tell of changes
 
 #include <GL/gl.h>
 
@@ -13,6 +13,7 @@
 #include "render/GLColor.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
+#include "scene/GeomObject.h"
 
 namespace {
 
@@ -166,30 +167,83 @@ void C3DView::SetCornerColor(const CRGBColor& color)
 
 // News
 
+bool C3DView::HasNews(const C3DMaterial& material) const
+{
+    const C3DMaterialRevisions* const known = m_knownNews.Find(material.GetMaterialID());
+    return !known || *known != material.GetRevisions();
+}
+
 void C3DView::MaterialChanged(unsigned int materialID)
 {
     C3DMaterial* const material = m_scene ? m_scene->GetMaterialByID(materialID) : nullptr;
     if (!material)
         return;
     CGLActivate activate(this);
-    const unsigned int news = material->GetFlags() & MATERIAL_CHANGES;
-    const bool hadTexture = HasTexture(materialID), hadAlpha = m_alphaMaterials.Find(materialID);
+    if (!TakeNews(*material))
+        return;
+    MaterialIDs changed;
+    changed.Insert(materialID);
+    FlushNodesOf(changed);
+}
 
-    const bool newTexture = news & MATERIAL_IMAGES_CHANGED ? ReloadImage(*material) : (news & MATERIAL_TEXTURE_CHANGED) != 0;
+bool C3DView::TakeNews(C3DMaterial& material)
+{
+    const unsigned int id = material.GetMaterialID();
+    const C3DMaterialRevisions now = material.GetRevisions(), known = m_knownNews[id];
+    const bool hadTexture = HasTexture(id), hadAlpha = m_alphaMaterials.Find(static_cast<int>(id));
+
+    // Once another view has cleared the flag, the images that it had read again are those in memory.
+    const bool newTexture =
+        known.images == now.images ? known.texture != now.texture : !material.IsFlagSet(MATERIAL_IMAGES_CHANGED) || ReloadImage(material);
     if (newTexture && m_texturesLoaded)
-        InitMaterialMapping(materialID, true);
+        InitMaterialMapping(id, true);
 
     // A texture that comes, goes or gets holes is a matter of the lists too.
-    const bool newLists = (news & (MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED)) || hadTexture != HasTexture(materialID) ||
-                          hadAlpha != m_alphaMaterials.Find(materialID);
+    const bool newLists = known.look != now.look || hadTexture != HasTexture(id) || hadAlpha != m_alphaMaterials.Find(static_cast<int>(id));
     if (newLists) {
-        RecompileMaterial(*material);
-        NoteTransparency(*material);
-        FlushNodesOf(*material);
+        RecompileMaterial(material);
+        NoteTransparency(material);
     }
     if (newTexture || newLists)
         Invalidate();
-    material->SetFlags(MATERIAL_CHANGES, false);
+    m_knownNews.SetAt(id, now);
+    material.SetFlags(MATERIAL_CHANGES, false);
+    return newLists;
+}
+
+void C3DView::NoteNewMaterials()
+{
+    std::vector<unsigned int> textured;
+    for (unsigned int pos = m_scene->GetFirstMaterial(); pos != HASH_END;) {
+        const C3DMaterial& material = *m_scene->GetNextMaterial(pos);
+        const unsigned int id = material.GetMaterialID();
+        if (m_knownNews.Find(id))
+            continue;
+        C3DMaterialRevisions& known = m_knownNews[id] = material.GetRevisions();
+        known.look = 0;    // is still to be looked at
+        if (m_texturesLoaded && material.GetDiffuseMaps() && !HasTexture(id))
+            textured.push_back(id);
+    }
+    if (textured.empty())
+        return;
+    C3DFaceList::MaterialsMap used;
+    m_scene->GetMaterials(nullptr, used, true);
+    for (const unsigned int id : textured)
+        if (used.Find(id))
+            InitMaterialMapping(id, false);
+}
+
+void C3DView::FlushChangedMaterials()
+{
+    NoteNewMaterials();
+    MaterialIDs changed;
+    for (unsigned int pos = m_scene->GetFirstMaterial(); pos != HASH_END;) {
+        C3DMaterial* const material = m_scene->GetNextMaterial(pos);
+        if (HasNews(*material) && TakeNews(*material))
+            changed.Insert(material->GetMaterialID());
+    }
+    if (!changed.IsEmpty())
+        FlushNodesOf(changed);
 }
 
 void C3DView::NoteTransparency(const C3DMaterial& material)
@@ -201,18 +255,22 @@ void C3DView::NoteTransparency(const C3DMaterial& material)
         m_transparentMaterials.Remove(id);
 }
 
-void C3DView::FlushNodesOf(const C3DMaterial& material)
+void C3DView::FlushNodesOf(const MaterialIDs& materials)
 {
-    CXArray<C3DSceneNode*> nodes;
-    m_scene->GetNodesByMaterial(nullptr, material.GetMaterialID(), nodes, true);
+    const auto isUsed = [&](C3DGeomObject& object) {
+        if (const C3DFaceList::MaterialsMap* const used = object.GetMaterialsHashMap(true))
+            for (const auto& use : *used)
+                if (materials.Find(use.first))
+                    return true;
+        return false;
+    };
     CHashTable<unsigned int> done;
-    for (C3DSceneNode* node : nodes) {
+    FlushNodes([&](C3DSceneNode* node) {
         // Without lists it is not drawn yet, and whoever has it drawn flushes it: in a flush of all, after the last material.
-        C3DBaseObject* const object = node->GetBaseObject();
-        const unsigned int id = object->GetObjectID();
-        if ((HasCallList(object) || m_finalObjects.Find(static_cast<int>(id))) && done.Insert(id)) {
+        C3DGeomObject* const object = node->GetGeomObject();
+        if (object && IsCompiled(object) && isUsed(*object) && done.Insert(object->GetObjectID())) {
             RemoveNode(node);
             FlushNode(node);
         }
-    }
+    });
 }

@@ -57,8 +57,14 @@ void C3DView::InitMapping()
     m_scene->GetMaterials(nullptr, used, true);
     for (const auto& entry : used) {
         InitMaterialMapping(entry.first, false);
-        if (C3DMaterial* const material = m_scene->GetMaterialByID(entry.first))    // what is read now is news no more
-            material->SetFlags(MATERIAL_TEXTURE_CHANGED | MATERIAL_IMAGES_CHANGED, false);
+        C3DMaterial* const material = m_scene->GetMaterialByID(entry.first);
+        if (!material)
+            continue;
+        material->SetFlags(MATERIAL_TEXTURE_CHANGED | MATERIAL_IMAGES_CHANGED, false);    // what is read now is news no more
+        if (C3DMaterialRevisions* const known = m_knownNews.Find(entry.first)) {
+            known->texture = material->GetRevisions().texture;
+            known->images = material->GetRevisions().images;
+        }
     }
     m_texturesLoaded = true;
 }

@@ -2,6 +2,7 @@
 
 #include "render/View.h"
 #include "scene/3DScene.h"
+#include "scene/ProcessState.h"
 
 // How a view comes to show something else: a scene, a settings record, changed objects.
 
@@ -11,6 +12,9 @@ void C3DView::SetScene(C3DScene* scene, unsigned int flags)
         scene->AddRef();
     DeleteMe(m_scene);
     m_scene = scene;
+    m_compiled.RemoveAll();
+    m_knownNews.RemoveAll();
+    m_flushedChanges = m_restChanges = 0;
 
     const CGLActivate active(this);
     DestroyMapping(false);
@@ -40,6 +44,7 @@ void C3DView::SetViewSettings(const GlViewSettings* settings)
     if (mask & GLSET_HIDDEN_KINDS) {
         m_flushPending |= m_settings.hiddenKinds != settings->hiddenKinds;
         m_settings.hiddenKinds = settings->hiddenKinds;
+        m_restChanges = 0;
     }
     if (mask & GLSET_CAMERA)
         m_settings.SetCurrentCamera(settings->GetCurrentCamera());
@@ -55,11 +60,11 @@ void C3DView::SetViewSettings(const GlViewSettings* settings)
         m_settings.background = settings->background;
     if (mask & GLSET_WIREFRAME_COLOR) {
         m_settings.wireframeColor = settings->wireframeColor;
-        SetColor(m_wireframeMaterial, m_settings.wireframeColor);
+        ChangeOwnColor(m_wireframeMaterial, m_settings.wireframeColor);
     }
     if (mask & GLSET_SELECTION_COLOR) {
         m_settings.selectionColor = settings->selectionColor;
-        SetColor(m_selectionMaterial, m_settings.selectionColor);
+        ChangeOwnColor(m_selectionMaterial, m_settings.selectionColor);
     }
     if (mask & GLSET_LIGHT_COLOR)
         m_settings.lightColor = settings->lightColor;
@@ -116,27 +121,79 @@ void C3DView::HoldUpdates(unsigned int flags)
         m_settings.viewFlags |= VIEWFLAG_UPDATES_HELD;
 }
 
-/// The object has news, or what stands for it on screen is another object than the one that was compiled.
-bool C3DView::HasChanged(const C3DSceneNode* node) const
+bool C3DView::NeedsUpdate()
+{
+    const std::uint64_t changes = GetSceneChanges();
+    if (!m_scene || changes == m_restChanges)
+        return false;
+    bool isHiddenWork = false;
+    for (C3DNodePos pos = m_scene->GetFirstNode(OBJECT_ANY); pos;) {
+        const C3DSceneNode* const node = m_scene->GetNextNode(pos);
+        const C3DBaseObject* const base = node->GetBaseObject();
+        if (!base || base->IsFlagSet(OBJECT_EMPTY) || (base->GetKindOf() & m_settings.hiddenKinds))
+            continue;
+        const C3DBaseObject* const final = node->GetFinalObject(m_scene->GetTickCount());
+        if (!final || !final->NeedUpdate())
+            continue;
+        if (!node->IsFlagSet(NODE_HIDDEN))
+            return true;
+        isHiddenWork = true;    // and may show at any time
+    }
+    m_restChanges = isHiddenWork ? 0 : changes;
+    return false;
+}
+
+bool C3DView::HasChanged(C3DSceneNode* node)
 {
     const C3DBaseObject* const base = node->GetBaseObject();
-    const C3DBaseObject* const final = node->GetFinalObject(GetTick());
-    if (!final)
+    if (!base)
         return false;
-    if (base->IsInvalidate(OBJECT_UPDATE_DISPLAY) || final->IsInvalidate(OBJECT_UPDATE_DISPLAY) || final->NeedUpdate())
-        return true;
-    const int* const compiled = m_finalObjects.Find(static_cast<int>(base->GetObjectID()));
-    return compiled && *compiled != static_cast<int>(final->GetObjectID());
+    Compiled* const compiled = m_compiled.Find(base->GetObjectID());
+    if (compiled)
+        compiled->walk = m_walk;
+    const C3DBaseObject* const final = node->GetFinalObject(static_cast<int>(GetTick()));
+    if (!final || (base->GetKindOf() & m_settings.hiddenKinds))
+        return false;
+    return !compiled || compiled->revision != GetRevision(base, final) ||
+           (compiled->final != NO_OBJECT && compiled->final != final->GetObjectID()) || final->NeedUpdate();
 }
 
 void C3DView::FlushChangedNodes()
 {
-    FlushNodes([this](C3DSceneNode* node) {
-        if (HasChanged(node)) {
-            RemoveNode(node);
-            FlushNode(node);
-        }
+    const std::uint64_t changes = GetSceneChanges();
+    if (changes == m_flushedChanges)
+        return;
+    m_flushedChanges = 0;
+    m_walk++;
+    FlushChangedMaterials();
+    bool isWorkLeft = false;
+    FlushNodes([&](C3DSceneNode* node) {
+        if (!HasChanged(node))
+            return;
+        RemoveNode(node);
+        FlushNode(node);
+        const C3DBaseObject* const final = node->GetFinalObject(static_cast<int>(GetTick()));
+        isWorkLeft |= final && final->NeedUpdate();
     });
+    ForgetGoneObjects();
+    if (!isWorkLeft)
+        m_flushedChanges = changes;
+}
+
+/// Objects that the walk has not met: their nodes are gone.
+void C3DView::ForgetGoneObjects()
+{
+    std::vector<unsigned int> gone;
+    for (const auto& [id, compiled] : m_compiled)
+        if (compiled.walk != m_walk)
+            gone.push_back(id);
+    for (const unsigned int id : gone) {
+        const unsigned int final = m_compiled.Find(id)->final;
+        if (final != NO_OBJECT)
+            DeleteGeometryLists(final);
+        DeleteGeometryLists(id);
+        m_compiled.Remove(id);
+    }
 }
 
 void C3DView::LockWindow() { m_lockCount++; }
@@ -151,4 +208,24 @@ void C3DView::SetBackgroundColor(unsigned char red, unsigned char green, unsigne
 {
     m_settings.background = {red, green, blue};
     Invalidate();
+}
+
+void C3DView::ChangeOwnColor(C3DMaterial& material, const CRGBColor& color)
+{
+    if (material.GetDiffuseColor(0, false) == color)
+        return;
+    SetColor(material, color);
+    const CGLActivate active(this);
+    if (!IsActive() || !m_scene)
+        return;
+    RecompileMaterial(material);
+    // Curves have the colours of their corners, and lists that a host has a part in those of everything.
+    const bool areListsStale = m_flushCallback || m_faceCallback || m_pointMaterialCallback;
+    const unsigned int stale = areListsStale ? OBJECT_ANY : &material == &m_selectionMaterial ? +OBJECT_CURVE : 0U;
+    for (C3DNodePos pos = m_scene->GetFirstNode(stale); stale && pos;) {
+        const C3DBaseObject* const base = m_scene->GetNextNode(pos)->GetBaseObject();
+        if (Compiled* const compiled = base ? m_compiled.Find(base->GetObjectID()) : nullptr)
+            compiled->revision = 0;
+    }
+    m_flushedChanges = 0;
 }

@@ -17,13 +17,13 @@
 
 ZEL_IMPLEMENT_CREATABLE(C3DBaseObject, CXObject)
 
-C3DBaseObject::C3DBaseObject() : m_objectID(CreateSceneID(ID_OBJECT)) {}
+C3DBaseObject::C3DBaseObject() : C3DBaseObject(_OBJECT_KINDOF{}) {}
 
-C3DBaseObject::C3DBaseObject(_OBJECT_KINDOF kind) : m_kind(kind), m_objectID(CreateSceneID(ID_OBJECT)) {}
+C3DBaseObject::C3DBaseObject(_OBJECT_KINDOF kind) : m_kind(kind), m_revision(CreateRevision()), m_objectID(CreateSceneID(ID_OBJECT)) {}
 
 C3DBaseObject::C3DBaseObject(const C3DBaseObject& other)
     : CXObject(other), CInstanciatedObject(other), m_kind(other.m_kind), m_flags(other.m_flags), m_updateFlags(other.m_updateFlags),
-      m_customData(other.m_customData), m_objectID(CreateSceneID(ID_OBJECT))
+      m_revision(CreateRevision()), m_customData(other.m_customData), m_objectID(CreateSceneID(ID_OBJECT))
 {
 }
 
@@ -69,6 +69,7 @@ C3DBaseObject* C3DBaseObject::GetFinalObject(bool) { return this; }
 void C3DBaseObject::InheritFlags(const C3DBaseObject& from, int copyFlags)
 {
     m_flags = from.m_flags;
+    NoteNews();
     m_customData = from.m_customData;
     if (copyFlags & COPY_FOREIGN_SCENE)
         m_objectID = from.m_objectID;
@@ -171,12 +172,14 @@ void C3DBaseObject::EnterScene(C3DScene* scene)
         SceneChanged();
     }
     m_sceneNodes += scene != nullptr;
+    NoteSceneChange();
 }
 
 void C3DBaseObject::LeaveScene(const C3DScene* scene)
 {
     if (!scene)
         return;
+    NoteSceneChange();
     if (m_scene != scene) {
         for (SceneUse& use : m_otherScenes)
             use.nodes -= use.scene == scene;
@@ -232,6 +235,8 @@ void C3DBaseObject::SetUpdateFlags(unsigned int flags, bool set)
     const unsigned int given = flags & 0xFFFF0000, affected = ExpandChanges(flags) | given;
     if (set) {
         m_updateFlags |= affected;
+        if (affected & (OBJECT_UPDATE_DISPLAY | OBJECT_UPDATE_REGENERATED))
+            NoteNews();
         return;
     }
     m_updateFlags &= ~affected;
@@ -242,6 +247,27 @@ void C3DBaseObject::SetUpdateFlags(unsigned int flags, bool set)
         if (given & flag)
             m_stamps[StampIndex(flag)] = tick;
     }
+}
+
+void C3DBaseObject::NoteNews()
+{
+    m_revision = CreateRevision();
+    if (m_scene)
+        NoteSceneChange();
+}
+
+void C3DBaseObject::SetUpdateWord(unsigned int word)
+{
+    m_updateFlags = word;
+    NoteNews();
+}
+
+void C3DBaseObject::SetFlag(_OBJECT_PROPERTIES flags, bool set)
+{
+    const unsigned int former = m_flags;
+    m_flags = set ? m_flags | flags : m_flags & ~flags;
+    if (m_flags != former)
+        NoteNews();
 }
 
 std::int64_t C3DBaseObject::GetUpdateStamp(_OBJECT_UPDATE_PROPERTIES flag) const

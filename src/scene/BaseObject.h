@@ -86,7 +86,7 @@ public:
     bool IsGeomObject() const { return (m_kind & OBJECT_GEOMETRIC) != 0; }
     /// All given bits set.
     bool IsFlagSet(_OBJECT_PROPERTIES flags) const { return (m_flags & flags) == flags; }
-    void SetFlag(_OBJECT_PROPERTIES flags, bool set) { m_flags = set ? m_flags | flags : m_flags & ~flags; }
+    void SetFlag(_OBJECT_PROPERTIES flags, bool set);
     unsigned int GetFlags() const { return m_flags; }
     unsigned int GetObjectID() const { return m_objectID; }
     /// Takes a new id: for an object that comes into a scene where another one has its id.
@@ -107,6 +107,9 @@ public:
     /// All given bits set in the update word.
     bool IsInvalidate(_OBJECT_UPDATE_PROPERTIES flags) const { return (m_updateFlags & flags) == flags; }
     unsigned int GetUpdateFlags() const { return m_updateFlags; }
+    /// Another number after each news for views (OBJECT_UPDATE_DISPLAY, flags), whoever has dealt with it since: a view compares it with that of what
+    /// it drew. Of one row for all objects; neither copied nor stored.
+    std::uint64_t GetRevision() const { return m_revision; }
     /// Tick (milliseconds, never 0) at which that one item was last brought up to date; 0 before.
     std::int64_t GetUpdateStamp(_OBJECT_UPDATE_PROPERTIES flag) const;
 
@@ -150,14 +153,17 @@ protected:
 
     /// Sets or clears the expansion of the low bits and the high bits themselves. Clearing stamps the items given.
     void SetUpdateFlags(unsigned int flags, bool set);
-    void SetUpdateWord(unsigned int word) { m_updateFlags = word; }
+    void SetUpdateWord(unsigned int word);
 
 private:
+    void NoteNews();
+
     static constexpr int STAMPS = 4;    ///< 0x10000 to 0x80000 alone are ever stamped
 
     _OBJECT_KINDOF m_kind = {};
     unsigned int m_flags = 0;
     unsigned int m_updateFlags = OBJECT_UPDATE_BOXES;
+    std::uint64_t m_revision;
     std::int64_t m_stamps[STAMPS] = {};
     CCustomData m_customData;
     unsigned int m_objectID;

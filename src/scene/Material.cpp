@@ -15,9 +15,9 @@ C3DMaterial::Map C3DMaterial::*const C3DMaterial::MAPS[5] = {&C3DMaterial::m_amb
                                                              &C3DMaterial::m_specularMap, &C3DMaterial::m_transparencyMap,
                                                              &C3DMaterial::m_bumpMap};
 
-C3DMaterial::C3DMaterial() : m_materialID(CreateSceneID(ID_MATERIAL)) {}
+C3DMaterial::C3DMaterial() : C3DMaterial(nullptr, CreateSceneID(ID_MATERIAL)) {}
 
-C3DMaterial::C3DMaterial(CMaterials* owner, unsigned int id) : m_owner(owner), m_materialID(id) {}
+C3DMaterial::C3DMaterial(CMaterials* owner, unsigned int id) : m_owner(owner), m_materialID(id) { NoteNews(MATERIAL_CHANGES); }
 
 C3DMaterial::~C3DMaterial() = default;
 
@@ -45,6 +45,7 @@ C3DMaterial& C3DMaterial::operator=(const C3DMaterial& other)
     m_owner = owner;
     if (m_owner)
         m_owner->HashInsert(this);
+    NoteNews(MATERIAL_COLOR_CHANGED | MATERIAL_TEXTURE_CHANGED);
     return *this;
 }
 
@@ -71,6 +72,34 @@ void C3DMaterial::SetName(const CXTString<wchar_t>& name)
     m_name = name;
     if (m_owner)
         m_owner->HashInsert(this);
+}
+
+// ---- Flags and news
+
+void C3DMaterial::SetFlags(unsigned int flags, bool set)
+{
+    const unsigned int former = m_flags;
+    m_flags = set ? m_flags | flags : m_flags & ~flags;
+    if (set)
+        NoteNews(flags);
+    if ((m_flags ^ former) & MATERIAL_PLAIN_TEXTURE)
+        NoteNews(MATERIAL_PARAMETER_CHANGED);
+}
+
+void C3DMaterial::NoteNews(unsigned int flags)
+{
+    constexpr unsigned int LOOK = MATERIAL_COLOR_CHANGED | MATERIAL_PARAMETER_CHANGED;
+    if (!(flags & (LOOK | MATERIAL_TEXTURE_CHANGED | MATERIAL_IMAGES_CHANGED)))
+        return;
+    const std::uint64_t revision = CreateRevision();
+    if (flags & LOOK)
+        m_revisions.look = revision;
+    if (flags & MATERIAL_TEXTURE_CHANGED)
+        m_revisions.texture = revision;
+    if (flags & MATERIAL_IMAGES_CHANGED)
+        m_revisions.images = revision;
+    if (m_owner)
+        NoteSceneChange();
 }
 
 // ---- Maps
@@ -146,6 +175,7 @@ void C3DMaterial::ChangeChannelID(const CChannelMap& map)
 {
     if (const CChannelInfo* const info = map.Find(CChannelInfo(m_vertexColorChannel, CHANNEL_VC)))
         m_vertexColorChannel = info->GetChannelID();
+    NoteNews(MATERIAL_PARAMETER_CHANGED);
     for (const auto place : MAPS)
         if (CMaterialMap* const owned = (this->*place).get())
             owned->ChangeChannelID(map);
@@ -161,7 +191,7 @@ void C3DMaterial::Serialize(CXArchive& ar)
         read.Serialize(ar);
         const unsigned int news = read.m_flags & MATERIAL_CHANGES;
         *this = read;
-        m_flags |= news;
+        SetFlags(news, true);
         return;
     }
 
@@ -189,5 +219,6 @@ void C3DMaterial::Serialize(CXArchive& ar)
         if (m_materialID == 0xFFFFFFFF)
             XThrowArchive(CXArchiveException::ARCHIVE_BAD_VALUE);
         AdvanceSceneID(ID_MATERIAL, m_materialID);
+        NoteNews(MATERIAL_CHANGES);
     }
 }

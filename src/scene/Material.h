@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "scene/Forward.h"
@@ -22,6 +23,14 @@ enum _MATERIAL_FLAGS : unsigned int {
     MATERIAL_IMAGES_CHANGED = 0x1000,    ///< image files; of the maps those that have an image in memory stay as they are
 };
 constexpr unsigned int MATERIAL_CHANGES = 0xFF00;
+
+/// Revisions of a material (C3DBaseObject::GetRevision), for each kind of news that views have to do with.
+struct C3DMaterialRevisions {
+    std::uint64_t look = 0;       ///< colours, parameters and how the texture is drawn: setters and flags tell of them
+    std::uint64_t texture = 0;    ///< MATERIAL_TEXTURE_CHANGED
+    std::uint64_t images = 0;     ///< MATERIAL_IMAGES_CHANGED
+    friend bool operator==(const C3DMaterialRevisions&, const C3DMaterialRevisions&) = default;
+};
 
 /// How a surface looks: colours and factors, which are keys and so can be animated, and a texture map of each type.
 ///
@@ -53,7 +62,8 @@ public:
     bool IsFlagSet(_MATERIAL_FLAGS flags) const { return (m_flags & flags) == static_cast<unsigned int>(flags); }
     bool IsOneFlagSet(unsigned int flags) const { return (m_flags & flags) != 0; }
     void SetFlag(_MATERIAL_FLAGS flags, bool set) { SetFlags(flags, set); }
-    void SetFlags(unsigned int flags, bool set) { m_flags = set ? m_flags | flags : m_flags & ~flags; }
+    void SetFlags(unsigned int flags, bool set);
+    const C3DMaterialRevisions& GetRevisions() const { return m_revisions; }
 
     // Colours (MaterialColors.cpp). Without key: 30 30 30 ambient, 192 192 192 diffuse and specular, opaque.
 
@@ -118,10 +128,14 @@ private:
     unsigned int GetContentHash() const;
     void KeysMayChange() const override { ContentMayChange(); }
     void ContentMayChange() const;
+    /// The news flags among them become revisions.
+    void NoteNews(unsigned int flags);
+    template <class T> void SetValue(unsigned int time, std::uint64_t classId, const T& value);
 
     static Map C3DMaterial::*const MAPS[5];    // in the order in which they are stored
 
     unsigned int m_flags = 0;
+    C3DMaterialRevisions m_revisions;
     CXTString<wchar_t> m_name;
     CCustomData m_customData;
     CMaterials* m_owner = nullptr;    ///< whose tables hold this material; null outside one

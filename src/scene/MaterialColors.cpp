@@ -15,12 +15,6 @@ template <class T> T GetValue(const C3DKeyframable& material, unsigned int time,
     return key.value;
 }
 
-template <class T> void SetValue(C3DKeyframable& material, unsigned int time, std::uint64_t classId, const T& value)
-{
-    if (auto* const key = dynamic_cast<C3DTypeKey<T>*>(material.CreateKey(static_cast<int>(time), classId, 0)))
-        key->value = value;
-}
-
 /// 0 for what is no number.
 float Clamp(float factor) { return factor >= 1 ? 1 : factor > 0 ? factor : 0; }
 
@@ -40,6 +34,16 @@ void ToFloats(const CRGBColor& color, double factor, double alphaFactor, float* 
     rgba[3] = static_cast<float>(color.alpha / 255.0 * alphaFactor);
 }
 
+}
+
+template <class T> void C3DMaterial::SetValue(unsigned int time, std::uint64_t classId, const T& value)
+{
+    const int former = GetKeyNbr(KEY_ANY);
+    auto* const key = dynamic_cast<C3DTypeKey<T>*>(CreateKey(static_cast<int>(time), classId, 0));
+    if (!key || (key->value == value && GetKeyNbr(KEY_ANY) == former))
+        return;
+    key->value = value;
+    NoteNews(MATERIAL_PARAMETER_CHANGED);
 }
 
 // ---- Colours
@@ -66,7 +70,7 @@ CRGBColor C3DMaterial::GetSpecularColor(unsigned int time, bool applyFactor) con
     return applyFactor ? Scale(color, GetSpecularFactor(time)) : color;
 }
 
-void C3DMaterial::SetAmbientColor(unsigned int time, const CRGBColor& color) { SetValue(*this, time, KEY_AMBIENT_COLOR, color); }
+void C3DMaterial::SetAmbientColor(unsigned int time, const CRGBColor& color) { SetValue(time, KEY_AMBIENT_COLOR, color); }
 
 void C3DMaterial::SetDiffuseColor(unsigned int time, const CRGBColor& color)
 {
@@ -74,12 +78,12 @@ void C3DMaterial::SetDiffuseColor(unsigned int time, const CRGBColor& color)
         return;
     if (m_owner)
         m_owner->HashRemove(this);
-    SetValue(*this, time, KEY_DIFFUSE_COLOR, color);
+    SetValue(time, KEY_DIFFUSE_COLOR, color);
     if (m_owner)
         m_owner->HashInsert(this);
 }
 
-void C3DMaterial::SetSpecularColor(unsigned int time, const CRGBColor& color) { SetValue(*this, time, KEY_SPECULAR_COLOR, color); }
+void C3DMaterial::SetSpecularColor(unsigned int time, const CRGBColor& color) { SetValue(time, KEY_SPECULAR_COLOR, color); }
 
 void C3DMaterial::FloatGetAmbientColor(unsigned int time, float* rgba) const
 {
@@ -113,15 +117,15 @@ float C3DMaterial::GetBumpFactor(unsigned int time) const { return GetValue(*thi
 
 float C3DMaterial::GetTransparencyFactor(unsigned int time) const { return GetValue(*this, time, KEY_TRANSPARENCY_FACTOR, 0.0f); }
 
-void C3DMaterial::SetAmbientFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_AMBIENT_FACTOR, Clamp(factor)); }
+void C3DMaterial::SetAmbientFactor(unsigned int time, float factor) { SetValue(time, KEY_AMBIENT_FACTOR, Clamp(factor)); }
 
-void C3DMaterial::SetDiffuseFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_DIFFUSE_FACTOR, Clamp(factor)); }
+void C3DMaterial::SetDiffuseFactor(unsigned int time, float factor) { SetValue(time, KEY_DIFFUSE_FACTOR, Clamp(factor)); }
 
-void C3DMaterial::SetSpecularFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_SPECULAR_FACTOR, Clamp(factor)); }
+void C3DMaterial::SetSpecularFactor(unsigned int time, float factor) { SetValue(time, KEY_SPECULAR_FACTOR, Clamp(factor)); }
 
-void C3DMaterial::SetBumpFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_BUMP_FACTOR, Clamp(factor)); }
+void C3DMaterial::SetBumpFactor(unsigned int time, float factor) { SetValue(time, KEY_BUMP_FACTOR, Clamp(factor)); }
 
-void C3DMaterial::SetTransparencyFactor(unsigned int time, float factor) { SetValue(*this, time, KEY_TRANSPARENCY_FACTOR, Clamp(factor)); }
+void C3DMaterial::SetTransparencyFactor(unsigned int time, float factor) { SetValue(time, KEY_TRANSPARENCY_FACTOR, Clamp(factor)); }
 
 // ---- Smooth angle, vertex colours
 
@@ -135,9 +139,9 @@ void C3DMaterial::SetSmoothAngle(unsigned int time, float angle)
 {
     const double degrees = angle * (180 / 3.14159265358979323846);
     if (angle == SMOOTH_ANGLE_OF_PREFERENCES)
-        SetValue(*this, time, KEY_SMOOTH_ANGLE, angle);
+        SetValue(time, KEY_SMOOTH_ANGLE, angle);
     else
-        SetValue(*this, time, KEY_SMOOTH_ANGLE, degrees > 180 ? PI : degrees >= 0 ? angle : 0.0f);
+        SetValue(time, KEY_SMOOTH_ANGLE, degrees > 180 ? PI : degrees >= 0 ? angle : 0.0f);
 }
 
 unsigned int C3DMaterial::GetVertexColor(unsigned int time, float& strength) const
@@ -148,6 +152,9 @@ unsigned int C3DMaterial::GetVertexColor(unsigned int time, float& strength) con
 
 void C3DMaterial::SetVertexColor(unsigned int time, unsigned int channelID, float strength)
 {
-    SetValue(*this, time, KEY_VERTEX_COLOR_STRENGTH, Clamp(strength));
+    SetValue(time, KEY_VERTEX_COLOR_STRENGTH, Clamp(strength));
+    if (m_vertexColorChannel == channelID)
+        return;
     m_vertexColorChannel = channelID;
+    NoteNews(MATERIAL_PARAMETER_CHANGED);
 }

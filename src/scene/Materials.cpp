@@ -204,6 +204,7 @@ void CMaterials::HashInsert(C3DMaterial* material)
     m_byColor[material->m_hashedColor].Insert(material->m_materialID);
     m_byName[material->m_name].Insert(material->m_materialID);
     HashContent(*material);
+    NoteSceneChange();
 }
 
 void CMaterials::HashRemove(C3DMaterial* material)

@@ -113,6 +113,12 @@ TEST(ViewEvents, TheTimerUpdatesWhatAsksForIt)
     cube->SetFlag(NODE_HIDDEN, true);
     EXPECT_FALSE(after(1));
     cube->SetFlag(NODE_HIDDEN, false);
+    const auto hideKinds = [&](unsigned int kinds) {
+        view.Change(GLSET_HIDDEN_KINDS, [=](GlViewSettings& record) { record.hiddenKinds = kinds; });
+    };
+    hideKinds(OBJECT_POLYGONAL);
+    EXPECT_FALSE(after(501));    // nothing that is drawn
+    hideKinds(0);
     EXPECT_TRUE(after(501));
     {
         const CGLActivate active(&view);
