@@ -59,23 +59,28 @@ CommandResult C3DSmoothingCommand::OnApplyCommand()
     if (!frame)
         return COMMAND_DECLINED;
     C3DScene* const scene = GetScene();
-    float angle = 0;
-    unsigned int mode = 0;
-    const bool changesAngle = scene && GetCustomData().GetFloat(PARAM_ANGLE, angle) && angle != scene->GetSmoothAngle();
-    const bool changesMode =
-        scene && GetCustomData().GetUnsigned(PARAM_MODE, mode) && mode != static_cast<unsigned int>(scene->GetSmoothMode());
-
     frame->LockWindow();
     frame->ChangeViewMode(GetMode());
-    if (changesAngle)
-        scene->SetSmoothAngle(angle, true);
-    if (changesMode)
-        scene->SetSmoothMode(static_cast<_NormalSmoothMode>(mode), true);
-    SetState(COMMAND_CHANGES_DOCUMENT, changesAngle || changesMode);
-    if (changesAngle || changesMode)
+    const bool changed = scene && ApplyParameters(*scene);
+    SetState(COMMAND_CHANGES_DOCUMENT, changed);
+    if (changed)
         frame->UpdateView(GLSET_FLUSH_ALL);
     frame->UnlockWindow();
     return COMMAND_DONE;
+}
+
+/// Whether the scene is another one now.
+bool C3DSmoothingCommand::ApplyParameters(C3DScene& scene)
+{
+    const float formerAngle = scene.GetSmoothAngle();
+    const _NormalSmoothMode formerMode = scene.GetSmoothMode();
+    float angle;
+    unsigned int mode;
+    if (GetCustomData().GetFloat(PARAM_ANGLE, angle))
+        scene.SetSmoothAngle(angle, true);
+    if (GetCustomData().GetUnsigned(PARAM_MODE, mode))
+        scene.SetSmoothMode(static_cast<_NormalSmoothMode>(mode), true);
+    return scene.GetSmoothAngle() != formerAngle || scene.GetSmoothMode() != formerMode;
 }
 
 // The popup
@@ -115,14 +120,14 @@ int C3DSmoothingCommand::DoPopupCmd(unsigned int id)
 {
     const std::optional<int> value = m_popup.GetValue(id);
     C3DScene* const scene = GetFrameScene();
-    if (!value || !scene)
+    if (!value || !scene || !GetViewer())
         return 0;
     int degrees = *value;
     if (*value == CUSTOM_ANGLE && !AskForAngle(*scene, degrees))
         return 1;
     if (*value > CUSTOM_ANGLE)
         GetCustomData().SetUnsigned(PARAM_MODE, static_cast<unsigned int>(*value - FIRST_MODE));
-    else
+    else if (degrees != GetDegrees(*scene))    // as a user sees it: the standard angle is no whole number
         GetCustomData().SetFloat(PARAM_ANGLE, ToRadians(degrees));
     GetManager()->StackCommand(this, STACK_APPLY, nullptr);
     GetCustomData().Remove(PARAM_ANGLE);    // the button alone changes the mode only

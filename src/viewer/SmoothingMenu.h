@@ -21,6 +21,7 @@ protected:
     using C3DRenderModeCommand::OnApplyCommand;
 
 private:
+    bool ApplyParameters(C3DScene& scene);
     bool AskForAngle(C3DScene& scene, int& degrees);
 
     CCommandPopup m_popup{this};
