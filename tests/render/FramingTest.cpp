@@ -167,7 +167,7 @@ TEST(Fit, OnASelectedNodeTurnsAboutItAndKeepsTheDistanceOfTheScene)
     view.AdjustView(GLSET_FIT_ALT | GLSET_FIT_SELECTION);
     EXPECT_EQ(copy.GetCurrentCamera()->GetZoom(), 1);
     EXPECT_NEAR(view.m_settings.GetCurrentCamera()->GetZoom(), size / (2 * 1.05), 1e-4);    // fills the view
-    view.m_settings.aspect = 4;    // which is lower than it is wide
+    view.m_settings.aspect = 4;                                                             // which is lower than it is wide
     view.AdjustView(GLSET_FIT | GLSET_FIT_SELECTION);
     EXPECT_NEAR(view.m_settings.GetCurrentCamera()->GetZoom(), size / (4 * 2 * 1.05), 1e-4);
 
