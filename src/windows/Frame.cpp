@@ -52,6 +52,13 @@ void CFrameWndEx::SetCentralWindow(CWnd* window)
         peer->SetCentralWindow(window);
 }
 
+void CFrameWndEx::RemoveToolbars()
+{
+    for (CCustomToolbar* const bar : m_toolbars)
+        bar->buttons.clear();
+    m_toolbars.clear();
+}
+
 struct CCustomFramePanels::Panel {
     unsigned int id;
     std::unique_ptr<CWnd> content;
@@ -149,6 +156,7 @@ void CCustomFrameWnd::OnDestroy()
     SaveWindowPos();
     m_panels.reset();
     ReleaseMenu();
+    RemoveToolbars();
     CFrameWndEx::OnDestroy();
 }
 

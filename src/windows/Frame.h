@@ -72,6 +72,8 @@ public:
 
 protected:
     void AddToolbar(CCustomToolbar* toolbar) { m_toolbars.push_back(toolbar); }
+    /// Empties them too.
+    void RemoveToolbars();
     void SetStatusBar(CCommandStatusBar* bar) { m_statusBar = bar; }
     void SetCentralWindow(CWnd* window);
 
