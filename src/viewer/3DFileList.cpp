@@ -8,7 +8,6 @@
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "tools/CaughtException.h"
-#include "tools/FilePath.h"
 #include "viewer/FrameViewer.h"
 #include "viewer/LateProgress.h"
 #include "viewer/Texts.h"
@@ -59,19 +58,26 @@ void* C3DFileList::ReadDocument(const DocumentFileInfo* info, unsigned int mode,
     if (void* const known = FindInCache(path))
         return known;
     const std::lock_guard guard(GetLock());
-    const bool asks = mode & READMODE_ASK && !(mode & READMODE_SILENT);
+    C3DScene* const scene = ReadScene(info->name, mode, parent);
+    if (scene)
+        AddDocumentToCache(path, scene);
+    return scene;
+}
+
+C3DScene* C3DFileList::ReadScene(const CFileNameSpec& name, unsigned int mode, CWnd* parent)
+{
+    const bool silent = mode & READMODE_SILENT, asks = mode & READMODE_ASK && !silent;
     // Unless the user is asked for options, what there is to tell waits until the progress window is gone.
-    C3DIo io(info->name, FILEIO_READ | (asks ? 0u : FILEIO_SILENT), parent);
+    C3DIo io(name, FILEIO_READ | (asks ? 0u : FILEIO_SILENT), parent);
     CSceneImportOptions options;
     C3DScene* scene = nullptr;
     {
-        const CLateProgress progress(parent, FormatText(TEXT_READING, fileStripPath(path)));
+        const CLateProgress progress(parent, FormatText(TEXT_READING, name.GetFileName()));
         CatchAll([&] { scene = asks ? io.Read(true, nullptr) : io.Read(false, &options); });    // the log holds what was thrown
     }
-    if (scene)
-        AddDocumentToCache(path, scene);
-    else if (!(mode & READMODE_SILENT) && io.GetLastResult() != IORESULT_CANCELLED && (!asks || io.GetLastResult() == IORESULT_NO_PARSER))
-        GetWindowSystem().ShowMessage(parent, fileStripPath(path), GetReason(io, options), MESSAGE_OK);
+    const bool untold = !asks || io.GetLastResult() == IORESULT_NO_PARSER;
+    if (!scene && !silent && untold && io.GetLastResult() != IORESULT_CANCELLED)
+        GetWindowSystem().ShowMessage(parent, name.GetFileName(), GetReason(io, options), MESSAGE_OK);
     return scene;
 }
 

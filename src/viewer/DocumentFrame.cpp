@@ -15,17 +15,6 @@ namespace {
 
 using Text = CXTString<wchar_t>;
 
-class CFlagScope {
-public:
-    explicit CFlagScope(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~CFlagScope() { m_flag = false; }
-    CFlagScope(const CFlagScope&) = delete;
-    CFlagScope& operator=(const CFlagScope&) = delete;
-
-private:
-    bool& m_flag;
-};
-
 // A name that holds wherever the program goes; names that are no file here (addresses, mistakes) stay as they are.
 Text FullPath(const Text& path) { return fileExists(path) ? fileMakeAbsolutePath(fileGetCurrentDirectory(), path) : path; }
 
@@ -80,13 +69,15 @@ bool CDocumentFrameWnd::Load(const Text& path)
 {
     OnBeforeChangingFile();
     // What is given up unsaved, and what is opened once more, comes from disk next time.
-    if (m_modified || path == m_currentPath)
+    if (m_modified || m_givenUp || path == m_currentPath)
         GetFileList()->RemoveFromCache(m_currentPath);
-    const CFlagScope loading(m_loading);
-    if (!LoadCurrentFile(path, false))
-        return false;
-    m_lastTried.Empty();
-    return true;
+    const CLoadingScope loading(*this);
+    if (LoadCurrentFile(path, false)) {
+        m_lastTried.Empty();
+        return true;
+    }
+    KeepChanges();
+    return false;
 }
 
 bool CDocumentFrameWnd::TakeSavedFile(const Text& path)
@@ -160,7 +151,21 @@ void CDocumentFrameWnd::DocumentSaved() { SetModifiedFlag(false); }
 void CDocumentFrameWnd::SetModifiedFlag(bool on)
 {
     m_modified = on;
+    m_givenUp = false;
     UpdateTitle();
+}
+
+void CDocumentFrameWnd::GiveUpChanges()
+{
+    const bool changes = m_modified || m_givenUp;
+    SetModifiedFlag(false);
+    m_givenUp = changes;
+}
+
+void CDocumentFrameWnd::KeepChanges()
+{
+    if (m_givenUp)
+        SetModifiedFlag(true);
 }
 
 bool CDocumentFrameWnd::SaveEnabled() { return true; }
@@ -178,7 +183,21 @@ CommandResult CDocumentFrameWnd::RunCommand(CZelCommand* command)
     return m_loading ? COMMAND_DECLINED : CCommandFrameWnd::RunCommand(command);
 }
 
-bool CDocumentFrameWnd::OnClose() { return !m_loading && AskForSave(false, false) == COMMAND_DONE && CCommandFrameWnd::OnClose(); }
+void CDocumentFrameWnd::OnCommand(unsigned int id)
+{
+    if (!m_loading)
+        CCommandFrameWnd::OnCommand(id);
+}
+
+bool CDocumentFrameWnd::OnClose()
+{
+    if (m_loading || AskForSave(false, false) != COMMAND_DONE)
+        return false;
+    if (CCommandFrameWnd::OnClose())
+        return true;
+    KeepChanges();
+    return false;
+}
 
 DropEffect CDocumentFrameWnd::GetPreferredDropType(unsigned int state) { return state & INPUT_CTRL ? DROP_ADD : DROP_OPEN; }
 bool CDocumentFrameWnd::CanDrop(const Text& path) { return (fileGetKindOf(path) & FILE_FAMILY_3D) != 0; }

@@ -44,6 +44,9 @@ public:
     void DocumentSaved();
     bool IsDocumentModified() const { return m_modified; }
     void SetModifiedFlag(bool on);
+    /// The user wants the changes no more: unmodified until the document goes, or until KeepChanges, when it stays after all.
+    void GiveUpChanges();
+    void KeepChanges();
     virtual bool SaveEnabled();
     /// Before the document goes: 0 when it may, COMMAND_CANCELLED or COMMAND_DECLINED when not. `noCancel`: the user can only say yes or no.
     virtual CommandResult AskForSave(bool reserved, bool noCancel);
@@ -75,8 +78,20 @@ public:
     CommandResult RunCommand(CZelCommand* command) override;
     /// What commands change (COMMAND_CHANGES_DOCUMENT) is noted here.
     void OnApplyCommand(CZelCommand* command, bool begin, CommandResult result) override;
+    void OnCommand(unsigned int id) override;
 
 protected:
+    /// While it lives the frame is loading.
+    class CLoadingScope {
+    public:
+        explicit CLoadingScope(CDocumentFrameWnd& frame) : m_frame(frame) { frame.m_loading = true; }
+        ~CLoadingScope() { m_frame.m_loading = false; }
+        CLoadingScope(const CLoadingScope&) = delete;
+        CLoadingScope& operator=(const CLoadingScope&) = delete;
+
+    private:
+        CDocumentFrameWnd& m_frame;
+    };
     /// Of the document that comes next; nobody is told.
     void InitCurrentFilePath(const CXTString<wchar_t>& path) { m_currentPath = path; }
     /// Those that can be opened; tells of the others.
@@ -91,5 +106,5 @@ private:
 
     std::unique_ptr<CDocumentFileList> m_files;
     CXTString<wchar_t> m_currentPath, m_lastTried;
-    bool m_modified = false, m_loading = false;
+    bool m_modified = false, m_givenUp = false, m_loading = false;
 };

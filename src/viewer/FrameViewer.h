@@ -41,7 +41,6 @@ public:
     bool LoadWindowPos(CWindowPlacement& placement) override;
     void SaveWindowPos() override;
     void OnDropFiles(const std::vector<CXTString<wchar_t>>& files) override;
-    using CDocumentFrameWnd::OnDropFiles;
     virtual CXTString<wchar_t> GetClassNameW();
     void AddCommands() override;
     bool RestoreLastCommand() override;
@@ -67,8 +66,15 @@ public:
 
     int OnCreate() override;
     void OnDestroy() override;
+    void OnPaneShown(unsigned int id, bool shown) override;
+    /// Keys that users bring along besides those of the commands: Home fits the scene.
+    bool OnKey(unsigned int key, unsigned int state) override;
+    /// With Ctrl they join the current scene.
+    void OnDropFiles(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
+    void UpdateStatusBar() override;
 
-    /// Adds it, by priority (higher first), or with `add` false takes it out; null only counts. The number of callbacks.
+    /// Adds it, at the place of the last one whose priority isn't lower and else at the head, or with `add` false takes it out; null only counts.
+    /// The number of callbacks.
     int AddCallbackWnd(C3DCallbackWnd* window, bool add);
     const std::vector<C3DCallbackWnd*>& GetCallbacks() const { return m_callbacks; }
 
@@ -99,6 +105,11 @@ public:
 
 private:
     struct Commands;
+
+    bool CreateView();
+    void DropView();
+    void ShowPanel(unsigned int id, _LeftBarShowMode mode);
+    void MergeFiles(const std::vector<CXTString<wchar_t>>& files);
 
     C3DScene* m_scene = nullptr;
     C3DView* m_view = nullptr;    ///< the frame's viewer

@@ -8,7 +8,7 @@
 
 /// Progress window of the work of this thread while the object lives: it comes up with the first telling, so that a dialog of options that comes
 /// before is not under it, and work that is done at once shows none. A sink that the thread has already stays.
-class CLateProgress : private IProgressSink {
+class CLateProgress : public IProgressSink {
 public:
     CLateProgress(CWnd* parent, const CXTString<wchar_t>& title) : m_parent(parent), m_title(title)
     {
