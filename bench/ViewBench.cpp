@@ -211,6 +211,22 @@ static void FlushOfNodes(benchmark::State& state)
 }
 BENCHMARK(FlushOfNodes)->Arg(32)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond)->UseRealTime();
 
+// Watch: with one changed object an update costs a walk over the nodes, far less than a frame; with none it costs nothing.
+static void UpdateOfNodes(benchmark::State& state)
+{
+    const auto side = static_cast<int>(state.range(0));
+    const Scene scene = MakeCubes(side);
+    CBenchView view(scene.get(), VIEWFLAG_SMOOTH);
+    C3DBaseObject* const object = scene->GetChildNode(nullptr)->GetBaseObject();
+    for (auto _ : state) {
+        if (state.range(1))
+            object->Invalidate(OBJECT_UPDATE_DISPLAY, true);
+        view.UpdateView(GLSET_UPDATE);
+    }
+    state.SetItemsProcessed(state.iterations() * side * side);
+}
+BENCHMARK(UpdateOfNodes)->Args({100, 1})->Args({316, 1})->Args({316, 0})->Unit(benchmark::kMicrosecond)->UseRealTime();
+
 // Watch: thumbnails a second, from no context to a picture of 128x128.
 static void Thumbnail(benchmark::State& state)
 {
