@@ -1,0 +1,7 @@
+#pragma once
+
+class CCustomTree;
+class ITreePeer;
+class QWidget;
+
+ITreePeer* CreateTreeView(CCustomTree* tree, QWidget* parent);
