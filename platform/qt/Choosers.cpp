@@ -15,7 +15,7 @@
 #include <QVBoxLayout>
 
 #include "Events.h"
-#include "Icons.h"
+#include "Questions.h"
 #include "Text.h"
 
 // Files
@@ -42,12 +42,38 @@ QString SuffixOf(const CFileFilter& filter)
     return suffix.contains(QLatin1Char('*')) ? QString() : suffix;
 }
 
+// A script's hand in a dialog of files: "cancel", or paths with line feeds between.
+class CFileDialog : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    QStringList Chosen() const { return m_answer.isEmpty() ? selectedFiles() : m_answer; }
+    bool Answer(const QString& answer)
+    {
+        if (answer == QLatin1String("cancel"))
+            reject();
+        else {
+            m_answer = answer.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            done(m_answer.isEmpty() ? Rejected : Accepted);
+        }
+        return true;
+    }
+
+private:
+    QStringList m_answer;
+};
+
+COpenQuestion::Answer AnswerByPaths(CFileDialog& dialog)
+{
+    return [&dialog](const QString& answer) { return dialog.Answer(answer); };
+}
+
 }
 
 bool ChooseFilesWindow(QWidget* parent, const CFileDialogRequest& request, std::vector<CFileNameSpec>& chosen)
 {
     const CEventScope scope;
-    QFileDialog dialog(parent, ToQt(request.title));
+    CFileDialog dialog(parent, ToQt(request.title));
     dialog.setAcceptMode(request.reading ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     dialog.setFileMode(!request.reading ? QFileDialog::AnyFile : request.several ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
     QStringList lines;
@@ -74,13 +100,15 @@ bool ChooseFilesWindow(QWidget* parent, const CFileDialogRequest& request, std::
         if (!start.isDir())
             dialog.selectFile(start.fileName());
     }
+    const COpenQuestion question({L"files", request.title, {}, {}}, AnswerByPaths(dialog));
     if (dialog.exec() != QDialog::Accepted)
         return false;
     const qsizetype index = lines.indexOf(dialog.selectedNameFilter());
-    const unsigned int fileClass =
-        index >= 0 && index < static_cast<qsizetype>(request.filters.size()) ? request.filters[static_cast<std::size_t>(index)].fileClass : 0;
+    const unsigned int fileClass = index >= 0 && index < static_cast<qsizetype>(request.filters.size())
+                                       ? request.filters[static_cast<std::size_t>(index)].fileClass
+                                       : 0;
     chosen.clear();
-    for (const QString& file : dialog.selectedFiles())
+    for (const QString& file : dialog.Chosen())
         chosen.push_back(CFileNameSpec(FromQt(file), fileClass));
     return !chosen.empty();
 }
@@ -88,7 +116,7 @@ bool ChooseFilesWindow(QWidget* parent, const CFileDialogRequest& request, std::
 bool ChooseFoldersWindow(QWidget* parent, const QString& title, bool several, std::vector<CXTString<wchar_t>>& folders)
 {
     const CEventScope scope;
-    QFileDialog dialog(parent, title);
+    CFileDialog dialog(parent, title);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     if (several) {    // no system's own dialog gives several
@@ -99,10 +127,11 @@ bool ChooseFoldersWindow(QWidget* parent, const QString& title, bool several, st
     }
     if (!folders.empty() && !folders.front().IsEmpty())
         dialog.setDirectory(ToQt(folders.front()));
+    const COpenQuestion question({L"folders", FromQt(title), {}, {}}, AnswerByPaths(dialog));
     if (dialog.exec() != QDialog::Accepted)
         return false;
     folders.clear();
-    for (const QString& folder : dialog.selectedFiles())
+    for (const QString& folder : dialog.Chosen())
         folders.push_back(FromQt(folder));
     return !folders.empty();
 }
@@ -159,6 +188,11 @@ void ShowReportWindow(QWidget* parent, const QString& title, const CXTString<wch
     close->setDefault(true);
     close->setFocus();
     layout->addWidget(box);
+    const COpenQuestion question({L"report", FromQt(title), text, {}}, [&](const QString& answer) {
+        if (answer == QLatin1String("ok") || answer == QLatin1String("cancel"))
+            dialog.reject();
+        return !dialog.isVisible();
+    });
     dialog.exec();
 }
 
@@ -168,22 +202,16 @@ MessageAnswer ShowMessageWindow(QWidget* parent, const QString& title, const CXT
         MessageAnswer answer;
         unsigned int text;
         QMessageBox::StandardButton qt;
+        const char* name;    // in scripts
     };
-    constexpr Button OK{ANSWER_OK, TEXT_OK, QMessageBox::Ok}, CANCEL{ANSWER_CANCEL, TEXT_CANCEL, QMessageBox::Cancel},
-        YES{ANSWER_YES, TEXT_YES, QMessageBox::Yes}, NO{ANSWER_NO, TEXT_NO, QMessageBox::No};
+    constexpr Button OK{ANSWER_OK, TEXT_OK, QMessageBox::Ok, "ok"}, CANCEL{ANSWER_CANCEL, TEXT_CANCEL, QMessageBox::Cancel, "cancel"},
+        YES{ANSWER_YES, TEXT_YES, QMessageBox::Yes, "yes"}, NO{ANSWER_NO, TEXT_NO, QMessageBox::No, "no"};
     std::vector<Button> offered;
     switch (buttons) {
-    case MESSAGE_OK_CANCEL:
-        offered = {OK, CANCEL};
-        break;
-    case MESSAGE_YES_NO:
-        offered = {YES, NO};
-        break;
-    case MESSAGE_YES_NO_CANCEL:
-        offered = {YES, NO, CANCEL};
-        break;
-    default:
-        offered = {OK};
+    case MESSAGE_OK_CANCEL: offered = {OK, CANCEL}; break;
+    case MESSAGE_YES_NO: offered = {YES, NO}; break;
+    case MESSAGE_YES_NO_CANCEL: offered = {YES, NO, CANCEL}; break;
+    default: offered = {OK};
     }
     const CEventScope scope;
     QMessageBox box(parent);
@@ -193,6 +221,14 @@ MessageAnswer ShowMessageWindow(QWidget* parent, const QString& title, const CXT
     box.setIcon(buttons == MESSAGE_OK ? QMessageBox::Information : QMessageBox::Question);
     for (const Button& button : offered)
         box.addButton(button.qt)->setText(TableText(button.text));
+    const COpenQuestion question({L"message", FromQt(box.windowTitle()), text, {}}, [&](const QString& name) {
+        for (const Button& button : offered)
+            if (name == QLatin1String(button.name)) {
+                box.button(button.qt)->click();
+                return true;
+            }
+        return false;
+    });
     const int answer = box.exec();
     for (const Button& button : offered)
         if (answer == button.qt)

@@ -43,10 +43,8 @@ bool HasLabel(const CControl& control)
     case CONTROL_SPIN:
     case CONTROL_COLOR:
     case CONTROL_PICTURE:
-    case CONTROL_TABLE:
-        return !control.text.IsEmpty();
-    default:
-        return false;
+    case CONTROL_TABLE: return !control.text.IsEmpty();
+    default: return false;
     }
 }
 
@@ -147,6 +145,81 @@ void CDialogPage::Tell(const std::function<void()>& handler)
     m_changed();
 }
 
+static int FindEntry(const CControl& control, const QString& value)
+{
+    const qsizetype byText = ItemTexts(control).indexOf(value);
+    bool isNumber = false;
+    const int number = value.toInt(&isNumber);
+    return byText >= 0 ? static_cast<int>(byText) : isNumber ? number : -1;
+}
+
+static bool Write(CControl& control, const QString& value)
+{
+    bool isNumber = false;
+    const int number = value.toInt(&isNumber);
+    switch (control.kind) {
+    case CONTROL_CHECK:
+    case CONTROL_CHECK3:
+        control.mixed = false;
+        control.checked = number != 0;
+        return isNumber;
+    case CONTROL_EDIT:
+    case CONTROL_MEMO: control.value = FromQt(value); return !control.readOnly;
+    case CONTROL_LIST:
+    case CONTROL_COMBO: {
+        const int entry = FindEntry(control, value);
+        if (entry < -1 || entry >= static_cast<int>(control.items.size()))
+            return false;
+        control.selected = entry;
+        return true;
+    }
+    case CONTROL_SLIDER:
+    case CONTROL_SPIN:
+        if (!isNumber || number < control.minimum || number > control.maximum)
+            return false;
+        control.number = number;
+        return true;
+    case CONTROL_COLOR: {
+        const QStringList parts = value.split(QLatin1Char(' '));
+        if (parts.size() != 3)
+            return false;
+        control.color = CRGBColor(static_cast<unsigned char>(parts[0].toUInt()), static_cast<unsigned char>(parts[1].toUInt()),
+                                  static_cast<unsigned char>(parts[2].toUInt()), control.color.alpha);
+        return true;
+    }
+    default: return control.kind == CONTROL_BUTTON;
+    }
+}
+
+bool CDialogPage::SetValue(unsigned int id, const QString& value)
+{
+    CControl* const control = m_table.Find(id);
+    if (!control || !control->visible || !control->enabled)
+        return false;
+    const auto index = static_cast<std::size_t>(control - m_table.controls.data());
+    if (control->kind == CONTROL_RADIO) {
+        PressRadio(index);
+        return true;
+    }
+    CControl changed = *control;
+    if (!Write(changed, value))
+        return false;
+    UserChanges(index, [&](CControl& present) { present = changed; });
+    if (changed.kind == CONTROL_SLIDER)
+        Tell([this, id] { m_table.OnSliderEnd(id); });
+    return true;
+}
+
+// Radio buttons exclude each other by their group's number, wherever they stand.
+void CDialogPage::PressRadio(std::size_t index)
+{
+    const unsigned int group = m_table.controls[index].group;
+    for (CControl& other : m_table.controls)
+        if (other.kind == CONTROL_RADIO && other.group == group)
+            other.checked = false;
+    UserChanges(index, [](CControl& control) { control.checked = true; });
+}
+
 // Layout: two columns, labels and what they stand in front of. Several controls of a row share the second one.
 
 void CDialogPage::Build()
@@ -234,30 +307,18 @@ CDialogPage::Field CDialogPage::MakeField(QWidget* parent, std::size_t index)
 {
     switch (m_table.controls[index].kind) {
     case CONTROL_CHECK:
-    case CONTROL_CHECK3:
-        return MakeCheck(parent, index);
-    case CONTROL_RADIO:
-        return MakeRadio(parent, index);
-    case CONTROL_EDIT:
-        return MakeEdit(parent, index);
-    case CONTROL_MEMO:
-        return MakeMemo(parent, index);
-    case CONTROL_BUTTON:
-        return MakeButton(parent, index);
-    case CONTROL_COLOR:
-        return MakeColor(parent, index);
-    case CONTROL_LIST:
-        return MakeList(parent, index);
-    case CONTROL_COMBO:
-        return MakeCombo(parent, index);
-    case CONTROL_SLIDER:
-        return MakeSlider(parent, index);
-    case CONTROL_SPIN:
-        return MakeSpin(parent, index);
-    case CONTROL_TABLE:
-        return MakeTable(parent, index);
-    case CONTROL_PICTURE:
-        return MakePicture(parent, index);
+    case CONTROL_CHECK3: return MakeCheck(parent, index);
+    case CONTROL_RADIO: return MakeRadio(parent, index);
+    case CONTROL_EDIT: return MakeEdit(parent, index);
+    case CONTROL_MEMO: return MakeMemo(parent, index);
+    case CONTROL_BUTTON: return MakeButton(parent, index);
+    case CONTROL_COLOR: return MakeColor(parent, index);
+    case CONTROL_LIST: return MakeList(parent, index);
+    case CONTROL_COMBO: return MakeCombo(parent, index);
+    case CONTROL_SLIDER: return MakeSlider(parent, index);
+    case CONTROL_SPIN: return MakeSpin(parent, index);
+    case CONTROL_TABLE: return MakeTable(parent, index);
+    case CONTROL_PICTURE: return MakePicture(parent, index);
     default: {
         auto* const label = new QLabel(parent);
         label->setWordWrap(true);
@@ -282,18 +343,11 @@ CDialogPage::Field CDialogPage::MakeCheck(QWidget* parent, std::size_t index)
             }};
 }
 
-// Radio buttons exclude each other by their group's number, wherever they stand.
 CDialogPage::Field CDialogPage::MakeRadio(QWidget* parent, std::size_t index)
 {
     auto* const radio = new QRadioButton(parent);
     radio->setAutoExclusive(false);
-    QObject::connect(radio, &QRadioButton::clicked, this, [this, index] {
-        const unsigned int group = m_table.controls[index].group;
-        for (CControl& other : m_table.controls)
-            if (other.kind == CONTROL_RADIO && other.group == group)
-                other.checked = false;
-        UserChanges(index, [](CControl& control) { control.checked = true; });
-    });
+    QObject::connect(radio, &QRadioButton::clicked, this, [this, index] { PressRadio(index); });
     return {radio, nullptr, [radio](const CControl& control) {
                 radio->setText(ToQt(control.text));
                 radio->setChecked(control.checked);
@@ -303,9 +357,8 @@ CDialogPage::Field CDialogPage::MakeRadio(QWidget* parent, std::size_t index)
 CDialogPage::Field CDialogPage::MakeEdit(QWidget* parent, std::size_t index)
 {
     auto* const edit = new QLineEdit(parent);
-    QObject::connect(edit, &QLineEdit::textEdited, this, [this, index](const QString& text) {
-        UserChanges(index, [&](CControl& control) { control.value = FromQt(text); });
-    });
+    QObject::connect(edit, &QLineEdit::textEdited, this,
+                     [this, index](const QString& text) { UserChanges(index, [&](CControl& control) { control.value = FromQt(text); }); });
     return {edit, nullptr, [edit](const CControl& control) {
                 edit->setReadOnly(control.readOnly);
                 if (const QString text = ToQt(control.value); text != edit->text())    // leaves the cursor where it is
@@ -358,9 +411,8 @@ CDialogPage::Field CDialogPage::MakeList(QWidget* parent, std::size_t index)
     auto* const list = new QListWidget(parent);
     list->setUniformItemSizes(true);
     SetLines(*list, m_table.controls[index]);
-    QObject::connect(list, &QListWidget::currentRowChanged, this, [this, index](int row) {
-        UserChanges(index, [row](CControl& control) { control.selected = row; });
-    });
+    QObject::connect(list, &QListWidget::currentRowChanged, this,
+                     [this, index](int row) { UserChanges(index, [row](CControl& control) { control.selected = row; }); });
     return {list, nullptr, [list, shown = QStringList()](const CControl& control) mutable {
                 if (QStringList texts = ItemTexts(control); texts != shown) {
                     list->clear();
@@ -375,9 +427,8 @@ CDialogPage::Field CDialogPage::MakeList(QWidget* parent, std::size_t index)
 CDialogPage::Field CDialogPage::MakeCombo(QWidget* parent, std::size_t index)
 {
     auto* const combo = new QComboBox(parent);
-    QObject::connect(combo, &QComboBox::activated, this, [this, index](int row) {
-        UserChanges(index, [row](CControl& control) { control.selected = row; });
-    });
+    QObject::connect(combo, &QComboBox::activated, this,
+                     [this, index](int row) { UserChanges(index, [row](CControl& control) { control.selected = row; }); });
     return {combo, nullptr, [combo, shown = QStringList()](const CControl& control) mutable {
                 if (QStringList texts = ItemTexts(control); texts != shown) {
                     combo->clear();
@@ -414,9 +465,8 @@ CDialogPage::Field CDialogPage::MakeSpin(QWidget* parent, std::size_t index)
 {
     auto* const spin = new QSpinBox(parent);
     spin->setAccelerated(true);
-    QObject::connect(spin, &QSpinBox::valueChanged, this, [this, index](int value) {
-        UserChanges(index, [value](CControl& control) { control.number = value; });
-    });
+    QObject::connect(spin, &QSpinBox::valueChanged, this,
+                     [this, index](int value) { UserChanges(index, [value](CControl& control) { control.number = value; }); });
     return {spin, nullptr, [spin](const CControl& control) {
                 spin->setReadOnly(control.readOnly);
                 spin->setRange(control.minimum, control.maximum);

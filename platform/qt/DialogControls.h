@@ -22,6 +22,9 @@ public:
     void Read();
     /// Number of the control that has the focus; 0 for none.
     unsigned int GetFocusedControl() const;
+    /// In a user's place: a text, a number, 0 or 1 of a box, the number or text of an entry, "R G B"; anything presses a button. False when there is
+    /// no such control, or it can't be used.
+    bool SetValue(unsigned int id, const QString& value);
 
 private:
     struct Field {
@@ -55,6 +58,7 @@ private:
     Field MakePicture(QWidget* parent, std::size_t index);
     /// The user has changed a control: `write` puts it there, the handler runs.
     void UserChanges(std::size_t index, const std::function<void(CControl&)>& write);
+    void PressRadio(std::size_t index);
     void Tell(const std::function<void()>& handler);
 
     CDialogTable& m_table;

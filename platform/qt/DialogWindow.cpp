@@ -10,6 +10,7 @@
 
 #include "DialogControls.h"
 #include "Events.h"
+#include "Questions.h"
 #include "Text.h"
 
 namespace {
@@ -22,6 +23,8 @@ public:
     void ControlsChanged() override;
     void EndDialog(bool ok) override { ok ? Accept() : reject(); }
     bool SendKey(unsigned int key, unsigned int state);
+    /// Of a script: "ok", "cancel", or "ID=VALUE" for a control.
+    bool Answer(const QString& answer);
 
 private:
     void AddPages(QVBoxLayout& layout, const std::vector<CDialogTable*>& pages);
@@ -146,12 +149,30 @@ bool CDialogWindow::SendKey(unsigned int key, unsigned int state)
     return false;
 }
 
+bool CDialogWindow::Answer(const QString& answer)
+{
+    if (answer == QLatin1String("ok"))
+        Accept();
+    else if (answer == QLatin1String("cancel"))
+        reject();
+    else {
+        const unsigned int id = answer.section(QLatin1Char('='), 0, 0).toUInt();
+        for (CDialogPage* const page : m_pages)
+            if (page->SetValue(id, answer.section(QLatin1Char('='), 1)))
+                return true;
+        return false;
+    }
+    return true;
+}
+
 }
 
 bool RunDialogWindow(QWidget* parent, const QString& title, const std::vector<CDialogTable*>& pages)
 {
     const CEventScope scope;
     CDialogWindow dialog(parent, title, pages);
+    const COpenQuestion question({L"dialog", FromQt(dialog.windowTitle()), {}, pages},
+                                 [&dialog](const QString& answer) { return dialog.Answer(answer); });
     return dialog.exec() == QDialog::Accepted;
 }
 

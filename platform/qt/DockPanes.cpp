@@ -63,14 +63,10 @@ private:
 Qt::DockWidgetArea GetArea(DockSide side)
 {
     switch (side) {
-    case DOCK_RIGHT:
-        return Qt::RightDockWidgetArea;
-    case DOCK_TOP:
-        return Qt::TopDockWidgetArea;
-    case DOCK_BOTTOM:
-        return Qt::BottomDockWidgetArea;
-    default:
-        return Qt::LeftDockWidgetArea;
+    case DOCK_RIGHT: return Qt::RightDockWidgetArea;
+    case DOCK_TOP: return Qt::TopDockWidgetArea;
+    case DOCK_BOTTOM: return Qt::BottomDockWidgetArea;
+    default: return Qt::LeftDockWidgetArea;
     }
 }
 

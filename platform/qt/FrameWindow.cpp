@@ -34,7 +34,10 @@ public:
     void ToolbarsChanged() override { m_bars.Update(); }
     void StatusChanged() override { m_status.Update(); }
     void SetCentralWindow(CWnd* window) override;
-    void AttachPane(unsigned int id, CCustomDockablePane* pane, DockSide side, bool shown) override { m_docks.Attach(id, pane, side, shown); }
+    void AttachPane(unsigned int id, CCustomDockablePane* pane, DockSide side, bool shown) override
+    {
+        m_docks.Attach(id, pane, side, shown);
+    }
     void DetachPane(unsigned int id) override { m_docks.Detach(id); }
     void ShowPane(unsigned int id, bool on) override { m_docks.Show(id, on); }
     bool IsPaneShown(unsigned int id) const override { return m_docks.IsShown(id); }
@@ -177,7 +180,8 @@ void CFramePeer::SetPlacement(const CWindowPlacement& placement)
 {
     constexpr int LEAST = 200;
     if (placement.rect.Width() > 0 && placement.rect.Height() > 0) {
-        QRect place(FromScreen({placement.rect.left, placement.rect.top}), FromScreen({placement.rect.right, placement.rect.bottom}) - QPoint(1, 1));
+        QRect place(FromScreen({placement.rect.left, placement.rect.top}),
+                    FromScreen({placement.rect.right, placement.rect.bottom}) - QPoint(1, 1));
         const QScreen* screen = QGuiApplication::screenAt(place.center());
         const QRect room = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
         place.setSize(place.size().expandedTo({LEAST, LEAST}).boundedTo(room.size()));

@@ -96,18 +96,12 @@ void ForgetIcons() { Kept().clear(); }
 QCursor GetCursor(MouseCursor cursor)
 {
     switch (cursor) {
-    case CURSOR_ARROW:
-        return Qt::ArrowCursor;
-    case CURSOR_WAIT:
-        return Qt::WaitCursor;
-    case CURSOR_CROSS:
-        return Qt::CrossCursor;
-    case CURSOR_HAND:
-        return Qt::PointingHandCursor;
-    case CURSOR_HELP:
-        return Qt::WhatsThisCursor;
-    default:
-        break;
+    case CURSOR_ARROW: return Qt::ArrowCursor;
+    case CURSOR_WAIT: return Qt::WaitCursor;
+    case CURSOR_CROSS: return Qt::CrossCursor;
+    case CURSOR_HAND: return Qt::PointingHandCursor;
+    case CURSOR_HELP: return Qt::WhatsThisCursor;
+    default: break;
     }
     static QHash<int, QCursor> drawn;
     if (!drawn.contains(cursor))

@@ -16,18 +16,18 @@ struct KeyPair {
 };
 
 constexpr KeyPair KEYS[] = {
-    {Qt::Key_Backspace, VK_BACK}, {Qt::Key_Tab, VK_TAB},       {Qt::Key_Backtab, VK_TAB},    {Qt::Key_Return, VK_RETURN},
-    {Qt::Key_Enter, VK_RETURN},   {Qt::Key_Escape, VK_ESCAPE}, {Qt::Key_Space, VK_SPACE},    {Qt::Key_PageUp, VK_PRIOR},
-    {Qt::Key_PageDown, VK_NEXT},  {Qt::Key_End, VK_END},       {Qt::Key_Home, VK_HOME},      {Qt::Key_Left, VK_LEFT},
-    {Qt::Key_Up, VK_UP},          {Qt::Key_Right, VK_RIGHT},   {Qt::Key_Down, VK_DOWN},      {Qt::Key_Insert, VK_INSERT},
+    {Qt::Key_Backspace, VK_BACK}, {Qt::Key_Tab, VK_TAB},       {Qt::Key_Backtab, VK_TAB},     {Qt::Key_Return, VK_RETURN},
+    {Qt::Key_Enter, VK_RETURN},   {Qt::Key_Escape, VK_ESCAPE}, {Qt::Key_Space, VK_SPACE},     {Qt::Key_PageUp, VK_PRIOR},
+    {Qt::Key_PageDown, VK_NEXT},  {Qt::Key_End, VK_END},       {Qt::Key_Home, VK_HOME},       {Qt::Key_Left, VK_LEFT},
+    {Qt::Key_Up, VK_UP},          {Qt::Key_Right, VK_RIGHT},   {Qt::Key_Down, VK_DOWN},       {Qt::Key_Insert, VK_INSERT},
     {Qt::Key_Delete, VK_DELETE},  {Qt::Key_Shift, VK_SHIFT},   {Qt::Key_Control, VK_CONTROL}, {Qt::Key_Alt, VK_MENU},
 };
 
 // What the digits of the numeric block are while NumLock is off, or Shift is down: X turns them into these. Delete stays what it says.
 constexpr KeyPair NUMERIC[] = {
-    {Qt::Key_Insert, VK_NUMPAD0},    {Qt::Key_End, VK_NUMPAD0 + 1},   {Qt::Key_Down, VK_NUMPAD0 + 2},  {Qt::Key_PageDown, VK_NUMPAD0 + 3},
-    {Qt::Key_Left, VK_NUMPAD0 + 4},  {Qt::Key_Clear, VK_NUMPAD0 + 5}, {Qt::Key_Right, VK_NUMPAD0 + 6}, {Qt::Key_Home, VK_NUMPAD0 + 7},
-    {Qt::Key_Up, VK_NUMPAD0 + 8},    {Qt::Key_PageUp, VK_NUMPAD0 + 9}, {Qt::Key_Comma, VK_DECIMAL},    {Qt::Key_Period, VK_DECIMAL},
+    {Qt::Key_Insert, VK_NUMPAD0},   {Qt::Key_End, VK_NUMPAD0 + 1},    {Qt::Key_Down, VK_NUMPAD0 + 2},  {Qt::Key_PageDown, VK_NUMPAD0 + 3},
+    {Qt::Key_Left, VK_NUMPAD0 + 4}, {Qt::Key_Clear, VK_NUMPAD0 + 5},  {Qt::Key_Right, VK_NUMPAD0 + 6}, {Qt::Key_Home, VK_NUMPAD0 + 7},
+    {Qt::Key_Up, VK_NUMPAD0 + 8},   {Qt::Key_PageUp, VK_NUMPAD0 + 9}, {Qt::Key_Comma, VK_DECIMAL},     {Qt::Key_Period, VK_DECIMAL},
 };
 
 // Signs. Keyboards without numeric block have them too, there often with Shift, which then belongs to the sign.

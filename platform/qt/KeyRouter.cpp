@@ -47,14 +47,10 @@ bool CKeyRouter::IsDown(unsigned int key) const
 {
     const Qt::KeyboardModifiers now = QGuiApplication::queryKeyboardModifiers();
     switch (key) {
-    case VK_SHIFT:
-        return now & Qt::ShiftModifier;
-    case VK_CONTROL:
-        return now & Qt::ControlModifier;
-    case VK_MENU:
-        return now & Qt::AltModifier;
-    default:
-        return m_down.count(key) != 0;
+    case VK_SHIFT: return now & Qt::ShiftModifier;
+    case VK_CONTROL: return now & Qt::ControlModifier;
+    case VK_MENU: return now & Qt::AltModifier;
+    default: return m_down.count(key) != 0;
     }
 }
 
@@ -71,9 +67,7 @@ void CKeyRouter::Note(const QKeyEvent& event)
 bool CKeyRouter::eventFilter(QObject* object, QEvent* event)
 {
     switch (event->type()) {
-    case QEvent::ApplicationDeactivate:
-        m_down.clear();
-        return false;
+    case QEvent::ApplicationDeactivate: m_down.clear(); return false;
     case QEvent::ApplicationPaletteChange:
         if (object == qApp)
             ForgetIcons();
@@ -94,8 +88,7 @@ bool CKeyRouter::eventFilter(QObject* object, QEvent* event)
         event->accept();
         return true;
     }
-    default:
-        return false;
+    default: return false;
     }
 }
 

@@ -207,9 +207,7 @@ bool CPeer::eventFilter(QObject*, QEvent* event)
         return false;
     }
     case QEvent::Hide:
-    case QEvent::WindowBlocked:
-        LoseCapture();
-        return false;
+    case QEvent::WindowBlocked: LoseCapture(); return false;
     case QEvent::EnabledChange: {
         const CEventScope scope;
         m_window->OnEnable(m_widget->isEnabled());
@@ -223,10 +221,8 @@ bool CPeer::eventFilter(QObject*, QEvent* event)
         return true;
     case QEvent::DragEnter:
     case QEvent::DragMove:
-    case QEvent::Drop:
-        return DragEvent(event);
-    default:
-        return false;
+    case QEvent::Drop: return DragEvent(event);
+    default: return false;
     }
 }
 

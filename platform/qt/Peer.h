@@ -79,7 +79,8 @@ public:
             GetWidget()->update();
         else {
             const qreal scale = GetScale();
-            GetWidget()->update(QRectF(area->left / scale, area->top / scale, area->Width() / scale, area->Height() / scale).toAlignedRect());
+            GetWidget()->update(
+                QRectF(area->left / scale, area->top / scale, area->Width() / scale, area->Height() / scale).toAlignedRect());
         }
     }
     CRect GetClientRect() const override { return ClientRect(); }

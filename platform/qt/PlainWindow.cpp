@@ -144,7 +144,8 @@ void CPlainWidget::Button(QMouseEvent& event, bool down, bool doubleClick)
         m_rightPress = event.position().toPoint();
     }
     const CEventScope scope;
-    m_window->OnMouseButton(button, down, doubleClick, GetInputState(event.buttons(), event.modifiers()), m_peer->ToPixels(event.position()));
+    m_window->OnMouseButton(button, down, doubleClick, GetInputState(event.buttons(), event.modifiers()),
+                            m_peer->ToPixels(event.position()));
 }
 
 void CPlainWidget::mouseReleaseEvent(QMouseEvent* event)

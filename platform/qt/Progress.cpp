@@ -38,10 +38,8 @@ protected:
         case QEvent::Close:
         case QEvent::DragEnter:
         case QEvent::Drop:
-        case QEvent::ContextMenu:
-            break;
-        default:
-            return false;
+        case QEvent::ContextMenu: break;
+        default: return false;
         }
         if (!object->isWidgetType() || static_cast<QWidget*>(object)->window() == m_allowed)
             return false;

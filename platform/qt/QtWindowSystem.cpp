@@ -26,6 +26,7 @@
 #include "Pictures.h"
 #include "PlainWindow.h"
 #include "Progress.h"
+#include "Questions.h"
 #include "Text.h"
 #include "TreeView.h"
 
@@ -126,6 +127,28 @@ bool CQtWindowSystem::IsKeyDown(unsigned int key) { return m_keys.IsDown(key); }
 
 // Menus and questions
 
+// The entries, a line each.
+static CXTString<wchar_t> ToText(const CCustomMenu& menu)
+{
+    CXTString<wchar_t> text;
+    for (const CMenuItem& item : menu.items)
+        if (!item.separator)
+            text += item.text + L"\n";
+    return text;
+}
+
+static QAction* FindEntry(const QMenu& menu, const QString& text)
+{
+    for (QAction* const action : menu.actions()) {
+        if (action->menu()) {
+            if (QAction* const found = FindEntry(*action->menu(), text))
+                return found;
+        } else if (WithoutAccessKey(action->text().section(QLatin1Char('\t'), 0, 0)) == WithoutAccessKey(text))
+            return action;
+    }
+    return nullptr;
+}
+
 unsigned int CQtWindowSystem::TrackPopup(CWnd* parent, CCustomMenu& menu, const CPoint& screen)
 {
     const CEventScope scope;
@@ -136,6 +159,15 @@ unsigned int CQtWindowSystem::TrackPopup(CWnd* parent, CCustomMenu& menu, const 
     QMenu shown(WidgetOf(parent));
     unsigned int chosen = 0;
     FillMenu(shown, menu, frame, [&](unsigned int id) { chosen = id; });
+    const COpenQuestion question({L"menu", {}, ToText(menu), {}}, [&](const QString& answer) {
+        QAction* const entry = FindEntry(shown, answer);
+        if (answer != QLatin1String("cancel") && (!entry || !entry->isEnabled()))
+            return false;
+        if (entry)
+            chosen = entry->data().toUInt();
+        shown.close();
+        return true;
+    });
     shown.exec(peer ? peer->FromScreen(screen) : QPoint(screen.x, screen.y));
     if (frame)
         frame->OnMenuSelect(0);
@@ -164,8 +196,7 @@ bool CQtWindowSystem::ChooseFiles(CWnd* parent, const CFileDialogRequest& reques
     return ChooseFilesWindow(DialogParent(parent), request, chosen);
 }
 
-bool CQtWindowSystem::ChooseFolders(CWnd* parent, const CXTString<wchar_t>& title, bool several,
-                                    std::vector<CXTString<wchar_t>>& folders)
+bool CQtWindowSystem::ChooseFolders(CWnd* parent, const CXTString<wchar_t>& title, bool several, std::vector<CXTString<wchar_t>>& folders)
 {
     return ChooseFoldersWindow(DialogParent(parent), ToQt(title), several, folders);
 }
@@ -173,9 +204,16 @@ bool CQtWindowSystem::ChooseFolders(CWnd* parent, const CXTString<wchar_t>& titl
 bool CQtWindowSystem::ChooseColor(CWnd* parent, CRGBColor& color)
 {
     const CEventScope scope;
-    const QColor chosen = QColorDialog::getColor(QColor(color.red, color.green, color.blue), DialogParent(parent));
-    if (!chosen.isValid())
+    QColorDialog dialog(QColor(color.red, color.green, color.blue), DialogParent(parent));
+    const COpenQuestion question({L"color", {}, {}, {}}, [&dialog](const QString& answer) {
+        const bool ok = answer == QLatin1String("ok");
+        if (ok || answer == QLatin1String("cancel"))
+            ok ? dialog.accept() : dialog.reject();
+        return !dialog.isVisible();
+    });
+    if (dialog.exec() != QDialog::Accepted)
         return false;
+    const QColor chosen = dialog.currentColor();
     color = CRGBColor(static_cast<unsigned char>(chosen.red()), static_cast<unsigned char>(chosen.green()),
                       static_cast<unsigned char>(chosen.blue()), color.alpha);
     return true;
@@ -262,3 +300,7 @@ Bitmap* CQtWindowSystem::GrabWindow(CWnd* window)
     painter.end();
     return FromQt(picture.toImage());
 }
+
+std::vector<CShownQuestion> CQtWindowSystem::GetShownQuestions() { return COpenQuestion::GetAll(); }
+
+bool CQtWindowSystem::AnswerQuestion(const CXTString<wchar_t>& answer) { return COpenQuestion::AnswerLast(ToQt(answer)); }

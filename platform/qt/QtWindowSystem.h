@@ -35,6 +35,8 @@ public:
     bool SetClipboardText(const CXTString<wchar_t>& text) override;
     void SendKey(unsigned int key, unsigned int state) override;
     Bitmap* GrabWindow(CWnd* window) override;
+    std::vector<CShownQuestion> GetShownQuestions() override;
+    bool AnswerQuestion(const CXTString<wchar_t>& answer) override;
 
 private:
     CKeyRouter m_keys;

@@ -63,16 +63,13 @@ public:
         if (!item || !m_tree)
             return {};
         switch (role) {
-        case Qt::DisplayRole:
-            return ToQt(item->text);
-        case Qt::DecorationRole:
-            return GetIcon(m_tree->ReplaceIcon(item));
+        case Qt::DisplayRole: return ToQt(item->text);
+        case Qt::DecorationRole: return GetIcon(m_tree->ReplaceIcon(item));
         case Qt::CheckStateRole:
             if (!HasCheck(item))
                 return {};
             return item->check == TREECHECK_CHECKED ? Qt::Checked : item->check == TREECHECK_MIXED ? Qt::PartiallyChecked : Qt::Unchecked;
-        default:
-            return {};
+        default: return {};
         }
     }
     bool setData(const QModelIndex& index, const QVariant&, int role) override
