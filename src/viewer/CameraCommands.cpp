@@ -70,14 +70,12 @@ CCustomMenu* C3DViewCameraCommand::OnPopupMenu(CCustomMenu* menu, unsigned int)
     if (!cameras.empty())
         menu->AddMenuSeparator();
     for (const auto& [name, id] : cameras)
-        m_popup.Add(*menu, name, id, true);
+        m_popup.Add(*menu, name, id);
     return menu;
 }
 
 unsigned int C3DViewCameraCommand::GetPopupCmdState(unsigned int id)
 {
-    if (const std::optional<int> node = m_popup.GetValue(id))
-        return GetViewer() && GetViewer()->GetCurrentCameraId() == *node ? COMMAND_ENABLED | COMMAND_CHECKED : +COMMAND_ENABLED;
     const unsigned int command = m_popup.GetCommandID(id);
     const C3DScene* const scene = GetFrameScene();
     const bool needsCamera = command == NEXT || command == PREVIOUS;

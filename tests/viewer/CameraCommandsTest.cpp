@@ -87,12 +87,11 @@ TEST_F(CameraCommands, ThePopupListsTheCamerasByName)
         for (std::size_t i = 0; i < menu.size(); i++) {
             EXPECT_EQ(menu[i].text, texts[i]);
             EXPECT_TRUE(menu[i].enabled);
-            EXPECT_EQ(menu[i].checked, i == 8 && place == 6);    // chosen in the round before
         }
         EXPECT_EQ(Current(), static_cast<int>((place == 8 ? salt : unnamed)->GetNodeID()));
     }
-    OpenToolbarMenu(CAMERA, 0);
-    EXPECT_EQ(Current(), static_cast<int>(salt->GetNodeID()));    // after the unnamed one, round the end
+    EXPECT_TRUE(windows.ChooseMenu(frame.get(), WindowsId(NEXT)));    // in the menu bar too
+    EXPECT_EQ(Current(), static_cast<int>(salt->GetNodeID()));        // after the unnamed one, round the end
 }
 
 TEST_F(CameraCommands, ANewCameraLeavesThePictureAsItIs)
