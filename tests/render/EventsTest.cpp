@@ -3,6 +3,7 @@
 #include <numbers>
 
 #include "render/SteeredView.h"
+#include "scene/3DObject.h"
 #include "scene/Camera.h"
 #include "scene/GeomObject.h"
 #include "scene/Keyframe.h"
@@ -133,6 +134,49 @@ TEST(ViewEvents, TheTimerUpdatesWhatAsksForIt)
     window.Invalidated();
     EXPECT_FALSE(after(400));
     EXPECT_TRUE(after(101));
+}
+
+TEST(ViewEvents, AnIdleWindowLooksAtNothing)
+{
+    // Fault in mind: a walk over all nodes, or a paint, twice a second for as long as the window is open.
+    class CAskedObject : public C3DObject {
+    public:
+        mutable int asked = 0;
+        bool NeedUpdate() const override
+        {
+            asked++;
+            return C3DObject::NeedUpdate();
+        }
+    };
+    Window window;
+    CSteeredView& view = window.view;
+    auto* const object = new CAskedObject;
+    C3DSceneNode* const node = C3DSceneNode::Create();
+    node->SetObject(object, true);
+    window.scene->AddNode(nullptr, node);
+    ASSERT_TRUE(view.CreateMemoryRendering(64, 64, 24));
+    const auto wait = [&](int ticks) {
+        int painted = 0;
+        object->asked = 0;
+        for (int i = 0; i < ticks; i++) {
+            view.now += 200;
+            view.OnTimer(1);
+            if (window.Invalidated()) {
+                painted++;
+                view.OnPaint();
+            }
+        }
+        return std::pair(painted, object->asked);
+    };
+    view.UpdateView(GLSET_FIT | GLSET_UPDATE);
+    EXPECT_LE(wait(20).first, 2);    // the picture, and later what is too slow for interaction
+    EXPECT_EQ(wait(100), std::pair(0, 0));
+    const Owned<C3DObject> stranger(new C3DObject);    // of no scene
+    stranger->Invalidate(CHANGE_POINTS, true);
+    EXPECT_EQ(wait(100), std::pair(0, 0));
+    object->Invalidate(CHANGE_POINTS, true);
+    EXPECT_EQ(wait(20).first, 2);
+    EXPECT_EQ(wait(100), std::pair(0, 0));
 }
 
 TEST(ViewEvents, TheWheelWithKeysStepsThroughTime)

@@ -87,3 +87,23 @@ TEST(Threads, SaveReadAndDrawAsOneAfterTheOther)
     Close3DZel(INIT_NO_PLUGINS);
     SetApplication(nullptr);
 }
+
+TEST(Threads, ACopyIsDrawnWhileTheSceneChanges)
+{
+    // As a thumbnail of what a window shows.
+    const Owned<C3DScene> live(CreateScene(0)), copy(live->Copy(nullptr, 0, nullptr));
+    const std::vector<unsigned char> expected = Draw(*live, 0);
+    std::thread thumbnail([&] {
+        for (int round = 0; round < ROUNDS; round++)
+            EXPECT_EQ(Draw(*copy, 0), expected) << round;
+    });
+    C3DSceneNode* const node = live->GetChildNode(nullptr);
+    unsigned int first = live->GetFirstMaterial();
+    C3DMaterial* const material = live->GetNextMaterial(first);
+    for (int round = 0; round < ROUNDS; round++) {
+        material->SetDiffuseColor(0, {static_cast<unsigned char>(200 - round), 0, 0});
+        node->GetBaseObject()->Invalidate(CHANGE_POINTS, true);
+        EXPECT_NE(Draw(*live, 0), expected);
+    }
+    thumbnail.join();
+}
