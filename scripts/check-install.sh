@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the release build into an empty folder and builds a host against it, by find_package and by pkg-config.
+# Installs the release build into an empty folder, builds a host against it, by find_package and by pkg-config, and looks at what desktops get.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -23,4 +23,10 @@ for host in "$stage/by-cmake/host" "$stage/by-pkg-config"; do
     LD_LIBRARY_PATH=$libraries "$host"
 done
 "$stage/usr/bin/zel" info --quiet --json examples/models/pavilion.dae >/dev/null
+desktop-file-validate "$stage/usr/share/applications/3dzel-viewer.desktop"
+appstreamcli validate --no-net "$stage/usr/share/metainfo/3dzel-viewer.metainfo.xml" >/dev/null
+update-mime-database "$stage/usr/share/mime" 2>/dev/null
+for type in $(sed -n 's/^MimeType=//p' "$stage/usr/share/applications/3dzel-viewer.desktop" | tr ';' ' '); do
+    [ -f "$stage/usr/share/mime/$type.xml" ] || [ -f "/usr/share/mime/$type.xml" ] || { echo "no kind of file is $type"; exit 1; }
+done
 echo "install: hosts build and run against the installed package"

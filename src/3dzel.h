@@ -182,3 +182,13 @@
 #include "render/View.h"
 #include "render/ViewHost.h"
 #include "render/ViewProfile.h"
+
+#include "viewer/3DCommand.h"
+#include "viewer/3DFileList.h"
+#include "viewer/CallbackWnd.h"
+#include "viewer/DocumentFileList.h"
+#include "viewer/DocumentFrame.h"
+#include "viewer/FrameViewer.h"
+#include "viewer/Panels.h"
+#include "viewer/RenderStatusBar.h"
+#include "viewer/ViewerControl.h"
