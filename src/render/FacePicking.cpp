@@ -77,13 +77,11 @@ public:
     CExactColors(const CRect& area, int viewHeight)
     {
         glPushAttrib(GL_ALL_ATTRIB_BITS);
-        for (const GLenum changing :
-             {GL_LIGHTING, GL_TEXTURE_2D, GL_BLEND, GL_DITHER, GL_FOG, GL_POLYGON_STIPPLE, GL_ALPHA_TEST, GL_MULTISAMPLE,
-              GL_SAMPLE_ALPHA_TO_COVERAGE, GL_COLOR_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_COLOR_MATERIAL})
+        for (const GLenum changing : {GL_LIGHTING, GL_TEXTURE_2D, GL_BLEND, GL_DITHER, GL_FOG, GL_POLYGON_STIPPLE, GL_ALPHA_TEST,
+                                      GL_MULTISAMPLE, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_COLOR_LOGIC_OP, GL_COLOR_MATERIAL})
             glDisable(changing);
         glShadeModel(GL_FLAT);
         glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-        glCullFace(GL_BACK);
         glEnable(GL_DEPTH_TEST);
         glDepthFunc(GL_LESS);
         glDepthMask(GL_TRUE);
@@ -99,7 +97,7 @@ public:
 }
 
 /// Faces are numbered through all polygon objects; those from `first` on have their colours, all others are black.
-void C3DView::DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first)
+void C3DView::DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first, bool front)
 {
     unsigned int past = 0;
     CFaceCutter cutter;
@@ -113,19 +111,12 @@ void C3DView::DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned i
             past += static_cast<unsigned int>(faces.GetSize());
         glLoadMatrixf(drawn.matrix);
         glFrontFace(drawn.isMirrored ? GL_CW : GL_CCW);
-        bool culling = false;
-        glDisable(GL_CULL_FACE);
         glBegin(GL_TRIANGLES);
         C3DFace face;
         for (int i = 0; faces.GetFace(i, face); i++) {
-            if (!IsFaceShown(face.GetFlags()) || !HasCornersIn(face, points.GetSize()))
+            const unsigned int flags = face.GetFlags();
+            if (!IsFaceShown(flags) || !HasCornersIn(face, points.GetSize()) || (!front && IsFaceCulled(geometry, flags)))
                 continue;
-            if (const bool culled = IsFaceCulled(geometry, face.GetFlags()); culled != culling) {
-                glEnd();
-                culled ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
-                glBegin(GL_TRIANGLES);
-                culling = culled;
-            }
             const unsigned int number = begin + static_cast<unsigned int>(i);
             const bool counted = drawn.kind == OBJECT_POLYGONAL && number >= first && number - first < MOST_NUMBERS;
             const unsigned int color = counted ? number - first + 1 : 0;
@@ -140,6 +131,21 @@ void C3DView::DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned i
         }
         glEnd();
     }
+}
+
+/// Sides that look away come last, a little behind: along an outline they would show through the sides that look here.
+void C3DView::DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first)
+{
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_CULL_FACE);
+    glCullFace(GL_BACK);
+    glDisable(GL_POLYGON_OFFSET_FILL);
+    DrawFaceNumbers(surfaces, first, true);
+    glCullFace(GL_FRONT);
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(1, 1);
+    DrawFaceNumbers(surfaces, first, false);
 }
 
 /// The numbers found in a picture of three bytes a pixel, ascending.
@@ -168,8 +174,6 @@ std::vector<FaceNumbers> C3DView::FindSeenFaces(const std::vector<DrawnNode>& su
     std::vector<unsigned char> pixels(std::size_t{3} * area.Width() * area.Height());
     const CExactColors exact(area, m_viewSize.cy);
     for (unsigned int first = 0; first < total; first += MOST_NUMBERS) {
-        glClearColor(0, 0, 0, 0);
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         DrawFaceNumbers(surfaces, first);
         glReadPixels(area.left, m_viewSize.cy - area.bottom, area.Width(), area.Height(), GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
         unsigned int begin = 0;

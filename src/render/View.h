@@ -441,6 +441,7 @@ private:
     std::vector<DrawnNode> CollectSurfaces() const;
     bool IsFaceShown(unsigned int flags) const;
     bool IsFaceCulled(const C3DGeomObject& geometry, unsigned int flags) const;
+    void DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first, bool front);
     void DrawFaceNumbers(const std::vector<DrawnNode>& surfaces, unsigned int first);
     std::vector<std::vector<unsigned int>> FindSeenFaces(const std::vector<DrawnNode>& surfaces, const CRect& area);
     std::vector<std::vector<unsigned int>> FindTouchedFaces(const std::vector<DrawnNode>& surfaces, const double* projection) const;
