@@ -94,7 +94,6 @@ void C3DSelectFacesCommand::MarkFaces(unsigned int state, bool click)
                                      static_cast<unsigned int>(band.Width()), static_cast<unsigned int>(band.Height()),
                                      state & INPUT_CTRL ? GLSELECT_TOGGLE : GLSELECT_DEFAULT, VIEW_FACE_MARKED);
     m_mayHaveMarks = true;
-    GetViewer()->UpdateView(GLSET_UPDATE);
     if (Get3DFrameWnd())
         Get3DFrameWnd()->NodeSelectionChanged();
 }

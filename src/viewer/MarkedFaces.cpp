@@ -114,14 +114,13 @@ bool ShowFaces(C3DScene& scene, const std::vector<CFaceSet>& sets, bool mark)
     return changed;
 }
 
-bool ShowAllFaces(C3DScene& scene)
+void ShowAllFaces(C3DScene& scene)
 {
-    bool changed = false;
     for (C3DGeomObject* const object : GetObjects(scene)) {
         const C3DFaceList& faces = *object->GetFaceList();
         unsigned int last = NO_MATERIAL;
         bool lastHidden = false;
-        changed |= ChangeFaces(*object, [&](unsigned int face, unsigned int& flags) {
+        ChangeFaces(*object, [&](unsigned int face, unsigned int& flags) {
             if (!(flags & VIEW_FACE_HIDDEN))
                 return;
             if (const unsigned int id = faces.GetFaceMaterial(face); id != last) {
@@ -133,7 +132,6 @@ bool ShowAllFaces(C3DScene& scene)
                 flags &= ~VIEW_FACE_HIDDEN;
         });
     }
-    return changed;
 }
 
 bool DeleteMarkedFaces(C3DScene& scene)

@@ -21,7 +21,7 @@ bool ClearFaceMarks(C3DScene& scene);
 std::vector<CFaceSet> HideFaces(C3DScene& scene, bool others);
 /// Shows those of the sets again, marked when `mark`. False when none was hidden.
 bool ShowFaces(C3DScene& scene, const std::vector<CFaceSet>& sets, bool mark);
-/// Shows all but those of hidden materials. False when none was hidden.
-bool ShowAllFaces(C3DScene& scene);
+/// Shows all but those of hidden materials.
+void ShowAllFaces(C3DScene& scene);
 /// Removes them with the points that no face uses any more, and nodes of which no face is left. False when there were none.
 bool DeleteMarkedFaces(C3DScene& scene);

@@ -2,7 +2,6 @@
 
 #include <unordered_set>
 
-#include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/Filter.h"
 #include "tools/FourCC.h"
@@ -106,8 +105,6 @@ CommandResult C3DSelectNone::OnApplyCommand(C3DScene* scene)
         node.SetFlag(NODE_SELECTED, false);
     });
     const bool unmarked = AreFacesMeant(scene) && ClearFaceMarks(*scene);
-    if (unmarked && GetViewer())
-        GetViewer()->UpdateView(GLSET_UPDATE);
     if (selection.empty() && !unmarked)
         return COMMAND_DONE;
     if (!selection.empty())
@@ -154,8 +151,7 @@ C3DShowAll::C3DShowAll() : C3DSelectionCommand(FourCC("SWAL")) {}
 CommandResult C3DShowAll::OnApplyCommand(C3DScene* scene)
 {
     ForEachNode(*scene, [](C3DSceneNode& node) { node.SetFlag(NODE_HIDDEN, false); });
-    if (ShowAllFaces(*scene) && GetViewer())
-        GetViewer()->UpdateView(GLSET_UPDATE);
+    ShowAllFaces(*scene);
     TellDisplay();
     return COMMAND_DONE;
 }
@@ -168,11 +164,9 @@ CommandResult C3DShowHideSel::OnApplyCommand(C3DScene* scene)
 {
     CLastHidden hidden;
     hidden.reselect = true;
-    if (AreFacesMeant(scene)) {
+    if (AreFacesMeant(scene))
         hidden.faces = HideFaces(*scene, false);
-        if (GetViewer())
-            GetViewer()->UpdateView(GLSET_UPDATE);
-    } else
+    else
         ForEachNode(*scene, [&](C3DSceneNode& node) {
             if (!node.IsFlagSet(NODE_SELECTED))
                 return;
@@ -198,11 +192,9 @@ CommandResult C3DShowSelection::OnApplyCommand(C3DScene* scene)
     if (!keeper)
         return COMMAND_DONE;
     CLastHidden hidden;
-    if (AreFacesMeant(scene)) {
+    if (AreFacesMeant(scene))
         hidden.faces = HideFaces(*scene, true);
-        if (GetViewer())
-            GetViewer()->UpdateView(GLSET_UPDATE);
-    } else
+    else
         ForEachNode(*scene, [&](C3DSceneNode& node) {
             if (node.IsFlagSet(NODE_SELECTED))
                 return;
@@ -231,8 +223,6 @@ CommandResult C3DReshow::OnApplyCommand(C3DScene* scene)
         return COMMAND_DONE;
     const CLastHidden& hidden = keeper->GetLastHidden();
     bool changed = ShowFaces(*scene, hidden.faces, hidden.reselect);
-    if (changed && GetViewer())
-        GetViewer()->UpdateView(GLSET_UPDATE);
     ForEachNode(*scene, hidden.nodes, [&](C3DSceneNode& node) {
         if (!node.IsFlagSet(NODE_HIDDEN))
             return;
