@@ -86,15 +86,12 @@ void C3DFrameViewer::InitToolbars()
         CCustomToolbar& bar;
         unsigned int name;
     } bars[] = {{m_fileBar, TEXT_MENU_FILE}, {m_toolsBar, TEXT_BAR_TOOLS}, {m_viewBar, TEXT_BAR_VIEW}};
-    const bool known = !GetToolbars().empty();    // from a former time of the window
     unsigned int id = FIRST_BAR;
     for (const auto& [bar, nameId] : bars) {
         CXTString<wchar_t> name = LoadText(nameId);
         name.Replace(L"&", L"");
         bar.InitToolbar(id++, name);
-        bar.buttons.clear();
-        if (!known)
-            AddToolbar(&bar);
+        AddToolbar(&bar);
     }
     ToolbarsSizeChanged();
 }

@@ -5,6 +5,7 @@
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "tools/Application.h"
+#include "tools/FourCC.h"
 #include "viewer/3DFileList.h"
 #include "viewer/FrameCommands.h"
 #include "viewer/Panels.h"
@@ -21,6 +22,9 @@ using Text = CXTString<wchar_t>;
 
 constexpr wchar_t WINDOW_CLASS[] = L"3DZelViewer";
 constexpr wchar_t SECTION[] = L"Window";
+
+// Fits the scene, where there is no numeric block too.
+constexpr unsigned int FIT = FourCC("RSZO"), FIT_KEY = VK_HOME;
 
 struct PlacementValue {
     const wchar_t* key;
@@ -151,10 +155,20 @@ bool C3DFrameViewer::OnKey(unsigned int key, unsigned int state)
 {
     if (CDocumentFrameWnd::OnKey(key, state))
         return true;
-    if (key != VK_HOME || state & (INPUT_SHIFT | INPUT_CTRL | INPUT_ALT))
+    if (key != FIT_KEY || state & (INPUT_SHIFT | INPUT_CTRL | INPUT_ALT))
         return false;
-    RunCommand(FourCC("RSZO"));
+    RunCommand(FIT);
     return true;
+}
+
+CXTString<wchar_t> C3DFrameViewer::GetKeysOf(CZelCommand& command) const
+{
+    const Text keys = CDocumentFrameWnd::GetKeysOf(command);
+    if (command.GetCommandID().identifier != FIT)
+        return keys;
+    CCommandAccess other;
+    other.SetAccess(FIT_KEY, 0, 0);
+    return keys + L", " + other.GetKeyText();
 }
 
 CommandResult C3DFrameViewer::AskForSave(bool, bool noCancel)

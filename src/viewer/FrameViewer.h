@@ -69,6 +69,7 @@ public:
     void OnPaneShown(unsigned int id, bool shown) override;
     /// Keys that users bring along besides those of the commands: Home fits the scene.
     bool OnKey(unsigned int key, unsigned int state) override;
+    CXTString<wchar_t> GetKeysOf(CZelCommand& command) const override;
     /// With Ctrl they join the current scene.
     void OnDropFiles(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point) override;
     void UpdateStatusBar() override;

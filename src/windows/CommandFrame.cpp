@@ -1,11 +1,16 @@
 #include "windows/CommandFrame.h"
 
+#include "tools/Application.h"
+#include "tools/FourCC.h"
 #include "windows/CommandView.h"
 #include "windows/WindowSystem.h"
 
 namespace {
 
 using Text = CXTString<wchar_t>;
+
+constexpr unsigned int TYPE_INTERACTIVE = FourCC("INTE");
+constexpr wchar_t SECTION[] = L"Window", LAST_COMMAND[] = L"command";
 
 // A name without the marks of access keys.
 Text WithoutMarks(const Text& text)
@@ -74,6 +79,7 @@ void CCommandFrameWnd::OnDestroy()
     m_manager.CloseAllTimers();
     CCustomFrameWnd::OnDestroy();
     m_commandPopups.clear();
+    SaveLastCommand();
     m_manager.CloseCurrentCommand();
     SetViewer(nullptr);
 }
@@ -81,7 +87,26 @@ void CCommandFrameWnd::OnDestroy()
 void CCommandFrameWnd::AddCommands() {}
 void CCommandFrameWnd::AddPluginCommands(unsigned int) {}
 void CCommandFrameWnd::LoadPlugins() {}
-bool CCommandFrameWnd::RestoreLastCommand() { return false; }
+
+// The profile keeps the interactive command by its identifier.
+
+bool CCommandFrameWnd::RestoreLastCommand()
+{
+    IApplication* const application = GetApplication();
+    CZelCommand* const command = application ? m_manager.GetCommandById(application->GetProfileInt(SECTION, LAST_COMMAND, 0)) : nullptr;
+    if (!command || command->GetCommandID().type != TYPE_INTERACTIVE)
+        return false;
+    RunCommand(command);
+    return IsActiveCommand(command);
+}
+
+void CCommandFrameWnd::SaveLastCommand()
+{
+    CZelCommand* const command = m_manager.GetCurrentCommand();
+    if (IApplication* const application = GetApplication(); application && command)
+        application->WriteProfileInt(SECTION, LAST_COMMAND, command->GetCommandID().identifier);
+}
+
 CCustomToolbar* CCommandFrameWnd::GetCommandToolbar(unsigned int) { return nullptr; }
 CCustomMenu* CCommandFrameWnd::GetCommandMenu(unsigned int) { return nullptr; }
 
@@ -328,6 +353,8 @@ void CCommandFrameWnd::OnMenuSelect(unsigned int id)
     SetHelpText(text);
 }
 
+Text CCommandFrameWnd::GetKeysOf(CZelCommand& command) const { return command.GetKeyAccess(); }
+
 // One line a command: key, name, description, with tabs between.
 void CCommandFrameWnd::ShowHelp()
 {
@@ -335,7 +362,7 @@ void CCommandFrameWnd::ShowHelp()
     for (CZelCommand* const command : m_manager.GetCommands()) {
         Text description;
         command->OnGetHelp(HELP_DESCRIPTION, description);
-        list += command->GetKeyAccess() + L"\t" + WithoutMarks(command->GetName()) + L"\t" + description + L"\n";
+        list += GetKeysOf(*command) + L"\t" + WithoutMarks(command->GetName()) + L"\t" + description + L"\n";
     }
     Text title;
     title.LoadStringW(9205);

@@ -68,6 +68,8 @@ public:
     const CXTString<wchar_t>& GetHelpText() const { return m_helpText; }
     /// A list of all commands with their keys.
     virtual void ShowHelp();
+    /// Keys that start a command, as that list tells them.
+    virtual CXTString<wchar_t> GetKeysOf(CZelCommand& command) const;
     /// The next click on an entry or button shows its help.
     virtual void ShowContextHelp();
     virtual void UpdateStatusBar();
@@ -96,6 +98,7 @@ private:
     void PutIntoToolbar(CZelCommand* command);
     bool UpdateItem(CMenuItem& item, CZelCommand* owner);
     void ShowHelpOf(CZelCommand* command);
+    void SaveLastCommand();
 
     CCommandMgr m_manager{this};
     CCommandView* m_viewer = nullptr;

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "render/FaultyPlatform.h"
-#include "render/MemoryProfile.h"
+#include "support/MemoryProfile.h"
 #include "render/RenderingMode.h"
 #include "render/TestPeer.h"
 #include "render/ViewCase.h"

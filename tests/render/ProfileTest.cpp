@@ -1,6 +1,6 @@
 #include "render/ViewProfile.h"
 
-#include "render/MemoryProfile.h"
+#include "support/MemoryProfile.h"
 #include "render/ViewCase.h"
 
 namespace {

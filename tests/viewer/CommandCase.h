@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "render/MemoryProfile.h"
+#include "support/MemoryProfile.h"
 #include "render/View.h"
 #include "scene/3DScene.h"
 #include "scene/Primitives.h"
