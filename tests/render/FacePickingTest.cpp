@@ -1,7 +1,5 @@
-#include <cmath>
 #include <set>
 
-#include "render/Overlay2D.h"
 #include "render/ViewCase.h"
 #include "scene/GeomObject.h"
 
@@ -69,6 +67,12 @@ TEST(FacePicking, AClickFindsWhatShowsThere)
     EXPECT_EQ(Tiles::Marked(of.below), (Faces{1, 2}));
     of.Click(1, 1, GLSELECT_TOGGLE);
     EXPECT_EQ(Tiles::Marked(of.below), Faces{1});
+    of.Band(-1, -1.5, 1, 1.5, GLSELECT_TOGGLE);    // adds those that are not
+    EXPECT_EQ(Tiles::Marked(of.below), (Faces{1, 2, 3}));
+    of.Band(1, -1.5, 1.5, 1.5, GLSELECT_TOGGLE);    // takes those that are all
+    EXPECT_EQ(Tiles::Marked(of.below), Faces{3});
+    of.Click(1, -1, GLSELECT_TOGGLE);
+    of.Click(-1, 1, GLSELECT_TOGGLE);
     EXPECT_EQ(of.Click(2.6, 2.6, GLSELECT_TOGGLE), 0U);    // nothing is there
     EXPECT_EQ(Tiles::Marked(of.below), Faces{1});
     EXPECT_EQ(of.Click(2.6, 2.6), 0U);
@@ -104,16 +108,6 @@ TEST(FacePicking, ABandMarksWhatShowsInItOrInAWireframeAllThatReachIn)
         EXPECT_EQ(Tiles::Marked(of.below), row.below);
         EXPECT_EQ(Tiles::Marked(of.over), row.over);
     }
-}
-
-TEST(FacePicking, AddsWhatIsNewAndTakesWhatIsMarkedAll)
-{
-    Tiles of;
-    of.Click(1, 1);
-    of.Band(-1, 0.5, 1, 1.5, GLSELECT_TOGGLE);
-    EXPECT_EQ(Tiles::Marked(of.below), (Faces{2, 3}));    // the one that was marked stays
-    of.Band(-1, 0.5, 1, 1.5, GLSELECT_TOGGLE);
-    EXPECT_EQ(Tiles::Marked(of.below), Faces{});
 }
 
 TEST(FacePicking, WhatIsNotDrawnNeitherCountsNorCovers)
@@ -162,37 +156,5 @@ TEST(FacePicking, MarksShowWhenTheViewIsToldTo)
         of.Click(2.6, 2.6);
         of.stage.View().UpdateView(GLSET_UPDATE);
         EXPECT_EQ(red(), 0);
-    }
-}
-
-TEST(Overlay, DrawsOnThePixelsThatItIsGiven)
-{
-    // Faults in mind: y from the wrong border, lines a pixel aside, filled areas as the view's lines, culled for the turned y.
-    class Drawing : public C3DView {
-    public:
-        void OnDraw(CDC*) override
-        {
-            COverlay2D overlay(*this);
-            overlay.FillRect({10, 5, 20, 9}, CRGBColor(0, 255, 0));
-            overlay.DrawRect({30, 30, 40, 36}, CRGBColor(255, 0, 0));
-        }
-    };
-    for (const unsigned int flags : {VIEWFLAG_WIREFRAME | VIEWFLAG_CULL_BACK, VIEWFLAG_SMOOTH | VIEWFLAG_CULL_BACK}) {
-        C3DScene* scene = C3DScene::Create();
-        Drawing view;
-        ASSERT_EQ(view.CreateMemoryRendering(64, 48, 24), 1);
-        GlViewSettings settings;
-        settings.changeMask = GLSET_VIEW_FLAGS;
-        settings.viewFlags = flags;
-        view.SetViewSettings(&settings);
-        view.SetScene(scene, 0);
-        view.UpdateView(0);
-        const Picture picture(view.CreateBitmapFromScene());
-        EXPECT_EQ(CountPixels(*picture, IsGreen), 10 * 4);
-        EXPECT_EQ(CountPixels(*picture, IsRed), 2 * 10 + 2 * 4);
-        const auto at = [&](int x, int y) { return picture->GetLine(y) + x * 3; };
-        EXPECT_TRUE(IsGreen(at(10, 5)) && IsGreen(at(19, 8)));
-        EXPECT_TRUE(IsRed(at(30, 30)) && IsRed(at(39, 35)));
-        DeleteMe(scene);
     }
 }

@@ -286,19 +286,20 @@ TEST_F(Navigation, FitsInBothProjections)
 TEST_F(Navigation, TheRingShowsWhenThereIsTimeAndRoom)
 {
     Use(ROTATE);
-    const auto countGreen = [&](int width, int height) {
+    const auto count = [&](int width, int height, int green) {
         windows.Resize(&View(), width, height);
         EXPECT_EQ(View().CreateMemoryRendering(width, height, 24), 1);
         View().SetScene(scene.get(), 0);
         View().UpdateView(0);
         const Picture picture(View().CreateBitmapFromScene());
         View().DeleteMemoryRendering();
-        return CountPixels(*picture, [](const unsigned char* p) { return p[0] == 0 && p[1] == 220 && p[2] == 0; });
+        return CountPixels(*picture, [&](const unsigned char* p) { return p[0] == 0 && p[1] == green && p[2] == 0; });
     };
-    EXPECT_GT(countGreen(400, 400), 2 * std::numbers::pi * 125 / 2);
-    EXPECT_EQ(countGreen(400, 283), 0);
+    EXPECT_GT(count(400, 400, 220), 2 * std::numbers::pi * 125 / 2);
+    EXPECT_NEAR(count(400, 400, 0), 4 * 14 * 14, 8);    // the handles, without their border
+    EXPECT_EQ(count(400, 283, 220), 0);
     Use(MOVE);
-    EXPECT_EQ(countGreen(400, 400), 0);
+    EXPECT_EQ(count(400, 400, 220), 0);
 }
 
 TEST_F(Navigation, CommandsTellOfMouseAndKeys)
