@@ -100,7 +100,7 @@ bool ChooseFilesWindow(QWidget* parent, const CFileDialogRequest& request, std::
         if (!start.isDir())
             dialog.selectFile(start.fileName());
     }
-    const COpenQuestion question({L"files", request.title, {}, {}}, AnswerByPaths(dialog));
+    const COpenQuestion question(dialog, {L"files", request.title, {}, {}}, AnswerByPaths(dialog));
     if (dialog.exec() != QDialog::Accepted)
         return false;
     const qsizetype index = lines.indexOf(dialog.selectedNameFilter());
@@ -127,7 +127,7 @@ bool ChooseFoldersWindow(QWidget* parent, const QString& title, bool several, st
     }
     if (!folders.empty() && !folders.front().IsEmpty())
         dialog.setDirectory(ToQt(folders.front()));
-    const COpenQuestion question({L"folders", FromQt(title), {}, {}}, AnswerByPaths(dialog));
+    const COpenQuestion question(dialog, {L"folders", FromQt(title), {}, {}}, AnswerByPaths(dialog));
     if (dialog.exec() != QDialog::Accepted)
         return false;
     folders.clear();
@@ -188,7 +188,7 @@ void ShowReportWindow(QWidget* parent, const QString& title, const CXTString<wch
     close->setDefault(true);
     close->setFocus();
     layout->addWidget(box);
-    const COpenQuestion question({L"report", FromQt(title), text, {}}, [&](const QString& answer) {
+    const COpenQuestion question(dialog, {L"report", FromQt(title), text, {}}, [&](const QString& answer) {
         if (answer == QLatin1String("ok") || answer == QLatin1String("cancel"))
             dialog.reject();
         return !dialog.isVisible();
@@ -221,7 +221,7 @@ MessageAnswer ShowMessageWindow(QWidget* parent, const QString& title, const CXT
     box.setIcon(buttons == MESSAGE_OK ? QMessageBox::Information : QMessageBox::Question);
     for (const Button& button : offered)
         box.addButton(button.qt)->setText(TableText(button.text));
-    const COpenQuestion question({L"message", FromQt(box.windowTitle()), text, {}}, [&](const QString& name) {
+    const COpenQuestion question(box, {L"message", FromQt(box.windowTitle()), text, {}}, [&](const QString& name) {
         for (const Button& button : offered)
             if (name == QLatin1String(button.name)) {
                 box.button(button.qt)->click();

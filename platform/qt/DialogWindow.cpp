@@ -171,7 +171,7 @@ bool RunDialogWindow(QWidget* parent, const QString& title, const std::vector<CD
 {
     const CEventScope scope;
     CDialogWindow dialog(parent, title, pages);
-    const COpenQuestion question({L"dialog", FromQt(dialog.windowTitle()), {}, pages},
+    const COpenQuestion question(dialog, {L"dialog", FromQt(dialog.windowTitle()), {}, pages},
                                  [&dialog](const QString& answer) { return dialog.Answer(answer); });
     return dialog.exec() == QDialog::Accepted;
 }

@@ -55,6 +55,7 @@ public:
 protected:
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void keyPressEvent(QKeyEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers keys) override;
 
 private:
     void Activate(int row);
@@ -143,10 +144,19 @@ void CListWidget::Activate(int row)
 
 void CListWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (currentIndex().isValid() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    if (selectionModel()->isSelected(currentIndex()) && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         Activate(currentIndex().row());
     else
         QTableView::keyPressEvent(event);
+}
+
+// Whole rows are chosen: the ends of a row mean nothing, those of the list do.
+QModelIndex CListWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers keys)
+{
+    const int last = m_model.rowCount({}) - 1;
+    if (last >= 0 && (action == MoveHome || action == MoveEnd))
+        return m_model.index(action == MoveHome ? 0 : last, 0);
+    return QTableView::moveCursor(action, keys);
 }
 
 class CListPeer : public TPeer<IListPeer> {

@@ -45,7 +45,7 @@ CPeer* CPeer::Of(const CWnd* window) { return window ? dynamic_cast<CPeer*>(wind
 CPeer* CPeer::Around(const QWidget* widget)
 {
     for (; widget; widget = widget->parentWidget())
-        if (CPeer* const peer = Peers().value(widget))
+        if (CPeer* const peer = Peers().value(widget); peer || widget->isWindow())
             return peer;
     return nullptr;
 }

@@ -22,7 +22,7 @@ public:
     QWidget* GetWidget() const { return m_widget; }
     /// Of a window; null without window or peer of this system.
     static CPeer* Of(const CWnd* window);
-    /// Of a widget or the nearest one around it; null for none.
+    /// Of a widget or the nearest one around it in its window; null for none.
     static CPeer* Around(const QWidget* widget);
     static QWidget* WidgetOf(const CWnd* window);
 

@@ -30,7 +30,9 @@
 #include "Text.h"
 #include "TreeView.h"
 
-// Exported by the toolkit for its own tests: a key as the system would send it, through menus, dialogs and fields.
+// Exported by the toolkit for its own tests: a key as the system would send it, by access keys, through menus, dialogs and fields.
+Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject* window, ulong time, int key, Qt::KeyboardModifiers keys, const QString& text = {},
+                                               bool repeat = false, ushort count = 1);
 Q_GUI_EXPORT void qt_handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers keys, const QString& text = {},
                                     bool repeat = false, ushort count = 1);
 
@@ -68,7 +70,7 @@ bool CQtWindowSystem::CreateWindowPeer(CWnd* window, CWnd* parent, const CXTStri
     }
     if (!window->SetPeer(made))
         return false;
-    if (parent && !dynamic_cast<CFrameWndEx*>(parent))    // in a frame it shows once it has its place
+    if (CPeer::Of(parent) && !dynamic_cast<CFrameWndEx*>(parent))    // in a frame or a pane it shows once it has its place
         widget->show();
     return true;
 }
@@ -159,7 +161,7 @@ unsigned int CQtWindowSystem::TrackPopup(CWnd* parent, CCustomMenu& menu, const 
     QMenu shown(WidgetOf(parent));
     unsigned int chosen = 0;
     FillMenu(shown, menu, frame, [&](unsigned int id) { chosen = id; });
-    const COpenQuestion question({L"menu", {}, ToText(menu), {}}, [&](const QString& answer) {
+    const COpenQuestion question(shown, {L"menu", {}, ToText(menu), {}}, [&](const QString& answer) {
         QAction* const entry = FindEntry(shown, answer);
         if (answer != QLatin1String("cancel") && (!entry || !entry->isEnabled()))
             return false;
@@ -205,7 +207,7 @@ bool CQtWindowSystem::ChooseColor(CWnd* parent, CRGBColor& color)
 {
     const CEventScope scope;
     QColorDialog dialog(QColor(color.red, color.green, color.blue), DialogParent(parent));
-    const COpenQuestion question({L"color", {}, {}, {}}, [&dialog](const QString& answer) {
+    const COpenQuestion question(dialog, {L"color", {}, {}, {}}, [&dialog](const QString& answer) {
         const bool ok = answer == QLatin1String("ok");
         if (ok || answer == QLatin1String("cancel"))
             ok ? dialog.accept() : dialog.reject();
@@ -264,13 +266,18 @@ void CQtWindowSystem::SendKey(unsigned int key, unsigned int state)
                 window = widget->windowHandle();
     if (!window)
         return;
+    const QPointer<QWindow> alive(window);
+    if (QGuiApplication::focusWindow() != window)    // it has just come up
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    if (!alive)
+        return;
     const QKeyCombination qt = GetQtKey(key, state);
     const bool isText = !(state & (INPUT_CTRL | INPUT_ALT)) && qt.key() >= Qt::Key_Space && qt.key() <= Qt::Key_AsciiTilde;
     QString text = isText ? QString(QChar(qt.key())) : QString();
     if (!(state & INPUT_SHIFT))
         text = text.toLower();
-    const QPointer<QWindow> alive(window);
-    qt_handleKeyEvent(window, QEvent::KeyPress, qt.key(), qt.keyboardModifiers(), text);
+    if (!qt_sendShortcutOverrideEvent(window, 0, qt.key(), qt.keyboardModifiers(), text) && alive)
+        qt_handleKeyEvent(window, QEvent::KeyPress, qt.key(), qt.keyboardModifiers(), text);
     if (alive)
         qt_handleKeyEvent(window, QEvent::KeyRelease, qt.key(), qt.keyboardModifiers(), text);
 }
@@ -286,6 +293,14 @@ static void AddNativePixels(QPainter& painter, QWidget& window)
     }
 }
 
+static bool StandsOver(const QWidget& over, const QWidget& window)
+{
+    for (const QWidget* parent = over.parentWidget(); parent; parent = parent->parentWidget())
+        if (parent == &window)
+            return true;
+    return false;
+}
+
 Bitmap* CQtWindowSystem::GrabWindow(CWnd* window)
 {
     QWidget* const widget = WidgetOf(window);
@@ -295,7 +310,7 @@ Bitmap* CQtWindowSystem::GrabWindow(CWnd* window)
     QPainter painter(&picture);
     AddNativePixels(painter, *widget);
     for (QWidget* const over : QApplication::topLevelWidgets())    // dialogs and menus that stand over it
-        if (over != widget->window() && over->isVisible() && over->windowType() != Qt::ToolTip)
+        if (over->isVisible() && over->windowType() != Qt::ToolTip && StandsOver(*over, *widget->window()))
             painter.drawPixmap(over->mapToGlobal(QPoint()) - widget->mapToGlobal(QPoint()), over->grab());
     painter.end();
     return FromQt(picture.toImage());

@@ -2,9 +2,12 @@
 
 #include <vector>
 
+#include <QWidget>
+
 static std::vector<const COpenQuestion*> g_open;
 
-COpenQuestion::COpenQuestion(CShownQuestion shown, Answer answer) : m_shown(std::move(shown)), m_answer(std::move(answer))
+COpenQuestion::COpenQuestion(const QWidget& window, CShownQuestion shown, Answer answer)
+    : m_window(window), m_shown(std::move(shown)), m_answer(std::move(answer))
 {
     g_open.push_back(this);
 }
@@ -15,8 +18,12 @@ std::vector<CShownQuestion> COpenQuestion::GetAll()
 {
     std::vector<CShownQuestion> all;
     for (const COpenQuestion* const question : g_open)
-        all.push_back(question->m_shown);
+        if (question->m_window.isVisible())
+            all.push_back(question->m_shown);
     return all;
 }
 
-bool COpenQuestion::AnswerLast(const QString& answer) { return !g_open.empty() && g_open.back()->m_answer(answer); }
+bool COpenQuestion::AnswerLast(const QString& answer)
+{
+    return !g_open.empty() && g_open.back()->m_window.isVisible() && g_open.back()->m_answer(answer);
+}
