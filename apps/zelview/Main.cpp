@@ -4,8 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "3dzel.h"
@@ -19,6 +21,24 @@ struct Options {
     std::vector<std::string> files;
     std::string script;
     bool offscreen = false, screen = false;
+};
+
+/// A profile that is forgotten at the end: a script's pictures and answers don't depend on what a user has set.
+class ForgottenProfile : public IApplication {
+public:
+    unsigned int GetProfileInt(const CXTString<wchar_t>& section, const CXTString<wchar_t>& key, unsigned int standard) override
+    {
+        const auto found = m_values.find({WideToUtf8(section), WideToUtf8(key)});
+        return found != m_values.end() ? found->second : standard;
+    }
+    bool WriteProfileInt(const CXTString<wchar_t>& section, const CXTString<wchar_t>& key, unsigned int value) override
+    {
+        m_values[{WideToUtf8(section), WideToUtf8(key)}] = value;
+        return true;
+    }
+
+private:
+    std::map<std::pair<std::string, std::string>, unsigned int> m_values;
 };
 
 /// Reads the command line; the exit code when the program ends with that, else -1.
@@ -110,10 +130,11 @@ int main(int argc, char** argv)
     // The toolkit reads this when it starts.
     if (options.offscreen || (!options.script.empty() && !options.screen))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    // A script's pictures and answers don't depend on what a user has set.
     std::unique_ptr<IApplication> profile;
-    if (options.script.empty() || options.screen)
+    if (options.script.empty())
         profile = std::make_unique<CProfileFile>();
+    else
+        profile = std::make_unique<ForgottenProfile>();
     const Library library(profile.get());
     return Show(options);
 }

@@ -17,7 +17,7 @@ namespace {
 
 using Text = CXTString<wchar_t>;
 
-constexpr unsigned int TIMER = 1, PERIOD = 1;    // milliseconds
+constexpr unsigned int PERIOD = 1;    // milliseconds
 
 /// Splits at blanks; "…" keeps them, and \" is a quote in it. A '#' outside of quotes begins a comment.
 std::vector<std::string> Split(const std::string& line)
@@ -80,11 +80,10 @@ std::optional<unsigned int> ToModifiers(const std::vector<std::string>& words, s
     return state;
 }
 
-/// Name of a command as a script has it: without marks of access keys and the points of a dialog.
-std::string PlainName(CZelCommand& command)
+/// Name of a command without marks of access keys, points of a dialog, and capitals.
+std::string PlainName(const std::string& text)
 {
     std::string name;
-    const std::string text = WideToUtf8(command.GetName());
     for (std::size_t i = 0; i < text.size(); i++)
         if (text[i] != '&' || (i + 1 < text.size() && text[i + 1] == '&'))
             name += text[i];
@@ -161,7 +160,7 @@ bool Script::Start(const std::string& file, std::string& trouble)
         trouble = "there is no window system";
         return false;
     }
-    SetTimer(TIMER, PERIOD);
+    SetTimer(1, PERIOD);
     return true;
 }
 
@@ -190,10 +189,17 @@ void Script::AddLine(const std::string& line)
         m_steps.push_back({m_lineCount, std::move(words)});
 }
 
-void Script::OnTimer(unsigned int)
+// A step may open a dialog, whose loop never enters the handler of a timer again that is under way: each step has a timer of its own.
+void Script::OnTimer(unsigned int id)
 {
-    if (m_busy)
-        return;
+    KillTimer(id);
+    SetTimer(id + 1, PERIOD);
+    if (!m_busy)
+        GoOn();
+}
+
+void Script::GoOn()
+{
     if (m_steps.empty() && m_input >= 0)
         Read();
     if (m_steps.empty() && m_input >= 0 && m_frame.HasPeer())
@@ -201,18 +207,12 @@ void Script::OnTimer(unsigned int)
     if (m_steps.empty() || !m_frame.HasPeer()) {
         // What a dialog still waits for is cancelled; the rest of its command runs before the end.
         if (!GetWindowSystem().AnswerQuestion(L"cancel"))
-            End();
+            GetWindowSystem().Quit(0);
         return;
     }
     const Step step = m_steps.front();
     m_steps.pop_front();
     Run(step);
-}
-
-void Script::End()
-{
-    KillTimer(TIMER);
-    GetWindowSystem().Quit(0);
 }
 
 void Script::Run(const Step& step)
@@ -391,8 +391,9 @@ std::string Script::Command(const Words& words)
     CZelCommand* command = name.size() == 4 ? manager.GetCommandById(ToFourCC(name)) : nullptr;
     if (!command) {
         const auto& all = manager.GetCommands();
-        const auto found =
-            std::find_if(all.begin(), all.end(), [&](CZelCommand* candidate) { return PlainName(*candidate) == Lower(name); });
+        const auto found = std::find_if(all.begin(), all.end(), [&](CZelCommand* candidate) {
+            return PlainName(WideToUtf8(candidate->GetName())) == PlainName(name);
+        });
         command = found != all.end() ? *found : nullptr;
     }
     if (!command)

@@ -6,8 +6,8 @@
 
 #include "3dzel.h"
 
-/// Runs the viewer from a text, one step a line, as docs/viewer-script.md tells. Each step runs from a timer of the window system, so that the steps
-/// that follow one which opens a dialog reach that dialog.
+/// Runs the viewer from a text, one step a line, as docs/viewer-script.md tells. The steps that follow one which opens a dialog run
+/// while it is open, and reach it.
 class Script : public CWnd {
 public:
     explicit Script(C3DFrameViewer& frame);
@@ -33,7 +33,8 @@ private:
     void Read();
     void AddLine(const std::string& line);
     void Run(const Step& step);
-    void End();
+    /// Runs the next step that is there; ends the program behind the last one.
+    void GoOn();
 
     // Steps: empty for one that was done, else what is wrong with it
     std::string Open(const Words& words);

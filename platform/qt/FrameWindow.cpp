@@ -182,11 +182,13 @@ void CFramePeer::SetPlacement(const CWindowPlacement& placement)
     if (placement.rect.Width() > 0 && placement.rect.Height() > 0) {
         QRect place(FromScreen({placement.rect.left, placement.rect.top}),
                     FromScreen({placement.rect.right, placement.rect.bottom}) - QPoint(1, 1));
-        const QScreen* screen = QGuiApplication::screenAt(place.center());
-        const QRect room = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
-        place.setSize(place.size().expandedTo({LEAST, LEAST}).boundedTo(room.size()));
-        place.moveLeft(std::clamp(place.left(), room.left(), room.left() + room.width() - place.width()));
-        place.moveTop(std::clamp(place.top(), room.top(), room.top() + room.height() - place.height()));
+        if (QGuiApplication::platformName() != QStringLiteral("offscreen")) {    // where no screen limits a picture
+            const QScreen* screen = QGuiApplication::screenAt(place.center());
+            const QRect room = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+            place.setSize(place.size().expandedTo({LEAST, LEAST}).boundedTo(room.size()));
+            place.moveLeft(std::clamp(place.left(), room.left(), room.left() + room.width() - place.width()));
+            place.moveTop(std::clamp(place.top(), room.top(), room.top() + room.height() - place.height()));
+        }
         m_main->setGeometry(place);
     }
     if (placement.maximized)

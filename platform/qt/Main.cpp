@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <cstdlib>
 
 #include <QApplication>
@@ -17,8 +18,17 @@ static bool HasText(const char* variable)
 /// Without a screen the toolkit would end the process.
 static bool HasScreen() { return HasText("QT_QPA_PLATFORM") || HasText("DISPLAY") || HasText("WAYLAND_DISPLAY"); }
 
+/// Says what the toolkit says, but for what it can't do without a screen, which nobody asked.
+static void Say(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    if (!text.startsWith(QStringLiteral("This plugin does not support")) &&
+        !text.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR")))
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
 static void MakeApplication()
 {
+    qInstallMessageHandler(&Say);
     // Pictures go straight to the window on X11, and by way of memory anywhere else: where both can be had, the former is faster.
     if (!HasText("QT_QPA_PLATFORM") && HasText("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", HasText("WAYLAND_DISPLAY") ? "xcb;wayland" : "xcb");
