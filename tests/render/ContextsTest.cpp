@@ -11,12 +11,12 @@
 #include <thread>
 
 #include "render/FaultyPlatform.h"
-#include "support/MemoryProfile.h"
 #include "render/RenderingMode.h"
 #include "render/TestPeer.h"
 #include "render/ViewCase.h"
 #include "render/ViewProfile.h"
 #include "scene/Primitives.h"
+#include "support/MemoryProfile.h"
 
 namespace {
 

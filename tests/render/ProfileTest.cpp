@@ -1,7 +1,7 @@
 #include "render/ViewProfile.h"
 
-#include "support/MemoryProfile.h"
 #include "render/ViewCase.h"
+#include "support/MemoryProfile.h"
 
 namespace {
 

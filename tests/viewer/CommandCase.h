@@ -2,40 +2,22 @@
 
 // A frame on a window system without a screen, and its commands.
 
-#include <gtest/gtest.h>
+#include "viewer/FrameCase.h"
 
-#include "support/MemoryProfile.h"
-#include "render/View.h"
-#include "scene/3DScene.h"
-#include "scene/Primitives.h"
-#include "support/Owned.h"
-#include "tools/FourCC.h"
-#include "viewer/FrameViewer.h"
-#include "windows/ScriptWindowSystem.h"
-
-class CommandCase : public testing::Test {
+/// Shows a box.
+class CommandCase : public FrameCase {
 protected:
     CommandCase() : scene(C3DScene::Create()) {}
 
     void SetUp() override
     {
-        SetWindowSystem(&windows);
-        frame = std::make_unique<C3DFrameViewer>();
-        ASSERT_TRUE(frame->Create(L"test"));
-        frame->ShowFrame();
+        Open();
         scene->AddNode(nullptr, CreateCube({3, 5, 7}, 2, 4, 6, false, 0, 0));
         frame->SetCurrentScene(scene.get(), true);
     }
-    void TearDown() override
-    {
-        frame.reset();
-        SetWindowSystem(nullptr);
-    }
 
     C3DView& View() { return *frame->Get3DView(); }
-    CZelCommand& Command(unsigned int id) { return *frame->GetCommandMgr().GetCommandById(id); }
     unsigned int WindowsId(unsigned int id) { return frame->GetCommandMgr().GetWindowsId(&Command(id)); }
-    CommandResult Run(unsigned int id) { return frame->RunCommand(id); }
     /// COMMAND_ENABLED and COMMAND_CHECKED.
     unsigned int State(unsigned int id)
     {
@@ -60,10 +42,8 @@ protected:
         bool enabled, checked;
     };
 
-    CScriptWindowSystem windows;
-    CMemoryProfile profile;
+    CScriptWindowSystem& windows = system;
     Owned<C3DScene> scene;
-    std::unique_ptr<C3DFrameViewer> frame;
     std::vector<ShownEntry> menu;    ///< that opened last
 };
 
