@@ -215,7 +215,7 @@ MessageAnswer ShowMessageWindow(QWidget* parent, const QString& title, const CXT
     }
     const CEventScope scope;
     QMessageBox box(parent);
-    box.setWindowTitle(title.isEmpty() ? QGuiApplication::applicationDisplayName() : title);
+    box.setWindowTitle(title.isEmpty() ? TableText(TEXT_PROGRAM) : title);
     box.setTextFormat(Qt::RichText);
     box.setText(ToRichText(text));
     box.setIcon(buttons == MESSAGE_OK ? QMessageBox::Information : QMessageBox::Question);

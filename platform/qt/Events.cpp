@@ -47,8 +47,8 @@ CEventScope::~CEventScope()
         return;
     if (!g_posted.empty() || !g_leaving.empty())
         Timer(false).start(0);
-    if (m_kind == USUAL && g_idle && !Timer(true).isActive())
-        Timer(true).start(0);
+    if (m_kind == USUAL)
+        AskForIdle();
 }
 
 bool CEventScope::IsOpen() { return g_depth > 0; }
@@ -73,6 +73,12 @@ void RunPostedEvents()
     }
     for (const QPointer<QObject>& object : std::exchange(g_leaving, {}))
         delete object.data();
+}
+
+void AskForIdle()
+{
+    if (g_idle && !Timer(true).isActive())
+        Timer(true).start(0);
 }
 
 void DeleteLater(QObject* object)

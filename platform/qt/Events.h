@@ -27,6 +27,9 @@ void PostEvent(QObject* owner, std::function<void()> action);
 /// Runs what is posted, unless a handler is under way.
 void RunPostedEvents();
 
+/// What frames do when nothing is left to do, soon.
+void AskForIdle();
+
 /// Destroys an object of Qt's once no handler can be inside of it.
 void DeleteLater(QObject* object);
 

@@ -39,7 +39,6 @@ static void MakeApplication()
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     new QApplication(count, arguments);
     QCoreApplication::setApplicationName(QStringLiteral("zelview"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("3DZel"));
     QGuiApplication::setDesktopFileName(QStringLiteral("3dzel-viewer"));
     QGuiApplication::setQuitOnLastWindowClosed(false);    // the window system counts frames
     QApplication::setWindowIcon(GetIcon(PROGRAM_ICON));

@@ -121,6 +121,8 @@ void CQtWindowSystem::Quit(int exitCode)
 void CQtWindowSystem::PumpEvents()
 {
     RunPostedEvents();
+    if (!CEventScope::IsOpen())
+        AskForIdle();    // what a program does by itself changes states too
     QCoreApplication::processEvents();
     RunPostedEvents();
 }

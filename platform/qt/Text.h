@@ -32,4 +32,5 @@ enum ModuleText : unsigned int {
     TEXT_SAVE_REPORT,
     TEXT_ALL_FILES,
     TEXT_CANNOT_WRITE = 7381,
+    TEXT_PROGRAM = 7470,
 };
