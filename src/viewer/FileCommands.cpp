@@ -17,12 +17,11 @@ using Text = CXTString<wchar_t>;
 
 constexpr unsigned int NATIVE_CLASS = FourCC("3DIF");
 
-/// The file that a script names; empty for none, and for a user.
-Text GetScriptPath(C3DCommand& command)
+/// The file that a script or a host names; empty for a user, who is asked.
+Text GetGivenPath(C3DCommand& command)
 {
     Text path;
-    if (command.IsScripting())
-        command.GetCustomData().GetString(PARAM_PATH, path);
+    command.GetCustomData().GetString(PARAM_PATH, path);
     return path;
 }
 
@@ -47,8 +46,8 @@ CommandResult C3DOpen::OnApplyCommand()
     C3DFrameViewer* const frame = Get3DFrameWnd();
     if (!frame)
         return COMMAND_DECLINED;
-    if (const Text path = GetScriptPath(*this); !path.IsEmpty())
-        return OpenByScript(path);
+    if (const Text path = GetGivenPath(*this); !path.IsEmpty())
+        return OpenUnasked(path);
     if (const CommandResult refused = frame->AskForSave(false, false); refused != COMMAND_DONE)
         return refused;
     CXArray<Text> names;
@@ -64,7 +63,7 @@ CommandResult C3DOpen::OnApplyCommand()
     return mode == OPEN_ADD ? COMMAND_DONE : COMMAND_DECLINED;
 }
 
-CommandResult C3DOpen::OpenByScript(const Text& path)
+CommandResult C3DOpen::OpenUnasked(const Text& path)
 {
     if (!Get3DFrameWnd()->OpenFile(path, OPEN_REPLACE))
         return COMMAND_DECLINED;
@@ -85,7 +84,7 @@ CommandResult C3DSaveAs::OnApplyCommand()
     if (!frame->SaveEnabled())
         return COMMAND_DONE;
 
-    const Text path = GetScriptPath(*this);
+    const Text path = GetGivenPath(*this);
     const bool asks = path.IsEmpty();
     C3DIo io(asks ? GetProposedName(frame->GetCurrentFilePath()) : CFileNameSpec(path), 0, frame);
     if (asks && !io.FileDialogBox(FILE_FAMILY_3D, 0))
@@ -98,6 +97,8 @@ CommandResult C3DSaveAs::OnApplyCommand()
     if (!saved && io.GetLastResult() == IORESULT_CANCELLED)
         return COMMAND_CANCELLED;
     if (!saved) {
+        if (io.GetLastResult() == IORESULT_NO_PARSER)    // which the saving leaves to be told
+            io.ReportIoError(nullptr, IoLogInfo::FAILURE);
         frame->SetHelpText(LoadText(TEXT_NOT_SAVED));
         return COMMAND_DECLINED;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Opening and saving. In scripts the commands ask nothing: 'PATH' of their parameters, a string, names the file.
+// Opening and saving. The commands ask nothing when 'PATH' of their parameters, a string, names the file.
 
 #include "viewer/3DCommand.h"
 
@@ -13,7 +13,7 @@ public:
 
 private:
     using C3DCommand::OnApplyCommand;
-    CommandResult OpenByScript(const CXTString<wchar_t>& path);
+    CommandResult OpenUnasked(const CXTString<wchar_t>& path);
 };
 
 class ZEL_API C3DSaveAs : public C3DCommand {

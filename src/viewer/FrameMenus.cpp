@@ -124,15 +124,13 @@ void C3DFrameViewer::ShowPanel(unsigned int id, _LeftBarShowMode mode)
 
 void C3DFrameViewer::ShowObjects(_LeftBarShowMode mode)
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->ShowObjects(mode);
+    TellCallbacks([&](C3DCallbackWnd& window) { window.ShowObjects(mode); });
     ShowPanel(PANEL_OBJECTS, mode);
 }
 
 void C3DFrameViewer::ShowMaterials(_LeftBarShowMode mode)
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->ShowMaterials(mode);
+    TellCallbacks([&](C3DCallbackWnd& window) { window.ShowMaterials(mode); });
     ShowPanel(PANEL_MATERIALS, mode);
 }
 

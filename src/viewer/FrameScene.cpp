@@ -123,8 +123,7 @@ int C3DFrameViewer::AddCallbackWnd(C3DCallbackWnd* window, bool add)
 
 void C3DFrameViewer::SceneChanged(unsigned int what, const CSceneChangeData& data, bool update)
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->SceneChanged(m_scene, what, data);
+    TellCallbacks([&](C3DCallbackWnd& window) { window.SceneChanged(m_scene, what, data); });
     if (m_statusBar && !IsFrameFlagSet(FRAME_STATUS_FIXED))
         m_statusBar->SceneChanged(m_scene, what, data);
     if (what == CHANGED_MATERIAL && !data.IsNull()) {
@@ -138,15 +137,13 @@ void C3DFrameViewer::SceneChanged(unsigned int what, const CSceneChangeData& dat
 
 void C3DFrameViewer::NodeSelectionChanged()
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->NodeSelectionChanged();
+    TellCallbacks([](C3DCallbackWnd& window) { window.NodeSelectionChanged(); });
     UpdateView(GLSET_UPDATE);
 }
 
 void C3DFrameViewer::NodeDisplayChanged()
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->NodeDisplayChanged();
+    TellCallbacks([](C3DCallbackWnd& window) { window.NodeDisplayChanged(); });
     UpdateView(GLSET_UPDATE);
 }
 

@@ -92,8 +92,7 @@ void C3DFrameViewer::DropView()
 
 void C3DFrameViewer::OnDestroy()
 {
-    for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
-        window->Close();
+    TellCallbacks([](C3DCallbackWnd& window) { window.Close(); });
     m_callbacks.clear();
     if (m_view)
         RemoveFiles();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -107,6 +108,13 @@ public:
 private:
     struct Commands;
 
+    /// Calls what is still in the list, as one that is called may take others out.
+    template <class CALL> void TellCallbacks(CALL call)
+    {
+        for (C3DCallbackWnd* const window : std::vector<C3DCallbackWnd*>(m_callbacks))
+            if (std::find(m_callbacks.begin(), m_callbacks.end(), window) != m_callbacks.end())
+                call(*window);
+    }
     bool CreateView();
     void DropView();
     void ShowPanel(unsigned int id, _LeftBarShowMode mode);
