@@ -18,6 +18,7 @@ namespace {
 using Text = CXTString<wchar_t>;
 
 constexpr unsigned int PERIOD = 1;    // milliseconds
+constexpr int REST = 4;               // periods between steps: what one has posted comes before the next
 
 /// Splits at blanks; "…" keeps them, and \" is a quote in it. A '#' outside of quotes begins a comment.
 std::vector<std::string> Split(const std::string& line)
@@ -194,8 +195,10 @@ void Script::OnTimer(unsigned int id)
 {
     KillTimer(id);
     SetTimer(id + 1, PERIOD);
-    if (!m_busy)
+    if (!m_busy && m_rest-- <= 0) {
+        m_rest = REST;
         GoOn();
+    }
 }
 
 void Script::GoOn()

@@ -56,4 +56,5 @@ private:
     unsigned int m_buttons = 0;    ///< INPUT_LEFT and its kin, down in the view
     bool m_busy = false;           ///< a step runs that no other may run inside of
     bool m_failed = false;
+    int m_rest = 0;
 };

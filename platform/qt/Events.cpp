@@ -1,8 +1,10 @@
 #include "Events.h"
 
 #include <deque>
+#include <utility>
 #include <vector>
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
 
@@ -18,23 +20,17 @@ std::deque<Posted> g_posted;
 std::vector<QPointer<QObject>> g_leaving;
 std::function<void()> g_idle;
 
-// One of the two waits at most, however much happens.
-QTimer& Timer(bool idle)
+// Asks the loop for what is posted, before its timers; once, however much is posted.
+void AskForPosted()
 {
-    static QTimer* const timers[2] = {new QTimer, new QTimer};
-    QTimer& timer = *timers[idle];
-    if (!timer.isSingleShot()) {
-        timer.setSingleShot(true);
-        QObject::connect(&timer, &QTimer::timeout, &timer, [idle] {
-            if (!idle)
-                RunPostedEvents();
-            else if (g_depth == 0 && g_idle) {
-                const CEventScope scope(CEventScope::QUIET);
-                g_idle();
-            }
-        });
-    }
-    return timer;
+    static bool asked = false;
+    if (std::exchange(asked, true))
+        return;
+    const auto run = [] {
+        asked = false;
+        RunPostedEvents();
+    };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), run, Qt::QueuedConnection);
 }
 
 }
@@ -46,7 +42,7 @@ CEventScope::~CEventScope()
     if (--g_depth > 0)
         return;
     if (!g_posted.empty() || !g_leaving.empty())
-        Timer(false).start(0);
+        AskForPosted();
     if (m_kind == USUAL)
         AskForIdle();
 }
@@ -57,7 +53,7 @@ void PostEvent(QObject* owner, std::function<void()> action)
 {
     g_posted.push_back({owner, std::move(action)});
     if (g_depth == 0)
-        Timer(false).start(0);
+        AskForPosted();
 }
 
 void RunPostedEvents()
@@ -77,15 +73,25 @@ void RunPostedEvents()
 
 void AskForIdle()
 {
-    if (g_idle && !Timer(true).isActive())
-        Timer(true).start(0);
+    static QTimer* const timer = new QTimer;
+    if (!timer->isSingleShot()) {
+        timer->setSingleShot(true);
+        QObject::connect(timer, &QTimer::timeout, timer, [] {
+            if (g_depth > 0 || !g_idle)
+                return;
+            const CEventScope scope(CEventScope::QUIET);
+            g_idle();
+        });
+    }
+    if (g_idle && !timer->isActive())
+        timer->start(0);
 }
 
 void DeleteLater(QObject* object)
 {
     g_leaving.push_back(object);
     if (g_depth == 0)
-        Timer(false).start(0);
+        AskForPosted();
 }
 
 void SetIdleHandler(std::function<void()> handler) { g_idle = std::move(handler); }

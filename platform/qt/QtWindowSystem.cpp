@@ -269,8 +269,10 @@ void CQtWindowSystem::SendKey(unsigned int key, unsigned int state)
     if (!window)
         return;
     const QPointer<QWindow> alive(window);
-    if (QGuiApplication::focusWindow() != window)    // it has just come up
+    if (QGuiApplication::focusWindow() != window) {    // it has just come up, or a dialog over it has gone
+        window->requestActivate();
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
     if (!alive)
         return;
     const QKeyCombination qt = GetQtKey(key, state);
