@@ -98,6 +98,7 @@ void OpenFiles(C3DFrameViewer& frame, const std::vector<std::string>& files)
 int Show(const Options& options)
 {
     C3DFrameViewer frame;
+    frame.SetFrameFlag(FRAME_NO_RECENT_FILES, !options.script.empty());
     CXTString<wchar_t> error;
     if (!LoadWindowSystem(error) || !frame.Create(GetProgramTitle())) {
         if (error.IsEmpty())

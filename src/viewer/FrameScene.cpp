@@ -76,7 +76,7 @@ void C3DFrameViewer::OnSetCurrentFilePath(const CXTString<wchar_t>& path)
 {
     if (m_scene && m_scene->GetFilename().GetFullName() != path)
         m_scene->SetFilename(CFileNameSpec(path));
-    if (fileExists(path))
+    if (!IsFrameFlagSet(FRAME_NO_RECENT_FILES) && fileExists(path))
         CRecentFiles::Add(path);
 }
 

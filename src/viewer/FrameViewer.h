@@ -21,6 +21,7 @@ enum FrameFlag : unsigned int {
     FRAME_STATUS_FIXED = 1024,    ///< the status bar doesn't follow the scene
     FRAME_SCENE_LIST_SHOWN = 4096,
     FRAME_SCENE_LIST_WANTED = 0x10000,
+    FRAME_NO_RECENT_FILES = 0x20000,    ///< opening a file isn't remembered
 };
 
 /// The main window of the viewer: the scene, its view, every command, the windows that follow the scene.
