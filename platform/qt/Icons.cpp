@@ -38,6 +38,10 @@ public:
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
     {
+        const QColor text = QGuiApplication::palette().color(QPalette::WindowText);
+        if (text != m_text)    // the desktop has become dark, or light
+            m_kept.clear();
+        m_text = text;
         QPixmap& kept = m_kept[(quint64(size.width()) << 32 | quint64(size.height()) << 8) | quint64(mode)];
         if (kept.isNull()) {
             kept = QPixmap(size);
@@ -53,6 +57,7 @@ public:
 private:
     const char* m_svg;
     QHash<quint64, QPixmap> m_kept;
+    QColor m_text;    ///< that they are drawn with
 };
 
 QHash<unsigned int, QIcon>& Kept()
@@ -90,8 +95,6 @@ QIcon GetIcon(unsigned int id)
         icon = QIcon(new CDrawingEngine(svg));
     return icon;
 }
-
-void ForgetIcons() { Kept().clear(); }
 
 QCursor GetCursor(MouseCursor cursor)
 {

@@ -8,10 +8,7 @@
 /// Number of the program's own icon.
 constexpr unsigned int PROGRAM_ICON = 9000;
 
-/// Icon of a resource number, in the colours of the palette in force; empty for a number without one. Kept.
+/// Icon of a resource number, always in the colours of the palette in force; empty for a number without one.
 QIcon GetIcon(unsigned int id);
-
-/// Forgets the icons: the palette is another.
-void ForgetIcons();
 
 QCursor GetCursor(MouseCursor cursor);

@@ -10,7 +10,6 @@
 #include "DialogWindow.h"
 #include "Events.h"
 #include "FrameWindow.h"
-#include "Icons.h"
 #include "KeyNumbers.h"
 #include "Peer.h"
 
@@ -68,10 +67,6 @@ bool CKeyRouter::eventFilter(QObject* object, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::ApplicationDeactivate: m_down.clear(); return false;
-    case QEvent::ApplicationPaletteChange:
-        if (object == qApp)
-            ForgetIcons();
-        return false;
     case QEvent::KeyRelease:
     case QEvent::KeyPress:
         if (object->isWindowType())

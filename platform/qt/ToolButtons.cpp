@@ -37,6 +37,25 @@ namespace {
 
 constexpr int SMALL_ICON = 16, LARGE_ICON = 24;
 
+// A bar that tells when the pointer leaves it.
+class CBarWidget : public QToolBar {
+public:
+    CBarWidget(CFrameWndEx* frame, const QString& name, QWidget* parent) : QToolBar(name, parent), m_frame(frame) {}
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::Leave) {
+            const CEventScope scope(CEventScope::QUIET);
+            m_frame->OnMenuSelect(0);
+        }
+        return QToolBar::event(event);
+    }
+
+private:
+    CFrameWndEx* m_frame;
+};
+
 // A button whose arrow asks the frame for a menu.
 class CArrowButton : public QToolButton {
 public:
@@ -78,7 +97,7 @@ void CToolButtons::Update()
         }
         m_bars.clear();
         for (CCustomToolbar* const list : lists) {
-            auto bar = std::make_shared<Bar>(Bar{list, new QToolBar(ToQt(list->GetName()), m_window), {}, {}});
+            auto bar = std::make_shared<Bar>(Bar{list, new CBarWidget(m_frame, ToQt(list->GetName()), m_window), {}, {}});
             bar->shown->setObjectName(QStringLiteral("bar%1").arg(list->GetId()));
             m_window->addToolBar(bar->shown);
             QObject::connect(bar->shown->toggleViewAction(), &QAction::triggered, bar->shown, [list](bool on) { list->visible = on; });
