@@ -320,6 +320,8 @@ void Script::Settle()
     constexpr int ROUNDS = 4;    // a paint may ask for another one
     for (int i = 0; i < ROUNDS; i++)
         GetWindowSystem().PumpEvents();
+    m_frame.OnIdle();
+    GetWindowSystem().PumpEvents();
 }
 
 std::string Script::Wait(const Words& words)
