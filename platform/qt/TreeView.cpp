@@ -261,11 +261,8 @@ public:
 
     void Invalidate(const CRect*) override { m_shown->viewport()->update(); }
     void TreeChanged() override { m_shown->Read(); }
-    void ItemChanged(HTREEITEM item) override
-    {
-        const QModelIndex index = m_shown->Model().IndexOf(item);
-        m_shown->update(index);
-    }
+    /// Looking for the one line would cost more than drawing the few that show.
+    void ItemChanged(HTREEITEM) override { m_shown->viewport()->update(); }
     void SelectionChanged() override { m_shown->ReadSelection(); }
     void EnsureVisible(HTREEITEM item) override
     {
