@@ -32,8 +32,6 @@ constexpr int LEAST_ROOM = 17;    // beyond the ring
 constexpr double PIXELS_OF_HALF_TURN = 250;
 constexpr int FAST = 4;
 
-constexpr unsigned int BUTTONS = CLICK_LEFT | CLICK_RIGHT | CLICK_MIDDLE;
-
 int GetSpeed(unsigned int state) { return state & INPUT_SHIFT ? FAST : 1; }
 
 /// What lies outside the ring, to the nearer border.

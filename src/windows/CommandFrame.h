@@ -56,6 +56,7 @@ public:
 
     void ToggleFullScreen();
     bool IsFullScreen() const { return m_fullScreen; }
+    unsigned int GetFullScreenCommand() const { return m_fullScreenCommand; }
     void CancelFullScreen();
     virtual void InitFullscreenToolbar();
     /// Called for Esc once, instead of what else the key would do.
