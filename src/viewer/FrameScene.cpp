@@ -8,7 +8,8 @@
 #include "tools/FilePath.h"
 #include "viewer/3DFileList.h"
 #include "viewer/FrameViewer.h"
-#include "viewer/NodeReport.h"
+#include "viewer/MaterialInfo.h"
+#include "viewer/NodeInfo.h"
 #include "viewer/RecentFiles.h"
 #include "viewer/RenderStatusBar.h"
 #include "viewer/Texts.h"
@@ -161,15 +162,14 @@ void C3DFrameViewer::ViewDrawn(CDC* dc) { OnDraw(dc); }
 
 void C3DFrameViewer::ShowProperties(unsigned int material)
 {
-    const CXTString<wchar_t> report = m_scene ? GetMaterialReport(*m_scene, material) : CXTString<wchar_t>();
-    if (!report.IsEmpty())
-        GetWindowSystem().ShowReport(this, LoadText(TEXT_PROPERTIES), report);
+    if (m_scene)
+        CMaterialInfoSheet(m_scene, material, this).DoModal();
 }
 
 void C3DFrameViewer::ShowProperties(C3DSceneNode* node)
 {
     if (m_scene)
-        GetWindowSystem().ShowReport(this, LoadText(TEXT_PROPERTIES), GetNodeReport(*m_scene, node));
+        CNodeInfoSheet(m_scene, node, this).DoModal();
 }
 
 // Settings

@@ -248,23 +248,6 @@ TEST_F(Frame, PlaceAndCommandAreKept)
     EXPECT_EQ(frame->GetToolbars().size(), 3u);
 }
 
-TEST_F(Frame, PropertiesAreTold)
-{
-    Open();
-    const Owned<C3DScene> scene(CreateCubes(2));
-    frame->SetCurrentScene(scene.get(), true);
-    frame->ShowProperties(scene->GetChildNode(nullptr));
-    EXPECT_EQ(system.shown.back(), L"report: Name: cube0\nType: Polygonal object\nPoints: 8\nFaces: 6\nSize: 1 x 1 x 1 cm\n"
-                                   L"From -0.5, -0.5, -0.5 to 0.5, 0.5, 0.5\nMaterials: paint0\n");
-    frame->ShowProperties(nullptr);
-    EXPECT_GE(system.shown.back().Find(L"Size: 3 x 1 x 1 cm\n"), 0);
-    frame->ShowProperties(scene->GetMaterialID(L"paint1"));
-    EXPECT_GE(system.shown.back().Find(L"Diffuse: 50 100 0\n"), 0);
-    const std::size_t count = system.shown.size();
-    frame->ShowProperties(0xFFFFFFFF);
-    EXPECT_EQ(system.shown.size(), count);
-}
-
 namespace {
 
 /// A command of a host: gives its scene on when `result` says so.

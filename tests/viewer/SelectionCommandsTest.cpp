@@ -9,6 +9,7 @@
 #include "scene/GeomObject.h"
 #include "viewer/CallbackWnd.h"
 #include "viewer/CommandCase.h"
+#include "viewer/InfoPages.h"
 
 namespace {
 
@@ -130,15 +131,16 @@ TEST_F(Selection, ADragPicksNothingAndADoubleClickShowsProperties)
     windows.Drag(&View(), MOUSE_LEFT, {On(1), On(1, 1), On(1)});
     EXPECT_EQ(With(NODE_SELECTED), "a");
     Run(FourCC("VFRO"));
-    windows.shown.clear();
+    std::vector<Text> types;
+    for (int i = 0; i < 2; i++)
+        windows.dialogUsers.push_back([&](const std::vector<CDialogTable*>& pages) {
+            types.push_back(pages[0]->Find(INFO_OBJECT_TYPE)->value);
+            return true;
+        });
     windows.DoubleClick(&View(), MOUSE_LEFT, On(1));
     EXPECT_EQ(With(NODE_SELECTED), "b");
-    EXPECT_EQ(windows.shown.size(), 1U);
-    const auto ofNode = windows.shown;
-    windows.shown.clear();
     windows.DoubleClick(&View(), MOUSE_LEFT, EMPTY);    // of the scene
-    ASSERT_EQ(windows.shown.size(), 1U);
-    EXPECT_NE(windows.shown, ofNode);
+    EXPECT_EQ(types, (std::vector<Text>{L"Polygonal object", L"Whole scene"}));
 }
 
 TEST_F(Selection, SelectionIsKeptUntilThereIsAnother)
