@@ -59,15 +59,16 @@ settle
 id=$(xdotool search --sync --onlyvisible --name 'pavilion.dae' | head -1)
 xdotool windowfocus --sync "$id" 2>/dev/null || true
 before=$(ask view | value 'a["matrix"]')
+middle=$(ask view | value 'a["width"] // 2')    # the lists stand at the right
 
-xdotool mousemove --window "$id" 500 450
+xdotool mousemove --window "$id" "$middle" 450
 settle
 xdotool mousedown 1 mousemove_relative --sync 60 0 mousemove_relative --sync 20 10 mouseup 1
 settle
 expect view "a['matrix'] == $before" False "a drag turns"
 expect selection 'len(a)' 0 "a drag selects"
 
-xdotool mousemove --window "$id" 500 370 click 1    # the roof
+xdotool mousemove --window "$id" "$middle" 370 click 1    # the roof
 settle
 expect selection 'len(a) > 0' True "a click selects"
 

@@ -6,10 +6,7 @@
 #include <QMainWindow>
 #include <QVBoxLayout>
 
-#include <windows/CustomList.h>
-#include <windows/CustomTree.h>
 #include <windows/Frame.h>
-#include <windows/WindowSystem.h>
 
 #include "Events.h"
 #include "Icons.h"
@@ -70,16 +67,6 @@ Qt::DockWidgetArea GetArea(DockSide side)
     }
 }
 
-bool CreateContent(CWnd* content, CWnd* pane)
-{
-    IWindowSystem& system = GetWindowSystem();
-    if (auto* const tree = dynamic_cast<CCustomTree*>(content))
-        return tree->Create(pane);
-    if (auto* const list = dynamic_cast<CCustomList*>(content))
-        return system.CreateListPeer(list, pane);
-    return system.CreateWindowPeer(content, pane, {}, {});
-}
-
 }
 
 void CDockPanes::Attach(unsigned int id, CCustomDockablePane* pane, DockSide side, bool shown)
@@ -100,15 +87,11 @@ void CDockPanes::Attach(unsigned int id, CCustomDockablePane* pane, DockSide sid
         pane->SetParent(m_frame);
     if (!pane->HasPeer())
         pane->SetPeer(new CPanePeer(pane, around, dock));
-    if (CWnd* const content = pane->GetContent()) {
-        if (!content->GetParent())
-            content->SetParent(pane);
-        if (content->HasPeer() || CreateContent(content, pane)) {
-            QWidget* const widget = CPeer::Of(content)->GetWidget();
-            around->layout()->addWidget(widget);
-            around->setFocusProxy(widget);
-            widget->show();
-        }
+    if (pane->CreateContent()) {
+        QWidget* const widget = CPeer::Of(pane->GetContent())->GetWidget();
+        around->layout()->addWidget(widget);
+        around->setFocusProxy(widget);
+        widget->show();
     }
     m_window->addDockWidget(GetArea(side), dock);
     m_docks[id] = {dock, shown};

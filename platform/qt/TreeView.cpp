@@ -1,7 +1,10 @@
 #include "TreeView.h"
 
+#include <algorithm>
+
 #include <QAbstractItemModel>
 #include <QContextMenuEvent>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QTreeView>
@@ -14,6 +17,33 @@
 #include "Text.h"
 
 namespace {
+
+// Deeper entries are not shown: Qt lays out open ones by recursion, and each is indented by the width of an icon.
+constexpr int MOST_LEVELS = 500;
+
+// Calls `visit(item, level)` for all entries in the order of reading; those of the first level have level 0.
+template <class VISIT> void ForItems(const CCustomTree& tree, VISIT visit)
+{
+    int level = 0;
+    for (HTREEITEM former = tree.GetRoot(), item = tree.GetNextItem(former); item; former = item, item = tree.GetNextItem(item)) {
+        if (former == tree.GetRoot())
+            level = 0;
+        else if (former == item->parent)
+            level++;
+        else
+            for (HTREEITEM above = former->parent; above != item->parent; above = above->parent)
+                level--;
+        visit(item, level);
+    }
+}
+
+bool IsShownLevel(HTREEITEM item)
+{
+    int level = 0;
+    for (HTREEITEM above = item->parent; above && level <= MOST_LEVELS; above = above->parent)
+        level++;
+    return level <= MOST_LEVELS;
+}
 
 // The entries of a tree as Qt asks for them. Nothing is kept: an index holds the entry itself.
 class CTreeModel : public QAbstractItemModel {
@@ -49,7 +79,7 @@ public:
     int rowCount(const QModelIndex& parent) const override
     {
         const HTREEITEM item = ItemOf(parent);
-        return item ? static_cast<int>(item->children.size()) : 0;
+        return item && !item->children.empty() && IsShownLevel(item->children.front().get()) ? static_cast<int>(item->children.size()) : 0;
     }
     int columnCount(const QModelIndex&) const override { return 1; }
     Qt::ItemFlags flags(const QModelIndex& index) const override
@@ -105,8 +135,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void ReadMode();
     void Open(HTREEITEM item, bool open);
     unsigned int GetHit(const QModelIndex& index, QPoint point) const;
 
@@ -123,7 +155,11 @@ CTreeWidget::CTreeWidget(CCustomTree* tree, QWidget* parent) : QTreeView(parent)
     setExpandsOnDoubleClick(false);
     setEditTriggers(NoEditTriggers);
     setModel(&m_model);
-    setSelectionMode(tree->GetMode() & CCustomTree::TREE_SEVERAL ? ExtendedSelection : SingleSelection);
+    // As wide as the entries on screen, so that deep ones can be scrolled to.
+    header()->setStretchLastSection(false);
+    header()->setResizeContentsPrecision(0);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    ReadMode();
     QObject::connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) { Open(m_model.ItemOf(index), true); });
     QObject::connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) { Open(m_model.ItemOf(index), false); });
 }
@@ -133,6 +169,20 @@ void CTreeWidget::Forget()
     m_reading = true;
     m_model.Reset(nullptr);
     m_tree = nullptr;
+}
+
+void CTreeWidget::ReadMode()
+{
+    setSelectionMode(m_tree->GetMode() & CCustomTree::TREE_SEVERAL ? ExtendedSelection : SingleSelection);
+    const auto& first = m_tree->GetRoot()->children;
+    const bool isFlat = std::all_of(first.begin(), first.end(), [](const auto& item) { return item->children.empty(); });
+    setRootIsDecorated(m_tree->GetMode() & CCustomTree::TREE_LINES || !isFlat);    // a list has no room before its entries
+}
+
+void CTreeWidget::resizeEvent(QResizeEvent* event)
+{
+    header()->setMinimumSectionSize(viewport()->width());
+    QTreeView::resizeEvent(event);
 }
 
 void CTreeWidget::Open(HTREEITEM item, bool open)
@@ -149,43 +199,48 @@ void CTreeWidget::Read()
     const void* const formerCurrent = currentIndex().internalPointer();    // may be gone: only compared
     QModelIndex current;
     m_reading = true;
-    setSelectionMode(m_tree->GetMode() & CCustomTree::TREE_SEVERAL ? ExtendedSelection : SingleSelection);
+    ReadMode();
     m_model.Reset(m_tree);
-    for (HTREEITEM item = m_tree->GetNextItem(m_tree->GetRoot()); item; item = m_tree->GetNextItem(item)) {
-        if (item->open && !item->children.empty())
+    ForItems(*m_tree, [&](HTREEITEM item, int level) {
+        if (item->open && !item->children.empty() && level + 1 < MOST_LEVELS)
             expand(m_model.IndexOf(item));
-        if (item == formerCurrent)
+        if (item == formerCurrent && level < MOST_LEVELS)
             current = m_model.IndexOf(item);
-    }
+    });
     selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
     ReadSelection();
     m_reading = false;
     verticalScrollBar()->setValue(place);
 }
 
-// Neighbours become one range, so that all of a large tree is few.
+// Neighbours become one range, so that all of a large tree is few. The former ranges go first: Qt would hold each against each.
 void CTreeWidget::ReadSelection()
 {
     QItemSelection selection;
-    for (HTREEITEM item = m_tree->GetNextItem(m_tree->GetRoot()); item; item = m_tree->GetNextItem(item)) {
+    ForItems(*m_tree, [&](HTREEITEM item, int level) {
         const auto& beside = item->parent->children;
-        if (!item->selected || (item->index > 0 && beside[static_cast<std::size_t>(item->index) - 1]->selected))
-            continue;
-        std::size_t last = static_cast<std::size_t>(item->index);
+        const auto place = static_cast<std::size_t>(item->index);
+        if (!item->selected || level >= MOST_LEVELS || (place > 0 && beside[place - 1]->selected))
+            return;
+        std::size_t last = place;
         while (last + 1 < beside.size() && beside[last + 1]->selected)
             last++;
         selection.append(QItemSelectionRange(m_model.IndexOf(item), m_model.IndexOf(beside[last].get())));
-    }
+    });
+    const QModelIndex current = currentIndex();
     const bool former = std::exchange(m_reading, true);
-    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    selectionModel()->reset();
+    selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::Select);
+    viewport()->update();
     m_reading = former;
 }
 
 void CTreeWidget::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
-    QTreeView::selectionChanged(selected, deselected);
     if (m_reading || !m_tree)
-        return;
+        return;    // all of it is painted anew; Qt would look for the place of each range
+    QTreeView::selectionChanged(selected, deselected);
     std::vector<HTREEITEM> items;
     for (const QItemSelectionRange& range : selectionModel()->selection()) {
         const HTREEITEM above = m_model.ItemOf(range.parent());
@@ -266,6 +321,8 @@ public:
     void SelectionChanged() override { m_shown->ReadSelection(); }
     void EnsureVisible(HTREEITEM item) override
     {
+        if (!IsShownLevel(item))
+            return;
         for (HTREEITEM above = item->parent; above && above->parent; above = above->parent)
             m_shown->expand(m_shown->Model().IndexOf(above));
         const QModelIndex index = m_shown->Model().IndexOf(item);

@@ -126,6 +126,8 @@ bool C3DFrameViewer::LoadWindowPos(CWindowPlacement& placement)
 
 void C3DFrameViewer::SaveWindowPos()
 {
+    if (const auto* const panels = dynamic_cast<C3DPanels*>(GetPanels()))
+        panels->SaveShown();
     IApplication* const application = GetApplication();
     const IFramePeer* const peer = GetFramePeer();
     const CWindowPlacement placement = application && peer ? peer->GetPlacement() : CWindowPlacement();

@@ -349,7 +349,8 @@ void CCommandFrameWnd::OnMenuSelect(unsigned int id)
     if (CZelCommand* const command = id ? m_manager.GetWindowsCommand(id) : nullptr) {
         if (id < CCommandMgr::FIRST_POPUP || !command->GetPopupCmdHelp(id, HELP_DESCRIPTION, text))
             command->OnGetHelp(HELP_DESCRIPTION, text);
-    }
+    } else if (id)
+        text.LoadStringW(id);    // entries that are no command's have the text of their number
     SetHelpText(text);
 }
 

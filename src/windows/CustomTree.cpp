@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "windows/WindowSystem.h"
 
@@ -42,24 +43,33 @@ void CCustomTree::LockTree() { m_locks++; }
 
 void CCustomTree::UnlockTree()
 {
-    if (m_locks == 0 || --m_locks > 0 || !m_dirty)
-        return;
-    m_dirty = false;
-    Tell(&ITreePeer::TreeChanged);
+    if (m_locks > 0 && --m_locks == 0)
+        Tell(std::exchange(m_news, 0));
 }
 
-void CCustomTree::Tell(void (ITreePeer::*what)())
+void CCustomTree::Tell(unsigned int news)
 {
-    if (m_locks > 0)
-        m_dirty = true;
-    else if (ITreePeer* const peer = dynamic_cast<ITreePeer*>(GetPeer()))
-        (peer->*what)();
+    if (m_locks > 0) {
+        m_news |= news;
+        return;
+    }
+    ITreePeer* const peer = dynamic_cast<ITreePeer*>(GetPeer());
+    if (!peer)
+        return;
+    if (news & NEWS_TREE) {    // all of it
+        peer->TreeChanged();
+        return;
+    }
+    if (news & NEWS_ITEMS)
+        peer->Invalidate(nullptr);
+    if (news & NEWS_SELECTION)
+        peer->SelectionChanged();
 }
 
 void CCustomTree::TellItem(HTREEITEM item)
 {
     if (m_locks > 0)
-        m_dirty = true;
+        m_news |= NEWS_ITEMS;
     else if (ITreePeer* const peer = dynamic_cast<ITreePeer*>(GetPeer()))
         peer->ItemChanged(item);
 }
@@ -77,7 +87,7 @@ HTREEITEM CCustomTree::InsertItem(const CXTString<wchar_t>& text, void* data, HT
     item.index = static_cast<int>(above.children.size()) - 1;
     item.check = m_mode & TREE_CHECKS ? TREECHECK_CHECKED : TREECHECK_NONE;
     m_count++;
-    Tell(&ITreePeer::TreeChanged);
+    Tell(NEWS_TREE);
     return &item;
 }
 
@@ -95,7 +105,7 @@ void CCustomTree::DeleteItem(HTREEITEM item)
     const auto place = above->children.begin() + item->index;
     for (auto after = above->children.erase(place); after != above->children.end(); after++)
         (*after)->index--;
-    Tell(&ITreePeer::TreeChanged);
+    Tell(NEWS_TREE);
 }
 
 void CCustomTree::DeleteAllItems()
@@ -190,16 +200,34 @@ void CCustomTree::SelectItem(HTREEITEM item, bool on, bool tell)
     if (!item || item->selected == on)
         return;
     item->selected = on;
-    Tell(&ITreePeer::SelectionChanged);
+    Tell(NEWS_SELECTION);
     if (tell && !m_multiSelecting)
         SelectionChange(item, 1);
+}
+
+std::vector<HTREEITEM> CCustomTree::ChangeSelection(const std::vector<HTREEITEM>& items)
+{
+    const std::unordered_set<HTREEITEM> wanted(items.begin(), items.end());
+    std::vector<HTREEITEM> changed;
+    for (HTREEITEM item = GetNextItem(GetRoot()); item; item = GetNextItem(item))
+        if (item->selected != wanted.contains(item)) {
+            item->selected = !item->selected;
+            changed.push_back(item);
+        }
+    return changed;
+}
+
+void CCustomTree::SelectItems(const std::vector<HTREEITEM>& items)
+{
+    if (!ChangeSelection(items).empty())
+        Tell(NEWS_SELECTION);
 }
 
 void CCustomTree::SelectAll(bool on)
 {
     for (HTREEITEM item = GetNextItem(GetRoot()); item; item = GetNextItem(item))
         item->selected = on;
-    Tell(&ITreePeer::SelectionChanged);
+    Tell(NEWS_SELECTION);
     OnMultiSelectionChanged();
 }
 
@@ -207,7 +235,7 @@ void CCustomTree::InvertSelection()
 {
     for (HTREEITEM item = GetNextItem(GetRoot()); item; item = GetNextItem(item))
         item->selected = !item->selected;
-    Tell(&ITreePeer::SelectionChanged);
+    Tell(NEWS_SELECTION);
     OnMultiSelectionChanged();
 }
 
@@ -261,18 +289,10 @@ void CCustomTree::ShowRightMenu(HTREEITEM, const CPoint&) {}
 
 void CCustomTree::UserSelect(const std::vector<HTREEITEM>& items)
 {
-    const std::unordered_set<HTREEITEM> wanted(items.begin(), items.end());
-    std::vector<HTREEITEM> changed;
-    for (HTREEITEM item = GetNextItem(GetRoot()); item; item = GetNextItem(item))
-        if (item->selected != wanted.contains(item))
-            changed.push_back(item);
-    if (changed.empty())
-        return;
-    for (const HTREEITEM item : changed)
-        item->selected = !item->selected;
+    const std::vector<HTREEITEM> changed = ChangeSelection(items);
     if (changed.size() == 1)
         SelectionChange(changed.front(), 1);
-    else
+    else if (!changed.empty())
         OnMultiSelectionChanged();
 }
 

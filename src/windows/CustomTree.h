@@ -90,6 +90,8 @@ public:
     // Selection
 
     void SelectItem(HTREEITEM item, bool on, bool tell);
+    /// These and no others, without telling SelectionChange.
+    void SelectItems(const std::vector<HTREEITEM>& items);
     void SelectAll(bool on);
     void InvertSelection();
     std::vector<HTREEITEM> GetSelectedItems() const;
@@ -121,12 +123,17 @@ public:
     void UserCheck(HTREEITEM item);
 
 private:
-    void Tell(void (ITreePeer::*what)());
+    /// What the window is to be told, bits.
+    enum News : unsigned int { NEWS_TREE = 1, NEWS_ITEMS = 2, NEWS_SELECTION = 4 };
+    void Tell(unsigned int news);
     void TellItem(HTREEITEM item);
+    /// Selects these and no others; those that changed.
+    std::vector<HTREEITEM> ChangeSelection(const std::vector<HTREEITEM>& items);
 
     std::unique_ptr<CTreeItem> m_root;
     std::size_t m_count = 0;
     unsigned int m_mode = 0, m_folderIcon = 0;
+    unsigned int m_news = 0;    ///< that the window is told once it is unlocked
     int m_locks = 0;
-    bool m_dirty = false, m_multiSelecting = false;
+    bool m_multiSelecting = false;
 };

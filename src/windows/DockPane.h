@@ -16,6 +16,8 @@ public:
     /// The window inside; owned by the caller, set before the pane is attached.
     void SetContent(CWnd* content) { m_content = content; }
     CWnd* GetContent() const { return m_content; }
+    /// Gives the window inside its peer, unless it has one; called by the window system once the pane has its own. False without a window inside.
+    bool CreateContent();
     /// Resource number.
     void SetIcon(unsigned int icon) { m_icon = icon; }
     unsigned int GetIcon() const { return m_icon; }

@@ -1,5 +1,6 @@
 #include "windows/Frame.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "windows/WindowSystem.h"
@@ -115,16 +116,28 @@ bool CCustomFramePanels::IsPanelShown(unsigned int id) const
     return peer && GetPanel(id) && peer->IsPaneShown(id);
 }
 
+void CCustomFramePanels::Drop(Panel& panel)
+{
+    if (IFramePeer* const peer = m_frame->GetFramePeer(); peer && panel.attached)
+        peer->DetachPane(panel.id);
+    if (panel.content)
+        panel.content->SetPeer(nullptr);
+    panel.pane->SetPeer(nullptr);
+}
+
+void CCustomFramePanels::RemovePanel(unsigned int id)
+{
+    const auto found = std::find_if(m_panels.begin(), m_panels.end(), [id](const auto& panel) { return panel->id == id; });
+    if (found == m_panels.end())
+        return;
+    Drop(**found);
+    m_panels.erase(found);
+}
+
 void CCustomFramePanels::Close()
 {
-    IFramePeer* const peer = m_frame->GetFramePeer();
-    for (const auto& panel : m_panels) {
-        if (peer && panel->attached)
-            peer->DetachPane(panel->id);
-        if (panel->content)
-            panel->content->SetPeer(nullptr);
-        panel->pane->SetPeer(nullptr);
-    }
+    for (const auto& panel : m_panels)
+        Drop(*panel);
     m_panels.clear();
 }
 

@@ -99,6 +99,8 @@ public:
     /// Takes pane and content over; false when the number is taken.
     bool InsertPanel(unsigned int id, std::unique_ptr<CCustomDockablePane> pane, std::unique_ptr<CWnd> content);
     CCustomDockablePane* GetPanel(unsigned int id) const;
+    /// With its window.
+    void RemovePanel(unsigned int id);
     void AttachPanelToWnd(unsigned int id, bool shown, DockSide side);
     void ShowPanel(unsigned int id, bool on);
     bool IsPanelShown(unsigned int id) const;
@@ -107,6 +109,7 @@ public:
 
 private:
     struct Panel;
+    void Drop(Panel& panel);
     CCustomFrameWnd* m_frame;
     std::vector<std::unique_ptr<Panel>> m_panels;
 };

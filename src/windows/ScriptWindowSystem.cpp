@@ -133,7 +133,13 @@ public:
     void ToolbarsChanged() override {}
     void StatusChanged() override {}
     void SetCentralWindow(CWnd*) override {}
-    void AttachPane(unsigned int id, CCustomDockablePane*, DockSide, bool shown) override { m_peer.panes[id] = shown; }
+    void AttachPane(unsigned int id, CCustomDockablePane* pane, DockSide, bool shown) override
+    {
+        m_peer.panes[id] = shown;
+        const CSize size = pane->GetDefaultSize();
+        if (pane->HasPeer() || m_peer.system.CreateWindowPeer(pane, m_peer.window, pane->GetPaneTitle(), {0, 0, size.cx, size.cy}))
+            pane->CreateContent();
+    }
     void DetachPane(unsigned int id) override { m_peer.panes.erase(id); }
     void ShowPane(unsigned int id, bool on) override
     {

@@ -42,6 +42,7 @@ TEST_F(Frame, CallbacksHearOfEachChangeInTheirOrder)
     Open();
     Heard heard;
     CListener a(heard, "a", 5), b(heard, "b", 5), c(heard, "c", 9), d(heard, "d", 1);
+    frame->GetPanels()->Close();    // whose lists are callbacks too
     EXPECT_EQ(frame->AddCallbackWnd(nullptr, true), 0);
     frame->AddCallbackWnd(&a, true);
     frame->AddCallbackWnd(&b, true);    // at the place of the last one that is not below it
