@@ -14,11 +14,12 @@
 
 namespace {
 
-QByteArray Coloured(QByteArray svg, QPalette::ColorGroup group)
+QByteArray Coloured(QByteArray svg, QIcon::Mode mode)
 {
-    const QColor text = QGuiApplication::palette().color(group, QPalette::WindowText);
+    const QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+    const QColor text = QGuiApplication::palette().color(group, mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText);
     svg.replace("currentColor", text.name().toLatin1());
-    if (group == QPalette::Disabled)
+    if (mode == QIcon::Disabled || mode == QIcon::Selected)    // the ground of what is selected has a colour of its own
         svg.replace("#3584e4", text.name().toLatin1());
     else if (text.lightness() > 128)
         svg.replace("#3584e4", "#78aeed");
@@ -31,7 +32,7 @@ public:
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
-        QSvgRenderer drawing(Coloured(m_svg, mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active));
+        QSvgRenderer drawing(Coloured(m_svg, mode));
         const int side = std::min(rect.width(), rect.height());
         drawing.render(painter, QRectF(rect.x() + (rect.width() - side) / 2.0, rect.y() + (rect.height() - side) / 2.0, side, side));
     }
