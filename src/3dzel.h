@@ -179,6 +179,7 @@
 #include "render/RenderElement.h"
 #include "render/RenderingMode.h"
 #include "render/SceneBitmap.h"
+#include "render/Turntable.h"
 #include "render/View.h"
 #include "render/ViewHost.h"
 #include "render/ViewProfile.h"
@@ -191,4 +192,5 @@
 #include "viewer/FrameViewer.h"
 #include "viewer/Panels.h"
 #include "viewer/RenderStatusBar.h"
+#include "viewer/SaveAsBitmap.h"
 #include "viewer/ViewerControl.h"

@@ -41,10 +41,10 @@ const std::map<std::string, CRGBColor> COLORS = {
     {"black", {0, 0, 0}},       {"red", {255, 0, 0}},        {"green", {0, 128, 0}},     {"blue", {0, 0, 255}},
     {"yellow", {255, 255, 0}},  {"cyan", {0, 255, 255}},     {"magenta", {255, 0, 255}},
 };
-const std::map<std::string, TurntableSettings::Movement> MOVEMENTS = {{"right", TurntableSettings::RIGHT},
-                                                                      {"left", TurntableSettings::LEFT},
-                                                                      {"up", TurntableSettings::UP},
-                                                                      {"down", TurntableSettings::DOWN}};
+const std::map<std::string, CTurntable::Movement> MOVEMENTS = {{"right", CTurntable::RIGHT},
+                                                               {"left", CTurntable::LEFT},
+                                                               {"up", CTurntable::UP},
+                                                               {"down", CTurntable::DOWN}};
 
 // A whole number and nothing else.
 template <class T> bool ParseNumber(std::string_view text, T& number, int base = 10)

@@ -5,15 +5,6 @@
 
 #include <3dzel.h>
 
-/// A view that turns around the scene, step by step.
-struct TurntableSettings {
-    enum Movement { RIGHT, LEFT, UP, DOWN };    ///< of what is in front
-
-    int count = 0;    ///< of pictures; 0: no turntable
-    Movement movement = RIGHT;
-    double amplitude = 360;    ///< of all steps together, degrees
-};
-
 /// What a picture shows and how.
 struct PictureSettings {
     CSize size{1280, 720};
@@ -28,5 +19,5 @@ struct PictureSettings {
     std::vector<std::string> nodes;    ///< names of those to which the view is fitted; none: all
     bool hasTime = false;
     int time = 0;    ///< frame
-    TurntableSettings turntable;
+    CTurntable turntable;
 };

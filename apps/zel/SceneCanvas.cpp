@@ -19,21 +19,6 @@ double Distance(const C3DTPoint<float>& a, const C3DTPoint<float>& b)
     return std::hypot(double{b.x} - a.x, double{b.y} - a.y, double{b.z} - a.z);
 }
 
-// How far the scene is turned about its own axes in a picture of a turntable.
-C4x4TMatrix<float> GetTurn(const TurntableSettings& turntable, int number)
-{
-    const double angle = number * turntable.amplitude * std::numbers::pi / 180 / std::max(1, turntable.count);
-    const C3DTVector<float> across(1, 0, 0), up(0, 0, 1);
-    C4x4TMatrix<float> turn;
-    switch (turntable.movement) {
-    case TurntableSettings::RIGHT: turn.FromQuaternion(CQuaternion(up, -angle)); break;
-    case TurntableSettings::LEFT: turn.FromQuaternion(CQuaternion(up, angle)); break;
-    case TurntableSettings::UP: turn.FromQuaternion(CQuaternion(across, angle)); break;
-    case TurntableSettings::DOWN: turn.FromQuaternion(CQuaternion(across, -angle)); break;
-    }
-    return turn;
-}
-
 // "A, B, C and 4 more", for a message.
 std::string ListNames(const C3DScene& scene, unsigned int kinds)
 {
@@ -196,7 +181,7 @@ void SceneCanvas::FillPicture(const C3DScene& scene)
     C3DTPoint<float> min, max, center;
     m_view.GetBBox(false, min, max, center, 0, 0);
     for (int i = 0; i < steps; i++) {
-        const C4x4TMatrix<float> turned = view.matrix * GetTurn(m_settings.turntable, i * count / steps);
+        const C4x4TMatrix<float> turned = GetTurned(view.matrix, i * count / steps);
         extent.Add(scene, !m_settings.nodes.empty(), turned, view.sceneCenter);
         if (m_settings.viewFlags & VIEWFLAG_DRAW_BOXES && m_settings.nodes.empty())
             extent.AddBox(min, max, turned, view.sceneCenter);
@@ -212,11 +197,17 @@ void SceneCanvas::FillPicture(const C3DScene& scene)
     m_view.SetViewSettings(&moved);
 }
 
+C4x4TMatrix<float> SceneCanvas::GetTurned(C4x4TMatrix<float> matrix, int number) const
+{
+    CTurntable::Turn(matrix, m_settings.turntable.movement, m_settings.turntable.GetAngle(number));
+    return matrix;
+}
+
 void SceneCanvas::Turn(int number)
 {
     GlViewSettings view;
     view.changeMask = GLSET_MATRIX;
-    view.matrix = m_matrix * GetTurn(m_settings.turntable, number);
+    view.matrix = GetTurned(m_matrix, number);
     m_view.SetViewSettings(&view);
 }
 

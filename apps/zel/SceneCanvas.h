@@ -34,6 +34,8 @@ private:
     std::string PlaceEye(C3DScene& scene);
     std::string LookThroughCamera(C3DScene& scene);
     void FillPicture(const C3DScene& scene);
+    /// As it is in a picture of the turntable.
+    C4x4TMatrix<float> GetTurned(C4x4TMatrix<float> matrix, int number) const;
     void Turn(int number);
     Picture DrawOn(const CRGBColor& background);
     Picture DrawOpaque();

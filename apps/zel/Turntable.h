@@ -5,4 +5,4 @@
 
 /// Draws all around a file: an animation, or numbered pictures where the format holds one. Anything but EXIT_DONE comes after one line of the
 /// console.
-ExitCode WriteTurntable(const Console& console, DrawnFile& file, const TurntableSettings& turntable, const PictureFile& target);
+ExitCode WriteTurntable(const Console& console, DrawnFile& file, const CTurntable& turntable, const PictureFile& target);

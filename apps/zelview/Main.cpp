@@ -85,6 +85,21 @@ public:
     Library& operator=(const Library&) = delete;
 };
 
+/// The library's frame with the commands that are a host's to add.
+class ViewerFrame : public C3DFrameViewer {
+public:
+    ~ViewerFrame() override { SetPeer(nullptr); }    // its menus go before the commands do
+
+    void AddPluginCommands(unsigned int owner) override
+    {
+        C3DFrameViewer::AddPluginCommands(owner);
+        GetCommandMgr().AddCommand(&m_saveAsBitmap, nullptr);
+    }
+
+private:
+    C3DSaveAsBitmap m_saveAsBitmap;
+};
+
 void OpenFiles(C3DFrameViewer& frame, const std::vector<std::string>& files)
 {
     unsigned int mode = OPEN_REPLACE;
@@ -97,7 +112,7 @@ void OpenFiles(C3DFrameViewer& frame, const std::vector<std::string>& files)
 
 int Show(const Options& options)
 {
-    C3DFrameViewer frame;
+    ViewerFrame frame;
     frame.SetFrameFlag(FRAME_NO_RECENT_FILES, !options.script.empty());
     CXTString<wchar_t> error;
     if (!LoadWindowSystem(error) || !frame.Create(GetProgramTitle())) {

@@ -92,6 +92,7 @@ constexpr CommandRow ROWS[] = {
     {FourCC("NXKF"), FourCC("ANIM"), SIMP, VK_ADD, KEYS_SECOND | SHIFT, 9610, 9611, 9738, AT(3, 0), AT(8, 4), USUAL},
     {FourCC("CLOS"), FourCC("FILE"), SIMP, 0, PLAIN, 9612, 9613, 0, AT(9, 0), NOWHERE, 0},
     {FourCC("SAVS"), FourCC("FILE"), SIMP, 'S', CTRL | SHIFT, 9614, 9615, 9739, AT(2, 0), AT(1, 1), 0},
+    {FourCC("SAVB"), FourCC("FILE"), FourCC("DIAL"), 'I', CTRL | SHIFT, 9850, 9851, 0, AT(2, 1), NOWHERE, 0},
     {FourCC("OPEN"), FourCC("FILE"), SIMP, 'O', CTRL, 9616, 9617, 9740, AT(1, 0), AT(1, 0), 0},
     {FourCC("3HLP"), FourCC("HELP"), SIMP, VK_F1, PLAIN, 9618, 9619, 9741, AT(1, 0), NOWHERE, USUAL},
     {FourCC("3HPO"), FourCC("HELP"), SIMP, VK_F1, SHIFT, 9620, 9621, 0, AT(1, 1), NOWHERE, 0},
