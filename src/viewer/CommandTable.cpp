@@ -94,6 +94,8 @@ constexpr CommandRow ROWS[] = {
     {FourCC("SAVS"), FourCC("FILE"), SIMP, 'S', CTRL | SHIFT, 9614, 9615, 9739, AT(2, 0), AT(1, 1), 0},
     {FourCC("SAVB"), FourCC("FILE"), FourCC("DIAL"), 'I', CTRL | SHIFT, 9850, 9851, 0, AT(2, 1), NOWHERE, 0},
     {FourCC("OPEN"), FourCC("FILE"), SIMP, 'O', CTRL, 9616, 9617, 9740, AT(1, 0), AT(1, 0), 0},
+    {FourCC("MERG"), FourCC("FILE"), SIMP, 'M', CTRL, 9979, 9214, 0, AT(8, 0), NOWHERE, 0},
+    {FourCC("MERF"), FourCC("FILE"), SIMP, 'M', CTRL | SHIFT, 9980, 9981, 0, AT(8, 1), NOWHERE, 0},
     {FourCC("3HLP"), FourCC("HELP"), SIMP, VK_F1, PLAIN, 9618, 9619, 9741, AT(1, 0), NOWHERE, USUAL},
     {FourCC("3HPO"), FourCC("HELP"), SIMP, VK_F1, SHIFT, 9620, 9621, 0, AT(1, 1), NOWHERE, 0},
     {FourCC("DELN"), FourCC("EDIT"), SIMP, VK_DELETE, PLAIN, 9622, 9623, 9742, AT(2, 0), NOWHERE, USUAL | COMMAND_CHANGES_DOCUMENT},

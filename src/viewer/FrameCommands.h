@@ -9,6 +9,7 @@
 #include "viewer/FileCommands.h"
 #include "viewer/FrameViewer.h"
 #include "viewer/HelpCommands.h"
+#include "viewer/MergeCommands.h"
 #include "viewer/NavigationCommands.h"
 #include "viewer/PanelCommands.h"
 #include "viewer/RecentFiles.h"
@@ -42,8 +43,7 @@ struct C3DFrameViewer::Commands
                   C3DWireframeModeCommand, C3DFlatModeCommand, C3DSmoothModeCommand, C3DWireFlatModeCommand, C3DWireSmoothModeCommand,
                   C3DDefaultBrightnessCommand, C3DLessBrightnessCommand, C3DMoreBrightnessCommand, C3DTextureCommand, C3DVCCommand,
                   C3DSpecNormalCommand, C3DTexVCCommand, C3DPrefsCommand, C3DPlayCommand, C3DPrevFrameCommand, C3DNextFrameCommand,
-                  C3DPrevKeyframeCommand, C3DNextKeyframeCommand, C3DCloseViewer, C3DSaveAs, C3DOpen,
-                  // C3DMerge and C3DMergeFolder have their place here.
-                  C3DHelp, C3DHelpOn, C3DDeleteNodeCommand,
+                  C3DPrevKeyframeCommand, C3DNextKeyframeCommand, C3DCloseViewer, C3DSaveAs, C3DOpen, C3DMerge, C3DMergeFolder, C3DHelp,
+                  C3DHelpOn, C3DDeleteNodeCommand,
                   // Habits of users, behind all that others count on.
                   C3DRecentCommand, C3DNextFile, C3DPrevFile> {};

@@ -88,22 +88,24 @@ void C3DFrameViewer::OnDropFiles(const std::vector<CXTString<wchar_t>>& files) {
 void C3DFrameViewer::OnDropFiles(const std::vector<CXTString<wchar_t>>& files, unsigned int state, const CPoint& point)
 {
     if (m_scene && !IsLoading() && GetPreferredDropType(state) == DROP_ADD)
-        MergeFiles(TakeDroppedFiles(files));
+        for (const CXTString<wchar_t>& file : TakeDroppedFiles(files))
+            MergeFile(file);
     else
         CDocumentFrameWnd::OnDropFiles(files, state, point);
 }
 
-void C3DFrameViewer::MergeFiles(const std::vector<CXTString<wchar_t>>& files)
+bool C3DFrameViewer::MergeFile(const CXTString<wchar_t>& path)
 {
+    if (!m_scene || IsLoading())
+        return false;
     const CLoadingScope loading(*this);
-    for (const CXTString<wchar_t>& file : files) {
-        C3DScene* const other = C3DFileList::ReadScene(file, IsFrameFlagSet(FRAME_SILENT_READ) ? +READMODE_SILENT : 0, this);
-        if (!other || !m_scene->Merge(other, nullptr))
-            continue;
-        SetModifiedFlag(true);
-        SceneChanged(CHANGED_NODES, {}, true);
-        UpdateView(GLSET_FIT);
-    }
+    C3DScene* const other = C3DFileList::ReadScene(path, IsFrameFlagSet(FRAME_SILENT_READ) ? +READMODE_SILENT : 0, this);
+    if (!other || !m_scene->Merge(other, nullptr))
+        return false;
+    SetModifiedFlag(true);
+    SceneChanged(CHANGED_NODES, {}, true);
+    UpdateView(GLSET_FIT);
+    return true;
 }
 
 // News

@@ -84,6 +84,8 @@ public:
     C3DScene* GetCurrentScene() const { return m_scene; }
     /// Takes a reference. Nothing for null and for the scene that is current. `fit`: the view shows all of it.
     void SetCurrentScene(C3DScene* scene, bool fit);
+    /// The file's scene joins the current one; false, with the reason told, when it can't be read.
+    bool MergeFile(const CXTString<wchar_t>& path);
     C3DView* Get3DView() const { return m_view; }
     /// Before Create.
     void SetViewClass(const CXRuntimeClass* view) { m_viewClass = view; }
@@ -119,7 +121,6 @@ private:
     bool CreateView();
     void DropView();
     void ShowPanel(unsigned int id, _LeftBarShowMode mode);
-    void MergeFiles(const std::vector<CXTString<wchar_t>>& files);
 
     C3DScene* m_scene = nullptr;
     C3DView* m_view = nullptr;    ///< the frame's viewer

@@ -163,7 +163,7 @@ TEST_F(Frame, MenusHoldEachCommandInItsPlace)
     for (const CMenuItem& item : bar.GetPopup(L"&File")->items)
         file.push_back(item.separator ? L"-" : item.text);
     EXPECT_EQ(file, (std::vector<Text>{L"&Open...", L"Open &Recent", L"-", L"Save As...", L"-", L"&Next File", L"Pre&vious File", L"-",
-                                       L"&Close"}));
+                                       L"Merge...", L"Merge Folder...", L"-", L"&Close"}));
 }
 
 TEST_F(Frame, BarsHoldTheirGroups)
@@ -202,7 +202,7 @@ TEST_F(Frame, EveryCommandRunsWithAndWithoutAScene)
         system.PumpEvents();
     }
     EXPECT_GE(CountShown(L"report: "), 2);    // help
-    EXPECT_EQ(frame->GetCommandMgr().GetCommands().size(), 82u - 5 - 3 + 3);
+    EXPECT_EQ(frame->GetCommandMgr().GetCommands().size(), 82u - 5 - 1 + 3);
 }
 
 TEST_F(Frame, KeysOfHelpAndHome)
