@@ -6,7 +6,9 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 
 #include <windows/CustomTree.h>
@@ -120,6 +122,25 @@ private:
     CCustomTree* m_tree;
 };
 
+// The style's lines of boxes are darker than what is around them: on dark ground an empty box would not be seen.
+class CEntryDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        QColor line = option.palette.color(QPalette::Text);
+        if (line.lightness() < 128 || !index.data(Qt::CheckStateRole).isValid())
+            return;
+        QStyleOptionViewItem entry = option;
+        initStyleOption(&entry, index);
+        line.setAlpha(128);
+        painter->setPen(line);
+        const QRect box = entry.widget->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &entry, entry.widget);
+        painter->drawRect(box.adjusted(0, 0, -1, -1));
+    }
+};
+
 class CTreeWidget : public QTreeView {
 public:
     CTreeWidget(CCustomTree* tree, QWidget* parent);
@@ -154,6 +175,7 @@ CTreeWidget::CTreeWidget(CCustomTree* tree, QWidget* parent) : QTreeView(parent)
     setFrameShape(QFrame::NoFrame);
     setExpandsOnDoubleClick(false);
     setEditTriggers(NoEditTriggers);
+    setItemDelegate(new CEntryDelegate(this));
     setModel(&m_model);
     // As wide as the entries on screen, so that deep ones can be scrolled to.
     header()->setStretchLastSection(false);
