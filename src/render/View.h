@@ -263,8 +263,9 @@ protected:
     void StackChanged();
     /// Pushes a new context that draws on it; false, also for null, when there can be none.
     bool CreateDefaultGLContext(std::unique_ptr<CDC> dc);
-    /// For the window of the peer, with the most samples that can be had; 1, or 0 without a context.
+    /// For the window of the peer, with the most samples that can be had, and none where no GPU draws; 1, or 0 without a context.
     int CreateMultiSampleGLContext();
+    bool IsDrawnByProcessor();
     /// For a window without native handle: off screen.
     bool CreatePixelContext();
     std::unique_ptr<CDC> CreatePixelDC(CSize size);
