@@ -1,5 +1,7 @@
 // A host as a user would write it: a quad in a scene, built, asked and released.
 
+#include <X11/Xlib.h>    // its macros are common words, and a host may include it first
+
 #include <cstdio>
 
 #include <3dzel.h>
