@@ -22,9 +22,13 @@ private:
     using C3DCommand::OnApplyCommand;
 };
 
-/// Disabled as long as the library has no sheet of preferences.
+/// Opens the sheet of preferences.
 class ZEL_API C3DPrefsCommand : public C3DCommand {
 public:
     C3DPrefsCommand();
     void UpdateState() override;
+    CommandResult OnApplyCommand() override;
+
+private:
+    using C3DCommand::OnApplyCommand;
 };
