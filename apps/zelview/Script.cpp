@@ -195,7 +195,7 @@ void Script::OnTimer(unsigned int id)
 {
     KillTimer(id);
     SetTimer(id + 1, PERIOD);
-    if (!m_busy && m_rest-- <= 0) {
+    if (!m_busy && timeGetTick() >= m_waitUntil && m_rest-- <= 0) {
         m_rest = REST;
         GoOn();
     }
@@ -333,9 +333,7 @@ std::string Script::Wait(const Words& words)
     const std::optional<int> milliseconds = words.size() == 2 ? ToNumber(words[1]) : std::nullopt;
     if (!milliseconds || *milliseconds < 0)
         return "wait idle|MILLISECONDS";
-    const auto end = timeGetTick() + static_cast<decltype(timeGetTick())>(*milliseconds);
-    while (timeGetTick() < end)
-        GetWindowSystem().PumpEvents();
+    m_waitUntil = timeGetTick() + *milliseconds;
     return "";
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <vector>
@@ -57,4 +58,5 @@ private:
     bool m_busy = false;           ///< a step runs that no other may run inside of
     bool m_failed = false;
     int m_rest = 0;
+    std::int64_t m_waitUntil = 0;    ///< milliseconds
 };
