@@ -99,7 +99,7 @@ std::optional<double> ReadNumber(const Text& text)
 /// A copy of the map's image, made smaller where it is larger than a square; null without one.
 std::unique_ptr<Bitmap> MakePicture(CMaterialMap& map, const C3DScene& scene, int side)
 {
-    const Bitmap* const image = map.GetBitmap(&scene, CSize(-1, -1));
+    const Bitmap* const image = map.GetBitmap(&scene, CSize{-1, -1});
     std::unique_ptr<Bitmap> picture(image ? image->ConvertToType(image->GetType()) : nullptr);
     if (!picture)
         return nullptr;
