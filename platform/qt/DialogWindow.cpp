@@ -83,8 +83,9 @@ void CDialogWindow::AddPages(QVBoxLayout& layout, const std::vector<CDialogTable
     m_tabs->setUsesScrollButtons(false);    // every page is seen: the sheet is as wide as its tabs
     for (const auto& [key, step] : {std::pair{Qt::Key_PageDown, 1}, std::pair{Qt::Key_PageUp, -1}}) {
         auto* const turn = new QShortcut(QKeySequence(Qt::CTRL | key), this);
-        QObject::connect(turn, &QShortcut::activated, this,
-                         [this, step] { m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + m_tabs->count()) % m_tabs->count()); });
+        QObject::connect(turn, &QShortcut::activated, this, [this, step = step] {
+            m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + m_tabs->count()) % m_tabs->count());
+        });
     }
     layout.addWidget(m_tabs, 1);
 }
