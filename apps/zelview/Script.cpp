@@ -17,8 +17,8 @@ namespace {
 
 using Text = CXTString<wchar_t>;
 
-constexpr unsigned int PERIOD = 1;    // milliseconds
-constexpr int REST = 4;               // periods between steps: what one has posted comes before the next
+constexpr unsigned int PERIOD = 1, PATIENCE = 20;    // milliseconds; the second while another program says nothing
+constexpr int REST = 4;                              // periods between steps: what one has posted comes before the next
 
 /// Splits at blanks; "…" keeps them, and \" is a quote in it. A '#' outside of quotes begins a comment.
 std::vector<std::string> Split(const std::string& line)
@@ -194,7 +194,7 @@ void Script::AddLine(const std::string& line)
 void Script::OnTimer(unsigned int id)
 {
     KillTimer(id);
-    SetTimer(id + 1, PERIOD);
+    SetTimer(id + 1, m_steps.empty() && m_input >= 0 ? PATIENCE : PERIOD);
     if (!m_busy && timeGetTick() >= m_waitUntil && m_rest-- <= 0) {
         m_rest = REST;
         GoOn();
@@ -240,6 +240,7 @@ void Script::Run(const Step& step)
     std::fprintf(stderr, "zelview: line %d: %s\n", step.line, trouble.c_str());
     m_failed = true;
     m_steps.clear();
+    m_input = -1;    // what another program would say next isn't heard any more
 }
 
 std::string Script::Open(const Words& words)
